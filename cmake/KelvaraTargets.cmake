@@ -1,0 +1,88 @@
+# How every target of the project is made: one compiler policy, one output layout, levels checked at each link.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+# moc cannot parse <concepts> when it is the first standard header that it meets, so let it pass over it.
+set(CMAKE_AUTOMOC_MOC_OPTIONS -D_GLIBCXX_CONCEPTS)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
+find_program(KELVARA_CCACHE ccache)
+if(KELVARA_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${KELVARA_CCACHE})
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+if(KELVARA_ASSERTIONS)
+    add_compile_options(-UNDEBUG)
+    set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
+endif()
+if(KELVARA_SANITIZE)
+    add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+endif()
+add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
+
+# Links `target` to `ARGN` after checking that each of our own targets among them has a lower level.
+function(kelvara_link target)
+    foreach(library IN LISTS ARGN)
+        if(DEFINED KELVARA_LEVEL_${library} AND DEFINED KELVARA_LEVEL_${target}
+           AND NOT KELVARA_LEVEL_${library} LESS KELVARA_LEVEL_${target})
+            message(FATAL_ERROR "${target} must not link ${library}: its level is not lower")
+        endif()
+    endforeach()
+    target_link_libraries(${target} PUBLIC ${ARGN})
+endfunction()
+
+function(kelvara_configure target)
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
+    cmake_parse_arguments(ARG "QT" "" "SOURCES;LINKS" ${ARGN})
+    target_sources(${target} PRIVATE ${ARG_SOURCES})
+    kelvara_link(${target} ${ARG_LINKS})
+    if(ARG_QT)
+        set_target_properties(${target} PROPERTIES AUTOMOC ON)
+    endif()
+endfunction()
+
+# kelvara_static(name [QT] SOURCES ... LINKS ...)
+function(kelvara_static target)
+    add_library(${target} STATIC)
+    kelvara_configure(${target} ${ARGN})
+endfunction()
+
+function(kelvara_shared target)
+    add_library(${target} SHARED)
+    kelvara_configure(${target} ${ARGN})
+endfunction()
+
+# A library that is only ever loaded at run time, under its given name, and exports the symbols of its version script alone.
+function(kelvara_module target exports)
+    add_library(${target} MODULE)
+    kelvara_configure(${target} ${ARGN})
+    set_target_properties(${target} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    if(NOT WIN32)
+        target_compile_options(${target} PRIVATE -fno-gnu-unique)
+        target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
+        set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
+    endif()
+endfunction()
+
+function(kelvara_program target)
+    add_executable(${target})
+    kelvara_configure(${target} ${ARGN})
+endfunction()
+
+# One test program; ctest runs it off-screen.
+function(kelvara_test target)
+    add_executable(${target})
+    kelvara_configure(${target} ${ARGN})
+    if("QT" IN_LIST ARGN)
+        target_link_libraries(${target} PRIVATE Qt6::Widgets Qt6::Test)
+    endif()
+    target_link_libraries(${target} PRIVATE GTest::gtest GTest::gmock)
+    add_test(NAME ${target} COMMAND ${target})
+    set_tests_properties(${target} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8" TIMEOUT 300)
+endfunction()
