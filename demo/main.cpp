@@ -1,0 +1,53 @@
+#include "demo/options.h"
+
+#include <chrono>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Says on the error stream what is being done, every few seconds, and only when it takes long.
+class ProgressLine {
+public:
+    void operator()(std::string_view work, std::uint64_t done, std::uint64_t total)
+    {
+        const auto now = Clock::now();
+        const bool isOften = total > 0 && now - m_last < std::chrono::seconds(5);
+        if (isOften || now - m_start < std::chrono::seconds(3))
+            return;
+        m_last = now;
+        std::cerr << work;
+        if (total > 0)
+            std::cerr << ' ' << done << " / " << total << "（" << done * 100 / total << "%）";
+        std::cerr << std::endl;
+    }
+
+private:
+    Clock::time_point m_start = Clock::now();
+    Clock::time_point m_last = m_start;
+};
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        const std::vector<std::string> arguments(argv + 1, argv + argc);
+        const auto options = demo::readOptions(arguments, demo::localNow());
+        if (options.wantsHelp) {
+            std::cout << demo::helpText;
+            return 0;
+        }
+        demo::generate(options.settings, ProgressLine());
+        std::cout << "已生成 " << options.settings.waybills << " 票运单：" << options.settings.path << std::endl;
+        return 0;
+    } catch (const std::exception &error) {
+        std::cerr << "kelvara-demo：" << error.what() << std::endl;
+        return 1;
+    }
+}
