@@ -1,0 +1,12 @@
+#pragma once
+
+#include "engine/gate/gate.h"
+
+namespace engine {
+
+/// Writes a statement that has passed the gate for SQLite, so that it means there what it means in Oracle.
+/// The helper functions it calls are those of sqlite/oracle_functions.h. Throws Error(Refused) for a use of rownum that
+/// SQLite cannot express.
+std::string sqliteText(std::string_view sql, const std::vector<gate::Finding> &findings);
+
+} // namespace engine

@@ -1,0 +1,50 @@
+#include "engine/gate/gate.h"
+
+#include "engine/engine.h"
+#include "engine/gate/lexer.h"
+#include "engine/gate/parser.h"
+
+#include <algorithm>
+
+namespace engine::gate {
+
+namespace {
+
+/// "第 2 行第 5 列": lines end with a line feed, columns count characters.
+std::string placeOf(std::string_view text, std::size_t position)
+{
+    const std::string_view before = text.substr(0, position);
+    const auto lines = std::count(before.begin(), before.end(), '\n');
+    const std::size_t lineBegin = before.rfind('\n') + 1;
+    const auto column
+        = std::count_if(before.begin() + std::ptrdiff_t(lineBegin), before.end(), [](char byte) { return (byte & 0xC0) != 0x80; });
+    return "第 " + std::to_string(lines + 1) + " 行第 " + std::to_string(column + 1) + " 列";
+}
+
+[[noreturn]] void refuse(const std::string &reason) { throw Error(Failure::Refused, "语句被拒绝：" + reason); }
+
+} // namespace
+
+std::vector<Finding> check(std::string_view sql, const TableSet &tables)
+{
+    if (sql.size() > largestStatement)
+        refuse("长度 " + std::to_string(sql.size()) + " 字节，超过 65536 字节的上限，请减少条件或单号");
+    try {
+        const std::vector<Token> tokens = tokensOf(sql);
+        if (tokens.size() == 1)
+            refuse("语句是空的，请先给出一条查询语句");
+        return Parser(sql, tokens, tables).run();
+    } catch (const Refusal &refusal) {
+        refuse(placeOf(sql, refusal.position()) + refusal.what());
+    }
+}
+
+std::string upperCase(std::string_view text)
+{
+    std::string upper(text);
+    std::transform(
+        upper.begin(), upper.end(), upper.begin(), [](char letter) { return letter >= 'a' && letter <= 'z' ? char(letter - 32) : letter; });
+    return upper;
+}
+
+} // namespace engine::gate

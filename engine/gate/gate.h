@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+/// The one authority over statements: nothing reaches a database that has not been read here from end to end.
+namespace engine::gate {
+
+constexpr std::size_t largestStatement = 64 * 1024; ///< bytes
+constexpr int deepestNesting = 200; ///< parentheses, subqueries, function calls and case expressions
+
+/// What a database other than Oracle may have to be told in another way, in the order of reading.
+enum class Construct : std::uint8_t {
+    EmptyText, ///< '' is null
+    NumberText, ///< a text literal that is compared with a number
+    Concat, ///< a whole a||b||...; `||` treats null as the empty text
+    ConcatSign, ///< one || of it
+    Division, ///< the sign; whole numbers divide to fractions
+    DatePlus, ///< a whole sum of a date and days
+    DateMinus, ///< a whole difference of a date and days, or of two dates
+    DateSign, ///< its + or -
+    FunctionName,
+    Sysdate,
+    ReservedName, ///< a name that is a reserved word elsewhere
+    SortKey, ///< ascending and without "nulls ...": nulls come last
+    SortKeyDescending, ///< likewise descending: nulls come first
+    FromDual, ///< the whole "from dual"
+    MinusWord, ///< the set operation
+    SingleValue, ///< the column of a scalar subquery that must not give a second row
+    UnnamedColumn, ///< a computed column of the result without an alias
+    RowCondition, ///< a "rownum <= n" of a where clause's conjunction
+    LimitedBlock, ///< the whole select of such a condition; `limit` is n
+    LimitedArm, ///< likewise, as one of several joined by set operations
+    Rownum, ///< any other use of rownum
+};
+
+struct Finding {
+    Construct construct;
+    std::uint32_t begin = 0; ///< bytes in the statement
+    std::uint32_t end = 0;
+    std::int64_t limit = 0;
+};
+
+/// Names of tables, in capitals.
+using TableSet = std::unordered_set<std::string>;
+
+/// Reads exactly one Oracle SELECT over the given tables. Takes time in proportion to its length.
+/// Throws engine::Error(Refused), which says what is wrong and where.
+std::vector<Finding> check(std::string_view sql, const TableSet &tables);
+
+std::string upperCase(std::string_view text);
+
+} // namespace engine::gate

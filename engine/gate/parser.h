@@ -1,0 +1,102 @@
+#pragma once
+
+#include "engine/gate/functions.h"
+#include "engine/gate/gate.h"
+#include "engine/gate/lexer.h"
+
+#include <algorithm>
+
+namespace engine::gate {
+
+/// A recursive-descent parser of the Oracle SELECT subset. Recursion grows with nesting alone, never with length.
+class Parser {
+public:
+    Parser(std::string_view text, const std::vector<Token> &tokens, const TableSet &tables);
+    /// Throws Refusal.
+    std::vector<Finding> run();
+
+private:
+    enum class Kind : std::uint8_t { Unknown, Number, Text, TextLiteral, Date };
+    enum class Place : std::uint8_t { Top, Derived, Scalar, Set }; ///< Set: the subquery of "in" or "exists"
+
+    struct Operand {
+        std::uint32_t begin = 0;
+        std::uint32_t end = 0;
+        Kind kind = Kind::Unknown;
+        bool computed = true; ///< anything but a plain column or star
+    };
+
+    /// One select, from "select" to what stands before the next set operation.
+    struct Block {
+        std::uint32_t begin = 0;
+        std::uint32_t end = 0;
+        Operand firstItem {};
+        int items = 0;
+        int rownums = 0; ///< not yet understood as a limit
+        std::int64_t limit = -1;
+        bool aggregate = false;
+        bool merged = false; ///< group by, having or distinct
+    };
+    class Nesting;
+
+    // queries
+    Operand parseSubquery(Place place);
+    Kind parseQuery(Place place);
+    Block parseBlock(Place place);
+    void parseSelectList(Block &block, Place place);
+    void parseItem(Block &block, Place place);
+    void parseFrom();
+    void parseTableList();
+    void parseJoinedTable();
+    void parseTable();
+    void parseOrderBy();
+    void parseSortKey();
+    void finishBlock(const Block &block, Place place);
+    void finishArm(const Block &block);
+    bool acceptSetOperation();
+    bool acceptJoin(bool &conditional);
+    void acceptTableAlias();
+
+    // conditions and expressions
+    Operand parseCondition(bool conjunction = false);
+    Operand parseConjunction(bool conjunction);
+    Operand parseNegation();
+    Operand parseComparison();
+    bool acceptTest(const Operand &left);
+    void parseInList(const Operand &left);
+    Operand parseSum();
+    Operand parseProduct();
+    Operand parseSign();
+    Operand parsePrimary();
+    Operand parseParenthesis();
+    Operand parseCase();
+    Operand parseName();
+    Operand parseCall(const Token &name);
+    Kind parseArguments(const Function &function, const Token &name);
+    Operand added(const Operand &left, const Token &sign, const Operand &right);
+    void takeRowCondition(std::size_t firstToken);
+    void compare(const Operand &left, const Operand &right);
+
+    // tokens
+    const Token &peek(std::size_t ahead = 0) const { return m_tokens[std::min(m_next + ahead, m_tokens.size() - 1)]; }
+    bool at(Symbol symbol) const { return m_tokens[m_next].symbol == symbol; }
+    bool accept(Symbol symbol);
+    const Token &take();
+    const Token &expect(Symbol symbol, std::string_view description);
+    std::uint32_t lastEnd() const { return m_tokens[m_next - 1].end; }
+    bool isName(Symbol symbol) const;
+    const Token &takeName(std::string_view description);
+    std::string_view textOf(const Token &token) const { return m_text.substr(token.begin, token.end - token.begin); }
+    void find(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit = 0);
+    [[noreturn]] void refuse(std::string_view expected) const;
+
+    std::string_view m_text;
+    const std::vector<Token> &m_tokens;
+    const TableSet &m_tables;
+    std::size_t m_next = 0;
+    int m_depth = 0;
+    Block *m_block = nullptr;
+    std::vector<Finding> m_findings;
+};
+
+} // namespace engine::gate

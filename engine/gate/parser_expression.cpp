@@ -1,0 +1,297 @@
+#include "engine/gate/nesting.h"
+
+#include <charconv>
+
+namespace engine::gate {
+
+/// Conditions joined by or. `conjunction`: of a where clause, whose conditions on rownum limit the rows.
+Parser::Operand Parser::parseCondition(bool conjunction)
+{
+    const std::int64_t limit = m_block->limit;
+    Operand condition = parseConjunction(conjunction);
+    if (at(Symbol::Or) && m_block->limit != limit)
+        find(Construct::Rownum, condition.begin, condition.end);
+    while (accept(Symbol::Or))
+        condition = { condition.begin, parseConjunction(false).end };
+    return condition;
+}
+
+Parser::Operand Parser::parseConjunction(bool conjunction)
+{
+    Operand result { .begin = peek().begin };
+    int conditions = 0;
+    do {
+        const std::size_t firstToken = m_next;
+        const Operand condition = parseNegation();
+        result = ++conditions == 1 ? condition : Operand { result.begin, condition.end };
+        if (conjunction)
+            takeRowCondition(firstToken);
+    } while (accept(Symbol::And));
+    return result;
+}
+
+/// rownum=1, rownum<=n and rownum<n, when the condition that begins at `firstToken` is one of them.
+void Parser::takeRowCondition(std::size_t firstToken)
+{
+    if (m_next - firstToken != 3 || m_tokens[firstToken].symbol != Symbol::Rownum)
+        return;
+    const Symbol sign = m_tokens[firstToken + 1].symbol;
+    const std::string_view number = textOf(m_tokens[firstToken + 2]);
+    std::int64_t limit = 0;
+    const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), limit);
+    if (error != std::errc() || end != number.data() + number.size())
+        return;
+    if (sign == Symbol::Less)
+        limit = std::max<std::int64_t>(limit - 1, 0);
+    else if (sign != Symbol::LessEqual && !(sign == Symbol::Equal && limit == 1))
+        return;
+    --m_block->rownums;
+    m_block->limit = m_block->limit < 0 ? limit : std::min(limit, m_block->limit);
+    find(Construct::RowCondition, m_tokens[firstToken].begin, lastEnd());
+}
+
+Parser::Operand Parser::parseNegation()
+{
+    if (!at(Symbol::Not))
+        return parseComparison();
+    const std::uint32_t begin = peek().begin;
+    while (accept(Symbol::Not)) { }
+    return { begin, parseComparison().end };
+}
+
+Parser::Operand Parser::parseComparison()
+{
+    if (at(Symbol::Exists)) {
+        const std::uint32_t begin = take().begin;
+        return { begin, parseSubquery(Place::Set).end };
+    }
+    const Operand left = parseSum();
+    if (peek().symbol >= Symbol::Equal && peek().symbol <= Symbol::GreaterEqual) {
+        take();
+        compare(left, parseSum());
+        return { left.begin, lastEnd() };
+    }
+    return acceptTest(left) ? Operand { left.begin, lastEnd() } : left;
+}
+
+/// is null, in, like and between.
+bool Parser::acceptTest(const Operand &left)
+{
+    if (accept(Symbol::Is)) {
+        accept(Symbol::Not);
+        expect(Symbol::Null, "null");
+        return true;
+    }
+    const bool negated = accept(Symbol::Not);
+    if (accept(Symbol::In)) {
+        parseInList(left);
+    } else if (accept(Symbol::Like)) {
+        parseSum();
+        if (accept(Symbol::Escape))
+            expect(Symbol::Text, "转义字符");
+    } else if (accept(Symbol::Between)) {
+        compare(left, parseSum());
+        expect(Symbol::And, "and");
+        compare(left, parseSum());
+    } else if (negated) {
+        refuse("in、like 或 between");
+    } else {
+        return false;
+    }
+    return true;
+}
+
+void Parser::parseInList(const Operand &left)
+{
+    if (peek(1).symbol == Symbol::Select) {
+        parseSubquery(Place::Set);
+        return;
+    }
+    const Nesting nesting(*this);
+    expect(Symbol::LeftParenthesis, "左括号");
+    do {
+        compare(left, parseSum());
+    } while (accept(Symbol::Comma));
+    expect(Symbol::RightParenthesis, "右括号");
+}
+
+/// Oracle compares a number with a text as numbers.
+void Parser::compare(const Operand &left, const Operand &right)
+{
+    if (left.kind == Kind::Number && right.kind == Kind::TextLiteral)
+        find(Construct::NumberText, right.begin, right.end);
+    if (left.kind == Kind::TextLiteral && right.kind == Kind::Number)
+        find(Construct::NumberText, left.begin, left.end);
+}
+
+/// Sums, differences and concatenations, which bind equally in Oracle.
+Parser::Operand Parser::parseSum()
+{
+    Operand left = parseProduct();
+    bool concatenation = false;
+    while (at(Symbol::Plus) || at(Symbol::Minus) || at(Symbol::Concat)) {
+        const Token &sign = take();
+        const Operand right = parseProduct();
+        if (sign.symbol == Symbol::Concat) {
+            concatenation = true;
+            find(Construct::ConcatSign, sign.begin, sign.end);
+            left = { left.begin, right.end, Kind::Text };
+            continue;
+        }
+        if (concatenation)
+            find(Construct::Concat, left.begin, left.end);
+        concatenation = false;
+        left = added(left, sign, right);
+    }
+    if (concatenation)
+        find(Construct::Concat, left.begin, left.end);
+    return left;
+}
+
+Parser::Operand Parser::added(const Operand &left, const Token &sign, const Operand &right)
+{
+    Operand sum { left.begin, right.end, Kind::Number };
+    if (left.kind != Kind::Date && right.kind != Kind::Date)
+        return sum;
+    const bool minus = sign.symbol == Symbol::Minus;
+    find(Construct::DateSign, sign.begin, sign.end);
+    find(minus ? Construct::DateMinus : Construct::DatePlus, sum.begin, sum.end);
+    sum.kind = minus && right.kind == Kind::Date ? Kind::Number : Kind::Date;
+    return sum;
+}
+
+Parser::Operand Parser::parseProduct()
+{
+    Operand left = parseSign();
+    while (at(Symbol::Star) || at(Symbol::Slash)) {
+        const Token &sign = take();
+        if (sign.symbol == Symbol::Slash)
+            find(Construct::Division, sign.begin, sign.end);
+        left = { left.begin, parseSign().end, Kind::Number };
+    }
+    return left;
+}
+
+Parser::Operand Parser::parseSign()
+{
+    if (!at(Symbol::Plus) && !at(Symbol::Minus))
+        return parsePrimary();
+    const std::uint32_t begin = peek().begin;
+    while (accept(Symbol::Plus) || accept(Symbol::Minus)) { }
+    return { begin, parsePrimary().end, Kind::Number };
+}
+
+Parser::Operand Parser::parsePrimary()
+{
+    const Token &token = peek();
+    switch (token.symbol) {
+    case Symbol::Number:
+        return take(), Operand { token.begin, token.end, Kind::Number };
+    case Symbol::Null:
+        return take(), Operand { token.begin, token.end };
+    case Symbol::LeftParenthesis:
+        return parseParenthesis();
+    case Symbol::Case:
+        return parseCase();
+    case Symbol::Text:
+        take();
+        if (token.end - token.begin > 2)
+            return { token.begin, token.end, Kind::TextLiteral };
+        find(Construct::EmptyText, token.begin, token.end);
+        return { token.begin, token.end };
+    case Symbol::Rownum:
+        ++m_block->rownums;
+        return take(), Operand { token.begin, token.end, Kind::Number };
+    case Symbol::Sysdate:
+        find(Construct::Sysdate, token.begin, token.end);
+        return take(), Operand { token.begin, token.end, Kind::Date };
+    default:
+        return parseName();
+    }
+}
+
+Parser::Operand Parser::parseParenthesis()
+{
+    if (peek(1).symbol == Symbol::Select)
+        return parseSubquery(Place::Scalar);
+    const Nesting nesting(*this);
+    const std::uint32_t begin = take().begin;
+    const Operand inner = parseCondition();
+    expect(Symbol::RightParenthesis, "右括号");
+    return { begin, lastEnd(), inner.kind == Kind::TextLiteral ? Kind::Text : inner.kind };
+}
+
+Parser::Operand Parser::parseCase()
+{
+    const Nesting nesting(*this);
+    const std::uint32_t begin = take().begin;
+    const bool simple = !at(Symbol::When);
+    const Operand subject = simple ? parseSum() : Operand {};
+    Kind kind = Kind::Unknown;
+    const auto parseResult = [&] {
+        if (const Operand result = parseSum(); result.kind == Kind::Number || result.kind == Kind::Date)
+            kind = result.kind;
+    };
+    while (accept(Symbol::When)) {
+        if (simple)
+            compare(subject, parseSum());
+        else
+            parseCondition();
+        expect(Symbol::Then, "then");
+        parseResult();
+    }
+    if (accept(Symbol::Else))
+        parseResult();
+    expect(Symbol::EndWord, "when、else 或 end");
+    return { begin, lastEnd(), kind };
+}
+
+Parser::Operand Parser::parseName()
+{
+    const Token &name = takeName("列名、数值或表达式");
+    if (at(Symbol::LeftParenthesis))
+        return parseCall(name);
+    if (accept(Symbol::Dot))
+        takeName("列名");
+    if (at(Symbol::Dot) || at(Symbol::LeftParenthesis))
+        refuse("“表.列”形式的列名");
+    return { name.begin, lastEnd(), Kind::Unknown, false };
+}
+
+Parser::Operand Parser::parseCall(const Token &name)
+{
+    const Function *const function = name.symbol == Symbol::Name ? functionNamed(textOf(name)) : nullptr;
+    if (function == nullptr)
+        throw Refusal(name.begin, "的函数“" + std::string(textOf(name)) + "”不在允许使用的函数之列");
+    const Nesting nesting(*this);
+    take();
+    find(Construct::FunctionName, name.begin, name.end);
+    m_block->aggregate |= function->aggregate;
+    const Kind kind = parseArguments(*function, name);
+    expect(Symbol::RightParenthesis, "右括号");
+    return { name.begin, lastEnd(), kind };
+}
+
+Parser::Kind Parser::parseArguments(const Function &function, const Token &name)
+{
+    constexpr Kind kinds[] = { Kind::Unknown, Kind::Number, Kind::Text, Kind::Date };
+    Kind kind = kinds[int(function.result)];
+    if (function.name == "COUNT" && accept(Symbol::Star))
+        return kind;
+    if (function.aggregate && !accept(Symbol::Distinct))
+        accept(Symbol::All);
+    int count = 0;
+    do {
+        const Operand argument = parseSum();
+        const bool isValue = function.name != "DECODE" || count >= 2;
+        if (function.result == FunctionResult::Argument && isValue && (argument.kind == Kind::Number || argument.kind == Kind::Date)
+            && kind == Kind::Unknown)
+            kind = argument.kind;
+        ++count;
+    } while (accept(Symbol::Comma));
+    if (count < function.fewest || count > function.most)
+        throw Refusal(name.begin, "的函数“" + std::string(textOf(name)) + "”参数个数有误");
+    return kind;
+}
+
+} // namespace engine::gate

@@ -1,0 +1,317 @@
+#include "engine/gate/nesting.h"
+
+namespace engine::gate {
+
+Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const TableSet &tables)
+    : m_text(text)
+    , m_tokens(tokens)
+    , m_tables(tables)
+{
+    m_findings.reserve(64);
+}
+
+std::vector<Finding> Parser::run()
+{
+    if (!at(Symbol::Select))
+        throw Refusal(peek().begin, "的“" + std::string(textOf(peek())) + "”不允许使用，只允许以 select 开头的查询语句");
+    parseQuery(Place::Top);
+    if (!at(Symbol::End))
+        refuse("语句到此结束");
+    return std::move(m_findings);
+}
+
+/// A subquery with its parentheses.
+Parser::Operand Parser::parseSubquery(Place place)
+{
+    const Nesting nesting(*this);
+    const Token &open = expect(Symbol::LeftParenthesis, "左括号");
+    if (!at(Symbol::Select))
+        refuse("select");
+    const Kind kind = parseQuery(place);
+    expect(Symbol::RightParenthesis, "右括号");
+    return { open.begin, lastEnd(), kind };
+}
+
+Parser::Kind Parser::parseQuery(Place place)
+{
+    Block *const outer = m_block;
+    Block first = parseBlock(place);
+    m_block = &first;
+    bool onlyArm = true;
+    while (acceptSetOperation()) {
+        if (onlyArm)
+            finishArm(first);
+        onlyArm = false;
+        if (!at(Symbol::Select))
+            refuse("select");
+        finishArm(parseBlock(Place::Derived));
+    }
+    const int rownums = first.rownums;
+    if (accept(Symbol::Order))
+        parseOrderBy();
+    first.end = onlyArm ? lastEnd() : first.end;
+    if (onlyArm)
+        finishBlock(first, place);
+    else if (first.rownums != rownums)
+        find(Construct::Rownum, first.begin, first.end);
+    m_block = outer;
+    return first.firstItem.kind;
+}
+
+bool Parser::acceptSetOperation()
+{
+    if (accept(Symbol::Union)) {
+        accept(Symbol::All);
+        return true;
+    }
+    if (at(Symbol::MinusWord))
+        find(Construct::MinusWord, peek().begin, peek().end);
+    return accept(Symbol::MinusWord) || accept(Symbol::Intersect);
+}
+
+Parser::Block Parser::parseBlock(Place place)
+{
+    Block block { .begin = take().begin };
+    Block *const outer = m_block;
+    m_block = &block;
+    block.merged = accept(Symbol::Distinct);
+    if (!block.merged)
+        accept(Symbol::All);
+    parseSelectList(block, place);
+    parseFrom();
+    if (accept(Symbol::Where))
+        parseCondition(true);
+    if (accept(Symbol::Group)) {
+        block.merged = true;
+        expect(Symbol::By, "by");
+        do {
+            parseSum();
+        } while (accept(Symbol::Comma));
+    }
+    if (accept(Symbol::Having)) {
+        block.merged = true;
+        parseCondition();
+    }
+    block.end = lastEnd();
+    m_block = outer;
+    return block;
+}
+
+void Parser::parseSelectList(Block &block, Place place)
+{
+    do {
+        parseItem(block, place);
+    } while (accept(Symbol::Comma));
+}
+
+void Parser::parseItem(Block &block, Place place)
+{
+    ++block.items;
+    const bool qualified = isName(peek().symbol) && peek(1).symbol == Symbol::Dot && peek(2).symbol == Symbol::Star;
+    if (at(Symbol::Star) || qualified) {
+        ++block.items; // A star stands for any number of columns.
+        if (qualified) {
+            takeName("名称");
+            take();
+        }
+        take();
+        return;
+    }
+    const Operand item = parseSum();
+    if (block.items == 1)
+        block.firstItem = item;
+    if (accept(Symbol::As) || isName(peek().symbol))
+        takeName("列的别名");
+    else if (place == Place::Top && item.computed)
+        find(Construct::UnnamedColumn, item.begin, item.end);
+}
+
+void Parser::parseFrom()
+{
+    const Token &from = expect(Symbol::From, "from");
+    const bool dual = at(Symbol::Name) && upperCase(textOf(peek())) == "DUAL" && !m_tables.contains("DUAL");
+    if (!dual)
+        return parseTableList();
+    take();
+    acceptTableAlias();
+    if (at(Symbol::Comma))
+        refuse("只有 dual 一个表");
+    find(Construct::FromDual, from.begin, lastEnd());
+}
+
+void Parser::parseTableList()
+{
+    do {
+        parseJoinedTable();
+    } while (accept(Symbol::Comma));
+}
+
+void Parser::parseJoinedTable()
+{
+    parseTable();
+    bool conditional = false;
+    while (acceptJoin(conditional)) {
+        parseTable();
+        if (conditional && accept(Symbol::On)) {
+            parseCondition();
+        } else if (conditional) {
+            expect(Symbol::Using, "on 或 using");
+            expect(Symbol::LeftParenthesis, "左括号");
+            do {
+                takeName("列名");
+            } while (accept(Symbol::Comma));
+            expect(Symbol::RightParenthesis, "右括号");
+        }
+    }
+}
+
+/// The words of a join; `conditional` tells whether on or using must follow the table.
+bool Parser::acceptJoin(bool &conditional)
+{
+    const bool natural = accept(Symbol::Natural);
+    const bool cross = !natural && accept(Symbol::Cross);
+    conditional = !natural && !cross;
+    bool kind = natural || cross;
+    if (!cross && accept(Symbol::Inner)) {
+        kind = true;
+    } else if (!cross && (accept(Symbol::Left) || accept(Symbol::Right) || accept(Symbol::Full))) {
+        kind = true;
+        accept(Symbol::Outer);
+    }
+    if (!kind)
+        return accept(Symbol::Join);
+    expect(Symbol::Join, "join");
+    return true;
+}
+
+void Parser::parseTable()
+{
+    if (at(Symbol::LeftParenthesis) && peek(1).symbol == Symbol::Select) {
+        parseSubquery(Place::Derived);
+        return acceptTableAlias();
+    }
+    if (at(Symbol::LeftParenthesis)) {
+        const Nesting nesting(*this);
+        take();
+        parseTableList();
+        expect(Symbol::RightParenthesis, "右括号");
+        return;
+    }
+    const Token &name = takeName("表名");
+    std::string table = upperCase(textOf(name));
+    if (name.symbol == Symbol::QuotedName)
+        table = table.substr(1, table.size() - 2);
+    if (!m_tables.contains(table))
+        throw Refusal(name.begin, "的表“" + table + "”不在允许查询的表之列");
+    acceptTableAlias();
+}
+
+void Parser::acceptTableAlias()
+{
+    if (accept(Symbol::As) || isName(peek().symbol))
+        takeName("表的别名");
+}
+
+void Parser::parseOrderBy()
+{
+    expect(Symbol::By, "by");
+    do {
+        parseSortKey();
+    } while (accept(Symbol::Comma));
+}
+
+void Parser::parseSortKey()
+{
+    const std::uint32_t begin = parseSum().begin;
+    const bool descending = accept(Symbol::Desc);
+    if (!descending)
+        accept(Symbol::Asc);
+    if (accept(Symbol::Nulls)) {
+        if (!accept(Symbol::First) && !accept(Symbol::Last))
+            refuse("first 或 last");
+        return;
+    }
+    find(descending ? Construct::SortKeyDescending : Construct::SortKey, begin, lastEnd());
+}
+
+void Parser::finishBlock(const Block &block, Place place)
+{
+    const bool limited = block.limit >= 0;
+    const bool rowByRow = !block.aggregate && !block.merged;
+    if (block.rownums > 0 || (limited && !rowByRow))
+        find(Construct::Rownum, block.begin, block.end);
+    else if (limited)
+        find(Construct::LimitedBlock, block.begin, block.end, block.limit);
+    else if (place == Place::Scalar && rowByRow && block.items == 1)
+        find(Construct::SingleValue, block.firstItem.begin, block.firstItem.end);
+}
+
+void Parser::finishArm(const Block &block)
+{
+    if (block.rownums > 0 || (block.limit >= 0 && (block.aggregate || block.merged)))
+        find(Construct::Rownum, block.begin, block.end);
+    else if (block.limit >= 0)
+        find(Construct::LimitedArm, block.begin, block.end, block.limit);
+}
+
+bool Parser::accept(Symbol symbol)
+{
+    if (!at(symbol))
+        return false;
+    ++m_next;
+    return true;
+}
+
+/// The next token; the End token is never passed.
+const Token &Parser::take()
+{
+    const Token &token = m_tokens[m_next];
+    if (token.symbol != Symbol::End)
+        ++m_next;
+    return token;
+}
+
+const Token &Parser::expect(Symbol symbol, std::string_view description)
+{
+    if (!at(symbol))
+        refuse(description);
+    return take();
+}
+
+bool Parser::isName(Symbol symbol) const
+{
+    switch (symbol) {
+    case Symbol::Name:
+    case Symbol::QuotedName:
+    case Symbol::First:
+    case Symbol::Last:
+    case Symbol::Nulls:
+    case Symbol::ReservedElsewhere:
+        return true;
+    default:
+        return false;
+    }
+}
+
+const Token &Parser::takeName(std::string_view description)
+{
+    if (!isName(peek().symbol))
+        refuse(description);
+    if (at(Symbol::ReservedElsewhere))
+        find(Construct::ReservedName, peek().begin, peek().end);
+    return take();
+}
+
+void Parser::find(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit)
+{
+    m_findings.push_back({ construct, begin, end, limit });
+}
+
+void Parser::refuse(std::string_view expected) const
+{
+    const Token &token = peek();
+    const std::string found = token.symbol == Symbol::End ? "语句提前结束" : "的“" + std::string(textOf(token)).substr(0, 40) + "”不合语法";
+    throw Refusal(token.begin, found + "，此处应为" + std::string(expected));
+}
+
+} // namespace engine::gate

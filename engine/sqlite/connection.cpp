@@ -1,0 +1,178 @@
+#include "engine/sqlite/connection.h"
+
+#include "engine/gate/functions.h"
+#include "engine/sqlite/oracle_functions.h"
+#include "engine/sqlite/row_reader.h"
+
+#include <algorithm>
+#include <thread>
+
+namespace engine {
+
+namespace {
+
+constexpr int stepsBetweenChecks = 1000;
+constexpr std::int64_t rowsBetweenReports = 8192;
+
+/// Functions that the dialect writes and a statement cannot name.
+constexpr std::string_view helperFunctions[]
+    = { "oracle_concat", "oracle_date_plus", "oracle_date_minus", "oracle_single", "ifnull", "datetime", "like" };
+
+void lowerLimits(sqlite3 *database)
+{
+    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, 64 * 1024 * 1024);
+    sqlite3_limit(database, SQLITE_LIMIT_SQL_LENGTH, 4 * int(gate::largestStatement));
+    sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_limit(database, SQLITE_LIMIT_TRIGGER_DEPTH, 1);
+    sqlite3_limit(database, SQLITE_LIMIT_VARIABLE_NUMBER, 1);
+    sqlite3_limit(database, SQLITE_LIMIT_WORKER_THREADS, 0);
+}
+
+} // namespace
+
+SqliteConnection::SqliteConnection(const std::string &path)
+    : m_path(path)
+{
+    sqlite3 *database = nullptr;
+    const int result = sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
+    m_database.reset(database);
+    if (result != SQLITE_OK)
+        throw Error(Failure::Unavailable,
+            "无法打开数据库 " + path + "：" + (database ? sqlite3_errmsg(database) : "内存不足") + "；请检查路径是否正确、文件是否存在");
+    configure();
+}
+
+SqliteConnection::~SqliteConnection() = default;
+
+void SqliteConnection::configure()
+{
+    sqlite3 *const database = m_database.get();
+    sqlite3_extended_result_codes(database, 1);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_ENABLE_FTS3_TOKENIZER, 0, nullptr);
+    // A quoted name that is no column is an error, not a text.
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    constexpr auto settings = "pragma query_only=1; pragma case_sensitive_like=1; pragma mmap_size=1073741824; pragma cache_size=-65536;";
+    sqlite3_exec(database, settings, nullptr, nullptr, nullptr);
+    lowerLimits(database);
+    registerOracleFunctions(database);
+    sqlite3_busy_handler(database, onBusy, this);
+    sqlite3_progress_handler(database, stepsBetweenChecks, onProgress, this);
+}
+
+gate::TableSet SqliteConnection::readTables()
+{
+    gate::TableSet tables;
+    const auto addTable = [](void *set, int, char **values, char **) {
+        static_cast<gate::TableSet *>(set)->insert(gate::upperCase(values[0]));
+        return 0;
+    };
+    const char *const sql = "select name from sqlite_schema where type in ('table','view') and name not like 'sqlite!_%' escape '!'";
+    if (sqlite3_exec(m_database.get(), sql, addTable, &tables, nullptr) != SQLITE_OK)
+        throw Error(Failure::Unavailable, "文件 " + m_path + " 不是可用的数据库：" + sqlite3_errmsg(m_database.get()) + "；请检查文件");
+    return tables;
+}
+
+void SqliteConnection::restrictTo(const gate::TableSet &tables)
+{
+    m_tables = &tables;
+    sqlite3_set_authorizer(m_database.get(), authorize, this);
+}
+
+packet::PacketPtr SqliteConnection::run(const std::string &sql, const QueryOptions &options, Clock::time_point deadline)
+{
+    m_stop = options.stop;
+    m_deadline = deadline;
+    if (mustStop())
+        fail();
+    const Statement statement = prepare(sql);
+    return readRows(statement.get(), options);
+}
+
+SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
+{
+    sqlite3_stmt *prepared = nullptr;
+    const char *tail = nullptr;
+    const int result = sqlite3_prepare_v2(m_database.get(), sql.c_str(), int(sql.size()) + 1, &prepared, &tail);
+    Statement statement(prepared);
+    if (result != SQLITE_OK)
+        fail();
+    const std::string_view rest(tail, std::size_t(sql.c_str() + sql.size() - tail));
+    if (!statement || !sqlite3_stmt_readonly(prepared) || sqlite3_column_count(prepared) == 0
+        || rest.find_first_not_of(" \t\r\n") != std::string_view::npos)
+        throw Error(Failure::Refused, "语句被拒绝：数据库没有把它读成一条查询语句，请检查语句");
+    return statement;
+}
+
+packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, const QueryOptions &options)
+{
+    SqliteRowReader reader(statement);
+    std::int64_t rows = 0;
+    while (step(statement) == SQLITE_ROW) {
+        if (rows == options.rowLimit)
+            return reader.finish(true);
+        reader.addRow();
+        if (++rows % rowsBetweenReports == 0 && options.progress)
+            options.progress(rows);
+    }
+    if (options.progress)
+        options.progress(rows);
+    return reader.finish(false);
+}
+
+int SqliteConnection::step(sqlite3_stmt *statement)
+{
+    const int result = sqlite3_step(statement);
+    if (result != SQLITE_ROW && result != SQLITE_DONE)
+        fail();
+    return result;
+}
+
+/// Reports why the statement did not go on.
+void SqliteConnection::fail()
+{
+    if (m_stop.stop_requested())
+        throw Error(Failure::Cancelled, "查询已取消");
+    if (Clock::now() >= m_deadline)
+        throw Error(Failure::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
+    const int code = sqlite3_errcode(m_database.get()) & 0xFF;
+    const std::string words = sqlite3_errmsg(m_database.get());
+    if (code == SQLITE_NOTADB || code == SQLITE_CORRUPT || code == SQLITE_CANTOPEN || code == SQLITE_IOERR)
+        throw Error(Failure::Unavailable, "数据库 " + m_path + " 无法读取：" + words);
+    throw Error(Failure::Database, "数据库报告错误：" + words);
+}
+
+bool SqliteConnection::mustStop() const { return m_stop.stop_requested() || Clock::now() >= m_deadline; }
+
+int SqliteConnection::onProgress(void *connection) { return static_cast<SqliteConnection *>(connection)->mustStop(); }
+
+/// While another program writes, the statement waits as long as its own limits allow.
+int SqliteConnection::onBusy(void *connection, int)
+{
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return !static_cast<const SqliteConnection *>(connection)->mustStop();
+}
+
+int SqliteConnection::authorize(void *connection, int action, const char *first, const char *second, const char *, const char *)
+{
+    return static_cast<const SqliteConnection *>(connection)->authorizeAction(action, first, second);
+}
+
+int SqliteConnection::authorizeAction(int action, const char *first, const char *second) const
+{
+    if (action == SQLITE_SELECT)
+        return SQLITE_OK;
+    if (action == SQLITE_READ)
+        return m_tables->contains(gate::upperCase(first)) ? SQLITE_OK : SQLITE_DENY;
+    if (action == SQLITE_FUNCTION) {
+        const auto isNamed = [second](std::string_view helper) { return helper == second; };
+        const bool helper = std::any_of(std::begin(helperFunctions), std::end(helperFunctions), isNamed);
+        return helper || gate::functionNamed(second) != nullptr ? SQLITE_OK : SQLITE_DENY;
+    }
+    return SQLITE_DENY;
+}
+
+} // namespace engine

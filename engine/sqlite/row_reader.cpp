@@ -1,0 +1,167 @@
+#include "engine/sqlite/row_reader.h"
+
+#include "engine/engine.h"
+#include "engine/gate/gate.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace engine {
+
+namespace {
+
+using packet::ColumnType;
+
+constexpr int widestInt64 = 18; ///< digits
+constexpr std::size_t batchBytes = 128 * 1024;
+
+/// "NUMBER(10,2)": whole numbers of up to 18 digits are Int64, all others Decimal.
+ColumnType numberType(std::string_view declared)
+{
+    const std::size_t open = declared.find('(');
+    if (open == std::string_view::npos)
+        return ColumnType::Decimal;
+    int digits = 0;
+    int scale = 0;
+    const char *const end = declared.data() + declared.size();
+    const auto [rest, error] = std::from_chars(declared.data() + open + 1, end, digits);
+    if (error == std::errc() && rest != end && *rest == ',')
+        std::from_chars(rest + 1, end, scale);
+    return error == std::errc() && scale == 0 && digits <= widestInt64 ? ColumnType::Int64 : ColumnType::Decimal;
+}
+
+std::optional<ColumnType> typeOf(const char *declared)
+{
+    if (declared == nullptr)
+        return std::nullopt;
+    const std::string type = gate::upperCase(declared);
+    const auto begins = [&type](std::string_view prefix) { return type.starts_with(prefix); };
+    if (begins("DATE") || begins("TIMESTAMP"))
+        return ColumnType::Timestamp;
+    if (begins("NUMBER") || begins("NUMERIC") || begins("DECIMAL"))
+        return numberType(type);
+    if (begins("INT"))
+        return ColumnType::Int64;
+    if (begins("VARCHAR") || begins("NVARCHAR") || begins("CHAR") || begins("NCHAR") || begins("CLOB") || begins("TEXT"))
+        return ColumnType::Text;
+    return std::nullopt;
+}
+
+std::vector<packet::Builder::Column> columnsOf(sqlite3_stmt *statement)
+{
+    std::vector<packet::Builder::Column> columns;
+    for (int column = 0; column < sqlite3_column_count(statement); ++column)
+        columns.push_back({ gate::upperCase(sqlite3_column_name(statement, column)), typeOf(sqlite3_column_decltype(statement, column)) });
+    return columns;
+}
+
+} // namespace
+
+SqliteRowReader::Source SqliteRowReader::sourceOf(const packet::Builder::Column &column)
+{
+    if (!column.type)
+        return Source::Computed;
+    return *column.type == ColumnType::Text || *column.type == ColumnType::Timestamp ? Source::Text : Source::Number;
+}
+
+SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement)
+    : m_statement(statement)
+    , m_builder(columnsOf(statement))
+{
+    for (const packet::Builder::Column &column : columnsOf(statement))
+        m_sources.push_back(sourceOf(column));
+}
+
+void SqliteRowReader::addRow()
+{
+    const std::size_t count = m_sources.size();
+    for (std::size_t column = 0; column < count; ++column) {
+        sqlite3_value *const value = sqlite3_column_value(m_statement, int(column));
+        if (m_sources[column] == Source::Text)
+            gatherText(value);
+        else
+            gather(value);
+    }
+    if (m_batch.size() < batchBytes)
+        return;
+    if (!m_worker)
+        m_worker.emplace([this](const RowBatch &batch) { build(batch); });
+    m_worker->exchange(m_batch);
+}
+
+packet::PacketPtr SqliteRowReader::finish(bool truncated)
+{
+    if (m_worker)
+        m_worker->finish();
+    build(m_batch);
+    return m_builder.finish(truncated);
+}
+
+inline void SqliteRowReader::gatherText(sqlite3_value *value)
+{
+    // The bytes, unlike the text, need no terminating zero; those of null are none.
+    const auto *bytes = static_cast<const char *>(sqlite3_value_blob(value));
+    if (bytes == nullptr)
+        m_batch.addNull();
+    else
+        m_batch.addText(std::string_view(bytes, std::size_t(sqlite3_value_bytes(value))));
+}
+
+inline void SqliteRowReader::gather(sqlite3_value *value)
+{
+    switch (sqlite3_value_type(value)) {
+    case SQLITE_NULL:
+        return m_batch.addNull();
+    case SQLITE_INTEGER:
+        return m_batch.addInteger(sqlite3_value_int64(value));
+    case SQLITE_FLOAT:
+        return m_batch.addDouble(sqlite3_value_double(value));
+    default:
+        return gatherText(value);
+    }
+}
+
+void SqliteRowReader::build(const RowBatch &batch)
+try {
+    for (RowBatch::Reader reader(batch); !reader.atEnd(); m_builder.endRow()) {
+        for (std::size_t column = 0; column < m_sources.size(); ++column) {
+            switch (reader.kind()) {
+            case RowBatch::Kind::Null:
+                m_builder.addNull(column);
+                break;
+            case RowBatch::Kind::Integer:
+                m_builder.addInteger(column, reader.number<std::int64_t>());
+                break;
+            case RowBatch::Kind::Double:
+                addDouble(column, reader.number<double>());
+                break;
+            case RowBatch::Kind::Text:
+                m_builder.addText(column, reader.text());
+                break;
+            }
+        }
+    }
+} catch (const std::logic_error &error) {
+    throw Error(Failure::Database, error.what());
+}
+
+/// SQLite computes in binary fractions. What differs from a number of four digits after the point by no more than their error
+/// is that number; of anything else 15 digits are certain.
+void SqliteRowReader::addDouble(std::size_t column, double value)
+{
+    if (m_sources[column] != Source::Computed)
+        return m_builder.addDouble(column, value);
+    constexpr double unit = 10000;
+    const double moved = value * unit;
+    const double whole = std::nearbyint(moved);
+    if (std::fabs(moved) < 1e15 && std::fabs(moved - whole) < 1e-4)
+        return m_builder.addDecimal(column, { std::int64_t(whole), 4 });
+    char digits[32];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific, 14);
+    const auto decimal = packet::Decimal::parse(std::string_view(digits, std::size_t(end - digits)));
+    if (!decimal)
+        throw std::invalid_argument("ORA-01426: 数字溢出");
+    m_builder.addDecimal(column, *decimal);
+}
+
+} // namespace engine

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "engine/sqlite/batch_worker.h"
+
+#include "packet/builder.h"
+
+#include <sqlite3.h>
+
+#include <optional>
+
+namespace engine {
+
+/// Brings the rows of a SQLite statement into a packet. Declared types are read as Oracle's: DATE, NUMBER(p,s), VARCHAR2(n).
+/// SQLite takes more time for a row than the packet does; results of more than a batch are therefore built on a second thread.
+class SqliteRowReader {
+public:
+    explicit SqliteRowReader(sqlite3_stmt *statement);
+    /// The row that the statement stands on. Throws Error(Database) when a value of this or of an earlier row does not fit the
+    /// type of its column.
+    void addRow();
+    packet::PacketPtr finish(bool truncated);
+
+private:
+    enum class Source : std::uint8_t {
+        Computed, ///< any kind of value
+        Number, ///< of a column declared so
+        Text, ///< of a column that holds texts alone
+    };
+    static Source sourceOf(const packet::Builder::Column &column);
+    void gatherText(sqlite3_value *value);
+    void gather(sqlite3_value *value);
+    void build(const RowBatch &batch);
+    void addDouble(std::size_t column, double value);
+
+    sqlite3_stmt *m_statement;
+    std::vector<Source> m_sources;
+    packet::Builder m_builder;
+    RowBatch m_batch {};
+    std::optional<BatchWorker> m_worker; ///< the last member: it stops before the builder goes
+};
+
+} // namespace engine

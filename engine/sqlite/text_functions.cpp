@@ -1,0 +1,153 @@
+#include "engine/sqlite/function_support.h"
+
+#include <algorithm>
+
+namespace engine::functions {
+
+namespace {
+
+bool anyNull(Arguments arguments) { return std::any_of(arguments.begin(), arguments.end(), isNull); }
+
+void concat(sqlite3_context *context, Arguments arguments)
+{
+    std::string text;
+    for (sqlite3_value *value : arguments)
+        text += textOf(value);
+    setText(context, text);
+}
+
+void substr(sqlite3_context *context, Arguments arguments)
+{
+    if (anyNull(arguments))
+        return;
+    const std::u32string text = charactersOf(arguments[0]);
+    const auto size = std::int64_t(text.size());
+    std::int64_t begin = integerOf(arguments[1]);
+    begin = begin > 0 ? begin - 1 : begin < 0 ? size + begin : 0;
+    const std::int64_t count = arguments.size() > 2 ? std::min(integerOf(arguments[2]), size) : size;
+    if (begin >= 0 && begin < size && count > 0)
+        setCharacters(context, std::u32string_view(text).substr(std::size_t(begin), std::size_t(count)));
+}
+
+/// Oracle counts from the end when the position is negative, and then searches backwards.
+void instr(sqlite3_context *context, Arguments arguments)
+{
+    if (anyNull(arguments))
+        return;
+    const std::u32string text = charactersOf(arguments[0]);
+    const std::u32string part = charactersOf(arguments[1]);
+    const std::int64_t start = arguments.size() > 2 ? integerOf(arguments[2]) : 1;
+    std::int64_t occurrence = arguments.size() > 3 ? integerOf(arguments[3]) : 1;
+    if (occurrence < 1)
+        throw OracleError("ORA-01428: 参数 " + std::to_string(occurrence) + " 超出范围");
+    const auto size = std::int64_t(text.size());
+    const std::int64_t step = start < 0 ? -1 : 1;
+    for (std::int64_t position = start < 0 ? size + start : start - 1; start != 0 && position >= 0 && position < size; position += step) {
+        if (text.compare(std::size_t(position), part.size(), part) == 0 && --occurrence == 0)
+            return sqlite3_result_int64(context, position + 1);
+    }
+    sqlite3_result_int64(context, 0);
+}
+
+void trimmed(sqlite3_context *context, Arguments arguments, bool left, bool right)
+{
+    if (anyNull(arguments))
+        return;
+    const std::u32string text = charactersOf(arguments[0]);
+    const std::u32string set = arguments.size() > 1 ? charactersOf(arguments[1]) : U" ";
+    std::u32string_view kept = text;
+    while (left && !kept.empty() && set.find(kept.front()) != std::u32string::npos)
+        kept.remove_prefix(1);
+    while (right && !kept.empty() && set.find(kept.back()) != std::u32string::npos)
+        kept.remove_suffix(1);
+    setCharacters(context, kept);
+}
+
+void trim(sqlite3_context *context, Arguments arguments) { trimmed(context, arguments, true, true); }
+void ltrim(sqlite3_context *context, Arguments arguments) { trimmed(context, arguments, true, false); }
+void rtrim(sqlite3_context *context, Arguments arguments) { trimmed(context, arguments, false, true); }
+
+void replace(sqlite3_context *context, Arguments arguments)
+{
+    std::string text = textOf(arguments[0]);
+    const std::string wanted = textOf(arguments[1]);
+    const std::string with = arguments.size() > 2 ? textOf(arguments[2]) : std::string();
+    for (std::size_t found = wanted.empty() ? std::string::npos : text.find(wanted); found != std::string::npos;
+         found = text.find(wanted, found + with.size())) {
+        text.replace(found, wanted.size(), with);
+        if (text.size() > 4000 * 1000)
+            throw OracleError("ORA-01489: 字符串连接的结果过长");
+    }
+    setText(context, text);
+}
+
+bool isNumber(sqlite3_value *value) { return sqlite3_value_type(value) == SQLITE_INTEGER || sqlite3_value_type(value) == SQLITE_FLOAT; }
+
+/// Values are compared as the first of them is: as numbers or as texts.
+std::strong_ordering compared(sqlite3_value *left, sqlite3_value *right, bool numbers)
+{
+    if (numbers)
+        return numberOf(left) <=> numberOf(right);
+    return textOf(left).compare(textOf(right)) <=> 0;
+}
+
+bool same(sqlite3_value *left, sqlite3_value *right)
+{
+    if (isNull(left) || isNull(right))
+        return isNull(left) && isNull(right);
+    return compared(left, right, isNumber(left) || isNumber(right)) == 0;
+}
+
+void decode(sqlite3_context *context, Arguments arguments)
+{
+    std::size_t position = 1;
+    for (; position + 1 < arguments.size(); position += 2) {
+        if (same(arguments[0], arguments[position]))
+            return sqlite3_result_value(context, arguments[position + 1]);
+    }
+    if (position < arguments.size())
+        sqlite3_result_value(context, arguments[position]);
+}
+
+void nvl2(sqlite3_context *context, Arguments arguments) { sqlite3_result_value(context, arguments[isNull(arguments[0]) ? 2 : 1]); }
+
+void extreme(sqlite3_context *context, Arguments arguments, bool greatest)
+{
+    if (anyNull(arguments))
+        return;
+    sqlite3_value *best = arguments[0];
+    const bool numbers = isNumber(best);
+    for (sqlite3_value *value : arguments.subspan(1)) {
+        const auto order = compared(value, best, numbers);
+        if (greatest ? order > 0 : order < 0)
+            best = value;
+    }
+    sqlite3_result_value(context, best);
+}
+
+void greatest(sqlite3_context *context, Arguments arguments) { extreme(context, arguments, true); }
+void least(sqlite3_context *context, Arguments arguments) { extreme(context, arguments, false); }
+
+} // namespace
+
+void addTextFunctions(sqlite3 *database)
+{
+    add(database, "oracle_concat", -1, concat);
+    add(database, "substr", 2, substr);
+    add(database, "substr", 3, substr);
+    for (int arguments = 2; arguments <= 4; ++arguments)
+        add(database, "instr", arguments, instr);
+    add(database, "trim", 1, trim);
+    add(database, "ltrim", 1, ltrim);
+    add(database, "ltrim", 2, ltrim);
+    add(database, "rtrim", 1, rtrim);
+    add(database, "rtrim", 2, rtrim);
+    add(database, "replace", 2, replace);
+    add(database, "replace", 3, replace);
+    add(database, "decode", -1, decode);
+    add(database, "nvl2", 3, nvl2);
+    add(database, "greatest", -1, greatest);
+    add(database, "least", -1, least);
+}
+
+} // namespace engine::functions

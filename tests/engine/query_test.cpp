@@ -1,0 +1,176 @@
+#include "support.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <fstream>
+#include <thread>
+
+namespace {
+
+using namespace engine;
+using namespace engine::test;
+using namespace std::chrono_literals;
+using testing::HasSubstr;
+
+/// A billion rows, counted one by one: it runs until it is stopped.
+constexpr const char *endless = "select count(*) from NUMBERS a,NUMBERS b,NUMBERS c where a.N+b.N+c.N<0";
+
+class Query : public testing::Test {
+protected:
+    static std::string numbers()
+    {
+        std::string sql = "create table NUMBERS (N NUMBER(6)); create table SECRET (X VARCHAR2(9)); begin;";
+        for (int number = 0; number < 1000; ++number)
+            sql += "insert into NUMBERS values (" + std::to_string(number) + ");";
+        return sql + "commit;";
+    }
+
+    TemporaryDatabase m_database { numbers() };
+};
+
+TEST_F(Query, StopsWithinMilliseconds)
+{
+    const auto engine = openEngine(m_database.url());
+    std::stop_source source;
+    std::jthread stopper([&source] {
+        std::this_thread::sleep_for(50ms);
+        source.request_stop();
+    });
+    const Outcome outcome = outcomeOf(*engine, endless, { .stop = source.get_token() });
+    EXPECT_TRUE(outcome.failed);
+    EXPECT_EQ(outcome.failure, Failure::Cancelled);
+    EXPECT_THAT(outcome.message, HasSubstr("查询已取消"));
+    // The connection serves the next statement.
+    EXPECT_EQ(cell(outcomeOf(*engine, "select count(*) from NUMBERS").packet, 0, 0), "1000");
+}
+
+TEST_F(Query, EndsAtTheTimeLimit)
+{
+    const auto engine = openEngine(m_database.url());
+    const Outcome outcome = outcomeOf(*engine, endless, { .timeLimit = 30ms });
+    EXPECT_TRUE(outcome.failed);
+    EXPECT_EQ(outcome.failure, Failure::TimeLimit);
+}
+
+TEST_F(Query, TheRowLimitCutsAndSaysSo)
+{
+    const auto engine = openEngine(m_database.url());
+    const auto cut = outcomeOf(*engine, "select N from NUMBERS", { .rowLimit = 999 }).packet;
+    EXPECT_EQ(cut->rowCount(), 999u);
+    EXPECT_TRUE(cut->truncated());
+    const auto whole = outcomeOf(*engine, "select N from NUMBERS", { .rowLimit = 1000 }).packet;
+    EXPECT_EQ(whole->rowCount(), 1000u);
+    EXPECT_FALSE(whole->truncated());
+}
+
+TEST_F(Query, ReportsItsProgress)
+{
+    const auto engine = openEngine(m_database.url());
+    std::vector<std::int64_t> reports;
+    const QueryOptions options { .progress = [&reports](std::int64_t rows) { reports.push_back(rows); } };
+    ASSERT_FALSE(outcomeOf(*engine, "select a.N from NUMBERS a,NUMBERS b where b.N<20", options).failed);
+    EXPECT_THAT(reports, testing::ElementsAre(8192, 16384, 20000));
+}
+
+TEST_F(Query, MoreQueriesThanConnectionsWaitTheirTurn)
+{
+    const auto engine = openEngine(m_database.url(), { .connections = 1 });
+    std::stop_source source;
+    std::atomic<bool> running = false;
+    std::jthread holder([&] {
+        const QueryOptions options { .stop = source.get_token(), .progress = [&running](std::int64_t) { running = true; } };
+        outcomeOf(*engine, "select a.N from NUMBERS a,NUMBERS b,NUMBERS c", options);
+    });
+    while (!running)
+        std::this_thread::yield();
+    const Outcome late = outcomeOf(*engine, "select N from NUMBERS", { .timeLimit = 20ms });
+    EXPECT_EQ(late.failure, Failure::TimeLimit);
+    std::stop_source impatient;
+    impatient.request_stop();
+    EXPECT_EQ(outcomeOf(*engine, "select N from NUMBERS", { .stop = impatient.get_token() }).failure, Failure::Cancelled);
+    std::jthread releaser([&source] {
+        std::this_thread::sleep_for(20ms);
+        source.request_stop();
+    });
+    EXPECT_FALSE(outcomeOf(*engine, "select N from NUMBERS").failed);
+}
+
+TEST_F(Query, SeveralThreadsShareAnEngine)
+{
+    const auto engine = openEngine(m_database.url(), { .connections = 2 });
+    std::atomic<int> right = 0;
+    {
+        std::vector<std::jthread> threads;
+        for (int thread = 0; thread < 6; ++thread) {
+            threads.emplace_back([&] {
+                for (int round = 0; round < 20; ++round)
+                    right += cell(outcomeOf(*engine, "select sum(N) from NUMBERS").packet, 0, 0) == "499500";
+            });
+        }
+    }
+    EXPECT_EQ(right, 120);
+}
+
+TEST_F(Query, OnlyListedTablesMayBeRead)
+{
+    const auto engine = openEngine(m_database.url(), { .tables = { "numbers" } });
+    EXPECT_FALSE(outcomeOf(*engine, "select N from Numbers").failed);
+    const Outcome outcome = outcomeOf(*engine, "select X from SECRET");
+    EXPECT_EQ(outcome.failure, Failure::Refused);
+    EXPECT_THAT(outcome.message, HasSubstr("SECRET"));
+}
+
+TEST_F(Query, DatabaseErrorsCarryItsOwnWords)
+{
+    const auto engine = openEngine(m_database.url());
+    const Outcome outcome = outcomeOf(*engine, "select MISSING from NUMBERS");
+    EXPECT_EQ(outcome.failure, Failure::Database);
+    EXPECT_THAT(outcome.message, testing::AllOf(HasSubstr("数据库报告错误"), HasSubstr("no such column: MISSING")));
+}
+
+TEST_F(Query, ValuesThatDoNotFitTheirColumnAreReported)
+{
+    const TemporaryDatabase database("create table T (PIECE NUMBER(6), DAY DATE);"
+                                     "insert into T values ('three', null), (null, '2024-02-30');");
+    const auto engine = openEngine(database.url());
+    EXPECT_THAT(outcomeOf(*engine, "select PIECE from T").message, testing::AllOf(HasSubstr("PIECE"), HasSubstr("three")));
+    EXPECT_THAT(outcomeOf(*engine, "select DAY from T").message, HasSubstr("2024-02-30"));
+}
+
+TEST_F(Query, RowsKeepTheirOrderAndABadOneIsFoundHoweverLateItComes)
+{
+    std::string sql = "create table T (N NUMBER(9), TEXT VARCHAR2(40), MIXED NUMBER(9)); begin;";
+    for (int row = 0; row < 30000; ++row)
+        sql += "insert into T values (" + std::to_string(row) + ",'row " + std::to_string(row * 7) + "'," + (row < 29999 ? "1" : "'x'")
+            + ");";
+    const TemporaryDatabase database(sql + "commit;");
+    const auto engine = openEngine(database.url());
+    const auto packet = outcomeOf(*engine, "select N,TEXT from T").packet;
+    ASSERT_EQ(packet->rowCount(), 30000u);
+    for (std::size_t row = 0; row < 30000; row += 997) {
+        EXPECT_EQ(packet->integer(0, row), std::int64_t(row));
+        EXPECT_EQ(packet->text(1, row), "row " + std::to_string(row * 7));
+    }
+    EXPECT_THAT(outcomeOf(*engine, "select N,TEXT,MIXED from T").message, HasSubstr("MIXED"));
+}
+
+TEST_F(Query, WhatIsNoDatabaseIsUnavailable)
+{
+    const auto openingOf = [](const std::string &url) {
+        try {
+            openEngine(url);
+        } catch (const Error &error) {
+            EXPECT_EQ(error.failure(), Failure::Unavailable);
+            return std::string(error.what());
+        }
+        return std::string("opened");
+    };
+    EXPECT_THAT(openingOf("sqlite:/nowhere/快件.db"), HasSubstr("/nowhere/快件.db"));
+    EXPECT_THAT(openingOf("mysql:host"), HasSubstr("mysql:host"));
+    std::ofstream(m_database.path(), std::ios::trunc) << "This is certainly not a database, and long enough to be read as one.";
+    EXPECT_THAT(openingOf(m_database.url()), HasSubstr(m_database.path().string()));
+}
+
+} // namespace

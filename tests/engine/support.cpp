@@ -1,0 +1,83 @@
+#include "support.h"
+
+#include <sqlite3.h>
+
+#include <atomic>
+#include <chrono>
+#include <fstream>
+#include <sstream>
+
+namespace engine::test {
+
+TemporaryDatabase::TemporaryDatabase(const std::string &sql)
+{
+    static std::atomic<int> number = 0;
+    const auto now = std::chrono::steady_clock::now().time_since_epoch().count();
+    const std::string name = "kelvara-快件-" + std::to_string(now) + "-" + std::to_string(++number) + ".db";
+    m_path = std::filesystem::temp_directory_path() / name;
+    sqlite3 *database = nullptr;
+    std::string error;
+    if (sqlite3_open(m_path.c_str(), &database) != SQLITE_OK
+        || sqlite3_exec(database, ("pragma synchronous=off;" + sql).c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
+        error = sqlite3_errmsg(database);
+    sqlite3_close(database);
+    if (!error.empty())
+        throw std::runtime_error("cannot make the database: " + error);
+}
+
+TemporaryDatabase::~TemporaryDatabase()
+{
+    std::error_code ignored;
+    std::filesystem::remove(m_path, ignored);
+}
+
+std::string fileText(const std::string &path)
+{
+    std::ifstream file(std::string(KELVARA_SOURCE_DIR) + "/" + path, std::ios::binary);
+    if (!file)
+        throw std::runtime_error("cannot read " + path);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+std::vector<std::string> paragraphs(const std::string &path)
+{
+    std::istringstream text(fileText(path));
+    std::vector<std::string> found;
+    std::string paragraph;
+    std::string line;
+    const auto finish = [&] {
+        if (!paragraph.empty())
+            found.push_back(std::move(paragraph));
+        paragraph.clear();
+    };
+    while (std::getline(text, line)) {
+        if (line.starts_with("--"))
+            continue;
+        if (line.empty())
+            finish();
+        else
+            paragraph += paragraph.empty() ? line : "\n" + line;
+    }
+    finish();
+    return found;
+}
+
+Outcome outcomeOf(Engine &engine, std::string_view sql, const QueryOptions &options)
+{
+    try {
+        return { .packet = engine.query(sql, options) };
+    } catch (const Error &error) {
+        return { true, error.failure(), error.what(), nullptr };
+    }
+}
+
+std::string cell(const packet::PacketPtr &packet, std::size_t column, std::size_t row)
+{
+    std::string text;
+    packet->appendText(column, row, text);
+    return packet->isNull(column, row) ? "null" : text;
+}
+
+} // namespace engine::test
