@@ -1,0 +1,90 @@
+#include "platform/toolkit/application.h"
+
+#include "platform/toolkit/exception.h"
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/long_work.h"
+
+#include <QApplication>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QPushButton>
+
+namespace {
+
+TApplication ownApplication;
+
+QMessageBox::Icon iconOf(int flags)
+{
+    switch (flags & 0x70) {
+    case mbIconError:
+        return QMessageBox::Critical;
+    case mbIconQuestion:
+        return QMessageBox::Question;
+    case mbIconWarning:
+        return QMessageBox::Warning;
+    default:
+        return QMessageBox::NoIcon;
+    }
+}
+
+int askPerson(const MessageRequest &request, QWidget *parent)
+{
+    QMessageBox box(iconOf(request.flags), request.title, request.text, QMessageBox::NoButton, parent);
+    QPushButton *ok = box.addButton(QStringLiteral("确定"), QMessageBox::AcceptRole);
+    QPushButton *cancel = request.flags & mbOkCancel ? box.addButton(QStringLiteral("取消"), QMessageBox::RejectRole) : nullptr;
+    box.setDefaultButton(request.defaultAnswer() == idCancel ? cancel : ok);
+    box.setEscapeButton(cancel ? cancel : ok);
+    box.exec();
+    return cancel && box.clickedButton() == cancel ? idCancel : idOk;
+}
+
+} // namespace
+
+TApplication *Application = &ownApplication;
+
+TApplication::TApplication(QObject *parent)
+    : QObject(parent)
+    , TComponentOwner(this)
+{
+}
+
+TMainForm *TApplication::mainForm() const { return static_cast<TMainForm *>(m_mainForm.data()); }
+
+void TApplication::setMainForm(TMainForm *form) { m_mainForm = form; }
+
+int TApplication::messageBox(const QString &text, const QString &title, int flags)
+{
+    const MessageRequest request { text, title, flags };
+    const int answer = m_responder ? m_responder(request) : askPerson(request, QApplication::activeWindow());
+    record(QStringLiteral("message"),
+        { { QStringLiteral("text"), text }, { QStringLiteral("title"), title }, { QStringLiteral("flags"), flags },
+            { QStringLiteral("answer"), answer } });
+    return answer;
+}
+
+void TApplication::setMessageResponder(std::function<int(const MessageRequest &)> responder) { m_responder = std::move(responder); }
+
+void TApplication::handleException(std::exception_ptr exception)
+{
+    QString message;
+    int icon = mbIconError;
+    try {
+        std::rethrow_exception(exception);
+    } catch (const Abort &abort) {
+        message = abort.message();
+        icon = mbOk;
+    } catch (...) {
+        message = currentExceptionMessage();
+    }
+    record(QStringLiteral("error"), { { QStringLiteral("text"), message } });
+    if (!m_responder)
+        askPerson({ message, QApplication::applicationDisplayName(), mbOk | icon }, QApplication::activeWindow());
+}
+
+QString TApplication::directory() const { return QApplication::applicationDirPath(); }
+
+QString TApplication::settingsDirectory() const { return m_settingsDirectory.isEmpty() ? directory() : m_settingsDirectory; }
+
+void TApplication::setSettingsDirectory(const QString &directory) { m_settingsDirectory = QFileInfo(directory).absoluteFilePath(); }
+
+void TApplication::record(const QString &kind, const QVariantMap &particulars) { Q_EMIT happened(kind, particulars); }

@@ -1,0 +1,120 @@
+#include "platform/toolkit/long_work.h"
+
+#include "platform/toolkit/wait_window.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QWindow>
+
+#include <exception>
+#include <thread>
+
+namespace {
+
+int waiting = 0;
+std::atomic<int> runningThreads { 0 };
+
+/// What the interface thread and the working thread share; lives until both have let go of it.
+struct SharedWork {
+    WorkProgress progress;
+    std::function<void(WorkProgress &)> work;
+    std::exception_ptr failure;
+    QEventLoop *loop = nullptr; ///< looked at on the interface thread only
+    bool done = false; ///< likewise
+};
+
+void runOnThread(std::shared_ptr<SharedWork> shared)
+{
+    try {
+        shared->work(shared->progress);
+    } catch (...) {
+        shared->failure = std::current_exception();
+    }
+    shared->work = nullptr;
+    QMetaObject::invokeMethod(
+        qApp,
+        [shared] {
+            shared->done = true;
+            if (shared->loop)
+                shared->loop->quit();
+        },
+        Qt::QueuedConnection);
+    shared.reset();
+    --runningThreads;
+    runningThreads.notify_all();
+}
+
+/// Keeps every kind of user input from all windows but the wait window.
+class InputBarrier : public QObject {
+public:
+    explicit InputBarrier(const QWidget &passes)
+        : m_passes(passes)
+    {
+        qApp->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::Wheel:
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::Shortcut:
+        case QEvent::ShortcutOverride:
+        case QEvent::InputMethod:
+        case QEvent::ContextMenu:
+        case QEvent::Close:
+        case QEvent::Drop:
+            return !belongsToWaitWindow(watched);
+        default:
+            return false;
+        }
+    }
+
+private:
+    bool belongsToWaitWindow(QObject *watched) const
+    {
+        const auto *widget = qobject_cast<QWidget *>(watched);
+        return widget ? widget->window() == &m_passes : watched == m_passes.windowHandle();
+    }
+
+    const QWidget &m_passes;
+};
+
+} // namespace
+
+bool longWorkRuns() { return waiting > 0; }
+
+void waitForAbandonedWork()
+{
+    for (int running = runningThreads; running > 0; running = runningThreads)
+        runningThreads.wait(running);
+}
+
+void runLongWork(const QString &caption, const QString &cancelled, std::function<void(WorkProgress &)> work)
+{
+    auto shared = std::make_shared<SharedWork>();
+    shared->work = std::move(work);
+    QEventLoop loop;
+    shared->loop = &loop;
+    WaitWindow window(caption, shared->progress);
+    const InputBarrier barrier(window);
+    QObject::connect(&window, &WaitWindow::cancelled, &loop, &QEventLoop::quit);
+
+    ++runningThreads;
+    std::thread(runOnThread, shared).detach();
+    ++waiting;
+    loop.exec(QEventLoop::ExcludeSocketNotifiers);
+    --waiting;
+    shared->loop = nullptr;
+
+    if (!shared->done) {
+        shared->progress.stop.request_stop();
+        throw Abort(cancelled);
+    }
+    if (shared->failure)
+        std::rethrow_exception(shared->failure);
+}

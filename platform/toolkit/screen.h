@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QCursor>
+#include <QHash>
+#include <QObject>
+
+class QWidget;
+
+/// The cursors that every host knows.
+enum CursorNumber : int {
+    crDefault = 0,
+    crQueryBusy = 102, ///< registered by the host; shown while a query runs
+};
+
+/// The screen object: cursors by number and the keyboard focus.
+class TScreen : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    int cursor() const { return m_cursor; }
+    /// Shows cursor `number` over the whole program until crDefault is set; an unregistered number shows the default one.
+    void setCursor(int number);
+    void registerCursor(int number, const QCursor &cursor);
+
+private:
+    QHash<int, QCursor> m_cursors;
+    int m_cursor = crDefault;
+    bool m_overridden = false;
+};
+
+/// The current screen object; see Application.
+extern TScreen *Screen;
+
+/// Moves the keyboard focus on behalf of code (not of a person): the control that loses it runs its exit handler first.
+void focusControl(QWidget *control);

@@ -1,0 +1,58 @@
+#include "platform/toolkit/wait_window.h"
+
+#include "platform/toolkit/handler.h"
+
+#include <QApplication>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+
+namespace {
+constexpr int millisecondsUntilShown = 400;
+constexpr int millisecondsBetweenRefreshes = 200;
+} // namespace
+
+WaitWindow::WaitWindow(const QString &caption, const WorkProgress &progress)
+    : QWidget(QApplication::activeWindow(), Qt::Tool | Qt::FramelessWindowHint)
+    , m_caption(caption)
+    , m_progress(progress)
+    , m_label(new QLabel)
+{
+    auto *cancel = new QPushButton(QStringLiteral("取消(Esc)"));
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(18, 14, 18, 14);
+    layout->setSpacing(18);
+    layout->addWidget(m_label, 1);
+    layout->addWidget(cancel);
+    m_label->setMinimumWidth(280);
+    setAutoFillBackground(true);
+
+    m_elapsed.start();
+    m_timer.start(millisecondsUntilShown);
+    handle(cancel, &QPushButton::clicked, this, [this] { Q_EMIT cancelled(); });
+    handle(&m_timer, &QTimer::timeout, this, &WaitWindow::refresh);
+}
+
+void WaitWindow::refresh()
+{
+    QString text = m_caption + QStringLiteral("  %1 秒").arg(m_elapsed.elapsed() / 1000);
+    if (const std::int64_t rows = m_progress.rows)
+        text += QStringLiteral("，已取 %1 行").arg(QLocale::c().toString(qlonglong(rows)));
+    m_label->setText(text);
+    if (isVisible())
+        return;
+    adjustSize();
+    if (const QWidget *parent = parentWidget())
+        move(parent->mapToGlobal(parent->rect().center()) - rect().center());
+    m_timer.start(millisecondsBetweenRefreshes);
+    show();
+    activateWindow();
+}
+
+void WaitWindow::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        Q_EMIT cancelled();
+}

@@ -1,0 +1,37 @@
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/long_work.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(MessageBox, TheResponderAnswersAndEveryBoxIsRecorded)
+{
+    TApplication application;
+    QList<QVariantMap> recorded;
+    QObject::connect(
+        &application, &TApplication::happened, [&](const QString &, const QVariantMap &particulars) { recorded.append(particulars); });
+    application.setMessageResponder([](const MessageRequest &request) { return request.defaultAnswer(); });
+
+    EXPECT_EQ(application.messageBox(QStringLiteral("关闭吗？"), QStringLiteral("标题"), 289), idCancel);
+    EXPECT_EQ(application.messageBox(QStringLiteral("关闭吗？"), QStringLiteral("标题"), mbOkCancel), idOk);
+    EXPECT_EQ(application.messageBox(QStringLiteral("不存在！"), QStringLiteral("标题"), 16), idOk);
+    ASSERT_EQ(recorded.size(), 3);
+    EXPECT_EQ(recorded[0][QStringLiteral("flags")], 289);
+    EXPECT_EQ(recorded[0][QStringLiteral("answer")], int(idCancel));
+}
+
+TEST(HandleException, EveryKindOfExceptionBecomesAMessage)
+{
+    TApplication application;
+    QStringList texts;
+    QObject::connect(&application, &TApplication::happened,
+        [&](const QString &, const QVariantMap &particulars) { texts.append(particulars[QStringLiteral("text")].toString()); });
+    application.setMessageResponder([](const MessageRequest &request) { return request.defaultAnswer(); });
+    application.handleException(std::make_exception_ptr(Abort(QStringLiteral("查询已取消"))));
+    application.handleException(std::make_exception_ptr(std::runtime_error("磁盘已满")));
+    application.handleException(std::make_exception_ptr(3));
+    EXPECT_EQ(texts, QStringList({ QStringLiteral("查询已取消"), QStringLiteral("磁盘已满"), QStringLiteral("未知错误") }));
+}
+
+} // namespace
