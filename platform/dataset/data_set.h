@@ -1,0 +1,141 @@
+#pragma once
+
+#include "packet/decimal.h"
+#include "platform/toolkit/exception.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QObject>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+enum class DataSetState { Inactive, Browse, Edit, Insert, SetKey };
+enum class FieldType { Text, Integer, Decimal, Float, DateTime };
+
+class DataSetError : public Exception {
+public:
+    using Exception::Exception;
+};
+
+class TDataSet;
+
+/// One column of an open dataset, seen at its current row. Owned by the dataset, valid until it closes.
+class TField {
+public:
+    TField(TDataSet *dataSet, int index, QString name, FieldType type)
+        : m_dataSet(dataSet)
+        , m_index(index)
+        , m_name(std::move(name))
+        , m_type(type)
+    {
+    }
+
+    const QString &fieldName() const { return m_name; }
+    int index() const { return m_index; }
+    FieldType type() const { return m_type; }
+    /// Null also when the dataset has no rows.
+    bool isNull() const;
+    /// As a person reads it: numbers without trailing zeros, times as "yyyy-mm-dd hh:mm:ss", null as "".
+    QString asString() const;
+    packet::Decimal asDecimal() const; ///< 0 for null; throws DataSetError for a text that is no number
+    /// Only in edit or insert state; throws DataSetError otherwise or when the text does not fit the type. "" is null.
+    void setAsString(const QString &text);
+    void clear() { setAsString({}); }
+
+private:
+    TDataSet *m_dataSet;
+    int m_index;
+    QString m_name;
+    FieldType m_type;
+};
+
+/// A table of rows with a current row. Rows are counted from 0 in their shown order.
+class TDataSet : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    bool active() const { return m_state != DataSetState::Inactive; }
+    void setActive(bool active);
+    void open() { setActive(true); }
+    void close() { setActive(false); }
+    DataSetState state() const { return m_state; }
+    bool isEditing() const { return m_state >= DataSetState::Edit; }
+
+    int fieldCount() const { return int(m_fields.size()); }
+    TField *field(int index) const { return m_fields[std::size_t(index)].get(); }
+    TField *findField(QStringView name) const; ///< case ignored; null when there is none
+    TField *fieldByName(QStringView name) const; ///< throws DataSetError naming field and dataset
+
+    virtual int recordCount() const = 0; ///< shown rows
+    bool isEmpty() const { return recordCount() == 0; }
+    int recordIndex() const { return m_recordIndex; } ///< the current row, -1 without rows
+    bool bof() const { return m_bof; }
+    bool eof() const { return m_eof; }
+    void first();
+    void last();
+    void next() { moveBy(1); }
+    void prior() { moveBy(-1); }
+    /// Returns by how many rows the cursor moved. A pending edit is posted first.
+    int moveBy(int rows);
+    void moveTo(int row);
+
+    /// Identifies a row as long as the dataset stays open, whatever the order and the filter.
+    using Bookmark = std::optional<quint32>;
+    virtual Bookmark bookmark() const = 0;
+    virtual bool gotoBookmark(const Bookmark &bookmark) = 0;
+
+    /// Any cell of the shown rows.
+    virtual bool isNull(int field, int row) const = 0;
+    virtual QString text(int field, int row) const = 0;
+    /// The cell as a number; nothing for null and for text that is no number.
+    virtual std::optional<packet::Decimal> number(int field, int row) const = 0;
+
+    /// Counted: stateChanged, rowsChanged, rowEdited and recordMoved are held back until enableControls() has been called as
+    /// often, and then sent once (held edits as rowsChanged).
+    void disableControls() { ++m_disabled; }
+    void enableControls();
+    bool controlsDisabled() const { return m_disabled > 0; }
+
+Q_SIGNALS:
+    void afterOpen();
+    void afterClose();
+    void stateChanged();
+    void rowsChanged(); ///< opened, closed, sorted, filtered, rows added or removed
+    void rowEdited(int row); ///< values of one row changed
+    void recordMoved(int row);
+
+protected:
+    virtual void doOpen() = 0; ///< fills m_fields; throws when it cannot
+    virtual void doClose() = 0;
+    /// Announces a dataset whose fields and rows have just been filled: the first row becomes current, the state Browse.
+    void finishOpen();
+    void requireActive() const; ///< throws DataSetError when the dataset is closed
+    void postPending(); ///< posts an edit that is under way
+    [[noreturn]] void fail(const QString &what) const; ///< throws DataSetError beginning with the dataset's name
+    virtual void setCell(int field, const QString &text) = 0;
+    virtual void doPost() = 0;
+    void setState(DataSetState state);
+    void announceRows();
+    void announceRow(int row);
+    /// Makes a row current, or the nearest one there is; with `rowsToo` after announcing that the rows have changed.
+    void setRecord(int row, bool rowsToo = false);
+
+    std::vector<std::unique_ptr<TField>> m_fields;
+
+private:
+    friend class TField;
+    void place(int row, bool bof, bool eof, bool rowsToo = false);
+
+    QHash<QString, TField *> m_fieldsByName; ///< by name in upper case
+    DataSetState m_state = DataSetState::Inactive;
+    int m_recordIndex = -1;
+    bool m_bof = true;
+    bool m_eof = true;
+    int m_disabled = 0;
+    bool m_heldRows = false;
+    bool m_heldMove = false;
+};
