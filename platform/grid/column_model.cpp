@@ -1,0 +1,83 @@
+#include "platform/grid/column_model.h"
+
+#include "platform/dataset/data_set.h"
+
+void ColumnModel::design(const QList<Column> &columns)
+{
+    m_design = columns;
+    m_columns.clear();
+    for (int index = 0; index < columns.size(); ++index)
+        m_columns.append(Entry { columns[index], index });
+}
+
+void ColumnModel::restoreDesign()
+{
+    std::sort(m_columns.begin(), m_columns.end(),
+              [](const Entry &left, const Entry &right) { return left.designIndex < right.designIndex; });
+    for (Entry &entry : m_columns) {
+        entry.column.width = m_design[entry.designIndex].width;
+        entry.column.visible = m_design[entry.designIndex].visible;
+    }
+}
+
+int ColumnModel::find(QStringView fieldName, bool visibleOnly) const
+{
+    for (int index = 0; index < count(); ++index) {
+        if ((at(index).visible || !visibleOnly) && fieldName.compare(at(index).fieldName, Qt::CaseInsensitive) == 0)
+            return index;
+    }
+    return -1;
+}
+
+int ColumnModel::visibleFrom(int index, int step) const
+{
+    for (; index >= 0 && index < count(); index += step) {
+        if (at(index).visible)
+            return index;
+    }
+    return -1;
+}
+
+void ColumnModel::bind(const TDataSet *dataSet)
+{
+    const bool open = dataSet && dataSet->active();
+    for (Entry &entry : m_columns) {
+        const TField *field = open && !entry.column.fieldName.isEmpty() ? dataSet->findField(entry.column.fieldName) : nullptr;
+        entry.field = field ? field->index() : -1;
+        entry.numeric = field && field->type() != FieldType::Text && field->type() != FieldType::DateTime;
+    }
+}
+
+Qt::Alignment ColumnModel::alignment(int index) const
+{
+    if (at(index).alignment)
+        return at(index).alignment;
+    return m_columns[index].numeric ? Qt::AlignRight : Qt::AlignLeft;
+}
+
+QList<SortKey> ColumnModel::sortKeys() const
+{
+    QList<int> marked;
+    for (int index = 0; index < count(); ++index) {
+        if (at(index).sortMark != SortMark::None)
+            marked.append(index);
+    }
+    std::stable_sort(marked.begin(), marked.end(), [this](int left, int right) { return at(left).sortKey < at(right).sortKey; });
+    QList<SortKey> keys;
+    for (int index : std::as_const(marked))
+        keys.append({ index, at(index).sortMark });
+    return keys;
+}
+
+void ColumnModel::setSortKeys(const QList<SortKey> &keys)
+{
+    for (Entry &entry : m_columns) {
+        entry.column.sortMark = SortMark::None;
+        entry.column.sortKey = 0;
+    }
+    for (int position = 0; position < keys.size(); ++position) {
+        Column &column = m_columns[keys[position].column].column;
+        column.sortMark = keys[position].mark;
+        column.sortKey = position + 1;
+    }
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/grid/column.h"
+#include "platform/grid/sort_keys.h"
+
+class TDataSet;
+
+/// The columns of a grid in their shown order, the layout they were designed in, and the dataset's fields that they show.
+class ColumnModel
+{
+public:
+    void design(const QList<Column> &columns);
+    /// Order, widths and visibility as designed; footers, title buttons and sort marks stay as they are.
+    void restoreDesign();
+
+    int count() const { return int(m_columns.size()); }
+    const Column &at(int index) const { return m_columns[index].column; }
+    void set(int index, const Column &column) { m_columns[index].column = column; }
+    void move(int from, int to) { m_columns.move(from, to); }
+    void setWidth(int index, int width) { m_columns[index].column.width = width; }
+    void setVisible(int index, bool visible) { m_columns[index].column.visible = visible; }
+    /// Case ignored; -1 when there is none.
+    int find(QStringView fieldName, bool visibleOnly) const;
+    /// The nearest visible column from `index` in the direction of `step` (1 or -1), itself included; -1 when there is none.
+    int visibleFrom(int index, int step) const;
+
+    /// Looks up the fields of an open dataset; null or a closed one leaves the columns without.
+    void bind(const TDataSet *dataSet);
+    int field(int index) const { return m_columns[index].field; } ///< index in the dataset, or -1
+    /// The column's own alignment, or right for numbers and left for everything else.
+    Qt::Alignment alignment(int index) const;
+
+    QList<SortKey> sortKeys() const;
+    void setSortKeys(const QList<SortKey> &keys);
+
+private:
+    struct Entry {
+        Column column;
+        int designIndex;
+        int field = -1;
+        bool numeric = false;
+    };
+    QList<Entry> m_columns;
+    QList<Column> m_design;
+};

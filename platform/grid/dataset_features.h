@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QMetaObject>
+
+class TDBGridEh;
+class TDataSet;
+
+/// Applies a grid's sort marks to datasets of one class; registered for that class and served to its descendants.
+class DatasetFeaturesEh
+{
+public:
+    virtual ~DatasetFeaturesEh() = default;
+    /// Sorts the grid's dataset by its marked columns, in the order of their keys.
+    virtual void applySorting(TDBGridEh &grid, TDataSet &dataSet) = 0;
+};
+
+/// Registers `features` (not owned; it must outlive the registration) for a dataset class; a later registration for the same class wins.
+void registerDatasetFeaturesEh(DatasetFeaturesEh *features, const QMetaObject &dataSetClass);
+void unregisterDatasetFeaturesEh(DatasetFeaturesEh *features);
+/// The features registered for the dataset's class or its nearest ancestor, or null.
+DatasetFeaturesEh *datasetFeaturesEh(const TDataSet &dataSet);

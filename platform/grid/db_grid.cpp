@@ -1,0 +1,344 @@
+#include "platform/grid/db_grid.h"
+
+#include "platform/grid/column_geometry.h"
+#include "platform/grid/column_model.h"
+#include "platform/grid/dataset_features.h"
+#include "platform/grid/grid_colors.h"
+#include "platform/grid/grid_footer.h"
+#include "platform/grid/grid_header.h"
+#include "platform/grid/grid_selection.h"
+#include "platform/grid/sum_list.h"
+#include "platform/grid/text_painter.h"
+#include "platform/toolkit/handler.h"
+
+#include <QMenu>
+#include <QScrollBar>
+
+namespace {
+
+constexpr int rowPadding = 7;
+constexpr int indicatorWidth = 16;
+constexpr int sideStep = 20; ///< pixels
+constexpr int leastWidth = 8;
+constexpr int widestFit = 600;
+
+} // namespace
+
+TDBGridEh::TDBGridEh(QWidget *parent)
+    : QAbstractScrollArea(parent)
+    , m_columns(std::make_unique<ColumnModel>())
+    , m_geometry(std::make_unique<ColumnGeometry>())
+    , m_texts(std::make_unique<TextPainter>())
+    , m_sums(std::make_unique<SumList>())
+    , m_selection(std::make_unique<GridSelection>())
+    , m_header(new GridHeader(*m_columns, *m_geometry, *m_texts, this))
+    , m_footer(new GridFooter(
+          *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerText(row, column); }, this))
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setAccessibleName(QStringLiteral("数据表格"));
+    viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
+    horizontalScrollBar()->setSingleStep(sideStep);
+    connectHeader();
+    arrange();
+}
+
+TDBGridEh::~TDBGridEh() = default;
+
+void TDBGridEh::connectHeader()
+{
+    handle(m_header, &GridHeader::clicked, this, [this](int column, Qt::KeyboardModifiers modifiers) { clickTitle(column, modifiers); });
+    handle(m_header, &GridHeader::cornerClicked, this, &TDBGridEh::selectAll);
+    handle(m_header, &GridHeader::widthDragged, this, &TDBGridEh::setColumnWidth);
+    handle(m_header, &GridHeader::fitRequested, this, &TDBGridEh::fitColumn);
+    handle(m_header, &GridHeader::moveRequested, this, &TDBGridEh::moveColumn);
+    handle(m_header, &GridHeader::menuRequested, this, [this](int column, QPoint position) {
+        QMenu *menu = columnMenu(column).release();
+        menu->setAttribute(Qt::WA_DeleteOnClose);
+        menu->popup(position);
+    });
+}
+
+void TDBGridEh::setDataSource(TDataSource *source)
+{
+    if (m_dataSource)
+        disconnect(m_dataSource, nullptr, this, nullptr);
+    m_dataSource = source;
+    if (source) {
+        handle(source, &TDataSource::dataSetChanged, this, &TDBGridEh::takeRows);
+        handle(source, &TDataSource::rowsChanged, this, &TDBGridEh::takeRows);
+        handle(source, &TDataSource::recordMoved, this, [this](int) { takeRecord(); });
+        handle(source, &TDataSource::stateChanged, this, [this] { updateRow(currentRow()); });
+        handle(source, &TDataSource::rowEdited, this, [this](int row) {
+            m_sums->invalidate();
+            m_footer->update();
+            updateRow(row);
+        });
+        handle(source, &QObject::destroyed, this, &TDBGridEh::takeRows);
+    }
+    takeRows();
+}
+
+TDataSet *TDBGridEh::dataSet() const { return m_dataSource ? m_dataSource->dataSet() : nullptr; }
+
+int TDBGridEh::columnCount() const { return m_columns->count(); }
+
+const Column &TDBGridEh::column(int index) const { return m_columns->at(index); }
+
+void TDBGridEh::setColumns(const QList<Column> &columns)
+{
+    m_columns->design(columns);
+    m_columns->bind(dataSet());
+    m_currentColumn = m_columns->visibleFrom(0, 1);
+    columnsRearranged();
+}
+
+void TDBGridEh::setColumn(int index, const Column &column)
+{
+    m_columns->set(index, column);
+    m_columns->bind(dataSet());
+    columnsRearranged();
+}
+
+void TDBGridEh::moveColumn(int from, int to)
+{
+    if (from == to)
+        return;
+    m_columns->move(from, to);
+    if (m_currentColumn == from)
+        m_currentColumn = to;
+    else if (m_currentColumn > from && m_currentColumn <= to)
+        --m_currentColumn;
+    else if (m_currentColumn < from && m_currentColumn >= to)
+        ++m_currentColumn;
+    columnsRearranged();
+}
+
+int TDBGridEh::columnIndex(QStringView fieldName, bool visibleOnly) const { return m_columns->find(fieldName, visibleOnly); }
+
+void TDBGridEh::setColumnWidth(int index, int width)
+{
+    m_columns->setWidth(index, qMax(leastWidth, width));
+    arrange();
+    Q_EMIT columnsChanged();
+}
+
+void TDBGridEh::setColumnVisible(int index, bool visible)
+{
+    m_columns->setVisible(index, visible);
+    columnsRearranged();
+}
+
+void TDBGridEh::restoreDesignedColumns()
+{
+    m_columns->restoreDesign();
+    m_frozen = m_designedFrozen;
+    columnsRearranged();
+}
+
+void TDBGridEh::columnsRearranged()
+{
+    m_selection->clear();
+    if (m_currentColumn < 0 || !m_columns->at(m_currentColumn).visible)
+        m_currentColumn = qMax(m_columns->visibleFrom(qMax(0, m_currentColumn), 1), m_columns->visibleFrom(m_currentColumn, -1));
+    arrange();
+    Q_EMIT columnsChanged();
+}
+
+int TDBGridEh::frozenColumns() const { return m_frozen; }
+
+void TDBGridEh::setFrozenColumns(int count)
+{
+    m_designedFrozen = m_frozen = count;
+    arrange();
+}
+
+int TDBGridEh::footerRowCount() const { return m_footer->rows(); }
+
+void TDBGridEh::setFooterRowCount(int rows)
+{
+    m_footer->setRows(rows);
+    arrange();
+}
+
+void TDBGridEh::setFooterColor(const QColor &color) { m_footer->setColor(color); }
+
+void TDBGridEh::clickTitle(int column, Qt::KeyboardModifiers modifiers)
+{
+    if (!m_columns->at(column).titleButton)
+        return;
+    Q_EMIT titleClicked(column);
+    TDataSet *rows = dataSet();
+    DatasetFeaturesEh *features = rows && rows->active() ? datasetFeaturesEh(*rows) : nullptr;
+    if (!features || m_columns->at(column).fieldName.isEmpty())
+        return;
+    const QList<SortKey> before = m_columns->sortKeys();
+    m_columns->setSortKeys(cycleSortKeys(before, column, modifiers & Qt::ControlModifier));
+    m_header->update();
+    try {
+        features->applySorting(*this, *rows);
+    } catch (...) {
+        m_columns->setSortKeys(before); // a mark must not promise an order that the rows do not have
+        throw;
+    }
+}
+
+QList<int> TDBGridEh::sortedColumns() const
+{
+    QList<int> columns;
+    for (const SortKey &key : m_columns->sortKeys())
+        columns.append(key.column);
+    return columns;
+}
+
+int TDBGridEh::currentColumn() const { return m_currentColumn; }
+
+int TDBGridEh::currentRow() const { return rowCount() > 0 ? dataSet()->recordIndex() : -1; }
+
+void TDBGridEh::setCurrentCell(int row, int column) { moveCurrent(row, column, Extend::No); }
+
+int TDBGridEh::rowCount() const
+{
+    const TDataSet *rows = dataSet();
+    return rows && rows->active() ? rows->recordCount() : 0;
+}
+
+QString TDBGridEh::cellText(int row, int column) const
+{
+    if (row < 0 || row >= rowCount())
+        return {};
+    const int field = m_columns->field(column);
+    if (field >= 0)
+        return dataSet()->text(field, row);
+    return onCellText ? onCellText(row, column) : QString();
+}
+
+QString TDBGridEh::footerText(int footerRow, int column) const
+{
+    const QList<ColumnFooter> &footers = m_columns->at(column).footers;
+    if (footerRow < 0 || footerRow >= footers.size())
+        return {};
+    const int field = m_columns->field(column);
+    switch (footers[footerRow].kind) {
+    case FooterKind::None: return {};
+    case FooterKind::StaticText: return footers[footerRow].value;
+    case FooterKind::Count: return QString::number(rowCount());
+    case FooterKind::Sum:
+        return QString::fromStdString(field >= 0 && rowCount() > 0 ? m_sums->sum(*dataSet(), field).toString() : "0");
+    }
+    return {};
+}
+
+CellParameters TDBGridEh::cellParameters(int row, int column, const GridColors &colors) const
+{
+    CellParameters parameters { colors.base, colors.text, font() };
+    if (onGetCellParams && !m_cellEventFailed)
+        onGetCellParams(row, column, parameters);
+    return parameters;
+}
+
+QColor TDBGridEh::cellBackground(int row, int column) const { return cellParameters(row, column, GridColors(palette())).background; }
+
+int TDBGridEh::recordNumber(int row) const { return row >= 0 && row < rowCount() ? row + 1 : -1; }
+
+void TDBGridEh::fitColumn(int index)
+{
+    int width = m_header->titleWidth(index);
+    const int last = qMin(rowCount(), verticalScrollBar()->value() + pageRows() + 1);
+    for (int row = verticalScrollBar()->value(); row < last; ++row)
+        width = qMax(width, m_texts->width(cellParameters(row, index, GridColors(palette())).font, cellText(row, index)) + rowPadding + 2);
+    setColumnWidth(index, qMin(width, widestFit));
+}
+
+void TDBGridEh::takeRows()
+{
+    m_cellEventFailed = false;
+    m_columns->bind(dataSet());
+    m_sums->invalidate();
+    m_selection->clear();
+    arrange();
+    m_shownRecord = currentRow();
+    showCurrentCell();
+    Q_EMIT selectionChanged();
+    Q_EMIT currentCellChanged(currentRow(), m_currentColumn);
+}
+
+void TDBGridEh::takeRecord()
+{
+    updateRow(m_shownRecord);
+    m_shownRecord = currentRow();
+    updateRow(m_shownRecord);
+    showCurrentCell();
+    Q_EMIT currentCellChanged(m_shownRecord, m_currentColumn);
+}
+
+void TDBGridEh::arrange()
+{
+    m_rowHeight = fontMetrics().height() + rowPadding;
+    m_footer->setRowHeight(m_rowHeight);
+    setViewportMargins(0, m_header->preferredHeight(), 0, m_footer->preferredHeight());
+    const QRect view = viewport()->geometry();
+    m_geometry->arrange(*m_columns, m_frozen, indicatorWidth, view.width());
+    m_header->setGeometry(view.left(), view.top() - m_header->preferredHeight(), view.width(), m_header->preferredHeight());
+    m_footer->setGeometry(view.left(), view.bottom() + 1, view.width(), m_footer->preferredHeight());
+
+    verticalScrollBar()->setPageStep(pageRows());
+    verticalScrollBar()->setRange(0, qMax(0, rowCount() - pageRows()));
+    horizontalScrollBar()->setPageStep(qMax(sideStep, view.width() - m_geometry->frozenRight()));
+    horizontalScrollBar()->setRange(0, m_geometry->maximumScroll());
+    m_geometry->setScroll(horizontalScrollBar()->value());
+    m_header->update();
+    m_footer->update();
+    viewport()->update();
+}
+
+void TDBGridEh::scrollContentsBy(int dx, int dy)
+{
+    m_geometry->setScroll(horizontalScrollBar()->value());
+    if (dy != 0 && qAbs(dy) < pageRows())
+        viewport()->scroll(0, dy * m_rowHeight);
+    else if (dy != 0)
+        viewport()->update();
+    if (dx == 0)
+        return;
+    QRect scrolling = viewport()->rect();
+    scrolling.setLeft(m_geometry->frozenRight());
+    viewport()->scroll(dx, 0, scrolling);
+    m_header->update();
+    m_footer->update();
+}
+
+int TDBGridEh::pageRows() const { return qMax(1, viewport()->height() / m_rowHeight); }
+
+int TDBGridEh::rowAt(int y) const
+{
+    const qint64 row = verticalScrollBar()->value() + qint64(std::floor(double(y) / m_rowHeight));
+    return row >= 0 && row < rowCount() ? int(row) : -1;
+}
+
+int TDBGridEh::rowTop(int row) const
+{
+    const qint64 top = qint64(row - verticalScrollBar()->value()) * m_rowHeight;
+    return int(qBound(qint64(-m_rowHeight), top, qint64(viewport()->height())));
+}
+
+QRect TDBGridEh::cellRect(int row, int column) const
+{
+    return QRect(m_geometry->left(column), rowTop(row), m_geometry->right(column) - m_geometry->left(column), m_rowHeight);
+}
+
+void TDBGridEh::updateRow(int row)
+{
+    if (row >= 0)
+        viewport()->update(0, rowTop(row), viewport()->width(), m_rowHeight);
+}
+
+void TDBGridEh::showCurrentCell()
+{
+    const int row = currentRow();
+    QScrollBar *bar = verticalScrollBar();
+    if (row >= 0)
+        bar->setValue(qBound(row - pageRows() + 1, bar->value(), row));
+    if (m_currentColumn >= 0)
+        horizontalScrollBar()->setValue(m_geometry->scrollToShow(m_currentColumn));
+}

@@ -1,0 +1,174 @@
+#pragma once
+
+#include "platform/dataset/data_source.h"
+#include "platform/grid/column.h"
+
+#include <QAbstractScrollArea>
+#include <QBasicTimer>
+
+#include <functional>
+#include <memory>
+
+class ColumnGeometry;
+class ColumnModel;
+class GridFooter;
+class GridHeader;
+class GridSelection;
+class QMenu;
+class SumList;
+class TextPainter;
+struct GridColors;
+
+/// What an event may change of one cell before it is painted.
+struct CellParameters {
+    QColor background;
+    QColor textColor;
+    QFont font;
+};
+
+/// A grid over a dataset: titles of up to two levels that sort, frozen columns, footer rows, row numbers, cell colours,
+/// selection and copy. It reads the dataset's columns directly and paints only what is seen.
+class TDBGridEh : public QAbstractScrollArea
+{
+    Q_OBJECT
+
+public:
+    explicit TDBGridEh(QWidget *parent = nullptr);
+    ~TDBGridEh() override;
+
+    TDataSource *dataSource() const { return m_dataSource; }
+    void setDataSource(TDataSource *source);
+    TDataSet *dataSet() const;
+
+    /// Columns in their shown order. A reference lives until the columns change.
+    int columnCount() const;
+    const Column &column(int index) const;
+    void setColumns(const QList<Column> &columns); ///< also becomes the designed layout
+    void setColumn(int index, const Column &column);
+    void moveColumn(int from, int to);
+    int columnIndex(QStringView fieldName, bool visibleOnly = false) const; ///< case ignored; -1 when there is none
+    void setColumnWidth(int index, int width);
+    void setColumnVisible(int index, bool visible);
+    void restoreDesignedColumns();
+
+    int frozenColumns() const;
+    void setFrozenColumns(int count);
+    int footerRowCount() const;
+    void setFooterRowCount(int rows);
+    void setFooterColor(const QColor &color);
+    void setSortLocal(bool local) { m_sortLocal = local; }
+    bool sortLocal() const { return m_sortLocal; }
+
+    /// Acts as a person's click on a title: Ctrl adds a sort key, a plain click replaces the keys; the marks go ascending,
+    /// descending, none, and are applied through the features object of the dataset's class.
+    void clickTitle(int column, Qt::KeyboardModifiers modifiers = {});
+    /// Indexes of the marked columns in key order.
+    QList<int> sortedColumns() const;
+
+    int currentColumn() const; ///< the selected column, -1 without columns
+    int currentRow() const; ///< the dataset's current row
+    void setCurrentCell(int row, int column);
+    void clearSelection();
+    /// The selected cells as rectangles whose x is a column index and whose y is a shown row; hidden columns in them count as not
+    /// selected. Empty while there is nothing but the current cell.
+    QList<QRect> selectedRanges() const;
+    void selectAll();
+
+    /// Displayed texts: what is painted, printed, exported and copied.
+    int rowCount() const;
+    QString cellText(int row, int column) const;
+    QString footerText(int footerRow, int column) const;
+    QColor cellBackground(int row, int column) const;
+    /// The record number that the sum list reports for a shown row, counted from 1; -1 when the list is not active.
+    int recordNumber(int row) const;
+
+    /// The event that may change a cell's look; called for painted cells and cellBackground().
+    std::function<void(int row, int column, CellParameters &parameters)> onGetCellParams;
+    /// The text of a cell that shows no data (the row number of a "序号" column, say).
+    std::function<QString(int row, int column)> onCellText;
+
+    /// Puts the selected cells (else the current one) on the clipboard, as text and as HTML in which codes stay text; `titles` adds
+    /// the column titles.
+    void copySelection(bool titles);
+    /// Moves to the next cell that contains `text` (case ignored), from the current one, around the end once; false: none.
+    bool findNext(const QString &text, bool forward = true);
+    /// Widens or narrows a column to its title and its texts in the rows that are seen.
+    void fitColumn(int index);
+    /// What a right click on the title of `column` (-1: beside the titles) offers; the caller owns it.
+    std::unique_ptr<QMenu> columnMenu(int column);
+    /// Where a cell is painted in the viewport; empty for a hidden column.
+    QRect cellRect(int row, int column) const;
+
+Q_SIGNALS:
+    void titleClicked(int column);
+    void cellDoubleClicked(int row, int column);
+    void currentCellChanged(int row, int column);
+    void selectionChanged();
+    void columnsChanged(); ///< order, width or visibility
+
+protected:
+    bool event(QEvent *event) override;
+    bool viewportEvent(QEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void wheelEvent(QWheelEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
+    void focusInEvent(QFocusEvent *event) override;
+    void focusOutEvent(QFocusEvent *event) override;
+
+private:
+    enum class Extend { No, Cells, Rows };
+
+    void connectHeader();
+    void takeRows();
+    void takeRecord();
+    void arrange();
+    void columnsRearranged();
+    void freezeTo(int column); ///< -1: none
+    void updateRow(int row);
+    int rowAt(int y) const;
+    int rowTop(int row) const;
+    int pageRows() const;
+    void showCurrentCell();
+    void goTo(int row, int column);
+    void moveCurrent(int row, int column, Extend extend);
+    bool moveByKey(const QKeyEvent &event);
+    bool moveByTab(const QKeyEvent &event);
+    bool commandByKey(const QKeyEvent &event);
+    void toggleCell(int row, int column);
+    void press(QPoint position, Qt::KeyboardModifiers modifiers);
+    void dragTo(QPoint position);
+    void announceSelection();
+
+    CellParameters cellParameters(int row, int column, const GridColors &colors) const;
+    void paintRows(QPainter &painter, const QRect &rect, const GridColors &colors) const;
+    void paintCell(QPainter &painter, int row, int column, const GridColors &colors) const;
+    void paintCellText(QPainter &painter, QRect box, int row, int column, const CellParameters &parameters) const;
+    void paintIndicator(QPainter &painter, const QRect &rect, int firstRow, int lastRow, const GridColors &colors) const;
+
+    QPointer<TDataSource> m_dataSource;
+    std::unique_ptr<ColumnModel> m_columns;
+    std::unique_ptr<ColumnGeometry> m_geometry;
+    std::unique_ptr<TextPainter> m_texts;
+    std::unique_ptr<SumList> m_sums;
+    std::unique_ptr<GridSelection> m_selection;
+    GridHeader *m_header;
+    GridFooter *m_footer;
+    int m_designedFrozen = 0;
+    int m_frozen = 0;
+    int m_rowHeight = 1;
+    int m_currentColumn = -1;
+    int m_shownRecord = -1; ///< the record whose row is painted as current
+    Extend m_dragging = Extend::No;
+    QPoint m_dragPosition;
+    QBasicTimer m_dragTimer;
+    bool m_sortLocal = false;
+    bool m_cellEventFailed = false; ///< it threw; not called again until the rows change
+};

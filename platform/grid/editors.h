@@ -1,0 +1,5 @@
+#pragma once
+
+#include "platform/grid/combo_box.h"
+#include "platform/grid/date_time_edit.h"
+#include "platform/grid/lookup_combobox.h"

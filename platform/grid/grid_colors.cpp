@@ -1,0 +1,29 @@
+#include "platform/grid/grid_colors.h"
+
+#include <QPalette>
+
+GridColors::GridColors(const QPalette &palette)
+    : base(palette.color(QPalette::Base))
+    , text(palette.color(QPalette::Text))
+    , line(blend(base, palette.color(QPalette::Mid), 0.55))
+    , title(blend(base, palette.color(QPalette::Button), 0.7))
+    , titleHover(blend(title, palette.color(QPalette::Highlight), 0.10))
+    , titlePressed(blend(title, palette.color(QPalette::Highlight), 0.22))
+    , titleText(palette.color(QPalette::ButtonText))
+    , mark(blend(titleText, title, 0.35))
+    , frozenLine(blend(base, palette.color(QPalette::Dark), 0.9))
+    , accent(palette.color(QPalette::Highlight))
+{
+}
+
+QColor GridColors::currentRow(const QColor &background) const { return blend(background, accent, 0.16); }
+
+QColor GridColors::selected(const QColor &background) const { return blend(background, accent, 0.38); }
+
+QColor blend(const QColor &under, const QColor &over, qreal share)
+{
+    const auto mixed = [share](int low, int high) { return qRound(low + (high - low) * share); };
+    return QColor(mixed(under.red(), over.red()), mixed(under.green(), over.green()), mixed(under.blue(), over.blue()));
+}
+
+QColor readableOn(const QColor &background) { return qGray(background.rgb()) > 128 ? QColor(Qt::black) : QColor(Qt::white); }

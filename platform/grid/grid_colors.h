@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QColor>
+
+class QPalette;
+
+/// A grid's colours, taken from a widget's palette.
+struct GridColors {
+    explicit GridColors(const QPalette &palette);
+
+    QColor base;
+    QColor text;
+    QColor line;
+    QColor title;
+    QColor titleHover;
+    QColor titlePressed;
+    QColor titleText;
+    QColor mark; ///< sort marks, the current-row arrow
+    QColor frozenLine;
+    QColor accent; ///< the focus cell's frame, the place where a dragged column would go
+
+    /// A cell's background when its row is current, or when the cell is selected.
+    QColor currentRow(const QColor &background) const;
+    QColor selected(const QColor &background) const;
+};
+
+/// `share` of `over` (0 to 1) painted on `under`.
+QColor blend(const QColor &under, const QColor &over, qreal share);
+/// Black or white, whichever can be read on `background`.
+QColor readableOn(const QColor &background);

@@ -1,0 +1,164 @@
+#include "platform/grid/lookup_combobox.h"
+
+#include "platform/grid/lookup_list.h"
+#include "platform/grid/lookup_match.h"
+#include "platform/toolkit/handler.h"
+
+#include <QKeyEvent>
+#include <QToolButton>
+
+#include <numeric>
+
+TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent) : DropDownEdit(parent)
+{
+    QToolButton *ellipsis = addButton(QStringLiteral("显示全部"));
+    ellipsis->setText(QStringLiteral("…"));
+    handle(ellipsis, &QToolButton::clicked, this, &TDBLookupComboboxEh::openWholeList);
+    addDropDownButton(QStringLiteral("打开列表 (F4)"));
+    handle(this, &QLineEdit::textEdited, this, &TDBLookupComboboxEh::narrowList);
+}
+
+void TDBLookupComboboxEh::setFields(const QString &keyField, const QString &listField, const QString &indexField)
+{
+    m_keyField = keyField;
+    m_listField = listField;
+    m_indexField = indexField;
+}
+
+void TDBLookupComboboxEh::setDropDownColumns(const QList<LookupColumn> &columns)
+{
+    m_columns = columns;
+    if (m_list)
+        m_list->setColumns(columns);
+}
+
+TDataSet *TDBLookupComboboxEh::listDataSet() const
+{
+    TDataSet *dataSet = m_listSource ? m_listSource->dataSet() : nullptr;
+    return dataSet && dataSet->active() ? dataSet : nullptr;
+}
+
+bool TDBLookupComboboxEh::isListOpen() const { return m_list && m_list->isVisible(); }
+
+LookupMatches TDBLookupComboboxEh::matches(const TDataSet &dataSet) const
+{
+    LookupFields fields { -1, { dataSet.fieldByName(m_listField)->index() } };
+    if (!m_indexField.isEmpty())
+        fields.code = dataSet.fieldByName(m_indexField)->index();
+    if (m_keyField.compare(m_listField, Qt::CaseInsensitive) != 0)
+        fields.names.append(dataSet.fieldByName(m_keyField)->index());
+    return text().trimmed().isEmpty() ? LookupMatches() : lookUp(dataSet, fields, text());
+}
+
+void TDBLookupComboboxEh::openList()
+{
+    TDataSet *dataSet = listDataSet();
+    if (!dataSet)
+        return;
+    LookupMatches found = matches(*dataSet);
+    if (found.rows.empty() || found.exact)
+        return openWholeList();
+    const int best = found.rows.front();
+    showList(dataSet, std::move(found.rows), best);
+}
+
+void TDBLookupComboboxEh::openWholeList()
+{
+    TDataSet *dataSet = listDataSet();
+    if (!dataSet)
+        return;
+    const LookupMatches found = matches(*dataSet);
+    std::vector<int> rows(std::size_t(dataSet->recordCount()));
+    std::iota(rows.begin(), rows.end(), 0);
+    showList(dataSet, std::move(rows), found.rows.empty() ? -1 : found.rows.front());
+}
+
+void TDBLookupComboboxEh::narrowList()
+{
+    TDataSet *dataSet = listDataSet();
+    LookupMatches found = dataSet ? matches(*dataSet) : LookupMatches();
+    if (found.rows.empty())
+        return closeList(false);
+    const int best = found.rows.front();
+    showList(dataSet, std::move(found.rows), best);
+}
+
+void TDBLookupComboboxEh::showList(TDataSet *dataSet, std::vector<int> rows, int currentRow)
+{
+    if (!m_list) {
+        m_list = new LookupList(this);
+        m_list->setColumns(m_columns);
+        handle(m_list, &LookupList::rowClicked, this, [this] { closeList(true); });
+    }
+    m_list->showRows(dataSet, std::move(rows), currentRow);
+    m_list->setGeometry(dropDownGeometry(m_list->contentSize().expandedTo(QSize(width(), 0))));
+    m_list->show();
+}
+
+void TDBLookupComboboxEh::closeList(bool accept)
+{
+    if (!isListOpen())
+        return;
+    const int row = m_list->currentRecord();
+    TDataSet *dataSet = listDataSet();
+    // The row is read first, since the list forgets it when it closes.
+    if (accept && dataSet && row >= 0)
+        setText(dataSet->text(dataSet->fieldByName(m_keyField)->index(), row));
+    m_list->hide();
+}
+
+/// Whether the open list takes the key; it may close then.
+bool TDBLookupComboboxEh::actOnList(QKeyEvent *event)
+{
+    if (isDropDownKey(*event) || event->key() == Qt::Key_Escape) {
+        closeList(false);
+        return true;
+    }
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        m_list->walk(event);
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
+        const bool taken = m_list->currentRecord() >= 0;
+        closeList(taken);
+        return taken;
+    }
+    default:
+        return false;
+    }
+}
+
+bool TDBLookupComboboxEh::event(QEvent *event)
+{
+    if (isListOpen() && !isComposing()) {
+        const int key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride ? static_cast<QKeyEvent *>(event)->key() : 0;
+        if (event->type() == QEvent::KeyPress && (key == Qt::Key_Tab || key == Qt::Key_Backtab))
+            guarded([this] { closeList(m_list->isWalked()); });
+        // The keys of the list are no shortcuts of the form.
+        if (event->type() == QEvent::ShortcutOverride && (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F4)) {
+            event->accept();
+            return true;
+        }
+    }
+    // The list is a popup: the toolkit takes the focus away for it, but what is typed still goes here.
+    const bool isFocusOut = event->type() == QEvent::FocusOut;
+    if (isFocusOut && isListOpen() && static_cast<QFocusEvent *>(event)->reason() == Qt::PopupFocusReason)
+        return true;
+    return DropDownEdit::event(event);
+}
+
+void TDBLookupComboboxEh::keyPressEvent(QKeyEvent *event)
+{
+    guarded([&] {
+        if (isListOpen() && actOnList(event)) {
+            event->accept();
+            return;
+        }
+        Q_EMIT keyPressed(event->key());
+        DropDownEdit::keyPressEvent(event);
+    });
+}
