@@ -1,0 +1,44 @@
+#include "plugin/entry/screens.h"
+
+#include "plugin/forms/scan/ufrm_ScanContrast.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+template <class Screen>
+Tfrm_Basic *create(TComponentOwner *owner)
+{
+    return new Screen(owner);
+}
+
+const ScreenEntry screens[] = {
+    { u"frm_ScanContrast", Rights::FromName, &frm_ScanContrast, create<Tfrm_ScanContrast> },
+    { u"frm_GuestSignQuery", Rights::None },
+    { u"frm_AuditingQuery", Rights::None },
+    { u"frm_MonthSendBill", Rights::FromName },
+    { u"frm_MonthRecBill", Rights::FromName },
+    { u"frm_RecSendContrast", Rights::FromName },
+    { u"frm_ManCome", Rights::FromName },
+    { u"frm_ManSend", Rights::FromName },
+    { u"frm_BillStat", Rights::FromName },
+    { u"frm_BJDispFee", Rights::FromName },
+    { u"frm_DestQry", Rights::FromName },
+    { u"frm_SaleQry", Rights::FromName },
+    { u"frm_BillContrastScan", Rights::FromName },
+    { u"frm_BillContrastSiteCome", Rights::FromName },
+    { u"frm_SendNextUnCome", Rights::FromName },
+    { u"frm_DispFeeQry1", Rights::FromName },
+    { u"frm_ComeDispContrast", Rights::FromName },
+    { u"frm_MonthCalc", Rights::FromName },
+};
+
+} // namespace
+
+const ScreenEntry *findScreen(QStringView name)
+{
+    const auto found
+        = std::find_if(std::begin(screens), std::end(screens), [name](const ScreenEntry &entry) { return entry.name == name; });
+    return found != std::end(screens) && found->create ? found : nullptr;
+}

@@ -1,0 +1,59 @@
+#include "plugin/forms/base/frame_Panel.h"
+
+#include "platform/toolkit/handler.h"
+
+#include <QPainter>
+
+namespace {
+
+constexpr QSize panelSize(106, 10);
+constexpr QSize glyphSize(16, 6);
+
+/// A flat arrow head: down when the panel can be opened, up when it can be closed.
+QIcon arrowGlyph(bool down)
+{
+    QPixmap pixmap(glyphSize * 2);
+    pixmap.setDevicePixelRatio(2);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(96, 110, 130));
+    const qreal base = down ? 1 : 5;
+    const qreal tip = down ? 5 : 1;
+    painter.drawPolygon(QPolygonF({ { 3, base }, { 13, base }, { 8, tip } }));
+    return pixmap;
+}
+
+} // namespace
+
+TWorkPanel::TWorkPanel()
+    : ShowHide { arrowGlyph(true), arrowGlyph(false) }
+{
+    setFixedSize(panelSize);
+    setFocusPolicy(Qt::ClickFocus);
+    ShowSpeed->setGeometry(QRect(QPoint(0, 0), panelSize));
+    ShowSpeed->setAutoRaise(true);
+    ShowSpeed->setFocusPolicy(Qt::NoFocus);
+    ShowSpeed->setIconSize(glyphSize);
+    ShowSpeed->setToolTip(QStringLiteral("最小化面板"));
+    setGlyph(1);
+    handle(ShowSpeed, &QToolButton::clicked, this, &TWorkPanel::ShowSpeedClick);
+}
+
+void TWorkPanel::ShowSpeedClick()
+{
+    QWidget *target = ShowSpeed->parentWidget()->parentWidget();
+    if (target->height() != ShowSpeed->height()) {
+        setGlyph(0);
+        m_heightBefore = target->height();
+        target->setFixedHeight(ShowSpeed->height());
+        ShowSpeed->setToolTip(QStringLiteral("最大化面板"));
+    } else {
+        setGlyph(1);
+        target->setFixedHeight(m_heightBefore);
+        ShowSpeed->setToolTip(QStringLiteral("最小化面板"));
+    }
+}
+
+void TWorkPanel::setGlyph(int index) { ShowSpeed->setIcon(ShowHide[index]); }

@@ -1,0 +1,154 @@
+#include "plugin/forms/base/query_screen.h"
+
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/screen.h"
+#include "plugin/data/host_data.h"
+#include "plugin/util/conditions.h"
+
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+QueryScreen::QueryScreen(TComponentOwner *owner, const QString &name, QStringView caption)
+    : Tfrm_BasicBoot(owner, name, caption.toString())
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(Panel1);
+    layout->addWidget(PageControl1, 1);
+    Button1->setText(QStringLiteral("查询"));
+    Button1->hide();
+    handle(Button1, &QPushButton::clicked, this, &QueryScreen::Button1Click);
+}
+
+void QueryScreen::page(
+    TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen)
+{
+    dataSet->setReadOnly(true);
+    view->design(columns, dataSet, frozen);
+    auto *layout = new QVBoxLayout(sheet);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(view);
+    m_pages.append({ sheet, view, dataSet });
+    PageControl1->addPage(sheet, caption.toString());
+    handle(sheet, &TTabSheet::shown, this, [this, shown = m_pages.last()] { setWorkContext(shown); });
+}
+
+void QueryScreen::FormShow()
+{
+    const auto active
+        = std::find_if(m_pages.begin(), m_pages.end(), [this](const Page &page) { return page.sheet == PageControl1->activePage(); });
+    if (active != m_pages.end())
+        setWorkContext(*active);
+}
+
+void QueryScreen::setWorkContext(const Page &page) { SetWorkContext(page.view, page.dataSet, Button1, nullptr); }
+
+bool QueryScreen::refuse(const QString &text, QWidget *control)
+{
+    Application->messageBox(text, caption(), mbIconWarning);
+    focusControl(control);
+    return true;
+}
+
+void QueryScreen::completeOnExit(const QList<TDBLookupComboboxEh *> &combos)
+{
+    for (TDBLookupComboboxEh *combo : combos)
+        handle(combo, &TDBLookupComboboxEh::exited, this, [combo] { LookupComboTextExit(combo); });
+}
+
+void QueryScreen::completeOnEnter(const QList<TDBLookupComboboxEh *> &combos)
+{
+    for (TDBLookupComboboxEh *combo : combos)
+        handle(combo, &TDBLookupComboboxEh::keyPressed, this, [combo](int key) {
+            if (key == Qt::Key_Return || key == Qt::Key_Enter)
+                LookupComboTextExit(combo);
+        });
+}
+
+QueryRun::QueryRun(QueryScreen *screen)
+    : m_screen(screen)
+{
+    Screen->setCursor(crQueryBusy);
+    focusControl(screen->WorkPanel1);
+}
+
+QueryRun::~QueryRun()
+{
+    if (m_screen->PageControl1->activePageIndex() != 0)
+        m_screen->PageControl1->setActivePageIndex(0);
+    Screen->setCursor(crDefault);
+}
+
+void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field)
+{
+    QString values;
+    DataSetFieldToText(GlobalCdsAddr(hostDataSet), field, QStringLiteral("\r"), values);
+    for (TDBComboBoxEh *combo : combos) {
+        combo->setItemsText(allItems + u'\r' + values);
+        combo->setKeyItemsText(allItems + u'\r' + values);
+        combo->setItemIndex(0);
+    }
+}
+
+namespace {
+
+void setLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source, const QString &keyField, const QString &codeField,
+    const QList<LookupColumn> &columns)
+{
+    for (TDBLookupComboboxEh *combo : combos) {
+        combo->setFields(keyField, keyField, codeField);
+        combo->setDropDownColumns(columns);
+        combo->setListSource(source);
+    }
+}
+
+} // namespace
+
+void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
+{
+    setLookup(combos, source, QStringLiteral("SITE_NAME"), QStringLiteral("SITE_CODE"),
+        { { QStringLiteral("SITE_CODE"), QStringLiteral("网点编号"), 80 }, { QStringLiteral("SITE_NAME"), QStringLiteral("网点名称"), 120 },
+            { QStringLiteral("SUPERIOR_SITE"), QStringLiteral("所属网点"), 120 } });
+}
+
+void setScanTypeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
+{
+    setLookup(combos, source, QStringLiteral("TYPE_NAME"), QStringLiteral("TYPE_CODE"),
+        { { QStringLiteral("TYPE_CODE"), QStringLiteral("类型编号"), 80 },
+            { QStringLiteral("TYPE_NAME"), QStringLiteral("类型名称"), 120 } });
+}
+
+void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
+{
+    setLookup(combos, source, QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("EMPLOYEE_CODE"),
+        { { QStringLiteral("EMPLOYEE_CODE"), QStringLiteral("员工编号"), 60 },
+            { QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("员工姓名"), 60 },
+            { QStringLiteral("OWNER_SITE"), QStringLiteral("所属网点"), 120 },
+            { QStringLiteral("DEPT_NAME"), QStringLiteral("所属部门"), 60 } });
+}
+
+void openStatement(TClientDataSetEx *dataSet, const QString &statement)
+{
+    dataSet->close();
+    dataSet->setCommandText(statement);
+    dataSet->setTag(0);
+    dataSet->open();
+}
+
+QString unlessEmpty(QStringView condition, const TDBLookupComboboxEh *combo)
+{
+    return combo->text().isEmpty() ? QString() : QString(condition + combo->text() + u'\'');
+}
+
+QString unlessAll(QStringView condition, const TDBComboBoxEh *combo)
+{
+    return combo->text() == allItems ? QString() : QString(condition + combo->text() + u'\'');
+}
+
+QString whereBetween(QStringView column, const TDBDateTimeEditEh *start, const TDBDateTimeEditEh *end)
+{
+    return u"where " + column + u" between to_date('" + start->text() + u"','yyyy-mm-dd hh24:mi:ss') and to_date('" + end->text()
+        + u"','yyyy-mm-dd hh24:mi:ss')";
+}

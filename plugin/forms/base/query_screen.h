@@ -1,0 +1,86 @@
+#pragma once
+
+#include "plugin/forms/base/condition_layout.h"
+#include "plugin/forms/base/frame_Panel.h"
+#include "plugin/forms/base/ufrm_BasicBoot.h"
+
+#include "platform/grid/editors.h"
+#include "platform/toolkit/handler.h"
+#include "platform/toolkit/page_control.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QPushButton>
+
+/// The first entry of every drop-down list: no condition.
+inline const QString allItems = QStringLiteral("全部");
+
+/// What the query screens share: a condition panel above pages with one result grid each, and a hidden query button that the
+/// host's query command presses. A screen names its conditions, pages and statements, and nothing else.
+class QueryScreen : public Tfrm_BasicBoot {
+    Q_OBJECT
+
+public:
+    QueryScreen(TComponentOwner *owner, const QString &name, QStringView caption);
+
+    PUBLISHED(QFrame, Panel1);
+    PUBLISHED(TWorkPanel, WorkPanel1);
+    PUBLISHED(TPageControl, PageControl1);
+    PUBLISHED(QPushButton, Button1);
+
+protected:
+    /// Lays the condition panel out.
+    void arrange(const QList<ConditionLine> &lines) { ::arrange(Panel1, WorkPanel1, lines); }
+    /// Adds a page that shows `dataSet` in `view`; showing it makes both current.
+    void page(TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0);
+    /// The query: what the host's query command runs.
+    virtual void Button1Click() = 0;
+    void FormShow() override;
+
+    /// Tells the user why the query is refused and moves the focus to the condition at fault; always true.
+    bool refuse(const QString &text, QWidget *control);
+    /// LookupComboTextExit when the user leaves the combo, or when Enter is pressed in it.
+    void completeOnExit(const QList<TDBLookupComboboxEh *> &combos);
+    void completeOnEnter(const QList<TDBLookupComboboxEh *> &combos);
+
+private:
+    friend class QueryRun;
+    struct Page {
+        TTabSheet *sheet;
+        TDataView *view;
+        TClientDataSetEx *dataSet;
+    };
+    void setWorkContext(const Page &page);
+
+    QList<Page> m_pages;
+};
+
+/// The frame of a query: the busy cursor and the focus on the work panel, so that the exit handler of the control that is being
+/// edited has run; at the end, whatever happens, the first page and the default cursor.
+class QueryRun {
+public:
+    explicit QueryRun(QueryScreen *screen);
+    QueryRun(const QueryRun &) = delete;
+    ~QueryRun();
+
+private:
+    QueryScreen *m_screen;
+};
+
+/// Fills a drop-down list with "全部" and the values of a field of the host's dataset, and selects the former.
+void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field);
+
+/// The list sources, fields and drop-down columns of lookup combos.
+void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
+void setScanTypeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
+void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
+
+/// Closes the dataset, gives it the statement and opens it.
+void openStatement(TClientDataSetEx *dataSet, const QString &statement);
+
+/// `condition` + value + "'" unless the value is empty, "" otherwise; the condition ends with its opening quote.
+QString unlessEmpty(QStringView condition, const TDBLookupComboboxEh *combo);
+/// The same unless the list shows "全部".
+QString unlessAll(QStringView condition, const TDBComboBoxEh *combo);
+/// "where a.scan_date between ... and ..." for `column`, from the texts of two editors.
+QString whereBetween(QStringView column, const TDBDateTimeEditEh *start, const TDBDateTimeEditEh *end);

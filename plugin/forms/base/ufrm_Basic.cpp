@@ -1,0 +1,101 @@
+#include "plugin/forms/base/ufrm_Basic.h"
+
+#include "platform/toolkit/application.h"
+#include "plugin/data/udm_BasicData.h"
+
+namespace {
+
+template <class Component>
+QList<Component *> ownedComponents(const TComponentOwner &owner)
+{
+    QList<Component *> found;
+    for (QObject *component : owner.components())
+        if (auto *wanted = qobject_cast<Component *>(component))
+            found.append(wanted);
+    return found;
+}
+
+} // namespace
+
+Tfrm_Basic::~Tfrm_Basic() { FormDestroy(); }
+
+void Tfrm_Basic::FormCreate()
+{
+    notifyHost(hostFormCreating);
+    SuppressHostNotify = false;
+    CurrentView = nullptr;
+    CurrentDataSet = nullptr;
+    QueryButton = nullptr;
+    CurrentExtra = nullptr;
+    Right1 = Right2 = Right3 = false;
+    ResetSearch = PublishedMethod(Application->mainForm(), "ResetSearch");
+    for (TClientDataSetEx *dataSet : ownedComponents<TClientDataSetEx>(*this))
+        dataSet->setRemoteServer(dm_BasicData->HostConnection);
+}
+
+void Tfrm_Basic::FormActivate()
+{
+    if (!SuppressHostNotify)
+        notifyHost(hostFormActivated);
+    resetSearch();
+}
+
+void Tfrm_Basic::FormClose(TCloseAction &action)
+{
+    const QList<TClientDataSetEx *> dataSets = ownedComponents<TClientDataSetEx>(*this);
+    for (const TClientDataSetEx *dataSet : dataSets) {
+        if (SuppressHostNotify || !dataSet->active() || dataSet->changeCount() == 0)
+            continue;
+        constexpr int flags = mbOkCancel | mbIconQuestion | mbDefaultButton2;
+        if (Application->messageBox(QStringLiteral("详细：您所做的操作并未保存，确定要关闭吗？"), caption(), flags) == idCancel) {
+            action = TCloseAction::None;
+            return;
+        }
+    }
+    for (TClientDataSetEx *dataSet : dataSets)
+        dataSet->close();
+    notifyHost(hostFormClosed);
+    if (FormVariable)
+        *FormVariable = nullptr;
+    action = TCloseAction::Free;
+}
+
+void Tfrm_Basic::FormKeyDown(int key, Qt::KeyboardModifiers modifiers)
+{
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier)
+        focusNextControl();
+}
+
+void Tfrm_Basic::FormDestroy()
+{
+    for (TDataSet *dataSet : ownedComponents<TDataSet>(*this))
+        dataSet->close();
+}
+
+void Tfrm_Basic::SetRights(const QString &text)
+{
+    const auto granted = [&text](qsizetype position) { return text.size() > position && text[position] == u'1'; };
+    Right1 = granted(0);
+    Right2 = granted(1);
+    Right3 = granted(2);
+}
+
+void Tfrm_Basic::SetWorkContext(TDataView *view, TClientDataSetEx *dataSet, QAbstractButton *button, QObject *extra)
+{
+    SetCurrentView(view);
+    CurrentDataSet = dataSet;
+    QueryButton = button;
+    CurrentExtra = extra;
+}
+
+void Tfrm_Basic::SetCurrentView(TDataView *view)
+{
+    if (view == CurrentView)
+        return;
+    CurrentView = view;
+    resetSearch();
+}
+
+void Tfrm_Basic::resetSearch() const { ResetSearch.call(CurrentView ? CurrentView->DataViewGrid : nullptr); }
+
+void Tfrm_Basic::notifyHost(HostMessage message) { Application->mainForm()->perform(message, reinterpret_cast<quintptr>(this), 0); }

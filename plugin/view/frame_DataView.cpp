@@ -1,0 +1,138 @@
+#include "plugin/view/frame_DataView.h"
+
+#include "platform/toolkit/handler.h"
+#include "plugin/view/layout_file.h"
+#include "plugin/view/layout_storage.h"
+
+#include <QEvent>
+#include <QFileInfo>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr QRgb footerColor = 0xffddddff;
+constexpr QRgb oddRowColor = 0xffc4c4ff;
+constexpr QRgb evenRowColor = 0xffddddff;
+const QString fieldIndexKey = QStringLiteral("FieldIndex");
+
+bool isStored(const Column &column) { return column.visible && !column.fieldName.isEmpty() && !column.caption.isEmpty(); }
+
+} // namespace
+
+TDataView::TDataView()
+{
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(Panel1);
+    layout->addWidget(DataViewGrid);
+    Panel1->setText(QStringLiteral("在这里描述您下面的表的意义"));
+    Panel1->setFixedHeight(16);
+    Panel1->hide();
+
+    DataViewGrid->setDataSource(DS);
+    DataViewGrid->setFooterRowCount(2);
+    DataViewGrid->setFooterColor(QColor::fromRgba(footerColor));
+    DataViewGrid->setSortLocal(true);
+    DataViewGrid->onGetCellParams = [this](int row, int, CellParameters &parameters) { DataViewGridGetCellParams(row, parameters); };
+    DataViewGrid->onCellText = [this](int row, int column) { return DataViewGridDrawColumnCell(row, column); };
+    handle(DataViewGrid, &TDBGridEh::titleClicked, DataViewGrid, &TDBGridEh::clearSelection);
+    handle(DS, &TDataSource::stateChanged, this, &TDataView::DSStateChange);
+}
+
+TDataView::~TDataView()
+{
+    if (!m_section.isEmpty())
+        guarded([this] { SaveLayout(layoutFileName()); });
+}
+
+void TDataView::design(const GridColumns &columns, TDataSet *dataSet, int frozen)
+{
+    DataViewGrid->setColumns(columns);
+    DataViewGrid->setFrozenColumns(frozen);
+    DS->setDataSet(dataSet);
+}
+
+bool TDataView::event(QEvent *event)
+{
+    const bool handled = TFrame::event(event);
+    if (event->type() == QEvent::Polish && m_section.isEmpty())
+        guarded([this] { InitColumns(); });
+    return handled;
+}
+
+void TDataView::InitColumns()
+{
+    m_section = componentPath(DataViewGrid);
+    LoadLayout(layoutFileName());
+
+    bool counted = false;
+    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
+        Column column = DataViewGrid->column(index);
+        if (!column.visible)
+            continue;
+        if (!counted && !column.fieldName.isEmpty()) {
+            column.footers = { { FooterKind::StaticText, QStringLiteral("记录数") }, { FooterKind::Count } };
+            counted = true;
+        }
+        column.titleButton = true;
+        DataViewGrid->setColumn(index, column);
+    }
+}
+
+void TDataView::LoadLayout(const QString &iniFileName)
+{
+    if (!QFileInfo::exists(iniFileName))
+        return;
+    const LayoutFile file(iniFileName);
+    const QStringList names = file.value(m_section, fieldIndexKey).split(u';', Qt::SkipEmptyParts);
+    for (const QString &name : names) {
+        const int index = DataViewGrid->columnIndex(name, true);
+        const int width = file.value(m_section, name).toInt();
+        if (index >= 0 && width > 0)
+            DataViewGrid->setColumnWidth(index, width);
+    }
+    for (qsizetype position = 0; position < names.size(); ++position) {
+        const int index = DataViewGrid->columnIndex(names[position], true);
+        if (index >= 0)
+            DataViewGrid->moveColumn(index, int(position));
+    }
+}
+
+void TDataView::SaveLayout(const QString &iniFileName) const
+{
+    QMap<QString, QString> values;
+    QString order;
+    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
+        const Column &column = DataViewGrid->column(index);
+        if (!isStored(column))
+            continue;
+        order += column.fieldName + u';';
+        values.insert(column.fieldName, QString::number(column.width));
+    }
+    values.insert(fieldIndexKey, order);
+    LayoutFile file(iniFileName);
+    file.setSection(m_section, values);
+    file.save();
+}
+
+void TDataView::DataViewGridGetCellParams(int row, CellParameters &parameters) const
+{
+    if (Striped)
+        parameters.background = QColor::fromRgba(DataViewGrid->recordNumber(row) % 2 == 1 ? oddRowColor : evenRowColor);
+}
+
+QString TDataView::DataViewGridDrawColumnCell(int row, int column) const
+{
+    const int number = DataViewGrid->recordNumber(row);
+    return DataViewGrid->column(column).caption == u"序号" && number != -1 ? QString::number(number) : QString();
+}
+
+void TDataView::DSStateChange()
+{
+    TDataSet *dataSet = DS->dataSet();
+    const bool editing = dataSet && dataSet->isEditing();
+    DataViewGrid->setEnabled(!editing);
+    if (dataSet && !editing && dataSet->controlsDisabled())
+        dataSet->enableControls();
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/grid/column.h"
+
+/// One row of a grid's description: its kind, then what is special about it.
+class GridColumn {
+public:
+    GridColumn(const char *field, QStringView caption, int width, Qt::Alignment alignment);
+
+    /// Two centred footers: the static text and, below it, the sum.
+    GridColumn &sum(QStringView title);
+    GridColumn &hidden();
+    GridColumn &readOnly();
+    GridColumn &checkBox(); ///< "1" ticked, "0" not
+    GridColumn &ellipsis();
+    GridColumn &dropDown(const QStringList &fields);
+
+    operator const Column &() const { return m_column; }
+
+private:
+    Column m_column;
+};
+
+using GridColumns = QList<Column>;
+
+constexpr int defaultColumnWidth = 64;
+
+/// Kinds of columns; a field of "" makes a column without data.
+GridColumn text(const char *field, QStringView caption, int width = defaultColumnWidth);
+GridColumn number(const char *field, QStringView caption, int width = defaultColumnWidth);
+GridColumn time(const char *field, QStringView caption, int width = 120);

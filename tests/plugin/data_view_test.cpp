@@ -1,0 +1,138 @@
+#include "plugin/view/frame_DataView.h"
+#include "plugin/view/layout_file.h"
+#include "plugin/view/layout_storage.h"
+
+#include "packet/builder.h"
+#include "tests/plugin/fake_host.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+TIniPropStorageManEh *IniStorageManager = nullptr;
+
+namespace {
+
+const GridColumns columns {
+    text("", u"序号", 40),
+    text("NAME", u"名称", 80),
+    text("SECRET", u"隐藏", 70).hidden(),
+    number("FEE", u"费用", 60).sum(u"总金额"),
+};
+
+class DataView : public testing::Test {
+protected:
+    DataView()
+    {
+        m_storage.setIniFileName(m_directory.filePath(QStringLiteral("WindowsIni/布局.ini")));
+        IniStorageManager = &m_storage;
+        packet::Builder builder({ { "NAME", packet::ColumnType::Text }, { "FEE", packet::ColumnType::Decimal } });
+        for (const auto &[name, fee] : { std::pair("甲", "0.10"), std::pair("乙", "0.20"), std::pair("丙", "12.35") }) {
+            builder.addText(0, name);
+            builder.addText(1, fee);
+            builder.endRow();
+        }
+        m_dataSet.setData(builder.finish());
+    }
+    ~DataView() override { IniStorageManager = nullptr; }
+
+    /// A view inside a form of that name, shown so that its columns are initialised.
+    struct Shown {
+        TDataModule form;
+        TDataView view;
+    };
+    std::unique_ptr<Shown> show()
+    {
+        auto shown = std::make_unique<Shown>();
+        shown->form.setObjectName(QStringLiteral("frm_Test"));
+        shown->view.setObjectName(QStringLiteral("DataView1"));
+        shown->view.setProperty("_owner", QVariant::fromValue<QObject *>(&shown->form));
+        shown->view.design(columns, &m_dataSet);
+        shown->view.show();
+        return shown;
+    }
+    QStringList order(const TDataView &view) const
+    {
+        QStringList fields;
+        for (int index = 0; index < view.DataViewGrid->columnCount(); ++index)
+            fields.append(view.DataViewGrid->column(index).fieldName);
+        return fields;
+    }
+
+    QTemporaryDir m_directory;
+    TIniPropStorageManEh m_storage;
+    TCustomClientDataSet m_dataSet;
+};
+
+TEST_F(DataView, TheFirstDataColumnCountsAndSumsAreExact)
+{
+    const auto shown = show();
+    const TDBGridEh &grid = *shown->view.DataViewGrid;
+    EXPECT_EQ(grid.footerText(0, 0), QString());
+    EXPECT_EQ(grid.footerText(0, 1), QStringLiteral("记录数"));
+    EXPECT_EQ(grid.footerText(1, 1), QStringLiteral("3"));
+    EXPECT_EQ(grid.footerText(0, 3), QStringLiteral("总金额"));
+    EXPECT_EQ(grid.footerText(1, 3), QStringLiteral("12.65"));
+    EXPECT_EQ(grid.cellText(2, 0), QStringLiteral("3"));
+    EXPECT_TRUE(grid.column(1).titleButton);
+    EXPECT_FALSE(grid.column(2).titleButton);
+    EXPECT_EQ(grid.cellBackground(0, 1), QColor(0xc4, 0xc4, 0xff));
+    EXPECT_EQ(grid.cellBackground(1, 1), QColor(0xdd, 0xdd, 0xff));
+}
+
+TEST_F(DataView, TheLayoutComesBackAsItWasLeft)
+{
+    auto shown = show();
+    shown->view.DataViewGrid->setColumnWidth(1, 133);
+    shown->view.DataViewGrid->moveColumn(3, 0);
+    shown.reset();
+
+    QFile file(m_storage.iniFileName());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray("[frm_Test.DataView1.DataViewGrid]\r\nFEE=60\r\nFieldIndex=FEE;NAME;\r\nNAME=133\r\n"));
+
+    shown = show();
+    EXPECT_EQ(order(shown->view), QStringList({ QStringLiteral("FEE"), QStringLiteral("NAME"), QString(), QStringLiteral("SECRET") }));
+    EXPECT_EQ(shown->view.DataViewGrid->column(1).width, 133);
+}
+
+TEST_F(DataView, UnknownFieldsAndZeroWidthsInTheFileAreIgnored)
+{
+    LayoutFile file(m_storage.iniFileName());
+    file.setSection(QStringLiteral("frm_Test.DataView1.DataViewGrid"),
+        { { QStringLiteral("FieldIndex"), QStringLiteral("gone;fee;SECRET;") }, { QStringLiteral("fee"), QStringLiteral("0") },
+            { QStringLiteral("gone"), QStringLiteral("5") } });
+    ASSERT_TRUE(file.save());
+    const auto shown = show();
+    EXPECT_EQ(order(shown->view), QStringList({ QString(), QStringLiteral("FEE"), QStringLiteral("NAME"), QStringLiteral("SECRET") }));
+    EXPECT_EQ(shown->view.DataViewGrid->column(1).width, 60);
+}
+
+TEST_F(DataView, ABrokenLayoutFileIsSetAside)
+{
+    ASSERT_TRUE(LayoutFile(m_storage.iniFileName()).save());
+    for (const QByteArray &broken : { QByteArray("\xff\xfe[x]\n"), QByteArray("no section=1\n"), QByteArray("[a]\nrubbish\n") }) {
+        QFile file(m_storage.iniFileName());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(broken);
+        file.close();
+        EXPECT_EQ(order(show()->view).first(), QString());
+        QFile aside(m_storage.iniFileName() + u".broken");
+        ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
+        EXPECT_EQ(aside.readAll(), broken);
+    }
+}
+
+TEST_F(DataView, TheGridRestsWhileItsDataSetIsEditedAndHeldControlsComeBack)
+{
+    const auto shown = show();
+    m_dataSet.edit();
+    EXPECT_FALSE(shown->view.DataViewGrid->isEnabled());
+    m_dataSet.disableControls();
+    m_dataSet.cancel();
+    EXPECT_TRUE(shown->view.DataViewGrid->isEnabled());
+    EXPECT_FALSE(m_dataSet.controlsDisabled());
+}
+
+} // namespace

@@ -1,0 +1,126 @@
+#include "platform/remote/socket_connection.h"
+#include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/screen.h"
+#include "tests/plugin/fake_host.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QMdiArea>
+#include <QTemporaryDir>
+
+namespace {
+
+using ExecFunction = void (*)(TApplication *, TScreen *, QObject *const *, int, const char *);
+
+/// The real library, loaded into a host with small code tables.
+class Entry : public testing::Test {
+protected:
+    Entry() { Application->setSettingsDirectory(m_settings.path()); }
+    void load()
+    {
+        m_library = std::make_unique<TLibrary>(QStringLiteral(KELVARA_PLUGIN));
+        m_exec = reinterpret_cast<ExecFunction>(m_library->resolve("exec"));
+    }
+    QStringList exec(const char *formName)
+    {
+        m_host.log.clear();
+        QObject *const connections[] = { &m_first, &m_second };
+        m_exec(Application, Screen, connections, 1, formName);
+        return m_host.log;
+    }
+    ~Entry() override
+    {
+        m_host.mdiArea()->closeAllSubWindows();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+
+    QTemporaryDir m_settings;
+    TSocketConnectionEx m_first;
+    TSocketConnectionEx m_second;
+    std::unique_ptr<TLibrary> m_library;
+    FakeHost m_host;
+    ExecFunction m_exec = nullptr;
+};
+
+TEST_F(Entry, AMissingHostDataSetMakesTheLoadFailAndLeavesNothing)
+{
+    m_host.removeDataSet(u"area");
+    try {
+        load();
+        ADD_FAILURE() << "loaded";
+    } catch (const Exception &exception) {
+        EXPECT_EQ(exception.message(), QStringLiteral("全局数据集\"area\"不存在！"));
+    }
+    m_host.addDataSet("area", "AREA_NAME", {});
+    load();
+    EXPECT_FALSE(exec("frm_ScanContrast101").isEmpty());
+}
+
+TEST_F(Entry, UnknownNamesGetTheErrorBoxAndNothingElse)
+{
+    load();
+    const QStringList refusal(QStringLiteral("message 详细：此窗体不存在！|DLL调用|16"));
+    for (const char *name : { "FRM_SCANCONTRAST101", "frm_ScanContrast", "frm_Nobody111", "101", "10", "" })
+        EXPECT_EQ(exec(name), refusal) << name;
+}
+
+TEST_F(Entry, ASecondCallBringsTheScreenForwardWithItsFirstRights)
+{
+    load();
+    exec("frm_ScanContrast101");
+    ASSERT_EQ(m_host.forms().size(), 1);
+    TForm *form = m_host.forms().first();
+    EXPECT_EQ(exec("frm_ScanContrast011"), QStringList());
+    EXPECT_EQ(m_host.forms(), QList<TForm *>({ form }));
+    EXPECT_TRUE(form->property("Right1").toBool());
+    EXPECT_FALSE(form->property("Right2").toBool());
+    EXPECT_TRUE(form->property("Right3").toBool());
+}
+
+TEST_F(Entry, AScreenThatCannotBeCreatedIsReportedAndCanBeOpenedLater)
+{
+    load();
+    m_host.removeDataSet(u"GoodsType");
+    EXPECT_EQ(exec("frm_ScanContrast111").last(), QStringLiteral("message 详细：因为全局数据集\"GoodsType\"不存在！调用失败！|DLL调用|16"));
+    EXPECT_TRUE(m_host.forms().isEmpty());
+    m_host.addDataSet("GoodsType", "GOODS_NAME", {});
+    exec("frm_ScanContrast111");
+    EXPECT_EQ(m_host.forms().size(), 1);
+}
+
+TEST_F(Entry, AnotherConnectionIsTakenOverByTheNextScreen)
+{
+    load();
+    exec("frm_ScanContrast111");
+    const auto serverOf = [](const TForm *form) { return qobject_cast<TClientDataSetEx *>(form->findComponent(u"cds2"))->remoteServer(); };
+    EXPECT_EQ(serverOf(m_host.forms().first()), &m_first);
+    m_host.mdiArea()->closeAllSubWindows();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    TSocketConnectionEx other;
+    QObject *const connections[] = { &other, &m_second };
+    m_exec(Application, Screen, connections, 1, "frm_ScanContrast111");
+    EXPECT_EQ(serverOf(m_host.forms().first()), &other);
+    m_host.mdiArea()->closeAllSubWindows();
+}
+
+TEST_F(Entry, UnloadingGivesTheHostItsObjectsBack)
+{
+    TApplication *const application = Application;
+    TScreen *const screen = Screen;
+    load();
+    TApplication otherApplication;
+    TScreen otherScreen;
+    otherApplication.setMainForm(&m_host);
+    otherApplication.setMessageResponder([](const MessageRequest &) { return idOk; });
+    QObject *const connections[] = { &m_first, &m_second };
+    m_exec(&otherApplication, &otherScreen, connections, 1, "nothing");
+    EXPECT_EQ(Application, &otherApplication);
+    EXPECT_EQ(Screen, &otherScreen);
+    m_library.reset();
+    EXPECT_EQ(Application, application);
+    EXPECT_EQ(Screen, screen);
+}
+
+} // namespace
