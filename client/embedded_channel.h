@@ -1,0 +1,21 @@
+#pragma once
+
+#include "engine/engine.h"
+#include "platform/remote/socket_connection.h"
+
+/// Runs statements on an engine in the client's own process.
+class EmbeddedChannel : public StatementChannel {
+public:
+    explicit EmbeddedChannel(std::shared_ptr<engine::Engine> engine)
+        : m_engine(std::move(engine))
+    {
+    }
+
+    packet::PacketPtr run(const std::string &statement, std::stop_token stop, const std::function<void(std::int64_t)> &progress) override
+    {
+        return m_engine->query(statement, { .stop = std::move(stop), .progress = progress });
+    }
+
+private:
+    std::shared_ptr<engine::Engine> m_engine;
+};

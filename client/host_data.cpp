@@ -1,0 +1,69 @@
+#include "client/host_data.h"
+
+#include <QLineEdit>
+
+namespace {
+
+struct HostDataSet {
+    const char16_t *name;
+    const char16_t *statement; ///< %1 stands for the login site, quoted
+};
+
+const HostDataSet hostDataSets[] = {
+    { u"loginSite", u"select a.* from tab_site a where a.site_name=%1" },
+    { u"loginSiteOwner", u"select a.* from tab_site a where a.site_name=%1 or a.superior_site=%1 order by a.site_code" },
+    { u"site", u"select a.* from tab_site a order by a.site_code" },
+    { u"AllSite", u"select a.* from tab_site a order by a.site_code" },
+    { u"loginSiteEmployeeOwner",
+        u"select a.employee_code,a.employee_name,a.owner_site,a.dept_name from tab_employee a where a.owner_site=%1 order by "
+        u"a.employee_code" },
+    { u"ownerCustomer", u"select a.* from tab_customer a where a.owner_site=%1 order by a.customer_code" },
+    { u"scanType", u"select a.* from tab_scan_type a order by a.type_code" },
+    { u"Class", u"select a.* from tab_class a order by a.class_code" },
+    { u"GoodsType", u"select a.* from tab_goods_type a order by a.goods_code" },
+    { u"FastType", u"select a.* from tab_fast_type a order by a.type_code" },
+    { u"problem", u"select a.* from tab_problem_type a order by a.problem_code" },
+    { u"QuoteData", u"select a.* from tab_quote_data a order by a.quote_code" },
+    { u"area", u"select a.* from tab_area a order by a.area_code" },
+};
+
+QString quoted(QString text) { return u'\'' + text.replace(QStringLiteral("'"), QStringLiteral("''")) + u'\''; }
+
+} // namespace
+
+void HostData::load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner)
+{
+    for (const HostDataSet &row : hostDataSets)
+        loadDataSet(QString::fromUtf16(row.name), QString::fromUtf16(row.statement).replace(QStringLiteral("%1"), quoted(loginSite)),
+            connection, owner);
+    if (static_cast<TClientDataSetEx *>(m_dataSets.first())->isEmpty())
+        throw Exception(QStringLiteral("没有名为“%1”的网点，请用 --login-site 选择别的网点登录。").arg(loginSite));
+
+    addValue(QStringLiteral("site"), loginSite, owner);
+    addValue(QStringLiteral("employeeName"), user, owner);
+    addValue(QStringLiteral("employeeCode"), QStringLiteral("0001"), owner);
+    addValue(QStringLiteral("userSite"), {}, owner);
+    TClientDataSetEx settings;
+    settings.setRemoteServer(connection);
+    settings.setCommandText(QStringLiteral("select a.name,a.value from tab_global_value a"));
+    for (settings.open(); !settings.eof(); settings.next())
+        addValue(settings.fieldByName(u"NAME")->asString(), settings.fieldByName(u"VALUE")->asString(), owner);
+}
+
+void HostData::loadDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner)
+{
+    auto *dataSet = new TClientDataSetEx(owner);
+    dataSet->setObjectName(name);
+    dataSet->setRemoteServer(connection);
+    dataSet->setCommandText(statement);
+    dataSet->open();
+    m_dataSets.append(dataSet);
+}
+
+void HostData::addValue(const QString &name, const QString &text, QWidget *owner)
+{
+    auto *value = new QLineEdit(text, owner);
+    value->setObjectName(name);
+    value->hide();
+    m_values.append(value);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/dataset/client_data_set.h"
+#include "platform/toolkit/published.h"
+
+class QWidget;
+
+/// The datasets and values that the host keeps for all its modules, loaded once after login.
+class HostData {
+public:
+    /// Loads everything over `connection` for a user at `loginSite`; the components belong to `owner`. Throws what the
+    /// statements throw, and Exception when there is no such site.
+    void load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner);
+
+    const TList &dataSets() const { return m_dataSets; }
+    const TList &values() const { return m_values; }
+
+private:
+    void loadDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner);
+    void addValue(const QString &name, const QString &text, QWidget *owner);
+
+    TList m_dataSets;
+    TList m_values;
+};

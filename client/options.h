@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+
+/// What the command line says.
+struct Options {
+    QString database; ///< "sqlite:path"
+    QString user = QStringLiteral("演示用户");
+    QString loginSite = QStringLiteral("北京");
+    QDateTime now; ///< invalid: the computer's clock
+    QDateTime serverNow; ///< invalid: the client's clock
+    QString pluginDirectory; ///< empty: the program's own
+    QString settingsDirectory; ///< empty: the program's own
+    bool automation = false;
+};
+
+/// Reads the arguments (without the program's name). Throws Exception with a Chinese message for what it does not know.
+Options readOptions(const QStringList &arguments);
+/// The text of --help.
+QString optionsHelp();

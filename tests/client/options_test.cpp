@@ -1,0 +1,40 @@
+#include "client/options.h"
+
+#include "platform/toolkit/exception.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Options, EachIsReadAndTheRestKeepsItsDefault)
+{
+    const Options options
+        = readOptions(QStringLiteral("--database|sqlite:a b.db|--login-site|上海|--now|2026-03-15 16:30:00|--automation").split(u'|'));
+    EXPECT_EQ(options.database, QStringLiteral("sqlite:a b.db"));
+    EXPECT_EQ(options.loginSite, QStringLiteral("上海"));
+    EXPECT_EQ(options.now.time(), QTime(16, 30));
+    EXPECT_TRUE(options.automation);
+    EXPECT_FALSE(options.serverNow.isValid());
+    EXPECT_EQ(readOptions({}).loginSite, QStringLiteral("北京"));
+}
+
+TEST(Options, WhatIsWrongIsNamed)
+{
+    const std::pair<const char16_t *, const char16_t *> wrong[] = {
+        { u"--databse|x", u"--databse" },
+        { u"--database", u"--database" },
+        { u"--now|morgen", u"morgen" },
+        { u"file.db", u"file.db" },
+        { u"--server|https://host:8866", u"--database" },
+    };
+    for (const auto &[arguments, named] : wrong) {
+        try {
+            readOptions(QString::fromUtf16(arguments).split(u'|'));
+            ADD_FAILURE() << QString::fromUtf16(arguments).toStdString();
+        } catch (const Exception &exception) {
+            EXPECT_TRUE(exception.message().contains(QString::fromUtf16(named))) << exception.what();
+        }
+    }
+}
+
+} // namespace

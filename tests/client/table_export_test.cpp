@@ -1,0 +1,78 @@
+#include "client/export/table_export.h"
+
+#include "platform/dataset/client_data_set.h"
+#include "platform/grid/db_grid.h"
+#include "platform/toolkit/exception.h"
+#include "tests/support/packets.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+namespace {
+
+TEST(CsvCell, QuotesAndDisarmsAsNeeded)
+{
+    const std::pair<const char16_t *, const char16_t *> cells[] = {
+        { u"北京", u"北京" },
+        { u"", u"" },
+        { u"a,b", u"\"a,b\"" },
+        { u"say \"hi\"", u"\"say \"\"hi\"\"\"" },
+        { u"two\nlines", u"\"two\nlines\"" },
+        { u"-12.5", u"-12.5" },
+        { u"+86", u"+86" },
+        { u"=1+1", u"\"\t=1+1\"" },
+        { u"-cmd", u"\"\t-cmd\"" },
+        { u"@sum", u"\"\t@sum\"" },
+        { u"268004223517", u"268004223517" },
+    };
+    for (const auto &[text, expected] : cells)
+        EXPECT_EQ(csvCell(QString::fromUtf16(text)), QString::fromUtf16(expected));
+}
+
+class TableExport : public testing::Test {
+protected:
+    TableExport()
+    {
+        m_dataSet.setData(packetOf("CODE:text,SECRET:text,FEE:decimal\n007,x,1.5\n008,y,\n"));
+        m_source.setDataSet(&m_dataSet);
+        m_grid.setDataSource(&m_source);
+        m_grid.setColumns({ { .fieldName = QStringLiteral("FEE"), .caption = QStringLiteral("寄件|费用") },
+            { .fieldName = QStringLiteral("SECRET"), .caption = QStringLiteral("隐藏"), .visible = false },
+            { .fieldName = QStringLiteral("CODE"), .caption = QStringLiteral("编号") } });
+    }
+    QByteArray contents(const QString &name) const
+    {
+        QFile file(m_directory.filePath(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+    }
+
+    QTemporaryDir m_directory;
+    TCustomClientDataSet m_dataSet;
+    TDataSource m_source;
+    TDBGridEh m_grid;
+};
+
+TEST_F(TableExport, WritesWhatIsShown)
+{
+    EXPECT_EQ(exportGrid(m_grid, m_directory.filePath(QStringLiteral("表.csv"))), 2);
+    EXPECT_EQ(contents(QStringLiteral("表.csv")), QByteArray("\xEF\xBB\xBF寄件 费用,编号\r\n1.5,007\r\n,008\r\n"));
+    exportGrid(m_grid, m_directory.filePath(QStringLiteral("表.txt")));
+    EXPECT_EQ(contents(QStringLiteral("表.txt")), QByteArray("\xEF\xBB\xBF寄件 费用\t编号\r\n1.5\t007\r\n\t008\r\n"));
+}
+
+TEST_F(TableExport, AFailureNamesTheFileAndLeavesNone)
+{
+    const QString file = m_directory.filePath(QStringLiteral("没有/表.csv"));
+    try {
+        exportGrid(m_grid, file);
+        ADD_FAILURE() << "written";
+    } catch (const Exception &exception) {
+        EXPECT_TRUE(exception.message().contains(file)) << exception.what();
+    }
+    EXPECT_TRUE(QDir(m_directory.path()).isEmpty());
+}
+
+} // namespace
