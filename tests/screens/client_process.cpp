@@ -1,0 +1,93 @@
+#include "tests/screens/client_process.h"
+
+#include <gtest/gtest.h>
+
+#include <QJsonDocument>
+
+namespace {
+
+constexpr int patience = 60'000; // milliseconds; only a hanging client takes as long
+
+QString program(const char *name) { return QStringLiteral(KELVARA_BIN "/") + QString::fromLatin1(name); }
+
+} // namespace
+
+QString ClientProcess::database()
+{
+    static const QTemporaryDir directory;
+    static const QString path = [] {
+        const QString file = directory.filePath(QStringLiteral("演示.db"));
+        const int result = QProcess::execute(program("kelvara-demo"),
+            { QStringLiteral("--waybills"), QStringLiteral("6000"), QStringLiteral("--as-of"), now(), QStringLiteral("--seed"),
+                QStringLiteral("7"), file });
+        EXPECT_EQ(result, 0);
+        return file;
+    }();
+    return path;
+}
+
+ClientProcess::ClientProcess(const QStringList &options)
+{
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    QStringList arguments { QStringLiteral("--automation"), QStringLiteral("--settings"), m_settings.path(), QStringLiteral("--now"),
+        now() };
+    if (!options.contains(QStringLiteral("--database")))
+        arguments << QStringLiteral("--database") << QString(u"sqlite:" + database());
+    m_process.start(program("kelvara-client"), arguments + options);
+    EXPECT_TRUE(m_process.waitForStarted(patience));
+}
+
+ClientProcess::~ClientProcess()
+{
+    if (m_process.state() != QProcess::NotRunning)
+        quit();
+    if (m_process.state() != QProcess::NotRunning)
+        m_process.kill();
+}
+
+QJsonObject ClientProcess::ask(QJsonObject command)
+{
+    m_process.write(QJsonDocument(command).toJson(QJsonDocument::Compact) + '\n');
+    while (!m_process.canReadLine() && m_process.state() != QProcess::NotRunning && m_process.waitForReadyRead(patience)) { }
+    return QJsonDocument::fromJson(m_process.readLine()).object();
+}
+
+QJsonObject ClientProcess::obey(const QJsonObject &command)
+{
+    const QJsonObject reply = ask(command);
+    EXPECT_TRUE(reply[u"ok"].toBool()) << QJsonDocument(command).toJson().constData() << QJsonDocument(reply).toJson().constData();
+    return reply;
+}
+
+QJsonObject ClientProcess::obey(const QString &what, const QJsonObject &arguments)
+{
+    QJsonObject command = arguments;
+    command[u"do"] = what;
+    return obey(command);
+}
+
+QJsonArray ClientProcess::events(const QString &kind)
+{
+    QJsonArray wanted;
+    for (const QJsonValue &event : events())
+        if (event[u"event"].toString() == kind)
+            wanted.append(event);
+    return wanted;
+}
+
+QString ClientProcess::textOf(const QString &control)
+{
+    return obey(QStringLiteral("get"), { { QStringLiteral("control"), control } })[u"text"].toString();
+}
+
+void ClientProcess::set(const QString &control, const QString &text)
+{
+    obey(QStringLiteral("set"), { { QStringLiteral("control"), control }, { QStringLiteral("text"), text } });
+}
+
+int ClientProcess::quit()
+{
+    ask({ { QStringLiteral("do"), QStringLiteral("quit") } });
+    m_process.closeWriteChannel();
+    return m_process.waitForFinished(patience) ? m_process.exitCode() : -1;
+}
