@@ -1,0 +1,33 @@
+# Sourced by ./run and ./test: installs what is missing, configures and builds. Expects `root`, the checkout's folder.
+
+packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libgtest-dev libgmock-dev fonts-noto-cjk"
+
+say() { printf '== %s\n' "$*"; }
+die() { printf '%s\n' "$*" >&2; exit 1; }
+
+as_root() {
+    if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
+}
+
+install_missing() {
+    local package missing=()
+    for package in $packages; do
+        dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
+    done
+    [ ${#missing[@]} = 0 ] && return
+    command -v apt-get >/dev/null || die "Missing packages: ${missing[*]}. They are named as in Debian 12; install them and start again."
+    say "Installing ${missing[*]}"
+    as_root apt-get update -qq || die "apt-get update failed: is the network reachable?"
+    as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null \
+        || die "Installing ${missing[*]} failed."
+}
+
+# build PRESET TARGET...: the programs end up in $root/build/PRESET/bin.
+build() {
+    local preset=$1
+    shift
+    say "Building (preset $preset)"
+    cmake -S "$root" --preset "$preset" >"$root/build-configure.log" 2>&1 || { cat "$root/build-configure.log" >&2; die "Configuring failed."; }
+    rm -f "$root/build-configure.log"
+    cmake --build "$root/build/$preset" --target "$@" || die "Building failed."
+}

@@ -1,0 +1,32 @@
+#!/usr/bin/env bash
+# tour.sh OUT CLIENT...: drives the client through its automation, screen by screen, and leaves pictures and files in OUT.
+set -euo pipefail
+out=$1
+shift
+
+commands() {
+    cat <<JSON
+{"do":"open","screen":"frm_ScanContrast111"}
+{"do":"set","control":"DBLookupComboboxEh7","text":"发件"}
+{"do":"query"}
+JSON
+    local page
+    for page in "TabSheet2 DataView1" "TabSheet1 DataView2" "TabSheet3 DataView3"; do
+        set -- $page
+        cat <<JSON
+{"do":"page","control":"$1"}
+{"do":"screenshot","file":"$out/scan-contrast-$1.png"}
+{"do":"export","view":"$2","file":"$out/scan-contrast-$1.csv"}
+JSON
+    done
+    echo '{"do":"quit"}'
+}
+
+replies=$(commands | "$@" --automation) || { printf '%s\n' "$replies" >&2; echo "The client ended with an error." >&2; exit 1; }
+if printf '%s\n' "$replies" | grep -F '"ok":false' >&2; then
+    echo "The client refused a command." >&2
+    exit 1
+fi
+for file in "$out"/scan-contrast-*; do
+    printf 'wrote %s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
+done
