@@ -16,6 +16,10 @@ if(KELVARA_CCACHE)
 endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    # g++ 12 warns of overlaps in its own "literal" + std::string at -O3 (its bug 105651).
+    add_compile_options(-Wno-restrict)
+endif()
 if(KELVARA_ASSERTIONS)
     add_compile_options(-UNDEBUG)
     set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
