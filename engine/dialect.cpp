@@ -50,15 +50,27 @@ public:
         out.reserve(m_sql.size() + 24 * m_edits.size());
         std::size_t copied = 0;
         for (const Edit &edit : m_edits) {
-            out += m_sql.substr(copied, edit.position - copied);
-            out += edit.text;
+            append(out, m_sql.substr(copied, edit.position - copied));
+            append(out, edit.text);
             copied = edit.position + edit.removed;
         }
-        out += m_sql.substr(copied);
+        append(out, m_sql.substr(copied));
         return out;
     }
 
 private:
+    static bool isWordCharacter(char character)
+    {
+        return character == '_' || (character >= '0' && character <= '9') || (character >= 'a' && character <= 'z')
+            || (character >= 'A' && character <= 'Z') || std::uint8_t(character) >= 0x80;
+    }
+    /// Words that a quote or a sign kept apart must not grow together.
+    static void append(std::string &out, std::string_view part)
+    {
+        if (!out.empty() && !part.empty() && isWordCharacter(out.back()) && isWordCharacter(part.front()))
+            out += ' ';
+        out += part;
+    }
     void add(std::uint32_t position, std::uint32_t removed, Placement placement, std::string text)
     {
         const auto sequence = std::uint32_t(m_edits.size());
@@ -75,7 +87,7 @@ std::string_view partOf(std::string_view sql, const Finding &finding) { return s
 std::string numberOf(std::string_view literal)
 {
     const auto number = packet::Decimal::parse(literal.substr(1, literal.size() - 2));
-    return number ? " " + number->toString() : "to_number(" + std::string(literal) + ")";
+    return number ? number->toString() : "to_number(" + std::string(literal) + ")";
 }
 
 /// How Oracle names a column without an alias: its text in capitals without blanks.

@@ -232,6 +232,8 @@ Parser::Operand Parser::parseCase()
         if (const Operand result = parseSum(); result.kind == Kind::Number || result.kind == Kind::Date)
             kind = result.kind;
     };
+    if (!at(Symbol::When))
+        refuse("when");
     while (accept(Symbol::When)) {
         if (simple)
             compare(subject, parseSum());

@@ -133,7 +133,8 @@ void Parser::parseFrom()
     if (!dual)
         return parseTableList();
     take();
-    acceptTableAlias();
+    if (isName(peek().symbol))
+        take();
     if (at(Symbol::Comma))
         refuse("只有 dual 一个表");
     find(Construct::FromDual, from.begin, lastEnd());

@@ -196,6 +196,9 @@ TEST_F(Meaning, RowsComeAsOracleGivesThem)
         { "select a.ID from ROWS4 a, ONE b where a.ID=b.PIECE", "3" },
         { "select a.ID from (ROWS4 a inner join ONE b on a.ID=b.PIECE)", "3" },
         { "select a.ID from ROWS4 a right join ONE b on a.ID=b.PIECE+9", "null" },
+        { "select''from dual", "null" },
+        { "select''||ID from ROWS4 where FEE+0>='0.2'and FEE+0<='0.2'", "2" },
+        { "select 1 from dual limit where 1=2", "" },
         { "select 1 from dual where exists(select 1 from ROWS4 where ID not in (1,2,3))", "1" },
     };
     for (const auto &[sql, expected] : cases)

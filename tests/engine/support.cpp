@@ -17,7 +17,7 @@ TemporaryDatabase::TemporaryDatabase(const std::string &sql)
     m_path = std::filesystem::temp_directory_path() / name;
     sqlite3 *database = nullptr;
     std::string error;
-    if (sqlite3_open(m_path.c_str(), &database) != SQLITE_OK
+    if (sqlite3_open(m_path.string().c_str(), &database) != SQLITE_OK
         || sqlite3_exec(database, ("pragma synchronous=off;" + sql).c_str(), nullptr, nullptr, nullptr) != SQLITE_OK)
         error = sqlite3_errmsg(database);
     sqlite3_close(database);
