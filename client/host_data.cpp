@@ -2,14 +2,16 @@
 
 #include <QLineEdit>
 
+#include <algorithm>
+
 namespace {
 
 struct HostDataSet {
-    const char16_t *name;
-    const char16_t *statement; ///< %1 stands for the login site, quoted
+    QStringView name;
+    QStringView statement; ///< %1 stands for the login site, quoted
 };
 
-const HostDataSet hostDataSets[] = {
+constexpr HostDataSet hostDataSets[] = {
     { u"loginSite", u"select a.* from tab_site a where a.site_name=%1" },
     { u"loginSiteOwner", u"select a.* from tab_site a where a.site_name=%1 or a.superior_site=%1 order by a.site_code" },
     { u"site", u"select a.* from tab_site a order by a.site_code" },
@@ -34,15 +36,18 @@ QString quoted(QString text) { return u'\'' + text.replace(QStringLiteral("'"), 
 void HostData::load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner)
 {
     for (const HostDataSet &row : hostDataSets)
-        loadDataSet(QString::fromUtf16(row.name), QString::fromUtf16(row.statement).replace(QStringLiteral("%1"), quoted(loginSite)),
-            connection, owner);
-    if (static_cast<TClientDataSetEx *>(m_dataSets.first())->isEmpty())
+        addDataSet(row.name.toString(), row.statement.toString().replace(QStringLiteral("%1"), quoted(loginSite)), connection, owner);
+    if (dataSet(u"loginSite")->isEmpty())
         throw Exception(QStringLiteral("没有名为“%1”的网点，请用 --login-site 选择别的网点登录。").arg(loginSite));
 
+    TClientDataSetEx *employees = dataSet(u"loginSiteEmployeeOwner");
+    const bool employed = employees->locate(QStringLiteral("EMPLOYEE_NAME"), { user });
     addValue(QStringLiteral("site"), loginSite, owner);
+    addValue(QStringLiteral("userSite"), {}, owner); // every site may be queried
     addValue(QStringLiteral("employeeName"), user, owner);
-    addValue(QStringLiteral("employeeCode"), QStringLiteral("0001"), owner);
-    addValue(QStringLiteral("userSite"), {}, owner);
+    addValue(QStringLiteral("employeeCode"), employed ? employees->fieldByName(u"EMPLOYEE_CODE")->asString() : QString(), owner);
+    employees->first();
+
     TClientDataSetEx settings;
     settings.setRemoteServer(connection);
     settings.setCommandText(QStringLiteral("select a.name,a.value from tab_global_value a"));
@@ -50,7 +55,14 @@ void HostData::load(TCustomRemoteServer *connection, const QString &user, const 
         addValue(settings.fieldByName(u"NAME")->asString(), settings.fieldByName(u"VALUE")->asString(), owner);
 }
 
-void HostData::loadDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner)
+TClientDataSetEx *HostData::dataSet(QStringView name) const
+{
+    const auto found
+        = std::find_if(m_dataSets.begin(), m_dataSets.end(), [name](const QObject *item) { return item->objectName() == name; });
+    return static_cast<TClientDataSetEx *>(*found);
+}
+
+void HostData::addDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner)
 {
     auto *dataSet = new TClientDataSetEx(owner);
     dataSet->setObjectName(name);

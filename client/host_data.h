@@ -16,7 +16,8 @@ public:
     const TList &values() const { return m_values; }
 
 private:
-    void loadDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner);
+    TClientDataSetEx *dataSet(QStringView name) const;
+    void addDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner);
     void addValue(const QString &name, const QString &text, QWidget *owner);
 
     TList m_dataSets;

@@ -43,6 +43,12 @@ void drawCopy(QPainter &painter)
     painter.drawRect(QRectF(8, 6, 9, 11));
 }
 
+void drawClose(QPainter &painter)
+{
+    painter.drawLine(QPointF(5, 5), QPointF(15, 15));
+    painter.drawLine(QPointF(15, 5), QPointF(5, 15));
+}
+
 template <class Draw>
 QIcon drawn(int size, Draw draw)
 {
@@ -65,7 +71,7 @@ QIcon drawn(int size, Draw draw)
 QIcon commandIcon(const char *name)
 {
     static const QHash<QByteArray, void (*)(QPainter &)> drawings { { "query", drawQuery }, { "export", drawExport },
-        { "print", drawPrint }, { "find", drawFind }, { "copy", drawCopy } };
+        { "print", drawPrint }, { "find", drawFind }, { "copy", drawCopy }, { "close", drawClose } };
     return drawn(iconSize, drawings.value(name));
 }
 

@@ -2,7 +2,7 @@
 
 #include <QIcon>
 
-/// The drawn icon of a toolbar command: "query", "export", "print", "find" or "copy".
+/// The drawn icon of a command: "query", "export", "print", "find", "copy" or "close".
 QIcon commandIcon(const char *name);
 /// The program's icon.
 QIcon programIcon();

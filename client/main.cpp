@@ -1,5 +1,6 @@
 #include "client/automation/automation.h"
-#include "client/icons.h"
+#include "client/automation/dispatcher.h"
+#include "client/look.h"
 #include "client/main_window.h"
 #include "client/options.h"
 #include "platform/toolkit/application.h"
@@ -8,9 +9,7 @@
 #include "platform/toolkit/long_work.h"
 
 #include <QApplication>
-#include <QFontDatabase>
-#include <QJsonDocument>
-#include <QStyleFactory>
+#include <QDir>
 
 #include <cstdio>
 
@@ -27,54 +26,46 @@ void useOffscreenWithoutDisplay()
 #endif
 }
 
-void setLook()
+/// Tells why the client cannot start: to whoever automates it as a reply, to a person in a box.
+void reportFailure(const QString &message, bool automated)
 {
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    for (const char16_t *family : { u"Microsoft YaHei UI", u"Noto Sans CJK SC", u"WenQuanYi Micro Hei" }) {
-        if (QFontDatabase::hasFamily(QString::fromUtf16(family))) {
-            QApplication::setFont(QFont(QString::fromUtf16(family), 9));
-            break;
-        }
-    }
-    QApplication::setWindowIcon(programIcon());
+    if (automated)
+        std::fputs(failureReply(message).constData(), stdout);
+    else if (QApplication::platformName() == u"offscreen")
+        std::fprintf(stderr, "%s\n", message.toUtf8().constData());
+    else
+        Application->messageBox(message, QApplication::applicationDisplayName(), mbIconError);
 }
 
-/// Tells why the client cannot start: to whoever automates it as a reply, to a person in a box.
-int reportFailure(const QString &message, bool automated)
+std::unique_ptr<MainWindow> createWindow(const Options &options)
 {
-    if (automated) {
-        const QJsonObject reply { { QStringLiteral("ok"), false }, { QStringLiteral("error"), message } };
-        std::puts(QJsonDocument(reply).toJson(QJsonDocument::Compact).constData());
-    } else {
-        Application->messageBox(message, QApplication::applicationDisplayName(), mbIconError);
+    if (options.database.isEmpty())
+        throw Exception(QStringLiteral("没有指定数据库，请用 --database sqlite:文件 启动。"));
+    if (!options.settingsDirectory.isEmpty()) {
+        if (!QDir().mkpath(options.settingsDirectory))
+            throw Exception(QStringLiteral("无法建立设置目录“%1”，请用 --settings 指定可以写入的目录。").arg(options.settingsDirectory));
+        Application->setSettingsDirectory(options.settingsDirectory);
     }
-    return failed;
+    auto window = std::make_unique<MainWindow>(options);
+    window->resize(1280, 800);
+    return window;
 }
 
 int runClient(const Options &options)
 {
     Clock::set(options.now);
-    if (!options.settingsDirectory.isEmpty())
-        Application->setSettingsDirectory(options.settingsDirectory);
-    std::unique_ptr<MainWindow> window;
     try {
-        if (options.database.isEmpty())
-            throw Exception(QStringLiteral("没有指定数据库，请用 --database sqlite:文件 启动。"));
-        window = std::make_unique<MainWindow>(options);
+        const std::unique_ptr<MainWindow> window = createWindow(options);
+        std::unique_ptr<Automation> automation;
+        window->show();
+        window->activateWindow();
+        if (options.automation)
+            automation = std::make_unique<Automation>(window.get());
+        return QApplication::exec();
     } catch (const std::exception &exception) {
-        return reportFailure(exceptionMessage(exception), options.automation);
+        reportFailure(exceptionMessage(exception), options.automation);
+        return failed;
     }
-    std::unique_ptr<Automation> automation;
-    if (options.automation) {
-        automation = std::make_unique<Automation>(window.get());
-        automation->start();
-    }
-    window->resize(1280, 800);
-    window->show();
-    window->activateWindow();
-    const int result = QApplication::exec();
-    window->close();
-    return result;
 }
 
 } // namespace
@@ -83,22 +74,20 @@ int main(int argc, char **argv)
 {
     useOffscreenWithoutDisplay();
     const QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("kelvara-client"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Kelvara 查询系统"));
+    QApplication::setApplicationName(QStringLiteral("Kelvara 查询系统"));
     QApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
-    setLook();
-    const QStringList arguments = QApplication::arguments().mid(1);
-    if (arguments.contains(QStringLiteral("--help"))) {
-        std::fputs(optionsHelp().toUtf8().constData(), stdout);
-        return succeeded;
-    }
     Options options;
     try {
-        options = readOptions(arguments);
+        options = readOptions(QApplication::arguments().mid(1));
     } catch (const Exception &exception) {
         std::fprintf(stderr, "%s\n", exception.what());
         return wrongOptions;
     }
+    if (options.help) {
+        std::fputs(optionsHelp().toUtf8().constData(), stdout);
+        return succeeded;
+    }
+    setLook();
     const int result = runClient(options);
     waitForAbandonedWork();
     return result;

@@ -2,17 +2,19 @@
 
 #include "client/host_data.h"
 #include "client/options.h"
+#include "platform/grid/db_grid.h"
 #include "platform/remote/socket_connection.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/library_loader.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 class QAction;
-class QLabel;
 class QMenu;
 class QToolBar;
-class TDBGridEh;
+class StatusLine;
+class WindowTabs;
 
 namespace engine {
 class Engine;
@@ -36,28 +38,33 @@ public:
 
     /// Calls the plug-in's exec with exactly this text.
     void openScreen(const QString &formName);
+    /// Presses the query button of the screen in front; throws Exception when there is none.
     void query();
     void copy(bool titles);
-    /// Writes the current grid to `fileName`; asks for a name when it is empty.
-    void exportCurrent(QString fileName = {});
+    /// Writes the current grid to `fileName`, with progress and a way to cancel.
+    void exportTo(const QString &fileName);
     bool find(const QString &text, bool forward = true);
-    TDBGridEh *currentGrid() const;
+    TDBGridEh *currentGrid() const { return m_grid; }
 
 protected:
     void closeEvent(QCloseEvent *event) override;
 
 private:
-    struct ActionRow;
-    static const QList<ActionRow> &actionRows();
+    struct Command;
+    static const QList<Command> &commands();
 
-    void createActions();
-    QAction *createAction(const ActionRow &row);
+    void loadPlugin();
+    void useGrid(TDBGridEh *grid);
+    QObject *queryButton() const;
+
+    void createCommands();
+    void createScreenMenus();
+    void createWindowTabs();
+    QAction *createAction(const Command &command);
     void listWindows();
-    void addScreens(QMenu *menu, const QString &name, const QString &caption);
-    void createStatusBar();
-    void takeGrid(TDBGridEh *grid);
     void updateCommands();
-    void updateStatus();
+
+    void exportAsking();
     void findAsking();
     void findAgain(bool forward);
     void showShortcuts();
@@ -69,21 +76,22 @@ private:
     QDateTime serverTime() const;
 
     const Options m_options;
+    QElapsedTimer m_sinceStart;
     std::shared_ptr<engine::Engine> m_engine;
     TSocketConnectionEx m_host;
     TSocketConnectionEx m_second;
     HostData m_data;
     std::unique_ptr<TLibrary> m_library;
-    QPointer<TDBGridEh> m_grid;
-    QMetaObject::Connection m_gridRows;
-    QString m_findText;
-    QTimer m_tick;
-    qint64 m_serverAhead; ///< milliseconds that the server's clock is ahead of ours
-    QList<QAction *> m_formActions; ///< need a current form
-    QList<QAction *> m_gridActions; ///< need a current grid
+
+    QPointer<TDBGridEh> m_grid; ///< the current one
+    QPointer<TDataSource> m_gridSource; ///< what it shows
+    QList<std::pair<QAction *, const Command *>> m_actions;
     QMenu *m_windowMenu = nullptr;
-    QList<QAction *> m_windowActions; ///< one for each open form
-    QLabel *m_rightsLabel = nullptr;
-    QLabel *m_rowsLabel = nullptr;
-    QLabel *m_timeLabel = nullptr;
+    QList<QAction *> m_windowActions; ///< one for each open screen, at the end of the menu
+    WindowTabs *m_tabs = nullptr;
+    QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
+    StatusLine *m_status;
+    QTimer m_clock;
+    QString m_findText;
+    QString m_exportDirectory;
 };

@@ -5,28 +5,49 @@
 
 namespace {
 
+QDateTime time(const QString &value)
+{
+    try {
+        return textToDateTime(value);
+    } catch (const Exception &exception) {
+        throw Exception(exception.message() + QStringLiteral("请写作 \"yyyy-mm-dd hh:mm:ss\"。"));
+    }
+}
+
 struct OptionRow {
-    const char *name;
-    const char *argument; ///< "" for a switch
-    const char *help;
+    QStringView name;
+    QStringView argument; ///< empty for a switch
+    QStringView help;
     void (*take)(Options &options, const QString &value);
 };
 
 const OptionRow rows[] = {
-    { "--database", "URL", "数据库，例如 sqlite:parcels.db", [](Options &options, const QString &value) { options.database = value; } },
-    { "--server", "URL", "应用服务器的地址（本版本尚不能连接服务器）",
+    { u"--database", u"地址", u"数据库，例如 sqlite:parcels.db", [](Options &options, const QString &value) { options.database = value; } },
+    { u"--server", u"地址", u"应用服务器（本版本尚不能连接）",
         [](Options &, const QString &) { throw Exception(QStringLiteral("本版本尚不能连接应用服务器，请用 --database 指定数据库。")); } },
-    { "--user", "姓名", "登录的用户", [](Options &options, const QString &value) { options.user = value; } },
-    { "--login-site", "网点", "登录的网点，默认 北京", [](Options &options, const QString &value) { options.loginSite = value; } },
-    { "--now", "\"yyyy-mm-dd hh:mm:ss\"", "客户端的当前时间",
-        [](Options &options, const QString &value) { options.now = textToDateTime(value); } },
-    { "--server-now", "\"yyyy-mm-dd hh:mm:ss\"", "服务器的当前时间",
-        [](Options &options, const QString &value) { options.serverNow = textToDateTime(value); } },
-    { "--plugins", "目录", "插件所在的目录", [](Options &options, const QString &value) { options.pluginDirectory = value; } },
-    { "--settings", "目录", "保存设置和表格布局的目录", [](Options &options, const QString &value) { options.settingsDirectory = value; } },
-    { "--automation", "", "从标准输入逐行读取 JSON 命令（见 docs/automation.md）",
+    { u"--user", u"姓名", u"登录的用户，默认 演示用户", [](Options &options, const QString &value) { options.user = value; } },
+    { u"--login-site", u"网点", u"登录的网点，默认 北京", [](Options &options, const QString &value) { options.loginSite = value; } },
+    { u"--now", u"时间", u"客户端的时钟从这个时间走起，写作 \"yyyy-mm-dd hh:mm:ss\"",
+        [](Options &options, const QString &value) { options.now = time(value); } },
+    { u"--server-now", u"时间", u"服务器的时钟从这个时间走起；默认与客户端相同",
+        [](Options &options, const QString &value) { options.serverNow = time(value); } },
+    { u"--plugins", u"目录", u"插件 Kelvara1 所在的目录，默认为程序目录",
+        [](Options &options, const QString &value) { options.pluginDirectory = value; } },
+    { u"--settings", u"目录", u"保存设置和表格布局的目录，默认为程序目录",
+        [](Options &options, const QString &value) { options.settingsDirectory = value; } },
+    { u"--automation", u"", u"从标准输入逐行读取 JSON 命令，在标准输出逐行应答",
         [](Options &options, const QString &) { options.automation = true; } },
+    { u"--help", u"", u"显示本说明", [](Options &options, const QString &) { options.help = true; } },
 };
+
+const OptionRow &known(const QString &name)
+{
+    for (const OptionRow &row : rows) {
+        if (row.name == name)
+            return row;
+    }
+    throw Exception(QStringLiteral("不认识的选项“%1”。用 --help 查看全部选项。").arg(name));
+}
 
 } // namespace
 
@@ -34,28 +55,26 @@ Options readOptions(const QStringList &arguments)
 {
     Options options;
     for (qsizetype index = 0; index < arguments.size(); ++index) {
-        const OptionRow *known = nullptr;
-        for (const OptionRow &row : rows)
-            if (arguments[index] == QLatin1StringView(row.name))
-                known = &row;
-        if (!known)
-            throw Exception(QStringLiteral("不认识的选项“%1”。用 --help 查看全部选项。").arg(arguments[index]));
-        QString value;
-        if (*known->argument) {
-            if (index + 1 == arguments.size())
-                throw Exception(QStringLiteral("选项“%1”后面缺少%2。").arg(arguments[index], QString::fromUtf8(known->argument)));
+        const QString name = arguments[index].section(u'=', 0, 0);
+        const OptionRow &row = known(name);
+        const bool joined = name.size() < arguments[index].size();
+        QString value = arguments[index].sliced(name.size() + (joined ? 1 : 0));
+        if (row.argument.isEmpty() && joined)
+            throw Exception(QStringLiteral("选项“%1”不带参数。").arg(name));
+        if (!row.argument.isEmpty() && !joined) {
+            if (index + 1 == arguments.size() || arguments[index + 1].startsWith(u"--"))
+                throw Exception(QStringLiteral("选项“%1”后面缺少%2。").arg(name, row.argument));
             value = arguments[++index];
         }
-        known->take(options, value);
+        row.take(options, value);
     }
     return options;
 }
 
 QString optionsHelp()
 {
-    QString help = QStringLiteral("用法：kelvara-client --database sqlite:文件 [选项]\n\n");
+    QString help = QStringLiteral("用法：kelvara-client --database sqlite:文件 [选项]\n\n快递网络查询与报表系统的客户端。\n\n选项：\n");
     for (const OptionRow &row : rows)
-        help += QStringLiteral("  %1 %2\n      %3\n")
-                    .arg(QLatin1StringView(row.name), QString::fromUtf8(row.argument), QString::fromUtf8(row.help));
-    return help + QStringLiteral("  --help\n      显示这些说明\n");
+        help += QStringLiteral("  %1 %2\n      %3\n").arg(row.name, row.argument, row.help);
+    return help;
 }

@@ -13,9 +13,10 @@ struct Options {
     QString pluginDirectory; ///< empty: the program's own
     QString settingsDirectory; ///< empty: the program's own
     bool automation = false;
+    bool help = false;
 };
 
-/// Reads the arguments (without the program's name). Throws Exception with a Chinese message for what it does not know.
+/// Reads the arguments (without the program's name). Throws Exception that says what is wrong with them.
 Options readOptions(const QStringList &arguments);
 /// The text of --help.
 QString optionsHelp();

@@ -2,6 +2,8 @@
 
 #include <QStringView>
 
+#include <span>
+
 /// A screen of the plug-in as the menus offer it.
 struct ScreenItem {
     QStringView name;
@@ -30,6 +32,17 @@ inline constexpr ScreenItem reportScreens[] = {
     { u"frm_DestQry", u"目的网点月统计" },
     { u"frm_BillStat", u"快件月统计表" },
     { u"frm_AuditingQuery", u"审核中转费查询" },
+};
+
+/// A menu of screens.
+struct ScreenGroup {
+    QStringView menu;
+    std::span<const ScreenItem> screens;
+};
+
+inline constexpr ScreenGroup screenGroups[] = {
+    { u"扫描查询(&S)", scanScreens },
+    { u"费用报表(&R)", reportScreens },
 };
 
 /// The rights with which the menus open screens.

@@ -1,13 +1,70 @@
 #include "client/automation/automation.h"
 
-#include "platform/toolkit/handler.h"
+#include "platform/grid/db_grid.h"
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/exception.h"
 
 #include <QApplication>
-#include <QJsonDocument>
 
 #include <cstdio>
-#include <iostream>
-#include <thread>
+
+namespace {
+
+/// A component by its name or its path ("DataView1.DataViewGrid"); a bare name is looked for in frames too.
+QObject *findByPath(const TComponentOwner &owner, const QString &path)
+{
+    QObject *found = owner.findComponent(path.section(u'.', 0, 0));
+    const QString rest = path.section(u'.', 1);
+    if (found && rest.isEmpty())
+        return found;
+    if (const auto *frame = dynamic_cast<TComponentOwner *>(found))
+        return findByPath(*frame, rest);
+    for (QObject *component : owner.components()) {
+        const auto *frame = dynamic_cast<TComponentOwner *>(component);
+        if (QObject *inFrame = frame && rest.isEmpty() ? findByPath(*frame, path) : nullptr)
+            return inFrame;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+struct Automation::CommandRow {
+    QStringView name;
+    QJsonObject (Automation::*run)(const QJsonObject &arguments);
+};
+
+const QList<Automation::CommandRow> &Automation::commands()
+{
+    static const QList<CommandRow> rows {
+        { u"open", &Automation::open },
+        { u"forms", &Automation::forms },
+        { u"activate", &Automation::activate },
+        { u"close", &Automation::close },
+        { u"controls", &Automation::controls },
+        { u"get", &Automation::get },
+        { u"set", &Automation::set },
+        { u"key", &Automation::key },
+        { u"query", &Automation::query },
+        { u"click", &Automation::click },
+        { u"page", &Automation::page },
+        { u"columns", &Automation::columns },
+        { u"rows", &Automation::rows },
+        { u"footer", &Automation::footer },
+        { u"title", &Automation::title },
+        { u"cell", &Automation::cell },
+        { u"colour", &Automation::colour },
+        { u"print", &Automation::print },
+        { u"export", &Automation::exportGrid },
+        { u"copy", &Automation::copy },
+        { u"find", &Automation::find },
+        { u"screenshot", &Automation::screenshot },
+        { u"answer", &Automation::answer },
+        { u"events", &Automation::takeEvents },
+        { u"quit", &Automation::quit },
+    };
+    return rows;
+}
 
 Automation::Automation(MainWindow *window)
     : m_window(window)
@@ -18,83 +75,91 @@ Automation::Automation(MainWindow *window)
         m_events.append(event);
     });
     Application->setMessageResponder(
-        [this](const MessageRequest &request) { return std::exchange(m_nextAnswer, std::nullopt).value_or(request.defaultAnswer()); });
-}
-
-void Automation::start()
-{
-    std::thread([this] {
-        std::string line;
-        while (std::getline(std::cin, line))
-            QMetaObject::invokeMethod(
-                this, [this, text = QByteArray::fromStdString(line)] { received(text); }, Qt::QueuedConnection);
-        QMetaObject::invokeMethod(
-            this, [this] { received(R"({"do":"quit"})"); }, Qt::QueuedConnection);
-    }).detach();
-}
-
-void Automation::received(const QByteArray &line)
-{
-    // A command that runs a statement waits in a loop of its own; what arrives meanwhile has its turn afterwards.
-    m_waiting.enqueue(line);
-    if (m_busy)
-        return;
-    m_busy = true;
-    while (!m_waiting.isEmpty()) {
-        const QByteArray reply = obey(m_waiting.dequeue());
-        std::fputs(reply.constData(), stdout);
+        [this](const MessageRequest &request) { return m_answers.isEmpty() ? int(request.defaultAnswer()) : m_answers.dequeue(); });
+    for (const CommandRow &row : commands())
+        m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) { return (this->*run)(arguments); });
+    connect(&m_dispatcher, &Dispatcher::replied, this, [](const QByteArray &line) {
+        std::fputs(line.constData(), stdout);
         std::fflush(stdout);
-    }
-    m_busy = false;
+    });
+    connect(&m_reader, &LineReader::lineRead, &m_dispatcher, &Dispatcher::receive);
+    connect(&m_reader, &LineReader::ended, &m_dispatcher, &Dispatcher::end);
+    connect(&m_dispatcher, &Dispatcher::ended, qApp, [] { QApplication::exit(); });
+    m_reader.start();
 }
 
-QByteArray Automation::obey(const QByteArray &line)
+Automation::~Automation() { Application->setMessageResponder({}); }
+
+TForm *Automation::form(const QJsonObject &arguments) const
 {
-    QJsonObject reply;
-    try {
-        QJsonParseError error;
-        const QJsonObject arguments = QJsonDocument::fromJson(line, &error).object();
-        if (error.error != QJsonParseError::NoError)
-            throw Exception(QStringLiteral("不是 JSON 对象：%1").arg(error.errorString()));
-        const QString name = arguments[u"do"].toString();
-        const Command command = commands().value(name);
-        if (!command)
-            throw Exception(QStringLiteral("不认识的命令“%1”").arg(name));
-        reply = (this->*command)(arguments);
-        reply[u"ok"] = true;
-    } catch (const std::exception &exception) {
-        reply = { { QStringLiteral("ok"), false }, { QStringLiteral("error"), exceptionMessage(exception) } };
+    const QString name = arguments[u"form"].toString();
+    if (name.isEmpty()) {
+        if (TForm *active = m_window->activeForm())
+            return active;
+        throw Exception(QStringLiteral("没有打开的窗口"));
     }
-    return QJsonDocument(reply).toJson(QJsonDocument::Compact) + '\n';
+    for (TForm *form : m_window->forms()) {
+        if (form->objectName() == name)
+            return form;
+    }
+    throw Exception(QStringLiteral("没有打开名为“%1”的窗口").arg(name));
 }
 
-const QHash<QString, Automation::Command> &Automation::commands()
+QObject *Automation::component(const QJsonObject &arguments, QStringView argument) const
 {
-    static const QHash<QString, Command> table {
-        { QStringLiteral("open"), &Automation::open },
-        { QStringLiteral("forms"), &Automation::forms },
-        { QStringLiteral("activate"), &Automation::activate },
-        { QStringLiteral("close"), &Automation::close },
-        { QStringLiteral("controls"), &Automation::controls },
-        { QStringLiteral("get"), &Automation::get },
-        { QStringLiteral("set"), &Automation::set },
-        { QStringLiteral("key"), &Automation::key },
-        { QStringLiteral("query"), &Automation::query },
-        { QStringLiteral("click"), &Automation::click },
-        { QStringLiteral("page"), &Automation::page },
-        { QStringLiteral("columns"), &Automation::columns },
-        { QStringLiteral("rows"), &Automation::rows },
-        { QStringLiteral("footer"), &Automation::footer },
-        { QStringLiteral("title"), &Automation::title },
-        { QStringLiteral("cell"), &Automation::cell },
-        { QStringLiteral("colour"), &Automation::colour },
-        { QStringLiteral("export"), &Automation::exportView },
-        { QStringLiteral("copy"), &Automation::copy },
-        { QStringLiteral("find"), &Automation::find },
-        { QStringLiteral("screenshot"), &Automation::screenshot },
-        { QStringLiteral("answer"), &Automation::answer },
-        { QStringLiteral("events"), &Automation::takeEvents },
-        { QStringLiteral("quit"), &Automation::quit },
-    };
-    return table;
+    const QString path = requiredText(arguments, argument);
+    if (QObject *found = findByPath(*form(arguments), path))
+        return found;
+    throw Exception(QStringLiteral("窗口里没有名为“%1”的控件").arg(path));
+}
+
+QWidget *Automation::control(const QJsonObject &arguments) const
+{
+    if (auto *widget = qobject_cast<QWidget *>(component(arguments)))
+        return widget;
+    throw Exception(QStringLiteral("“%1”不是可见的控件").arg(arguments[u"control"].toString()));
+}
+
+QWidget *Automation::controlInFront(const QJsonObject &arguments) const
+{
+    TForm *wanted = form(arguments);
+    if (wanted != m_window->activeForm())
+        wanted->showForm();
+    return control(arguments);
+}
+
+TDBGridEh *Automation::view(const QJsonObject &arguments) const
+{
+    const auto *frame = dynamic_cast<TComponentOwner *>(component(arguments, u"view"));
+    if (auto *grid = frame ? qobject_cast<TDBGridEh *>(frame->findComponent(u"DataViewGrid")) : nullptr)
+        return grid;
+    throw Exception(QStringLiteral("“%1”不是表格").arg(arguments[u"view"].toString()));
+}
+
+QString requiredText(const QJsonObject &arguments, QStringView name)
+{
+    const QString text = arguments[name].toString();
+    if (text.isEmpty())
+        throw Exception(QStringLiteral("缺少参数“%1”").arg(name));
+    return text;
+}
+
+Qt::KeyboardModifiers modifiersOf(const QJsonObject &arguments)
+{
+    const QJsonValue given = arguments[u"modifiers"];
+    QStringList names = given.toString().toLower().split(u'+', Qt::SkipEmptyParts);
+    for (const QJsonValue &name : given.toArray())
+        names.append(name.toString().toLower());
+    Qt::KeyboardModifiers modifiers;
+    for (const QString &name : names) {
+        if (name == u"ctrl")
+            modifiers |= Qt::ControlModifier;
+        else if (name == u"shift")
+            modifiers |= Qt::ShiftModifier;
+        else if (name == u"alt")
+            modifiers |= Qt::AltModifier;
+        else
+            throw Exception(QStringLiteral("不认识的修饰键“%1”，只有 ctrl、shift 和 alt").arg(name));
+    }
+    return modifiers;
 }

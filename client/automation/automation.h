@@ -1,50 +1,35 @@
 #pragma once
 
+#include "client/automation/dispatcher.h"
+#include "client/automation/line_reader.h"
 #include "client/main_window.h"
 
 #include <QJsonArray>
-#include <QJsonObject>
 #include <QQueue>
-
-#include <optional>
 
 class TDBGridEh;
 
-/// Obeys commands, one JSON object a line, on the real windows and answers each with one line. The protocol is docs/automation.md.
+/// Obeys commands from the standard input on the real windows and answers them on the standard output. The protocol is
+/// docs/automation.md. While it lives it records what happens and answers message boxes itself.
 class Automation : public QObject {
     Q_OBJECT
 
 public:
-    /// From now on records what happens and answers message boxes itself.
+    /// Begins to read at once. The end of the input ends the program.
     explicit Automation(MainWindow *window);
-    /// Begins to read the standard input on a thread of its own; the end of input quits.
-    void start();
+    ~Automation() override;
 
 private:
-    using Command = QJsonObject (Automation::*)(const QJsonObject &arguments);
-    static const QHash<QString, Command> &commands();
-
-    void received(const QByteArray &line);
-    QByteArray obey(const QByteArray &line);
+    struct CommandRow;
+    static const QList<CommandRow> &commands();
 
     QJsonObject open(const QJsonObject &arguments);
     QJsonObject forms(const QJsonObject &arguments);
     QJsonObject activate(const QJsonObject &arguments);
     QJsonObject close(const QJsonObject &arguments);
-    QJsonObject controls(const QJsonObject &arguments);
-    QJsonObject get(const QJsonObject &arguments);
-    QJsonObject set(const QJsonObject &arguments);
-    QJsonObject key(const QJsonObject &arguments);
     QJsonObject query(const QJsonObject &arguments);
-    QJsonObject click(const QJsonObject &arguments);
-    QJsonObject page(const QJsonObject &arguments);
-    QJsonObject columns(const QJsonObject &arguments);
-    QJsonObject rows(const QJsonObject &arguments);
-    QJsonObject footer(const QJsonObject &arguments);
-    QJsonObject title(const QJsonObject &arguments);
-    QJsonObject cell(const QJsonObject &arguments);
-    QJsonObject colour(const QJsonObject &arguments);
-    QJsonObject exportView(const QJsonObject &arguments);
+    QJsonObject print(const QJsonObject &arguments);
+    QJsonObject exportGrid(const QJsonObject &arguments);
     QJsonObject copy(const QJsonObject &arguments);
     QJsonObject find(const QJsonObject &arguments);
     QJsonObject screenshot(const QJsonObject &arguments);
@@ -52,13 +37,36 @@ private:
     QJsonObject takeEvents(const QJsonObject &arguments);
     QJsonObject quit(const QJsonObject &arguments);
 
+    QJsonObject controls(const QJsonObject &arguments);
+    QJsonObject get(const QJsonObject &arguments);
+    QJsonObject set(const QJsonObject &arguments);
+    QJsonObject key(const QJsonObject &arguments);
+    QJsonObject click(const QJsonObject &arguments);
+    QJsonObject page(const QJsonObject &arguments);
+
+    QJsonObject columns(const QJsonObject &arguments);
+    QJsonObject rows(const QJsonObject &arguments);
+    QJsonObject footer(const QJsonObject &arguments);
+    QJsonObject title(const QJsonObject &arguments);
+    QJsonObject cell(const QJsonObject &arguments);
+    QJsonObject colour(const QJsonObject &arguments);
+
+    /// The form that "form" names, or the one in front.
     TForm *form(const QJsonObject &arguments) const;
+    QObject *component(const QJsonObject &arguments, QStringView argument = u"control") const;
     QWidget *control(const QJsonObject &arguments) const;
+    /// The control, on a form that is in front now.
+    QWidget *controlInFront(const QJsonObject &arguments) const;
     TDBGridEh *view(const QJsonObject &arguments) const;
 
     MainWindow *m_window;
+    Dispatcher m_dispatcher;
+    LineReader m_reader;
     QJsonArray m_events;
-    std::optional<int> m_nextAnswer;
-    QQueue<QByteArray> m_waiting;
-    bool m_busy = false;
+    QQueue<int> m_answers; ///< of the next message boxes
 };
+
+/// An argument that must be there; throws Exception when it is not.
+QString requiredText(const QJsonObject &arguments, QStringView name);
+/// "ctrl", "shift" and "alt" in a list or one text.
+Qt::KeyboardModifiers modifiersOf(const QJsonObject &arguments);

@@ -1,95 +1,98 @@
 #include "client/export/table_export.h"
 
+#include "client/export/table_format.h"
+#include "platform/dataset/client_data_set.h"
+#include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
-#include "platform/toolkit/exception.h"
 
-#include <QFileInfo>
+#include <QDir>
 #include <QSaveFile>
 
 namespace {
 
-constexpr qsizetype bytesBetweenWrites = 1 << 20;
+constexpr int rowsBetweenWrites = 4096;
 
-bool isPlainNumber(const QString &text)
+struct ExportColumn {
+    int index; ///< in the grid
+    bool number;
+};
+
+QList<ExportColumn> shownColumns(const TDBGridEh &grid)
 {
-    bool isNumber = false;
-    text.toDouble(&isNumber);
-    return isNumber;
+    QList<ExportColumn> columns;
+    for (int index = 0; index < grid.columnCount(); ++index) {
+        if (!grid.column(index).visible)
+            continue;
+        const TField *field = grid.dataSet() ? grid.dataSet()->findField(grid.column(index).fieldName) : nullptr;
+        const bool number = field && (field->type() == FieldType::Integer || field->type() == FieldType::Decimal);
+        columns.append({ index, number });
+    }
+    return columns;
 }
 
-class TableWriter {
+bool isTruncated(const TDBGridEh &grid)
+{
+    const auto *dataSet = qobject_cast<const TCustomClientDataSet *>(grid.dataSet());
+    return dataSet && dataSet->truncated();
+}
+
+class ExportFile {
 public:
-    TableWriter(const QString &fileName, QChar separator)
+    explicit ExportFile(const QString &fileName)
         : m_file(fileName)
-        , m_separator(separator)
     {
         if (!m_file.open(QIODevice::WriteOnly))
             fail();
-        m_text = QChar(QChar::ByteOrderMark);
     }
-
-    void row(const QStringList &cells)
+    void write(QByteArray &bytes)
     {
-        m_text += cells.join(m_separator) + u"\r\n";
-        if (m_text.size() > bytesBetweenWrites)
-            flush();
+        if (m_file.write(bytes) != bytes.size())
+            fail();
+        bytes.truncate(0); // keeps the memory
     }
     void finish()
     {
-        flush();
         if (!m_file.commit())
             fail();
     }
 
 private:
-    void flush()
+    [[noreturn]] void fail() const
     {
-        if (m_file.write(m_text.toUtf8()) < 0)
-            fail();
-        m_text.clear();
+        throw Exception(QStringLiteral("无法写入文件“%1”：%2。请换一个位置，或先关闭正在使用它的程序。")
+                            .arg(QDir::toNativeSeparators(m_file.fileName()), m_file.errorString()));
     }
-    [[noreturn]] void fail() const { throw Exception(QStringLiteral("无法写入文件“%1”：%2").arg(m_file.fileName(), m_file.errorString())); }
 
     QSaveFile m_file;
-    QChar m_separator;
-    QString m_text;
 };
-
-QList<int> visibleColumns(const TDBGridEh &grid)
-{
-    QList<int> columns;
-    for (int column = 0; column < grid.columnCount(); ++column)
-        if (grid.column(column).visible)
-            columns.append(column);
-    return columns;
-}
 
 } // namespace
 
-QString csvCell(const QString &text)
+int exportGrid(const TDBGridEh &grid, const QString &fileName, const std::function<void(int)> &progress)
 {
-    QString cell = text;
-    if (!cell.isEmpty() && QStringLiteral("=+-@\t\r").contains(cell.front()) && !isPlainNumber(cell))
-        cell.prepend(u'\t');
-    const bool quoted = cell.contains(u'"') || cell.contains(u',') || cell.contains(u'\n') || cell.contains(u'\r') || cell.contains(u'\t');
-    return quoted ? QString(u'"' + cell.replace(QStringLiteral("\""), QStringLiteral("\"\"")) + u'"') : cell;
+    const auto format = TableFormat::of(fileName);
+    const QList<ExportColumn> columns = shownColumns(grid);
+    QList<ExportCell> cells;
+    for (const ExportColumn &column : columns)
+        cells.append({ plainTitle(grid.column(column.index).caption) });
+    ExportFile file(fileName);
+    QByteArray bytes;
+    format->appendTitles(bytes, cells);
+    const int rows = grid.rowCount();
+    for (int row = 0; row < rows; ++row) {
+        for (qsizetype position = 0; position < columns.size(); ++position)
+            cells[position] = { grid.cellText(row, columns[position].index), columns[position].number };
+        format->appendRow(bytes, cells);
+        if ((row + 1) % rowsBetweenWrites == 0) {
+            file.write(bytes);
+            if (progress)
+                progress(row + 1);
+        }
+    }
+    format->appendEnd(bytes, isTruncated(grid));
+    file.write(bytes);
+    file.finish();
+    return rows;
 }
 
-int exportGrid(const TDBGridEh &grid, const QString &fileName)
-{
-    const bool tabbed = QFileInfo(fileName).suffix().compare(u"txt", Qt::CaseInsensitive) == 0;
-    TableWriter writer(fileName, tabbed ? u'\t' : u',');
-    const QList<int> columns = visibleColumns(grid);
-    QStringList cells;
-    for (const int column : columns)
-        cells.append(csvCell(QString(grid.column(column).caption).replace(u'|', u' ')));
-    writer.row(cells);
-    for (int row = 0; row < grid.rowCount(); ++row) {
-        cells.clear();
-        for (const int column : columns)
-            cells.append(csvCell(grid.cellText(row, column)));
-        writer.row(cells);
-    }
-    writer.finish();
-    return grid.rowCount();
-}
+QString exportFilters() { return QStringLiteral("CSV 文件 (*.csv);;文本文件，制表符分隔 (*.txt);;JSON 文件 (*.json)"); }

@@ -2,12 +2,14 @@
 
 #include <QString>
 
+#include <functional>
+
 class TDBGridEh;
 
-/// Writes what the grid shows (visible columns, shown rows and order) to a file whose ending names the form: .csv (UTF-8 with a
-/// byte-order mark, CRLF, quotes as in RFC 4180) or .txt (the same, tabs between). Returns the number of rows. Writes beside the file and
-/// renames at the end: a failure throws Exception and leaves no file. Cells that a spreadsheet would run as a formula get a leading tab.
-int exportGrid(const TDBGridEh &grid, const QString &fileName);
+/// Writes what the grid shows (visible columns, shown rows, both in shown order, titles in one line) to a file in the form that
+/// its ending names. Calls `progress` with the rows written so far now and then; it may throw to break off. Returns the number of
+/// rows. Writes beside the file and renames at the end: a failure throws Exception and leaves what was there before.
+int exportGrid(const TDBGridEh &grid, const QString &fileName, const std::function<void(int rows)> &progress = {});
 
-/// One cell of a .csv file: guarded against formulas and quoted where needed.
-QString csvCell(const QString &text);
+/// The forms, for a file dialog.
+QString exportFilters();

@@ -16,6 +16,7 @@ TEST(Options, EachIsReadAndTheRestKeepsItsDefault)
     EXPECT_TRUE(options.automation);
     EXPECT_FALSE(options.serverNow.isValid());
     EXPECT_EQ(readOptions({}).loginSite, QStringLiteral("北京"));
+    EXPECT_EQ(readOptions({ QStringLiteral("--database=sqlite:a=b.db") }).database, QStringLiteral("sqlite:a=b.db"));
 }
 
 TEST(Options, WhatIsWrongIsNamed)
@@ -23,7 +24,10 @@ TEST(Options, WhatIsWrongIsNamed)
     const std::pair<const char16_t *, const char16_t *> wrong[] = {
         { u"--databse|x", u"--databse" },
         { u"--database", u"--database" },
+        { u"--database|--automation", u"--database" },
+        { u"--automation=yes", u"--automation" },
         { u"--now|morgen", u"morgen" },
+        { u"--server-now=2026-02-30 10:00", u"2026-02-30" },
         { u"file.db", u"file.db" },
         { u"--server|https://host:8866", u"--database" },
     };

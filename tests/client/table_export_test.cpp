@@ -13,25 +13,6 @@
 
 namespace {
 
-TEST(CsvCell, QuotesAndDisarmsAsNeeded)
-{
-    const std::pair<const char16_t *, const char16_t *> cells[] = {
-        { u"北京", u"北京" },
-        { u"", u"" },
-        { u"a,b", u"\"a,b\"" },
-        { u"say \"hi\"", u"\"say \"\"hi\"\"\"" },
-        { u"two\nlines", u"\"two\nlines\"" },
-        { u"-12.5", u"-12.5" },
-        { u"+86", u"+86" },
-        { u"=1+1", u"\"\t=1+1\"" },
-        { u"-cmd", u"\"\t-cmd\"" },
-        { u"@sum", u"\"\t@sum\"" },
-        { u"268004223517", u"268004223517" },
-    };
-    for (const auto &[text, expected] : cells)
-        EXPECT_EQ(csvCell(QString::fromUtf16(text)), QString::fromUtf16(expected));
-}
-
 class TableExport : public testing::Test {
 protected:
     TableExport()
@@ -63,16 +44,26 @@ TEST_F(TableExport, WritesWhatIsShown)
     EXPECT_EQ(contents(QStringLiteral("表.txt")), QByteArray("\xEF\xBB\xBF寄件 费用\t编号\r\n1.5\t007\r\n\t008\r\n"));
 }
 
-TEST_F(TableExport, AFailureNamesTheFileAndLeavesNone)
+TEST_F(TableExport, AFailureNamesTheFileAndLeavesWhatWasThere)
 {
-    const QString file = m_directory.filePath(QStringLiteral("没有/表.csv"));
+    const QString nowhere = m_directory.filePath(QStringLiteral("没有/表.csv"));
+    const QString kept = m_directory.filePath(QStringLiteral("表.csv"));
+    exportGrid(m_grid, kept);
+    const QByteArray before = contents(QStringLiteral("表.csv"));
+    std::string manyRows = "CODE:text,SECRET:text,FEE:decimal\n";
+    for (int row = 0; row < 9000; ++row)
+        manyRows += "007,x,1.5\n";
+    m_dataSet.setData(packetOf(manyRows));
+    const auto breakOff = [](int) { throw Exception(QStringLiteral("导出已取消")); };
     try {
-        exportGrid(m_grid, file);
+        exportGrid(m_grid, nowhere);
         ADD_FAILURE() << "written";
     } catch (const Exception &exception) {
-        EXPECT_TRUE(exception.message().contains(file)) << exception.what();
+        EXPECT_TRUE(exception.message().contains(nowhere)) << exception.what();
     }
-    EXPECT_TRUE(QDir(m_directory.path()).isEmpty());
+    EXPECT_THROW(exportGrid(m_grid, kept, breakOff), Exception);
+    EXPECT_EQ(contents(QStringLiteral("表.csv")), before);
+    EXPECT_EQ(QDir(m_directory.path()).entryList(QDir::Files), QStringList(QStringLiteral("表.csv")));
 }
 
 } // namespace

@@ -1,0 +1,102 @@
+#include "client/automation/automation.h"
+
+#include "client/export/table_export.h"
+#include "platform/grid/db_grid.h"
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/exception.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QPixmap>
+
+QJsonObject Automation::open(const QJsonObject &arguments)
+{
+    m_window->openScreen(arguments[u"screen"].toString());
+    const TForm *active = m_window->activeForm();
+    return { { QStringLiteral("form"), active ? QJsonValue(active->objectName()) : QJsonValue() } };
+}
+
+QJsonObject Automation::forms(const QJsonObject &)
+{
+    QJsonArray names;
+    for (const TForm *form : m_window->forms())
+        names.append(form->objectName());
+    const TForm *active = m_window->activeForm();
+    return { { QStringLiteral("forms"), names }, { QStringLiteral("active"), active ? QJsonValue(active->objectName()) : QJsonValue() } };
+}
+
+QJsonObject Automation::activate(const QJsonObject &arguments)
+{
+    form(arguments)->showForm();
+    return {};
+}
+
+QJsonObject Automation::close(const QJsonObject &arguments)
+{
+    const bool closed = form(arguments)->parentWidget()->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    return { { QStringLiteral("closed"), closed } };
+}
+
+QJsonObject Automation::query(const QJsonObject &arguments)
+{
+    if (arguments.contains(u"form"))
+        form(arguments)->showForm();
+    m_window->query();
+    return {};
+}
+
+QJsonObject Automation::print(const QJsonObject &) { throw Exception(QStringLiteral("本版本尚不能打印")); }
+
+QJsonObject Automation::exportGrid(const QJsonObject &arguments)
+{
+    const QString file = requiredText(arguments, u"file");
+    const TDBGridEh *grid = arguments.contains(u"view") ? view(arguments) : m_window->currentGrid();
+    if (!grid)
+        throw Exception(QStringLiteral("没有可以导出的表格"));
+    return { { QStringLiteral("rows"), ::exportGrid(*grid, file) } };
+}
+
+QJsonObject Automation::copy(const QJsonObject &arguments)
+{
+    if (!m_window->currentGrid())
+        throw Exception(QStringLiteral("没有可以复制的表格"));
+    m_window->copy(arguments[u"titles"].toBool());
+    return { { QStringLiteral("text"), QApplication::clipboard()->text() } };
+}
+
+QJsonObject Automation::find(const QJsonObject &arguments)
+{
+    return { { QStringLiteral("found"), m_window->find(requiredText(arguments, u"text"), arguments[u"forward"].toBool(true)) } };
+}
+
+QJsonObject Automation::screenshot(const QJsonObject &arguments)
+{
+    const QString file = requiredText(arguments, u"file");
+    const QSize size(arguments[u"width"].toInt(m_window->width()), arguments[u"height"].toInt(m_window->height()));
+    m_window->resize(size);
+    QApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+    if (!m_window->grab().save(file))
+        throw Exception(QStringLiteral("无法写入图片“%1”").arg(file));
+    return {};
+}
+
+QJsonObject Automation::answer(const QJsonObject &arguments)
+{
+    const QString button = requiredText(arguments, u"button");
+    if (button != u"ok" && button != u"cancel")
+        throw Exception(QStringLiteral("button 只能是 ok 或 cancel"));
+    m_answers.enqueue(button == u"ok" ? idOk : idCancel);
+    return {};
+}
+
+QJsonObject Automation::takeEvents(const QJsonObject &) { return { { QStringLiteral("events"), std::exchange(m_events, {}) } }; }
+
+QJsonObject Automation::quit(const QJsonObject &)
+{
+    if (!m_window->close())
+        throw Exception(QStringLiteral("有窗口不肯关闭，请先保存或放弃它的修改"));
+    QMetaObject::invokeMethod(
+        qApp, [] { QApplication::exit(); }, Qt::QueuedConnection);
+    return {};
+}

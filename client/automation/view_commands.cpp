@@ -1,0 +1,150 @@
+#include "client/automation/automation.h"
+
+#include "platform/grid/db_grid.h"
+#include "platform/toolkit/exception.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+
+namespace {
+
+int columnOf(const TDBGridEh &grid, const QJsonObject &arguments)
+{
+    const QString field = requiredText(arguments, u"field");
+    const int column = grid.columnIndex(field);
+    if (column < 0)
+        throw Exception(QStringLiteral("表格没有字段“%1”").arg(field));
+    return column;
+}
+
+int rowOf(const TDBGridEh &grid, const QJsonObject &arguments)
+{
+    const int row = arguments[u"row"].toInt(-1);
+    if (row < 0 || row >= grid.rowCount())
+        throw Exception(QStringLiteral("表格没有第 %1 行（共 %2 行，从 0 数起）").arg(row).arg(grid.rowCount()));
+    return row;
+}
+
+QString nameOf(FooterKind kind)
+{
+    switch (kind) {
+    case FooterKind::StaticText:
+        return QStringLiteral("text");
+    case FooterKind::Sum:
+        return QStringLiteral("sum");
+    case FooterKind::Count:
+        return QStringLiteral("count");
+    case FooterKind::None:
+        break;
+    }
+    return QStringLiteral("none");
+}
+
+QString nameOf(SortMark mark)
+{
+    switch (mark) {
+    case SortMark::Ascending:
+        return QStringLiteral("ascending");
+    case SortMark::Descending:
+        return QStringLiteral("descending");
+    case SortMark::None:
+        break;
+    }
+    return QStringLiteral("none");
+}
+
+QJsonObject describe(const Column &column, bool frozen)
+{
+    QJsonArray footers;
+    for (const ColumnFooter &footer : column.footers)
+        footers.append(QJsonObject { { QStringLiteral("kind"), nameOf(footer.kind) }, { QStringLiteral("text"), footer.value } });
+    return {
+        { QStringLiteral("field"), column.fieldName },
+        { QStringLiteral("caption"), column.caption },
+        { QStringLiteral("width"), column.width },
+        { QStringLiteral("visible"), column.visible },
+        { QStringLiteral("frozen"), frozen },
+        { QStringLiteral("footers"), footers },
+        { QStringLiteral("sort"), nameOf(column.sortMark) },
+        { QStringLiteral("sortKey"), column.sortKey },
+    };
+}
+
+void doubleClick(TDBGridEh *grid, int row, int column)
+{
+    const QRect cell = grid->cellRect(row, column) & grid->viewport()->rect();
+    if (!grid->isVisible() || !grid->isEnabled() || cell.isEmpty())
+        throw Exception(QStringLiteral("看不见这个单元格，不能双击"));
+    const QPointF place = cell.center();
+    for (const QEvent::Type type :
+        { QEvent::MouseButtonPress, QEvent::MouseButtonRelease, QEvent::MouseButtonDblClick, QEvent::MouseButtonRelease }) {
+        const Qt::MouseButtons held = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+        QMouseEvent event(type, place, grid->viewport()->mapToGlobal(place), Qt::LeftButton, held, Qt::NoModifier);
+        QApplication::sendEvent(grid->viewport(), &event);
+    }
+}
+
+} // namespace
+
+QJsonObject Automation::columns(const QJsonObject &arguments)
+{
+    const TDBGridEh *grid = view(arguments);
+    QJsonArray columns;
+    for (int index = 0; index < grid->columnCount(); ++index)
+        columns.append(describe(grid->column(index), index < grid->frozenColumns()));
+    return { { QStringLiteral("columns"), columns } };
+}
+
+QJsonObject Automation::rows(const QJsonObject &arguments)
+{
+    const TDBGridEh *grid = view(arguments);
+    const int total = grid->rowCount();
+    const int from = qBound(0, arguments[u"from"].toInt(0), total);
+    const int end = from + qBound(0, arguments[u"count"].toInt(total), total - from);
+    QJsonArray rows;
+    for (int row = from; row < end; ++row) {
+        QJsonArray cells;
+        for (int column = 0; column < grid->columnCount(); ++column)
+            cells.append(grid->cellText(row, column));
+        rows.append(cells);
+    }
+    return { { QStringLiteral("rows"), rows }, { QStringLiteral("total"), total } };
+}
+
+QJsonObject Automation::footer(const QJsonObject &arguments)
+{
+    const TDBGridEh *grid = view(arguments);
+    QJsonArray rows;
+    for (int row = 0; row < grid->footerRowCount(); ++row) {
+        QJsonArray texts;
+        for (int column = 0; column < grid->columnCount(); ++column)
+            texts.append(grid->footerText(row, column));
+        rows.append(texts);
+    }
+    return { { QStringLiteral("rows"), rows } };
+}
+
+QJsonObject Automation::title(const QJsonObject &arguments)
+{
+    TDBGridEh *grid = view(arguments);
+    grid->clickTitle(columnOf(*grid, arguments), modifiersOf(arguments));
+    return {};
+}
+
+QJsonObject Automation::cell(const QJsonObject &arguments)
+{
+    TDBGridEh *grid = view(arguments);
+    const int row = rowOf(*grid, arguments);
+    const int column = columnOf(*grid, arguments);
+    const QString text = grid->cellText(row, column);
+    grid->setCurrentCell(row, column);
+    if (arguments[u"doubleClick"].toBool())
+        doubleClick(grid, row, column);
+    return { { QStringLiteral("text"), text } };
+}
+
+QJsonObject Automation::colour(const QJsonObject &arguments)
+{
+    const TDBGridEh *grid = view(arguments);
+    return { { QStringLiteral("colour"), grid->cellBackground(rowOf(*grid, arguments), columnOf(*grid, arguments)).name() } };
+}

@@ -1,0 +1,62 @@
+#include "client/look.h"
+
+#include "client/icons.h"
+
+#include <QApplication>
+#include <QFontDatabase>
+#include <QLibraryInfo>
+#include <QPalette>
+#include <QStyleFactory>
+#include <QTranslator>
+
+namespace {
+
+constexpr QStringView families[]
+    = { u"Microsoft YaHei UI", u"PingFang SC", u"Noto Sans CJK SC", u"Source Han Sans SC", u"WenQuanYi Micro Hei" };
+constexpr int fontPoints = 9;
+
+void setFont()
+{
+    for (const QStringView family : families) {
+        if (QFontDatabase::hasFamily(family.toString())) {
+            QApplication::setFont(QFont(family.toString(), fontPoints));
+            return;
+        }
+    }
+}
+
+QPalette quietPalette()
+{
+    QPalette palette(QColor(0xf0, 0xf1, 0xf3), QColor(0xf0, 0xf1, 0xf3));
+    palette.setColor(QPalette::Base, Qt::white);
+    palette.setColor(QPalette::AlternateBase, QColor(0xf6, 0xf7, 0xf9));
+    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb7));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xff, 0xe8));
+    for (const QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText }) {
+        palette.setColor(role, QColor(0x20, 0x24, 0x2a));
+        palette.setColor(QPalette::Disabled, role, QColor(0x9a, 0xa0, 0xa8));
+    }
+    palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0xa0, 0xa8));
+    return palette;
+}
+
+/// The texts of file dialogs and edit menus, where the system has them.
+void translateToolkit()
+{
+    auto *translator = new QTranslator(qApp);
+    if (translator->load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(translator);
+}
+
+} // namespace
+
+void setLook()
+{
+    QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setPalette(quietPalette());
+    setFont();
+    translateToolkit();
+    QApplication::setWindowIcon(programIcon());
+}

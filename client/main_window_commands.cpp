@@ -1,0 +1,243 @@
+#include "client/main_window.h"
+
+#include "client/export/table_export.h"
+#include "client/icons.h"
+#include "client/screen_list.h"
+#include "client/status_line.h"
+#include "client/window_tabs.h"
+#include "platform/grid/db_grid.h"
+#include "platform/toolkit/clock.h"
+#include "platform/toolkit/handler.h"
+#include "platform/toolkit/long_work.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMdiArea>
+#include <QMenuBar>
+#include <QProgressDialog>
+#include <QStandardPaths>
+#include <QToolBar>
+
+/// One command of the menus.
+struct MainWindow::Command {
+    enum Needs { Nothing, Form, Query, Grid, Printer };
+    QStringView menu;
+    QStringView text; ///< empty: a separator
+    QStringView shortcuts; ///< joined with blanks; the first one stands in the menu
+    const char *icon; ///< on the tool bar too, when there is one
+    Needs needs;
+    void (*run)(MainWindow *window);
+};
+
+const QList<MainWindow::Command> &MainWindow::commands()
+{
+    static const QList<Command> rows {
+        { u"操作(&O)", u"查询", u"F9 F5 Ctrl+Return Ctrl+Enter", "query", Command::Query, [](MainWindow *window) { window->query(); } },
+        { u"操作(&O)", u"导出…", u"Ctrl+E", "export", Command::Grid, [](MainWindow *window) { window->exportAsking(); } },
+        { u"操作(&O)", u"打印", u"Ctrl+P", "print", Command::Printer, nullptr },
+        { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
+        { u"操作(&O)", u"查找…", u"Ctrl+F", "find", Command::Grid, [](MainWindow *window) { window->findAsking(); } },
+        { u"操作(&O)", u"查找下一个", u"F3", nullptr, Command::Grid, [](MainWindow *window) { window->findAgain(true); } },
+        { u"操作(&O)", u"查找上一个", u"Shift+F3", nullptr, Command::Grid, [](MainWindow *window) { window->findAgain(false); } },
+        { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
+        { u"操作(&O)", u"复制", u"Ctrl+C", "copy", Command::Grid, [](MainWindow *window) { window->copy(false); } },
+        { u"操作(&O)", u"带标题复制", u"Ctrl+Shift+C", nullptr, Command::Grid, [](MainWindow *window) { window->copy(true); } },
+        { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
+        { u"操作(&O)", u"退出", u"Alt+F4", nullptr, Command::Nothing, [](MainWindow *window) { window->close(); } },
+        { u"窗口(&W)", u"层叠", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->cascadeSubWindows(); } },
+        { u"窗口(&W)", u"平铺", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->tileSubWindows(); } },
+        { u"窗口(&W)", u"下一个窗口", u"Ctrl+F6", nullptr, Command::Form,
+            [](MainWindow *window) { window->mdiArea()->activateNextSubWindow(); } },
+        { u"窗口(&W)", u"关闭窗口", u"Ctrl+F4 Ctrl+W", nullptr, Command::Form,
+            [](MainWindow *window) { window->activeForm()->parentWidget()->close(); } },
+        { u"窗口(&W)", u"全部关闭", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->closeAllSubWindows(); } },
+        { u"帮助(&H)", u"快捷键", u"F1", nullptr, Command::Nothing, [](MainWindow *window) { window->showShortcuts(); } },
+        { u"帮助(&H)", u"关于", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->showAbout(); } },
+    };
+    return rows;
+}
+
+void MainWindow::createScreenMenus()
+{
+    for (const ScreenGroup &group : screenGroups) {
+        QMenu *menu = menuBar()->addMenu(group.menu.toString());
+        for (const ScreenItem &screen : group.screens) {
+            handle(menu->addAction(screen.caption.toString()), &QAction::triggered, this,
+                [this, name = screen.name + menuRights] { openScreen(name); });
+        }
+    }
+}
+
+void MainWindow::createCommands()
+{
+    auto *toolBar = addToolBar(QStringLiteral("工具栏"));
+    toolBar->setMovable(false);
+    toolBar->setContextMenuPolicy(Qt::PreventContextMenu);
+    toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    QMenu *menu = nullptr;
+    for (const Command &command : commands()) {
+        if (!menu || menu->title() != command.menu)
+            menu = menuBar()->addMenu(command.menu.toString());
+        if (command.text.isEmpty()) {
+            menu->addSeparator();
+            continue;
+        }
+        QAction *action = createAction(command);
+        menu->addAction(action);
+        if (command.icon)
+            toolBar->addAction(action);
+        if (command.menu.startsWith(u"窗口"))
+            m_windowMenu = menu;
+    }
+    handle(m_windowMenu, &QMenu::aboutToShow, this, &MainWindow::listWindows);
+}
+
+QAction *MainWindow::createAction(const Command &command)
+{
+    auto *action = new QAction(command.text.toString(), this);
+    QList<QKeySequence> shortcuts;
+    for (const QStringView shortcut : command.shortcuts.split(u' ', Qt::SkipEmptyParts))
+        shortcuts.append(QKeySequence(shortcut.toString()));
+    action->setShortcuts(shortcuts);
+    if (!shortcuts.isEmpty())
+        action->setToolTip(QString(command.text.toString()).remove(u'…') + QStringLiteral(" (%1)").arg(shortcuts.first().toString()));
+    if (command.icon)
+        action->setIcon(commandIcon(command.icon));
+    if (command.run)
+        handle(action, &QAction::triggered, this, [this, run = command.run] { run(this); });
+    m_actions.append({ action, &command });
+    return action;
+}
+
+void MainWindow::createWindowTabs()
+{
+    m_tabs = new WindowTabs;
+    m_tabStrip = new QToolBar(QStringLiteral("窗口"));
+    m_tabStrip->setMovable(false);
+    m_tabStrip->setContextMenuPolicy(Qt::PreventContextMenu);
+    m_tabStrip->addWidget(m_tabs);
+    addToolBarBreak();
+    addToolBar(m_tabStrip);
+    handle(m_tabs, &WindowTabs::chosen, this, [](TForm *form) { form->showForm(); });
+    handle(m_tabs, &WindowTabs::closeWanted, this, [](const TForm *form) { form->parentWidget()->close(); });
+}
+
+void MainWindow::listWindows()
+{
+    qDeleteAll(m_windowActions);
+    m_windowActions.clear();
+    if (!forms().isEmpty())
+        m_windowActions.append(m_windowMenu->addSeparator());
+    for (TForm *form : forms()) {
+        QAction *action = m_windowMenu->addAction(form->caption());
+        action->setCheckable(true);
+        action->setChecked(form == activeForm());
+        handle(action, &QAction::triggered, form, [form] { form->showForm(); });
+        m_windowActions.append(action);
+    }
+}
+
+void MainWindow::updateCommands()
+{
+    const bool has[] = { true, activeForm() != nullptr, queryButton() != nullptr, m_grid != nullptr, false };
+    for (const auto &[action, command] : std::as_const(m_actions))
+        action->setEnabled(has[command->needs]);
+    m_tabs->showForms(forms(), activeForm());
+    m_tabStrip->setVisible(forms().size() > 1);
+    m_status->showRights(activeForm());
+    m_status->showRows(m_grid);
+    m_status->showSelection(m_grid);
+}
+
+void MainWindow::query()
+{
+    auto *button = qobject_cast<QAbstractButton *>(queryButton());
+    if (!button)
+        throw Exception(QStringLiteral("当前没有可以查询的窗口，请先从菜单打开一个。"));
+    button->click();
+}
+
+void MainWindow::copy(bool titles)
+{
+    if (m_grid)
+        m_grid->copySelection(titles);
+}
+
+void MainWindow::exportAsking()
+{
+    if (m_exportDirectory.isEmpty())
+        m_exportDirectory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    const QString name = activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm");
+    const QString fileName
+        = QFileDialog::getSaveFileName(this, QStringLiteral("导出"), QDir(m_exportDirectory).filePath(name + u".csv"), exportFilters());
+    if (fileName.isEmpty())
+        return;
+    m_exportDirectory = QFileInfo(fileName).absolutePath();
+    exportTo(fileName);
+}
+
+void MainWindow::exportTo(const QString &fileName)
+{
+    if (!m_grid)
+        throw Exception(QStringLiteral("没有可以导出的表格，请先打开一个查询窗口。"));
+    QProgressDialog progress(QStringLiteral("正在导出…"), QStringLiteral("取消"), 0, m_grid->rowCount(), this);
+    progress.setWindowTitle(QStringLiteral("导出"));
+    progress.setWindowModality(Qt::WindowModal);
+    const int rows = exportGrid(*m_grid, fileName, [&progress](int row) {
+        progress.setValue(row);
+        if (progress.wasCanceled())
+            throw Abort(QStringLiteral("导出已取消"));
+    });
+    m_status->showMessage(QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(fileName)), 15'000);
+}
+
+bool MainWindow::find(const QString &text, bool forward)
+{
+    m_findText = text;
+    return m_grid && m_grid->findNext(text, forward);
+}
+
+void MainWindow::findAsking()
+{
+    QInputDialog dialog(this);
+    dialog.setWindowTitle(QStringLiteral("查找"));
+    dialog.setLabelText(QStringLiteral("在表格中查找（不分大小写）："));
+    dialog.setTextValue(m_findText);
+    dialog.setOkButtonText(QStringLiteral("查找"));
+    dialog.setCancelButtonText(QStringLiteral("取消"));
+    if (dialog.exec() != QDialog::Accepted || dialog.textValue().isEmpty())
+        return;
+    m_findText = dialog.textValue();
+    findAgain(true);
+}
+
+void MainWindow::findAgain(bool forward)
+{
+    if (m_findText.isEmpty())
+        return findAsking();
+    if (!find(m_findText, forward))
+        Application->messageBox(QStringLiteral("表格里没有“%1”。").arg(m_findText), QStringLiteral("查找"), mbOk);
+}
+
+void MainWindow::showShortcuts()
+{
+    QStringList lines;
+    for (const Command &command : commands()) {
+        const QString keys = command.shortcuts.toString().replace(QStringLiteral("Return"), QStringLiteral("回车")).replace(u' ', u'、');
+        if (!keys.isEmpty())
+            lines.append(QString(command.text.toString()).remove(u'…') + u'：' + keys);
+    }
+    lines << QStringLiteral("条件栏：回车到下一栏，F4 打开列表") << QStringLiteral("表格：Ctrl+A 全选，Ctrl+空格 选列，Shift+空格 选行")
+          << QStringLiteral("查询时：Esc 取消");
+    Application->messageBox(lines.join(u'\n'), QStringLiteral("快捷键"), mbOk);
+}
+
+void MainWindow::showAbout()
+{
+    Application->messageBox(QStringLiteral("%1\n版本 %2\n数据库 %3")
+                                .arg(QApplication::applicationDisplayName(), QApplication::applicationVersion(), m_options.database),
+        QStringLiteral("关于"), mbOk);
+}

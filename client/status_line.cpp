@@ -1,0 +1,121 @@
+#include "client/status_line.h"
+
+#include "platform/dataset/client_data_set.h"
+#include "platform/grid/db_grid.h"
+#include "platform/toolkit/form.h"
+
+#include <QLabel>
+#include <QLocale>
+
+namespace {
+
+constexpr qint64 mostSummedCells = 200'000; // more would be felt at every step of a dragged selection
+
+QString counted(qint64 number) { return QLocale::c().toString(number); }
+
+/// The field of a column whose values can be added, or -1.
+int summableField(const TDBGridEh &grid, int column)
+{
+    const TField *field = grid.dataSet()->findField(grid.column(column).fieldName);
+    return field && field->type() != FieldType::Text && field->type() != FieldType::DateTime ? field->index() : -1;
+}
+
+qint64 visibleCells(const TDBGridEh &grid, const QRect &range)
+{
+    int columns = 0;
+    for (int column = range.left(); column <= range.right(); ++column)
+        columns += grid.column(column).visible ? 1 : 0;
+    return qint64(columns) * range.height();
+}
+
+struct Sum {
+    packet::Decimal total;
+    qint64 numbers = 0;
+};
+
+void addColumn(const TDBGridEh &grid, const QRect &range, int column, Sum &sum)
+{
+    const int field = grid.column(column).visible ? summableField(grid, column) : -1;
+    for (int row = range.top(); field >= 0 && row <= range.bottom(); ++row) {
+        if (const auto number = grid.dataSet()->number(field, row)) {
+            sum.total = sum.total + *number;
+            ++sum.numbers;
+        }
+    }
+}
+
+/// Shows a field with its text, or hides it without one.
+void fill(QLabel *field, const QString &text)
+{
+    field->setText(text);
+    field->setVisible(!text.isEmpty());
+}
+
+} // namespace
+
+QString selectionSummary(const TDBGridEh &grid)
+{
+    const QList<QRect> ranges = grid.selectedRanges();
+    qint64 cells = 0;
+    for (const QRect &range : ranges)
+        cells += visibleCells(grid, range);
+    if (cells < 2 || !grid.dataSet() || !grid.dataSet()->active())
+        return {};
+    const QString count = QStringLiteral("已选 %1 格").arg(counted(cells));
+    if (cells > mostSummedCells)
+        return count;
+    Sum sum;
+    for (const QRect &range : ranges) {
+        for (int column = range.left(); column <= range.right(); ++column)
+            addColumn(grid, range, column, sum);
+    }
+    if (sum.numbers == 0)
+        return count;
+    return count
+        + QStringLiteral("  合计 %1  平均 %2")
+              .arg(QString::fromStdString(sum.total.toString()), QString::number(sum.total.toDouble() / double(sum.numbers), 'f', 2));
+}
+
+StatusLine::StatusLine(const QString &user, const QString &loginSite)
+    : m_selection(addField())
+    , m_rows(addField())
+    , m_rights(addField())
+    , m_login(addField())
+    , m_time(addField())
+{
+    m_login->setText(QStringLiteral("用户：%1　网点：%2").arg(user, loginSite));
+    m_login->show();
+    m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
+    m_time->setToolTip(QStringLiteral("服务器时间"));
+}
+
+QLabel *StatusLine::addField()
+{
+    auto *field = new QLabel;
+    field->setTextFormat(Qt::PlainText);
+    field->setContentsMargins(8, 0, 8, 0);
+    field->hide();
+    addPermanentWidget(field);
+    return field;
+}
+
+void StatusLine::showRows(const TDBGridEh *grid)
+{
+    const auto *dataSet = grid ? qobject_cast<const TCustomClientDataSet *>(grid->dataSet()) : nullptr;
+    if (!dataSet || !dataSet->active())
+        return fill(m_rows, {});
+    const QString rows = counted(dataSet->recordCount());
+    fill(m_rows, dataSet->truncated() ? QStringLiteral("已取 %1 行（已截断）").arg(rows) : QStringLiteral("共 %1 行").arg(rows));
+}
+
+void StatusLine::showSelection(const TDBGridEh *grid) { fill(m_selection, grid ? selectionSummary(*grid) : QString()); }
+
+void StatusLine::showRights(const TForm *form)
+{
+    QString rights;
+    for (const char *name : { "Right1", "Right2", "Right3" })
+        rights += form && form->property(name).toBool() ? u'1' : u'0';
+    fill(m_rights, form ? QStringLiteral("权限：%1").arg(rights) : QString());
+}
+
+void StatusLine::showTime(const QString &time) { fill(m_time, time); }

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QStatusBar>
+
+class QLabel;
+class TDBGridEh;
+class TForm;
+
+/// The status bar: what is shown and selected, the rights of the screen in front, who is logged in where, and the server's clock.
+class StatusLine : public QStatusBar {
+    Q_OBJECT
+
+public:
+    StatusLine(const QString &user, const QString &loginSite);
+
+    void showRows(const TDBGridEh *grid); ///< null: no grid is current
+    void showSelection(const TDBGridEh *grid);
+    void showRights(const TForm *form); ///< null: no screen is open
+    void showTime(const QString &time);
+
+private:
+    QLabel *addField();
+
+    QLabel *m_selection;
+    QLabel *m_rows;
+    QLabel *m_rights;
+    QLabel *m_login;
+    QLabel *m_time;
+};
+
+/// Number, sum and average of the selected cells, in words; empty unless several are selected.
+QString selectionSummary(const TDBGridEh &grid);

@@ -1,0 +1,34 @@
+#include "client/status_line.h"
+
+#include "platform/dataset/client_data_set.h"
+#include "platform/grid/db_grid.h"
+#include "tests/support/packets.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(SelectionSummary, CountsCellsAndAddsOnlyNumbersThatAreSeen)
+{
+    TCustomClientDataSet dataSet;
+    dataSet.setData(packetOf("CODE:text,FEE:decimal,PIECE:integer,SECRET:decimal\n"
+                             "1001,0.1,1,99\n"
+                             "1002,0.3,,99\n"
+                             "1003,,3,99\n"));
+    TDataSource source;
+    source.setDataSet(&dataSet);
+    TDBGridEh grid;
+    grid.setDataSource(&source);
+    QList<Column> columns;
+    for (const char16_t *field : { u"CODE", u"FEE", u"PIECE", u"SECRET" })
+        columns.append({ .fieldName = QString::fromUtf16(field), .caption = QString::fromUtf16(field) });
+    columns[3].visible = false;
+    grid.setColumns(columns);
+    EXPECT_EQ(selectionSummary(grid), QString());
+    grid.selectAll();
+    EXPECT_EQ(selectionSummary(grid), QStringLiteral("已选 9 格  合计 4.4  平均 1.10"));
+    dataSet.close();
+    EXPECT_EQ(selectionSummary(grid), QString());
+}
+
+} // namespace
