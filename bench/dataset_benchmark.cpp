@@ -105,15 +105,16 @@ void readBare(const Database &database)
     int rows = 0;
     for (; sqlite3_step(query) == SQLITE_ROW; ++rows) {
         for (int column = 0; column < columns; ++column) {
-            switch (sqlite3_column_type(query, column)) {
+            sqlite3_value *const value = sqlite3_column_value(query, column);
+            switch (sqlite3_value_type(value)) {
             case SQLITE_INTEGER:
-                sink = sink + sqlite3_column_int64(query, column);
+                sink = sink + sqlite3_value_int64(value);
                 break;
             case SQLITE_FLOAT:
-                sink = sink + qint64(sqlite3_column_double(query, column));
+                sink = sink + qint64(sqlite3_value_double(value));
                 break;
             case SQLITE_TEXT:
-                sink = sink + *sqlite3_column_text(query, column) + sqlite3_column_bytes(query, column);
+                sink = sink + *static_cast<const char *>(sqlite3_value_blob(value)) + sqlite3_value_bytes(value);
                 break;
             default:
                 break;
@@ -172,7 +173,8 @@ QSqlDatabase openForModel(const QString &path)
 
 void compareTimes(const QString &path)
 {
-    const Database bare(path);
+    Database bare(path);
+    bare.run(QStringLiteral("pragma cache_size=-65536")); // as the engine has it
     TSocketConnectionEx connection;
     connection.setChannel(std::make_shared<EngineChannel>(path));
     const QSqlDatabase database = openForModel(path);

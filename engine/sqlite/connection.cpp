@@ -55,7 +55,8 @@ void SqliteConnection::configure()
     // A quoted name that is no column is an error, not a text.
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
-    constexpr auto settings = "pragma query_only=1; pragma case_sensitive_like=1; pragma mmap_size=1073741824; pragma cache_size=-65536;";
+    // No memory mapping: a file that shrinks or a drive that goes away would then end the program instead of the statement.
+    constexpr auto settings = "pragma query_only=1; pragma case_sensitive_like=1; pragma mmap_size=0; pragma cache_size=-65536;";
     sqlite3_exec(database, settings, nullptr, nullptr, nullptr);
     lowerLimits(database);
     registerOracleFunctions(database);
