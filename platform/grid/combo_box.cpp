@@ -19,7 +19,8 @@ QStringList linesOf(const QString &text)
 
 } // namespace
 
-TDBComboBoxEh::TDBComboBoxEh(QWidget *parent) : QComboBox(parent)
+TDBComboBoxEh::TDBComboBoxEh(QWidget *parent)
+    : QComboBox(parent)
 {
     setEditable(true);
     setInsertPolicy(QComboBox::NoInsert);

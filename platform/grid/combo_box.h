@@ -3,8 +3,7 @@
 #include <QComboBox>
 
 /// A drop-down list with free typing; each item has a key beside its text.
-class TDBComboBoxEh : public QComboBox
-{
+class TDBComboBoxEh : public QComboBox {
     Q_OBJECT
 
 public:

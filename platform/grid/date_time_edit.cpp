@@ -33,10 +33,11 @@ QCalendarWidget *makeCalendar(QWidget *parent, QDate day)
 
 } // namespace
 
-TDBDateTimeEditEh::TDBDateTimeEditEh(QWidget *parent) : DropDownEdit(parent)
+TDBDateTimeEditEh::TDBDateTimeEditEh(QWidget *parent)
+    : DropDownEdit(parent)
 {
     setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhPreferLatin);
-    addDropDownButton(QStringLiteral("选择日期 (F4)"));
+    setDropDownToolTip(QStringLiteral("选择日期 (F4)"));
 }
 
 void TDBDateTimeEditEh::setDateOnly(bool dateOnly)
@@ -48,22 +49,21 @@ void TDBDateTimeEditEh::setDateOnly(bool dateOnly)
 
 QString TDBDateTimeEditEh::dateTimeText() const
 {
-    const std::optional<QDateTime> time = dateTime();
+    const std::optional<QDateTime> time = read(text());
     return time ? dateTimeToText(*time) : text();
 }
 
 void TDBDateTimeEditEh::setDateTimeText(const QString &text)
 {
-    const std::optional<DateEntry> entry = readDateEntry(text);
-    if (entry)
-        show(QDateTime(entry->date, entry->time.value_or(m_dateOnly ? m_keptTime : QTime(0, 0)), Qt::UTC));
+    if (const std::optional<QDateTime> time = read(text))
+        show(*time);
     else if (text != this->text())
         setText(text);
 }
 
-std::optional<QDateTime> TDBDateTimeEditEh::dateTime() const
+std::optional<QDateTime> TDBDateTimeEditEh::read(const QString &text) const
 {
-    const std::optional<DateEntry> entry = readDateEntry(text());
+    const std::optional<DateEntry> entry = readDateEntry(text);
     if (!entry)
         return std::nullopt;
     return QDateTime(entry->date, entry->time.value_or(m_dateOnly ? m_keptTime : QTime(0, 0)), Qt::UTC);
@@ -79,7 +79,7 @@ void TDBDateTimeEditEh::show(const QDateTime &time)
 
 bool TDBDateTimeEditEh::step(DatePart part, int steps)
 {
-    const std::optional<QDateTime> time = dateTime();
+    const std::optional<QDateTime> time = read(text());
     const QDateTime stepped = time ? stepDatePart(*time, part, steps) : QDateTime();
     if (!stepped.isValid())
         return false;
@@ -109,7 +109,7 @@ void TDBDateTimeEditEh::keyPressEvent(QKeyEvent *event)
 
 void TDBDateTimeEditEh::dropDown()
 {
-    const QDateTime time = dateTime().value_or(QDateTime(Clock::today(), m_dateOnly ? m_keptTime : QTime(0, 0), Qt::UTC));
+    const QDateTime time = read(text()).value_or(QDateTime(Clock::today(), m_dateOnly ? m_keptTime : QTime(0, 0), Qt::UTC));
     auto *popup = new QFrame(this, Qt::Popup);
     popup->setAttribute(Qt::WA_DeleteOnClose);
     popup->setFrameStyle(QFrame::StyledPanel);

@@ -4,12 +4,15 @@
 
 #include <QKeyEvent>
 #include <QScreen>
-#include <QStyle>
+#include <QStyleOption>
+#include <QStylePainter>
 #include <QToolButton>
+#include <QtMath>
 
 namespace {
 
 constexpr int buttonWidth = 18;
+constexpr int arrowWidth = 22;
 
 bool belongsToInputMethod(int key)
 {
@@ -31,30 +34,81 @@ bool belongsToInputMethod(int key)
     }
 }
 
+/// An editable combo box as large as the line of text.
+QStyleOptionComboBox editableCombo(const QWidget *line)
+{
+    QStyleOptionComboBox option;
+    option.initFrom(line);
+    option.editable = true;
+    option.frame = true;
+    option.subControls = QStyle::SC_ComboBoxFrame | QStyle::SC_ComboBoxArrow;
+    return option;
+}
+
+/// The right end of a combo box, in every style what the style makes of it.
+class ArrowButton : public QToolButton {
+public:
+    using QToolButton::QToolButton;
+
+protected:
+    void paintEvent(QPaintEvent *) override
+    {
+        QStyleOptionComboBox option = editableCombo(parentWidget());
+        option.activeSubControls = underMouse() || isDown() ? QStyle::SC_ComboBoxArrow : QStyle::SC_None;
+        option.state.setFlag(QStyle::State_Sunken, isDown());
+        option.state.setFlag(QStyle::State_MouseOver, underMouse());
+        QStylePainter painter(this);
+        painter.translate(-x(), -y());
+        painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    }
+};
+
 } // namespace
 
-DropDownEdit::DropDownEdit(QWidget *parent) : QLineEdit(parent) { }
+DropDownEdit::DropDownEdit(QWidget *parent)
+    : QLineEdit(parent)
+{
+    auto *button = new ArrowButton(this);
+    insertButton(button);
+    handle(button, &QToolButton::clicked, this, &DropDownEdit::dropDown);
+    // What nobody is typing in shows its beginning.
+    handle(this, &QLineEdit::textChanged, this, [this] {
+        if (!hasFocus())
+            home(false);
+    });
+}
 
-QToolButton *DropDownEdit::addButton(const QString &toolTip)
+QSize DropDownEdit::sizeHint() const { return { QLineEdit::sizeHint().width(), comboHeight() }; }
+
+QSize DropDownEdit::minimumSizeHint() const { return { QLineEdit::minimumSizeHint().width(), comboHeight() }; }
+
+int DropDownEdit::comboHeight() const
+{
+    const QStyleOptionComboBox option = editableCombo(this);
+    const QSize contents(0, qMax(qCeil(QFontMetricsF(font()).height()), 14) + 2);
+    return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this).height();
+}
+
+void DropDownEdit::insertButton(QToolButton *button)
+{
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setCursor(Qt::ArrowCursor);
+    handle(button, &QToolButton::pressed, this, [this] { setFocus(Qt::MouseFocusReason); });
+    m_buttons.append(button);
+    setTextMargins(1, 0, arrowWidth + (int(m_buttons.size()) - 1) * buttonWidth, 0);
+}
+
+QToolButton *DropDownEdit::addButton(const QString &text, const QString &toolTip)
 {
     auto *button = new QToolButton(this);
     button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::NoFocus);
-    button->setCursor(Qt::ArrowCursor);
+    button->setText(text);
     button->setToolTip(toolTip);
-    handle(button, &QToolButton::pressed, this, [this] { setFocus(Qt::MouseFocusReason); });
-    m_buttons.append(button);
-    setTextMargins(0, 0, int(m_buttons.size()) * buttonWidth, 0);
+    insertButton(button);
     return button;
 }
 
-QToolButton *DropDownEdit::addDropDownButton(const QString &toolTip)
-{
-    QToolButton *button = addButton(toolTip);
-    button->setArrowType(Qt::DownArrow);
-    handle(button, &QToolButton::clicked, this, &DropDownEdit::dropDown);
-    return button;
-}
+void DropDownEdit::setDropDownToolTip(const QString &toolTip) { m_buttons.first()->setToolTip(toolTip); }
 
 QRect DropDownEdit::dropDownGeometry(const QSize &size) const
 {
@@ -87,6 +141,7 @@ void DropDownEdit::focusOutEvent(QFocusEvent *event)
     if (reason == Qt::ActiveWindowFocusReason || reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason || !isVisible())
         return;
     guarded([this] { finishEntry(); });
+    home(false);
     Q_EMIT exited();
 }
 
@@ -108,10 +163,11 @@ void DropDownEdit::resizeEvent(QResizeEvent *event)
 {
     QLineEdit::resizeEvent(event);
     const int frame = style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this);
-    QRect place(width() - frame - int(m_buttons.size()) * buttonWidth, frame, buttonWidth, height() - 2 * frame);
-    for (QToolButton *button : m_buttons) {
+    m_buttons.first()->setGeometry(width() - arrowWidth, 0, arrowWidth, height());
+    QRect place(width() - arrowWidth, frame, buttonWidth, height() - 2 * frame);
+    for (QToolButton *button : m_buttons.mid(1)) {
+        place.translate(-buttonWidth, 0);
         button->setGeometry(place);
-        place.translate(buttonWidth, 0);
     }
 }
 

@@ -9,12 +9,11 @@
 
 #include <numeric>
 
-TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent) : DropDownEdit(parent)
+TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent)
+    : DropDownEdit(parent)
 {
-    QToolButton *ellipsis = addButton(QStringLiteral("显示全部"));
-    ellipsis->setText(QStringLiteral("…"));
-    handle(ellipsis, &QToolButton::clicked, this, &TDBLookupComboboxEh::openWholeList);
-    addDropDownButton(QStringLiteral("打开列表 (F4)"));
+    setDropDownToolTip(QStringLiteral("打开列表 (F4)"));
+    handle(addButton(QStringLiteral("…"), QStringLiteral("显示全部")), &QToolButton::clicked, this, &TDBLookupComboboxEh::openWholeList);
     handle(this, &QLineEdit::textEdited, this, &TDBLookupComboboxEh::narrowList);
 }
 
@@ -100,11 +99,10 @@ void TDBLookupComboboxEh::closeList(bool accept)
     if (!isListOpen())
         return;
     const int row = m_list->currentRecord();
+    m_list->hide();
     TDataSet *dataSet = listDataSet();
-    // The row is read first, since the list forgets it when it closes.
     if (accept && dataSet && row >= 0)
         setText(dataSet->text(dataSet->fieldByName(m_keyField)->index(), row));
-    m_list->hide();
 }
 
 /// Whether the open list takes the key; it may close then.
@@ -134,21 +132,33 @@ bool TDBLookupComboboxEh::actOnList(QKeyEvent *event)
 
 bool TDBLookupComboboxEh::event(QEvent *event)
 {
-    if (isListOpen() && !isComposing()) {
-        const int key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride ? static_cast<QKeyEvent *>(event)->key() : 0;
-        if (event->type() == QEvent::KeyPress && (key == Qt::Key_Tab || key == Qt::Key_Backtab))
-            guarded([this] { closeList(m_list->isWalked()); });
-        // The keys of the list are no shortcuts of the form.
-        if (event->type() == QEvent::ShortcutOverride && (key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F4)) {
-            event->accept();
-            return true;
-        }
-    }
-    // The list is a popup: the toolkit takes the focus away for it, but what is typed still goes here.
-    const bool isFocusOut = event->type() == QEvent::FocusOut;
-    if (isFocusOut && isListOpen() && static_cast<QFocusEvent *>(event)->reason() == Qt::PopupFocusReason)
+    if (isListOpen() && !isComposing() && actBeforeKey(event))
         return true;
     return DropDownEdit::event(event);
+}
+
+/// What the open list has to do with events that come before a key press or are no key at all; true: nobody else gets it.
+bool TDBLookupComboboxEh::actBeforeKey(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FocusOut:
+        // The toolkit takes the focus away for a popup, but what is typed over this one goes here.
+        return static_cast<QFocusEvent *>(event)->reason() == Qt::PopupFocusReason;
+    case QEvent::ShortcutOverride: {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        event->setAccepted(key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F4);
+        return event->isAccepted();
+    }
+    case QEvent::KeyPress: {
+        // Tab moves the focus before it could be a key press.
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+            guarded([this] { closeList(m_list->isWalked()); });
+        return false;
+    }
+    default:
+        return false;
+    }
 }
 
 void TDBLookupComboboxEh::keyPressEvent(QKeyEvent *event)

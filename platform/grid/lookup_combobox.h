@@ -15,8 +15,7 @@ struct LookupColumn {
 
 /// A line of text in which one looks up a row of another dataset: free typing, a drop-down list with columns that narrows while
 /// one types, an ellipsis button. Its value is its text; what code assigns opens no list. It never moves the list dataset's current row.
-class TDBLookupComboboxEh : public DropDownEdit
-{
+class TDBLookupComboboxEh : public DropDownEdit {
     Q_OBJECT
 
 public:
@@ -58,6 +57,7 @@ private:
     void openWholeList();
     void narrowList();
     void showList(TDataSet *dataSet, std::vector<int> rows, int currentRow);
+    bool actBeforeKey(QEvent *event);
     bool actOnList(QKeyEvent *event);
 
     QPointer<TDataSource> m_listSource;

@@ -9,8 +9,7 @@
 class QTableView;
 
 /// Rows of an open dataset in a chosen order, read where they are.
-class LookupRows : public QAbstractTableModel
-{
+class LookupRows : public QAbstractTableModel {
 public:
     using QAbstractTableModel::QAbstractTableModel;
 
@@ -34,8 +33,7 @@ private:
 };
 
 /// The list that drops down from a lookup. The focus stays in the lookup: what is typed over the list goes there.
-class LookupList : public QFrame
-{
+class LookupList : public QFrame {
     Q_OBJECT
 
 public:
