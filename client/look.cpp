@@ -1,13 +1,13 @@
 #include "client/look.h"
 
 #include "client/icons.h"
+#include "client/toolkit_texts.h"
 
 #include <QApplication>
 #include <QFontDatabase>
-#include <QLibraryInfo>
+#include <QLocale>
 #include <QPalette>
 #include <QStyleFactory>
-#include <QTranslator>
 
 namespace {
 
@@ -32,6 +32,7 @@ QPalette quietPalette()
     palette.setColor(QPalette::AlternateBase, QColor(0xf6, 0xf7, 0xf9));
     palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb7));
     palette.setColor(QPalette::HighlightedText, Qt::white);
+    palette.setColor(QPalette::Link, QColor(0x2f, 0x6f, 0xb7));
     palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xff, 0xe8));
     for (const QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText }) {
         palette.setColor(role, QColor(0x20, 0x24, 0x2a));
@@ -39,14 +40,6 @@ QPalette quietPalette()
     }
     palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0xa0, 0xa8));
     return palette;
-}
-
-/// The texts of file dialogs and edit menus, where the system has them.
-void translateToolkit()
-{
-    auto *translator = new QTranslator(qApp);
-    if (translator->load(QStringLiteral("qtbase_zh_CN"), QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(translator);
 }
 
 } // namespace
@@ -57,6 +50,6 @@ void setLook()
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     QApplication::setPalette(quietPalette());
     setFont();
-    translateToolkit();
+    QApplication::installTranslator(new ToolkitTexts(qApp));
     QApplication::setWindowIcon(programIcon());
 }

@@ -40,10 +40,11 @@ MainWindow::MainWindow(const Options &options)
     setWindowTitle(QApplication::applicationDisplayName() + u" - " + options.loginSite);
     mdiArea()->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     mdiArea()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    mdiArea()->setBackground(palette().mid());
+    mdiArea()->setBackground(palette().window());
     createScreenMenus();
     createCommands();
     createWindowTabs();
+    createStartPage();
     updateCommands();
     handle(&m_clock, &QTimer::timeout, this, [this] { m_status->showTime(dateTimeToText(serverTime())); });
     m_status->showTime(dateTimeToText(serverTime()));

@@ -13,6 +13,7 @@
 class QAction;
 class QMenu;
 class QToolBar;
+class StartPage;
 class StatusLine;
 class WindowTabs;
 
@@ -60,7 +61,9 @@ private:
     void createCommands();
     void createScreenMenus();
     void createWindowTabs();
+    void createStartPage();
     QAction *createAction(const Command &command);
+    void claimShortcuts();
     void listWindows();
     void updateCommands();
 
@@ -88,6 +91,7 @@ private:
     QList<std::pair<QAction *, const Command *>> m_actions;
     QMenu *m_windowMenu = nullptr;
     QList<QAction *> m_windowActions; ///< one for each open screen, at the end of the menu
+    StartPage *m_startPage = nullptr;
     WindowTabs *m_tabs = nullptr;
     QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
     StatusLine *m_status;

@@ -3,6 +3,7 @@
 #include "client/export/table_export.h"
 #include "client/icons.h"
 #include "client/screen_list.h"
+#include "client/start_page.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
@@ -16,10 +17,12 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenuBar>
 #include <QProgressDialog>
 #include <QStandardPaths>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 /// One command of the menus.
 struct MainWindow::Command {
@@ -125,6 +128,23 @@ void MainWindow::createWindowTabs()
     handle(m_tabs, &WindowTabs::closeWanted, this, [](const TForm *form) { form->parentWidget()->close(); });
 }
 
+void MainWindow::createStartPage()
+{
+    m_startPage = new StartPage;
+    auto *layout = new QVBoxLayout(mdiArea()->viewport());
+    layout->addWidget(m_startPage);
+    handle(m_startPage, &StartPage::wanted, this, [this](const QString &screen) { openScreen(screen + menuRights); });
+}
+
+/// The toolkit gives the system menu of every child window the shortcuts of the close command; two owners of a key get nothing.
+void MainWindow::claimShortcuts()
+{
+    for (const QMdiSubWindow *window : mdiArea()->subWindowList()) {
+        for (QAction *action : window->systemMenu()->actions())
+            action->setShortcuts(QList<QKeySequence>());
+    }
+}
+
 void MainWindow::listWindows()
 {
     qDeleteAll(m_windowActions);
@@ -145,6 +165,8 @@ void MainWindow::updateCommands()
     const bool has[] = { true, activeForm() != nullptr, queryButton() != nullptr, m_grid != nullptr, false };
     for (const auto &[action, command] : std::as_const(m_actions))
         action->setEnabled(has[command->needs]);
+    claimShortcuts();
+    m_startPage->setVisible(forms().isEmpty());
     m_tabs->showForms(forms(), activeForm());
     m_tabStrip->setVisible(forms().size() > 1);
     m_status->showRights(activeForm());
@@ -171,10 +193,13 @@ void MainWindow::exportAsking()
     if (m_exportDirectory.isEmpty())
         m_exportDirectory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     const QString name = activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm");
-    const QString fileName
-        = QFileDialog::getSaveFileName(this, QStringLiteral("导出"), QDir(m_exportDirectory).filePath(name + u".csv"), exportFilters());
+    QString filter;
+    QString fileName = QFileDialog::getSaveFileName(
+        this, QStringLiteral("导出"), QDir(m_exportDirectory).filePath(name + u".csv"), exportFilters(), &filter);
     if (fileName.isEmpty())
         return;
+    if (QFileInfo(fileName).suffix().isEmpty())
+        fileName += filter.section(u'*', 1).chopped(1);
     m_exportDirectory = QFileInfo(fileName).absolutePath();
     exportTo(fileName);
 }

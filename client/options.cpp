@@ -75,6 +75,7 @@ QString optionsHelp()
 {
     QString help = QStringLiteral("用法：kelvara-client --database sqlite:文件 [选项]\n\n快递网络查询与报表系统的客户端。\n\n选项：\n");
     for (const OptionRow &row : rows)
-        help += QStringLiteral("  %1 %2\n      %3\n").arg(row.name, row.argument, row.help);
+        help += QStringLiteral("  %1%2\n      %3\n")
+                    .arg(row.name, row.argument.isEmpty() ? QString() : QString(u' ' + row.argument), row.help);
     return help;
 }

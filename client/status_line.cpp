@@ -11,7 +11,7 @@ namespace {
 
 constexpr qint64 mostSummedCells = 200'000; // more would be felt at every step of a dragged selection
 
-QString counted(qint64 number) { return QLocale::c().toString(number); }
+QString counted(qint64 number) { return QLocale(QLocale::Chinese, QLocale::China).toString(number); }
 
 /// The field of a column whose values can be added, or -1.
 int summableField(const TDBGridEh &grid, int column)

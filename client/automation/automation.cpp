@@ -77,7 +77,10 @@ Automation::Automation(MainWindow *window)
     Application->setMessageResponder(
         [this](const MessageRequest &request) { return m_answers.isEmpty() ? int(request.defaultAnswer()) : m_answers.dequeue(); });
     for (const CommandRow &row : commands())
-        m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) { return (this->*run)(arguments); });
+        m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) {
+            activateWindow();
+            return (this->*run)(arguments);
+        });
     connect(&m_dispatcher, &Dispatcher::replied, this, [](const QByteArray &line) {
         std::fputs(line.constData(), stdout);
         std::fflush(stdout);
@@ -86,6 +89,13 @@ Automation::Automation(MainWindow *window)
     connect(&m_reader, &LineReader::ended, &m_dispatcher, &Dispatcher::end);
     connect(&m_dispatcher, &Dispatcher::ended, qApp, [] { QApplication::exit(); });
     m_reader.start();
+}
+
+/// Off-screen, a list that dropped down takes the activation along when it closes, and without it the focus would not move.
+void Automation::activateWindow()
+{
+    if (!QApplication::activeModalWidget() && !QApplication::activePopupWidget())
+        QApplication::setActiveWindow(m_window);
 }
 
 Automation::~Automation() { Application->setMessageResponder({}); }

@@ -21,6 +21,7 @@ public:
 
 private:
     struct CommandRow;
+    void activateWindow();
     static const QList<CommandRow> &commands();
 
     QJsonObject open(const QJsonObject &arguments);

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QWidget>
+
+/// What the main window shows while no screen is open: all screens by their groups, to be opened with a click.
+class StartPage : public QWidget {
+    Q_OBJECT
+
+public:
+    StartPage();
+
+Q_SIGNALS:
+    void wanted(const QString &screen);
+};

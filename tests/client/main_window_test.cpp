@@ -1,0 +1,227 @@
+#include "client/main_window.h"
+
+#include "client/status_line.h"
+#include "client/window_tabs.h"
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/exception.h"
+#include "platform/toolkit/published.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QLabel>
+#include <QMdiSubWindow>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sqlite3.h>
+
+namespace {
+
+constexpr char tables[] = R"(pragma synchronous=off;
+create table TAB_SITE(SITE_CODE text, SITE_NAME text, SUPERIOR_SITE text, TYPE text);
+insert into TAB_SITE values ('010','北京','','中心'),('0101','北京朝阳','北京','直营网点'),('021','上海','','中心'),('9','O''Neill','','中心');
+create table TAB_EMPLOYEE(EMPLOYEE_CODE text, EMPLOYEE_NAME text, OWNER_SITE text, DEPT_NAME text);
+insert into TAB_EMPLOYEE values ('7','李四','北京',''),('8','张三','北京',''),('9','王五','上海','');
+create table TAB_CUSTOMER(CUSTOMER_CODE text, OWNER_SITE text);
+create table TAB_SCAN_TYPE(TYPE_CODE text, TYPE_NAME text);
+create table TAB_CLASS(CLASS_CODE text, CLASS_NAME text);
+create table TAB_GOODS_TYPE(GOODS_CODE text, GOODS_NAME text);
+create table TAB_FAST_TYPE(TYPE_CODE text, TYPE_NAME text);
+create table TAB_PROBLEM_TYPE(PROBLEM_CODE text, PROBLEM_NAME text);
+create table TAB_QUOTE_DATA(QUOTE_CODE text);
+create table TAB_AREA(AREA_CODE text, AREA_NAME text);
+create table TAB_GLOBAL_VALUE(NAME text, VALUE text);
+insert into TAB_GLOBAL_VALUE values ('CompanyName','测试速递'),('MainBill','^[0-9]{8}$');
+)";
+
+class MainWindowTest : public testing::Test {
+protected:
+    MainWindowTest()
+    {
+        m_options.database = u"sqlite:" + m_directory.filePath(QStringLiteral("主.db"));
+        m_options.pluginDirectory = QStringLiteral(HOST_PLUGIN_DIRECTORY);
+        m_options.user = QStringLiteral("张三");
+        sqlite3 *database = nullptr;
+        EXPECT_EQ(sqlite3_open(m_directory.filePath(QStringLiteral("主.db")).toUtf8().constData(), &database), SQLITE_OK);
+        EXPECT_EQ(sqlite3_exec(database, tables, nullptr, nullptr, nullptr), SQLITE_OK);
+        sqlite3_close(database);
+        m_watching = QObject::connect(Application, &TApplication::happened, [this](const QString &kind, const QVariantMap &particulars) {
+            const QVariant about = particulars.contains(QStringLiteral("message")) ? particulars[QStringLiteral("message")]
+                                                                                   : particulars[QStringLiteral("form")];
+            m_log.append(kind + u' ' + about.toString());
+        });
+        Application->setMessageResponder([this](const MessageRequest &) { return m_answer; });
+    }
+    ~MainWindowTest() override
+    {
+        QObject::disconnect(m_watching);
+        Application->setMessageResponder({});
+    }
+    std::unique_ptr<MainWindow> open()
+    {
+        auto window = std::make_unique<MainWindow>(m_options);
+        window->show();
+        return window;
+    }
+    QString refusal()
+    {
+        try {
+            MainWindow window(m_options);
+            return QStringLiteral("opened");
+        } catch (const std::exception &exception) {
+            return exceptionMessage(exception);
+        }
+    }
+    static bool enabled(const MainWindow &window, const QString &command)
+    {
+        for (const QAction *action : window.findChildren<QAction *>()) {
+            if (action->text() == command)
+                return action->isEnabled();
+        }
+        ADD_FAILURE() << "no command " << command.toStdString();
+        return false;
+    }
+    static QStringList statusTexts(const MainWindow &window)
+    {
+        QStringList texts;
+        for (const QLabel *label : window.findChild<StatusLine *>()->findChildren<QLabel *>())
+            texts.append(label->text());
+        return texts;
+    }
+
+    QTemporaryDir m_directory;
+    Options m_options;
+    QStringList m_log;
+    int m_answer = idCancel;
+    QMetaObject::Connection m_watching;
+};
+
+TEST_F(MainWindowTest, PublishesWhatThePluginReads)
+{
+    m_options.serverNow = QDateTime(QDate(2024, 3, 5), QTime(18, 0), Qt::UTC);
+    const auto window = open();
+    QStringList names;
+    for (const QObject *dataSet : publishedList(window.get(), "GlobalCdsAddr")) {
+        names.append(dataSet->objectName());
+        EXPECT_TRUE(qobject_cast<const TClientDataSetEx *>(dataSet)->active()) << dataSet->objectName().toStdString();
+    }
+    names.sort(Qt::CaseInsensitive);
+    EXPECT_EQ(names.join(u' '),
+        QStringLiteral(
+            "AllSite area Class FastType GoodsType loginSite loginSiteEmployeeOwner loginSiteOwner ownerCustomer problem QuoteData "
+            "scanType site"));
+    QMap<QString, QString> values;
+    for (const QObject *value : publishedList(window.get(), "GlobalValueAddr"))
+        values.insert(value->objectName(), value->property("text").toString());
+    EXPECT_EQ(values,
+        (QMap<QString, QString> { { QStringLiteral("site"), QStringLiteral("北京") }, { QStringLiteral("userSite"), {} },
+            { QStringLiteral("employeeName"), QStringLiteral("张三") }, { QStringLiteral("employeeCode"), QStringLiteral("8") },
+            { QStringLiteral("CompanyName"), QStringLiteral("测试速递") }, { QStringLiteral("MainBill"), QStringLiteral("^[0-9]{8}$") } }));
+    EXPECT_NEAR(publishedProperty(window.get(), "ServerDateTime").toDouble(), 45356.75, 0.001);
+}
+
+TEST_F(MainWindowTest, LoadsTheSitesAndEmployeesOfTheLoginSite)
+{
+    const auto window = open();
+    QMap<QString, int> rows;
+    for (const QObject *dataSet : publishedList(window.get(), "GlobalCdsAddr"))
+        rows.insert(dataSet->objectName(), qobject_cast<const TClientDataSetEx *>(dataSet)->recordCount());
+    EXPECT_EQ(rows[QStringLiteral("loginSite")], 1);
+    EXPECT_EQ(rows[QStringLiteral("loginSiteOwner")], 2);
+    EXPECT_EQ(rows[QStringLiteral("loginSiteEmployeeOwner")], 2);
+    EXPECT_EQ(rows[QStringLiteral("AllSite")], 4);
+}
+
+TEST_F(MainWindowTest, SaysWhyItCannotStart)
+{
+    m_options.loginSite = QStringLiteral("月球");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("月球")));
+    m_options.loginSite = QStringLiteral("O'Neill");
+    EXPECT_EQ(refusal(), QStringLiteral("opened"));
+    m_options.pluginDirectory = m_directory.path();
+    EXPECT_TRUE(refusal().contains(QStringLiteral("--plugins")));
+    m_options.database = QStringLiteral("sqlite:/nowhere/没有.db");
+    EXPECT_TRUE(refusal().contains(QStringLiteral("没有.db")));
+    EXPECT_EQ(Application->mainForm(), nullptr);
+}
+
+TEST_F(MainWindowTest, CommandsFollowTheScreenInFront)
+{
+    const auto window = open();
+    EXPECT_FALSE(enabled(*window, QStringLiteral("查询")));
+    EXPECT_FALSE(enabled(*window, QStringLiteral("复制")));
+    EXPECT_THROW(window->query(), Exception);
+
+    m_log.clear();
+    window->openScreen(QStringLiteral("frm_One101"));
+    QApplication::processEvents();
+    EXPECT_EQ(m_log, QStringList({ QStringLiteral("perform 1127"), QStringLiteral("perform 1124"), QStringLiteral("resetSearch ") }));
+    EXPECT_TRUE(enabled(*window, QStringLiteral("查询")));
+    EXPECT_TRUE(enabled(*window, QStringLiteral("复制")));
+    EXPECT_FALSE(enabled(*window, QStringLiteral("打印")));
+    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("权限：101")));
+    window->query();
+    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("共 1,200 行")));
+
+    window->openScreen(QStringLiteral("frm_Two000"));
+    QApplication::processEvents();
+    const auto *tabs = window->findChild<WindowTabs *>();
+    EXPECT_TRUE(tabs->isVisible());
+    EXPECT_EQ(tabs->tabText(tabs->currentIndex()), QStringLiteral("窗口 frm_Two"));
+    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("权限：000")));
+
+    for (const TForm *form : window->forms())
+        form->parentWidget()->close();
+    QApplication::processEvents();
+    EXPECT_FALSE(enabled(*window, QStringLiteral("查询")));
+    EXPECT_FALSE(enabled(*window, QStringLiteral("复制")));
+    EXPECT_FALSE(tabs->isVisible());
+}
+
+TEST_F(MainWindowTest, KeysRunTheCommands)
+{
+    const auto window = open();
+    window->activateWindow();
+    window->openScreen(QStringLiteral("frm_One111"));
+    window->openScreen(QStringLiteral("frm_Two111"));
+    QApplication::processEvents();
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers) {
+        QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : window.get(), key, modifiers);
+        QApplication::processEvents();
+    };
+    for (const auto &[key, modifiers] : { std::pair(Qt::Key_F9, Qt::NoModifier), std::pair(Qt::Key_F5, Qt::NoModifier),
+             std::pair(Qt::Key_Return, Qt::ControlModifier), std::pair(Qt::Key_Enter, Qt::ControlModifier) }) {
+        window->activeForm()->findChild<TClientDataSetEx *>()->close();
+        press(key, modifiers);
+        EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("共 1,200 行"))) << key;
+    }
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("0"));
+    press(Qt::Key_F6, Qt::ControlModifier);
+    EXPECT_EQ(window->activeForm()->objectName(), QStringLiteral("frm_One"));
+    press(Qt::Key_F4, Qt::ControlModifier);
+    press(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(window->activeForm(), nullptr);
+}
+
+TEST_F(MainWindowTest, ClosingAsksTheScreensAndStopsAtTheFirstThatStays)
+{
+    auto window = open();
+    for (const char16_t *name : { u"frm_One111", u"frm_Stubborn111", u"frm_Two111" })
+        window->openScreen(QString::fromUtf16(name));
+    EXPECT_FALSE(window->close());
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QStringList open;
+    for (const TForm *form : window->forms())
+        open.append(form->objectName());
+    EXPECT_EQ(open, QStringList({ QStringLiteral("frm_Stubborn"), QStringLiteral("frm_Two") }));
+
+    m_log.clear();
+    window.reset(); // as when the session is ended from outside: the screens go before the library does
+    EXPECT_EQ(m_log, QStringList({ QStringLiteral("freed frm_Stubborn"), QStringLiteral("freed frm_Two"), QStringLiteral("detach ") }));
+}
+
+} // namespace
