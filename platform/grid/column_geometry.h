@@ -7,8 +7,7 @@ class ColumnModel;
 
 /// Where the columns stand in a widget as wide as the grid's view: the indicator, the frozen columns, and the others, which
 /// scroll sideways under them. All in pixels; hidden columns are 0 wide.
-class ColumnGeometry
-{
+class ColumnGeometry {
 public:
     /// `frozen` visible columns stay in place, or fewer when the view has no room for them all.
     void arrange(const ColumnModel &columns, int frozen, int indicatorWidth, int viewWidth);

@@ -12,8 +12,8 @@ void ColumnModel::design(const QList<Column> &columns)
 
 void ColumnModel::restoreDesign()
 {
-    std::sort(m_columns.begin(), m_columns.end(),
-              [](const Entry &left, const Entry &right) { return left.designIndex < right.designIndex; });
+    std::sort(
+        m_columns.begin(), m_columns.end(), [](const Entry &left, const Entry &right) { return left.designIndex < right.designIndex; });
     for (Entry &entry : m_columns) {
         entry.column.width = m_design[entry.designIndex].width;
         entry.column.visible = m_design[entry.designIndex].visible;

@@ -6,8 +6,7 @@
 class TDataSet;
 
 /// The columns of a grid in their shown order, the layout they were designed in, and the dataset's fields that they show.
-class ColumnModel
-{
+class ColumnModel {
 public:
     void design(const QList<Column> &columns);
     /// Order, widths and visibility as designed; footers, title buttons and sort marks stay as they are.

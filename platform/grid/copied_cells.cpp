@@ -53,9 +53,12 @@ QString cellTag(const TDBGridEh &grid, int column)
     const TDataSet *dataSet = grid.dataSet();
     const TField *field = dataSet ? dataSet->findField(grid.column(column).fieldName) : nullptr;
     switch (field ? field->type() : FieldType::Integer) {
-    case FieldType::Text: return QStringLiteral("<td style='mso-number-format:\"\\@\"'>");
-    case FieldType::DateTime: return QStringLiteral("<td style='mso-number-format:\"yyyy\\-mm\\-dd hh\\:mm\\:ss\"'>");
-    default: return QStringLiteral("<td>");
+    case FieldType::Text:
+        return QStringLiteral("<td style='mso-number-format:\"\\@\"'>");
+    case FieldType::DateTime:
+        return QStringLiteral("<td style='mso-number-format:\"yyyy\\-mm\\-dd hh\\:mm\\:ss\"'>");
+    default:
+        return QStringLiteral("<td>");
     }
 }
 

@@ -6,8 +6,7 @@ class TDBGridEh;
 class TDataSet;
 
 /// Applies a grid's sort marks to datasets of one class; registered for that class and served to its descendants.
-class DatasetFeaturesEh
-{
+class DatasetFeaturesEh {
 public:
     virtual ~DatasetFeaturesEh() = default;
     /// Sorts the grid's dataset by its marked columns, in the order of their keys.

@@ -220,9 +220,12 @@ QString TDBGridEh::footerText(int footerRow, int column) const
         return {};
     const int field = m_columns->field(column);
     switch (footers[footerRow].kind) {
-    case FooterKind::None: return {};
-    case FooterKind::StaticText: return footers[footerRow].value;
-    case FooterKind::Count: return QString::number(rowCount());
+    case FooterKind::None:
+        return {};
+    case FooterKind::StaticText:
+        return footers[footerRow].value;
+    case FooterKind::Count:
+        return QString::number(rowCount());
     case FooterKind::Sum:
         return QString::fromStdString(field >= 0 && rowCount() > 0 ? m_sums->sum(*dataSet(), field).toString() : "0");
     }

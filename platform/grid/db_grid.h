@@ -28,8 +28,7 @@ struct CellParameters {
 
 /// A grid over a dataset: titles of up to two levels that sort, frozen columns, footer rows, row numbers, cell colours,
 /// selection and copy. It reads the dataset's columns directly and paints only what is seen.
-class TDBGridEh : public QAbstractScrollArea
-{
+class TDBGridEh : public QAbstractScrollArea {
     Q_OBJECT
 
 public:

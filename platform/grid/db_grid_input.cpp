@@ -140,7 +140,8 @@ bool TDBGridEh::moveByTab(const QKeyEvent &event)
 {
     const bool enter = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
     const bool back = event.key() == Qt::Key_Backtab || event.modifiers() & Qt::ShiftModifier;
-    if (!(enter || event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab) || event.modifiers() & (Qt::ControlModifier | Qt::AltModifier))
+    if (!(enter || event.key() == Qt::Key_Tab || event.key() == Qt::Key_Backtab)
+        || event.modifiers() & (Qt::ControlModifier | Qt::AltModifier))
         return false;
     if (currentRow() < 0 || m_currentColumn < 0)
         return false;
@@ -168,12 +169,24 @@ bool TDBGridEh::moveByKey(const QKeyEvent &event)
     int row = currentRow();
     int column = m_currentColumn;
     switch (event.key()) {
-    case Qt::Key_Up: row = control ? 0 : row - 1; break;
-    case Qt::Key_Down: row = control ? lastRow : row + 1; break;
-    case Qt::Key_PageUp: row -= pageRows(); break;
-    case Qt::Key_PageDown: row = qMin(row, lastRow - pageRows()) + pageRows(); break;
-    case Qt::Key_Left: column = control ? firstColumn : m_columns->visibleFrom(column - 1, -1); break;
-    case Qt::Key_Right: column = control ? lastColumn : m_columns->visibleFrom(column + 1, 1); break;
+    case Qt::Key_Up:
+        row = control ? 0 : row - 1;
+        break;
+    case Qt::Key_Down:
+        row = control ? lastRow : row + 1;
+        break;
+    case Qt::Key_PageUp:
+        row -= pageRows();
+        break;
+    case Qt::Key_PageDown:
+        row = qMin(row, lastRow - pageRows()) + pageRows();
+        break;
+    case Qt::Key_Left:
+        column = control ? firstColumn : m_columns->visibleFrom(column - 1, -1);
+        break;
+    case Qt::Key_Right:
+        column = control ? lastColumn : m_columns->visibleFrom(column + 1, 1);
+        break;
     case Qt::Key_Home:
         column = firstColumn;
         row = control ? 0 : row;
@@ -182,7 +195,8 @@ bool TDBGridEh::moveByKey(const QKeyEvent &event)
         column = lastColumn;
         row = control ? lastRow : row;
         break;
-    default: return false;
+    default:
+        return false;
     }
     moveCurrent(row, column < 0 ? m_currentColumn : column, event.modifiers() & Qt::ShiftModifier ? Extend::Cells : Extend::No);
     return true;

@@ -15,8 +15,12 @@ constexpr int textMargin = 4;
 } // namespace
 
 GridFooter::GridFooter(const ColumnModel &columns, const ColumnGeometry &geometry, TextPainter &texts,
-                       std::function<QString(int row, int column)> text, QWidget *parent)
-    : QWidget(parent), m_columns(columns), m_geometry(geometry), m_texts(texts), m_text(std::move(text))
+    std::function<QString(int row, int column)> text, QWidget *parent)
+    : QWidget(parent)
+    , m_columns(columns)
+    , m_geometry(geometry)
+    , m_texts(texts)
+    , m_text(std::move(text))
 {
     setAttribute(Qt::WA_OpaquePaintEvent);
 }

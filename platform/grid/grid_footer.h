@@ -9,12 +9,11 @@ class ColumnModel;
 class TextPainter;
 
 /// The footer rows of a grid, aligned under its columns.
-class GridFooter : public QWidget
-{
+class GridFooter : public QWidget {
 public:
     /// `text` gives the text of a footer row and a column.
     GridFooter(const ColumnModel &columns, const ColumnGeometry &geometry, TextPainter &texts,
-               std::function<QString(int row, int column)> text, QWidget *parent);
+        std::function<QString(int row, int column)> text, QWidget *parent);
 
     int rows() const { return m_rows; }
     void setRows(int rows) { m_rows = rows; }

@@ -25,7 +25,10 @@ QString lowerCaption(const QString &caption) { return caption.contains(u'|') ? c
 } // namespace
 
 GridHeader::GridHeader(const ColumnModel &columns, const ColumnGeometry &geometry, TextPainter &texts, QWidget *parent)
-    : QWidget(parent), m_columns(columns), m_geometry(geometry), m_texts(texts)
+    : QWidget(parent)
+    , m_columns(columns)
+    , m_geometry(geometry)
+    , m_texts(texts)
 {
     setMouseTracking(true);
     setAttribute(Qt::WA_OpaquePaintEvent);
@@ -55,7 +58,7 @@ GridHeader::Section GridHeader::columnSection(int column) const
     const bool below = !upperCaption(m_columns.at(column).caption).isEmpty();
     const int top = below ? levelHeight() : 0;
     return { column, column, false,
-             QRect(m_geometry.left(column), top, m_geometry.right(column) - m_geometry.left(column), height() - top) };
+        QRect(m_geometry.left(column), top, m_geometry.right(column) - m_geometry.left(column), height() - top) };
 }
 
 GridHeader::Section GridHeader::upperSection(int column) const

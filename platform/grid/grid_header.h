@@ -9,8 +9,7 @@ struct GridColors;
 
 /// The titles of a grid, in one row or two: what stands before "|" in a caption is the upper title, drawn once over neighbouring
 /// columns that share it. Reports what the mouse does; changes nothing itself.
-class GridHeader : public QWidget
-{
+class GridHeader : public QWidget {
     Q_OBJECT
 
 public:

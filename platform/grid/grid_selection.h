@@ -5,8 +5,7 @@
 #include <QRect>
 
 /// The selected cells as rectangles (x: column, y: row), and the anchor from which Shift and dragging extend.
-class GridSelection
-{
+class GridSelection {
 public:
     const QList<QRect> &ranges() const { return m_ranges; }
     bool isEmpty() const { return m_ranges.isEmpty(); }

@@ -7,9 +7,12 @@ namespace {
 SortMark following(SortMark mark)
 {
     switch (mark) {
-    case SortMark::None: return SortMark::Ascending;
-    case SortMark::Ascending: return SortMark::Descending;
-    case SortMark::Descending: return SortMark::None;
+    case SortMark::None:
+        return SortMark::Ascending;
+    case SortMark::Ascending:
+        return SortMark::Descending;
+    case SortMark::Descending:
+        return SortMark::None;
     }
     return SortMark::None;
 }

@@ -7,8 +7,7 @@
 class TDataSet;
 
 /// The exact sums of a dataset's fields over its shown rows, each computed when first asked for.
-class SumList
-{
+class SumList {
 public:
     packet::Decimal sum(const TDataSet &dataSet, int field);
     /// The rows or their values changed.

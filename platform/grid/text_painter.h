@@ -11,8 +11,7 @@ class QRect;
 
 /// Draws texts of one line. What was laid out once is kept, up to a bound, since a grid paints the same texts again and again;
 /// a text that is too wide ends with "…".
-class TextPainter
-{
+class TextPainter {
 public:
     void draw(QPainter &painter, const QRect &box, Qt::Alignment alignment, const QFont &font, const QString &text);
     /// In pixels, without elision.

@@ -32,7 +32,8 @@ protected:
     /// Lays the condition panel out.
     void arrange(const QList<ConditionLine> &lines) { ::arrange(Panel1, WorkPanel1, lines); }
     /// Adds a page that shows `dataSet` in `view`; showing it makes both current.
-    void page(TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0);
+    void page(
+        TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0);
     /// The query: what the host's query command runs.
     virtual void Button1Click() = 0;
     void FormShow() override;

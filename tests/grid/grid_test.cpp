@@ -1,0 +1,207 @@
+#include "platform/grid/db_grid.h"
+
+#include "packet/builder.h"
+#include "platform/dataset/client_data_set.h"
+#include "platform/grid/dataset_features.h"
+#include "platform/toolkit/application.h"
+#include "tests/support/packets.h"
+
+#include <gtest/gtest.h>
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMimeData>
+#include <QTest>
+
+namespace {
+
+/// Writes down which columns the grid wants sorted, "A+;B-" for A ascending and B descending.
+class RecordedFeatures : public DatasetFeaturesEh {
+public:
+    RecordedFeatures() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
+    ~RecordedFeatures() override { unregisterDatasetFeaturesEh(this); }
+
+    void applySorting(TDBGridEh &grid, TDataSet &) override
+    {
+        QStringList keys;
+        for (const int index : grid.sortedColumns())
+            keys.append(grid.column(index).fieldName + (grid.column(index).sortMark == SortMark::Descending ? u'-' : u'+'));
+        applied.append(keys.join(u';'));
+    }
+
+    QStringList applied;
+};
+
+class Grid : public testing::Test {
+protected:
+    Grid()
+    {
+        m_dataSet.setData(packetOf("CODE:text,SITE:text,FEE:decimal,PIECE:integer\n"
+                                   "007,北京,1.50,1\n"
+                                   "008,上海,0.25,2\n"
+                                   "009,,12.30,\n"));
+        m_source.setDataSet(&m_dataSet);
+        m_grid.setDataSource(&m_source);
+        m_grid.setFooterRowCount(2);
+        const QList<ColumnFooter> sum { { FooterKind::StaticText, QStringLiteral("合计") }, { FooterKind::Sum } };
+        m_grid.setColumns({
+            { .fieldName = QStringLiteral("CODE"), .caption = QStringLiteral("编号"), .width = 80, .titleButton = true },
+            { .fieldName = QStringLiteral("SITE"), .caption = QStringLiteral("寄件|网点"), .width = 80, .titleButton = true },
+            { .fieldName = QStringLiteral("FEE"),
+                .caption = QStringLiteral("寄件|费用"),
+                .width = 60,
+                .footers = sum,
+                .titleButton = true },
+            { .fieldName = QStringLiteral("PIECE"), .caption = QStringLiteral("件数"), .width = 50, .footers = sum },
+        });
+        m_grid.resize(500, 300);
+        m_grid.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_grid));
+    }
+    QStringList order() const
+    {
+        QStringList fields;
+        for (int index = 0; index < m_grid.columnCount(); ++index)
+            fields.append(m_grid.column(index).fieldName);
+        return fields;
+    }
+    void click(int row, int column, Qt::KeyboardModifiers modifiers = {})
+    {
+        QTest::mouseClick(m_grid.viewport(), Qt::LeftButton, modifiers, m_grid.cellRect(row, column).center());
+    }
+
+    TCustomClientDataSet m_dataSet;
+    TDataSource m_source;
+    TDBGridEh m_grid;
+};
+
+TEST_F(Grid, TitleClicksCycleTheMarkAndCtrlAddsKeys)
+{
+    RecordedFeatures features;
+    for (int click = 0; click < 4; ++click)
+        m_grid.clickTitle(0);
+    m_grid.clickTitle(1);
+    m_grid.clickTitle(2, Qt::ControlModifier);
+    m_grid.clickTitle(2, Qt::ControlModifier);
+    m_grid.clickTitle(0);
+    m_grid.clickTitle(3); // no title button
+    EXPECT_EQ(features.applied.join(u' '), QStringLiteral("CODE+ CODE-  CODE+ SITE+ SITE+;FEE+ SITE+;FEE- CODE+"));
+}
+
+TEST_F(Grid, FootersFollowFilterAndEdits)
+{
+    EXPECT_EQ(m_grid.footerText(0, 2), QStringLiteral("合计"));
+    EXPECT_EQ(m_grid.footerText(1, 2), QStringLiteral("14.05"));
+    EXPECT_EQ(m_grid.footerText(1, 3), QStringLiteral("3"));
+    EXPECT_EQ(m_grid.footerText(1, 0), QString());
+    m_dataSet.setFilter(QStringLiteral("site='上海'"));
+    m_dataSet.setFiltered(true);
+    EXPECT_EQ(m_grid.footerText(1, 2), QStringLiteral("0.25"));
+    m_dataSet.setFiltered(false);
+    m_dataSet.first();
+    m_dataSet.edit();
+    m_dataSet.fieldByName(u"FEE")->setAsString(QStringLiteral("0.1"));
+    m_dataSet.post();
+    EXPECT_EQ(m_grid.footerText(1, 2), QStringLiteral("12.65"));
+}
+
+TEST_F(Grid, ColumnsMoveHideAndReturnToTheDesign)
+{
+    m_grid.moveColumn(3, 0);
+    m_grid.setColumnWidth(1, 123);
+    m_grid.setColumnVisible(2, false);
+    EXPECT_EQ(order(), QStringLiteral("PIECE;CODE;SITE;FEE").split(u';'));
+    EXPECT_EQ(m_grid.columnIndex(u"site"), 2);
+    EXPECT_EQ(m_grid.columnIndex(u"site", true), -1);
+    EXPECT_TRUE(m_grid.cellRect(0, 2).isEmpty());
+    m_grid.restoreDesignedColumns();
+    EXPECT_EQ(order(), QStringLiteral("CODE;SITE;FEE;PIECE").split(u';'));
+    EXPECT_EQ(m_grid.column(0).width, 80);
+    EXPECT_TRUE(m_grid.column(1).visible);
+}
+
+TEST_F(Grid, TheCurrentRowIsTheDataSetsBothWays)
+{
+    click(2, 1);
+    EXPECT_EQ(m_dataSet.recordIndex(), 2);
+    EXPECT_EQ(m_grid.currentColumn(), 1);
+    m_dataSet.moveTo(1);
+    EXPECT_EQ(m_grid.currentRow(), 1);
+    QTest::keyClick(&m_grid, Qt::Key_Up);
+    QTest::keyClick(&m_grid, Qt::Key_Right);
+    EXPECT_EQ(m_dataSet.recordIndex(), 0);
+    EXPECT_EQ(m_grid.currentColumn(), 2);
+    QTest::keyClick(&m_grid, Qt::Key_End, Qt::ControlModifier);
+    EXPECT_EQ(m_dataSet.recordIndex(), 2);
+    EXPECT_EQ(m_grid.currentColumn(), 3);
+}
+
+TEST_F(Grid, ARangeIsCopiedAsTextAndAsHtmlThatKeepsCodes)
+{
+    click(0, 0);
+    click(1, 2, Qt::ShiftModifier);
+    m_grid.copySelection(true);
+    const QMimeData *copied = QGuiApplication::clipboard()->mimeData();
+    EXPECT_EQ(copied->text(), QStringLiteral("编号\t寄件 网点\t寄件 费用\r\n007\t北京\t1.5\r\n008\t上海\t0.25\r\n"));
+    EXPECT_TRUE(copied->html().contains(u"mso-number-format:\"\\@\""));
+    m_grid.clearSelection();
+    EXPECT_TRUE(m_grid.selectedRanges().isEmpty());
+    m_grid.copySelection(false);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("0.25"));
+}
+
+TEST_F(Grid, FindGoesOnAroundTheEndOnce)
+{
+    m_grid.setCurrentCell(0, 0);
+    EXPECT_TRUE(m_grid.findNext(QStringLiteral("海")));
+    EXPECT_EQ(m_grid.currentRow(), 1);
+    EXPECT_TRUE(m_grid.findNext(QStringLiteral("007")));
+    EXPECT_EQ(m_grid.currentRow(), 0);
+    EXPECT_TRUE(m_grid.findNext(QStringLiteral("00"), false));
+    EXPECT_EQ(m_grid.currentRow(), 2);
+    EXPECT_FALSE(m_grid.findNext(QStringLiteral("深圳")));
+}
+
+TEST_F(Grid, ACellEventMayColourACellAndAFailingOneIsReportedNotThrown)
+{
+    m_grid.onGetCellParams = [](int row, int column, CellParameters &parameters) {
+        if (row == 1 && column == 2)
+            parameters.background = Qt::red;
+    };
+    EXPECT_EQ(m_grid.cellBackground(1, 2), QColor(Qt::red));
+    EXPECT_NE(m_grid.cellBackground(0, 2), QColor(Qt::red));
+    m_grid.onGetCellParams = [](int, int, CellParameters &) { throw Exception(QStringLiteral("坏")); };
+    QStringList errors;
+    QObject watcher;
+    Application->setMessageResponder([](const MessageRequest &request) { return request.defaultAnswer(); });
+    QObject::connect(Application, &TApplication::happened, &watcher, [&](const QString &kind) { errors.append(kind); });
+    m_grid.viewport()->repaint();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(errors, QStringList(QStringLiteral("error")));
+    Application->setMessageResponder({});
+}
+
+TEST(BigGrid, AMillionRowsShowTheirLastOneAtOnce)
+{
+    packet::Builder builder({ { "N", packet::ColumnType::Int64 } });
+    for (int row = 0; row < 1'000'000; ++row) {
+        builder.addInteger(0, row);
+        builder.endRow();
+    }
+    TCustomClientDataSet dataSet;
+    dataSet.setData(builder.finish());
+    TDataSource source;
+    source.setDataSet(&dataSet);
+    TDBGridEh grid;
+    grid.setColumns({ { .fieldName = QStringLiteral("N"), .caption = QStringLiteral("号") } });
+    grid.setDataSource(&source);
+    grid.resize(300, 300);
+    grid.show();
+    grid.setCurrentCell(999'999, 0);
+    EXPECT_EQ(grid.cellText(999'999, 0), QStringLiteral("999999"));
+    EXPECT_TRUE(grid.viewport()->rect().contains(grid.cellRect(999'999, 0)));
+    EXPECT_FALSE(grid.viewport()->rect().intersects(grid.cellRect(0, 0)));
+}
+
+} // namespace
