@@ -94,8 +94,8 @@ public:
     /// The cell as a number; nothing for null and for text that is no number.
     virtual std::optional<packet::Decimal> number(int field, int row) const = 0;
 
-    /// Counted: stateChanged, rowsChanged, rowEdited and recordMoved are held back until enableControls() has been called as
-    /// often, and then sent once (held edits as rowsChanged).
+    /// Counted: rowsChanged, rowEdited and recordMoved are held back until enableControls() has been called as often, and then
+    /// sent once (held edits as rowsChanged). stateChanged is always sent.
     void disableControls() { ++m_disabled; }
     void enableControls();
     bool controlsDisabled() const { return m_disabled > 0; }
