@@ -250,6 +250,8 @@ void TDBGridEh::fitColumn(int index)
     const int last = qMin(rowCount(), verticalScrollBar()->value() + pageRows() + 1);
     for (int row = verticalScrollBar()->value(); row < last; ++row)
         width = qMax(width, m_texts->width(cellParameters(row, index, GridColors(palette())).font, cellText(row, index)) + rowPadding + 2);
+    for (int row = 0; row < footerRowCount(); ++row)
+        width = qMax(width, m_texts->width(font(), footerText(row, index)) + rowPadding + 2);
     setColumnWidth(index, qMin(width, widestFit));
 }
 

@@ -91,7 +91,7 @@ public:
     void copySelection(bool titles);
     /// Moves to the next cell that contains `text` (case ignored), from the current one, around the end once; false: none.
     bool findNext(const QString &text, bool forward = true);
-    /// Widens or narrows a column to its title and its texts in the rows that are seen.
+    /// Widens or narrows a column to its title, its footers and its texts in the rows that are seen.
     void fitColumn(int index);
     /// What a right click on the title of `column` (-1: beside the titles) offers; the caller owns it.
     std::unique_ptr<QMenu> columnMenu(int column);

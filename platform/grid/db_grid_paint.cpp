@@ -121,7 +121,8 @@ void TDBGridEh::paintCellText(QPainter &painter, QRect box, int row, int column,
         style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &option, &painter, this);
         return;
     }
-    painter.setPen(isEnabled() ? parameters.textColor : blend(parameters.textColor, parameters.background, 0.5));
+    const bool dimmed = !isEnabled() && parameters.textColor != palette().color(QPalette::Text); // the palette's own is dim already
+    painter.setPen(dimmed ? blend(parameters.textColor, parameters.background, 0.5) : parameters.textColor);
     m_texts->draw(painter, box, m_columns->alignment(column), parameters.font, text);
 }
 
