@@ -15,6 +15,8 @@ TCDSDatasetFeaturesEh::~TCDSDatasetFeaturesEh() { unregisterDatasetFeaturesEh(th
 
 void TCDSDatasetFeaturesEh::applySorting(TDBGridEh &grid, TDataSet &dataSet)
 {
+    if (!grid.sortLocal())
+        return;
     auto &clientDataSet = static_cast<TCustomClientDataSet &>(dataSet);
     QStringList fields;
     QStringList descending;

@@ -2,8 +2,7 @@
 
 #include "platform/grid/dataset_features.h"
 
-/// Sorts client datasets: locally through the index "SortIndexEh", or, for grids that do not sort locally, through the dataset
-/// that their provider serves.
+/// Sorts client datasets through the index "SortIndexEh". Grids that do not sort locally are left as the server sent them.
 class TCDSDatasetFeaturesEh : public DatasetFeaturesEh {
 public:
     TCDSDatasetFeaturesEh();

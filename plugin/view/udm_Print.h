@@ -2,7 +2,7 @@
 
 #include "platform/toolkit/form.h"
 
-/// Prints a screen's result through a report file, headed with the company, the site and the person who prints.
+/// What heads every printed report: the company, the site and the person who prints.
 class Tdm_Print : public TDataModule {
     Q_OBJECT
 
