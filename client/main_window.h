@@ -44,7 +44,6 @@ public:
     void copy(bool titles);
     /// Writes the current grid to `fileName`, with progress and a way to cancel.
     void exportTo(const QString &fileName);
-    bool find(const QString &text, bool forward = true);
     TDBGridEh *currentGrid() const { return m_grid; }
 
 protected:
@@ -68,8 +67,6 @@ private:
     void updateCommands();
 
     void exportAsking();
-    void findAsking();
-    void findAgain(bool forward);
     void showShortcuts();
     void showAbout();
 
@@ -96,6 +93,5 @@ private:
     QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
     StatusLine *m_status;
     QTimer m_clock;
-    QString m_findText;
     QString m_exportDirectory;
 };

@@ -7,6 +7,7 @@
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_finder.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
@@ -15,7 +16,6 @@
 #include <QApplication>
 #include <QDir>
 #include <QFileDialog>
-#include <QInputDialog>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
@@ -42,9 +42,9 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"操作(&O)", u"导出…", u"Ctrl+E", "export", Command::Grid, [](MainWindow *window) { window->exportAsking(); } },
         { u"操作(&O)", u"打印", u"Ctrl+P", "print", Command::Printer, nullptr },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
-        { u"操作(&O)", u"查找…", u"Ctrl+F", "find", Command::Grid, [](MainWindow *window) { window->findAsking(); } },
-        { u"操作(&O)", u"查找下一个", u"F3", nullptr, Command::Grid, [](MainWindow *window) { window->findAgain(true); } },
-        { u"操作(&O)", u"查找上一个", u"Shift+F3", nullptr, Command::Grid, [](MainWindow *window) { window->findAgain(false); } },
+        { u"操作(&O)", u"查找…", u"Ctrl+F", "find", Command::Grid, [](MainWindow *window) { window->m_grid->finder().openDialog(); } },
+        { u"操作(&O)", u"查找下一个", u"F3", nullptr, Command::Grid, [](MainWindow *window) { window->m_grid->finder().findAgain(true); } },
+        { u"操作(&O)", u"查找上一个", u"Shift+F3", nullptr, Command::Grid, [](MainWindow *window) { window->m_grid->finder().findAgain(false); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         { u"操作(&O)", u"复制", u"Ctrl+C", "copy", Command::Grid, [](MainWindow *window) { window->copy(false); } },
         { u"操作(&O)", u"带标题复制", u"Ctrl+Shift+C", nullptr, Command::Grid, [](MainWindow *window) { window->copy(true); } },
@@ -217,34 +217,6 @@ void MainWindow::exportTo(const QString &fileName)
             throw Abort(QStringLiteral("导出已取消"));
     });
     m_status->showMessage(QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(fileName)), 15'000);
-}
-
-bool MainWindow::find(const QString &text, bool forward)
-{
-    m_findText = text;
-    return m_grid && m_grid->findNext(text, forward);
-}
-
-void MainWindow::findAsking()
-{
-    QInputDialog dialog(this);
-    dialog.setWindowTitle(QStringLiteral("查找"));
-    dialog.setLabelText(QStringLiteral("在表格中查找（不分大小写）："));
-    dialog.setTextValue(m_findText);
-    dialog.setOkButtonText(QStringLiteral("查找"));
-    dialog.setCancelButtonText(QStringLiteral("取消"));
-    if (dialog.exec() != QDialog::Accepted || dialog.textValue().isEmpty())
-        return;
-    m_findText = dialog.textValue();
-    findAgain(true);
-}
-
-void MainWindow::findAgain(bool forward)
-{
-    if (m_findText.isEmpty())
-        return findAsking();
-    if (!find(m_findText, forward))
-        Application->messageBox(QStringLiteral("表格里没有“%1”。").arg(m_findText), QStringLiteral("查找"), mbOk);
 }
 
 void MainWindow::showShortcuts()

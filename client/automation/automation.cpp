@@ -140,8 +140,15 @@ QWidget *Automation::controlInFront(const QJsonObject &arguments) const
 
 TDBGridEh *Automation::view(const QJsonObject &arguments) const
 {
-    const auto *frame = dynamic_cast<TComponentOwner *>(component(arguments, u"view"));
-    if (auto *grid = frame ? qobject_cast<TDBGridEh *>(frame->findComponent(u"DataViewGrid")) : nullptr)
+    if (!arguments.contains(u"view")) {
+        if (!m_window->currentGrid())
+            throw Exception(QStringLiteral("当前没有表格"));
+        return m_window->currentGrid();
+    }
+    QObject *named = component(arguments, u"view");
+    if (const auto *frame = dynamic_cast<TComponentOwner *>(named))
+        named = frame->findComponent(u"DataViewGrid");
+    if (auto *grid = qobject_cast<TDBGridEh *>(named))
         return grid;
     throw Exception(QStringLiteral("“%1”不是表格").arg(arguments[u"view"].toString()));
 }

@@ -58,6 +58,7 @@ private:
     QWidget *control(const QJsonObject &arguments) const;
     /// The control, on a form that is in front now.
     QWidget *controlInFront(const QJsonObject &arguments) const;
+    /// The grid that "view" names (itself or by its frame), or the current one.
     TDBGridEh *view(const QJsonObject &arguments) const;
 
     MainWindow *m_window;

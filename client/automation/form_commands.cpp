@@ -2,6 +2,7 @@
 
 #include "client/export/table_export.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_finder.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 
@@ -51,23 +52,20 @@ QJsonObject Automation::print(const QJsonObject &) { throw Exception(QStringLite
 QJsonObject Automation::exportGrid(const QJsonObject &arguments)
 {
     const QString file = requiredText(arguments, u"file");
-    const TDBGridEh *grid = arguments.contains(u"view") ? view(arguments) : m_window->currentGrid();
-    if (!grid)
-        throw Exception(QStringLiteral("没有可以导出的表格"));
-    return { { QStringLiteral("rows"), ::exportGrid(*grid, file) } };
+    return { { QStringLiteral("rows"), ::exportGrid(*view(arguments), file) } };
 }
 
 QJsonObject Automation::copy(const QJsonObject &arguments)
 {
-    if (!m_window->currentGrid())
-        throw Exception(QStringLiteral("没有可以复制的表格"));
-    m_window->copy(arguments[u"titles"].toBool());
+    view(arguments)->copySelection(arguments[u"titles"].toBool());
     return { { QStringLiteral("text"), QApplication::clipboard()->text() } };
 }
 
 QJsonObject Automation::find(const QJsonObject &arguments)
 {
-    return { { QStringLiteral("found"), m_window->find(requiredText(arguments, u"text"), arguments[u"forward"].toBool(true)) } };
+    TDBGridEh *grid = view(arguments);
+    const GridSearch search { .text = requiredText(arguments, u"text"), .titles = arguments[u"titles"].toBool() };
+    return { { QStringLiteral("found"), grid->finder().find(search, arguments[u"forward"].toBool(true)) } };
 }
 
 QJsonObject Automation::screenshot(const QJsonObject &arguments)

@@ -91,7 +91,7 @@ QJsonObject Automation::columns(const QJsonObject &arguments)
     const TDBGridEh *grid = view(arguments);
     QJsonArray columns;
     for (int index = 0; index < grid->columnCount(); ++index)
-        columns.append(describe(grid->column(index), index < grid->frozenColumns()));
+        columns.append(describe(grid->column(index), grid->isFrozen(index)));
     return { { QStringLiteral("columns"), columns } };
 }
 

@@ -4,28 +4,46 @@
 
 using packet::ColumnType;
 
+namespace {
+
+TextPattern patternOf(const QString &value, LocateOption option)
+{
+    return TextPattern(value, option == LocateOption::Partial ? TextPattern::Place::Beginning : TextPattern::Place::Whole,
+        option == LocateOption::CaseInsensitive ? Qt::CaseInsensitive : Qt::CaseSensitive);
+}
+
+} // namespace
+
 CellMatcher::CellMatcher(const RowOverlay &rows, std::size_t column, const QString &value, LocateOption option)
-    : m_rows(rows)
-    , m_column(column)
-    , m_value(value)
-    , m_text(value.toStdString())
-    , m_option(option)
-    , m_isPlain(rows.isPlain())
+    : CellMatcher(rows, column, patternOf(value, option))
 {
     const ColumnType type = rows.packet().schema()[column].type;
-    m_isText = type == ColumnType::Text;
-    if (m_text.empty())
+    if (value.isEmpty() || m_isText || type == ColumnType::Timestamp || option == LocateOption::Partial)
         return;
-    if (!m_isText && type != ColumnType::Timestamp && option != LocateOption::Partial) {
-        m_number = packet::Decimal::parse(m_text);
-        m_possible = m_number.has_value();
-    }
-    if (const packet::Dictionary *dictionary = rows.packet().dictionary(column)) {
-        m_table.resize(dictionary->size());
-        for (std::size_t index = 0; index < m_table.size(); ++index)
-            m_table[index] = matchesText(dictionary->at(index));
-        m_possible = !m_isPlain || std::ranges::find(m_table, 1) != m_table.end();
-    }
+    m_number = packet::Decimal::parse(value.toStdString());
+    m_possible = m_number.has_value();
+}
+
+CellMatcher::CellMatcher(const RowOverlay &rows, std::size_t column, const TextPattern &pattern)
+    : m_rows(rows)
+    , m_column(column)
+    , m_pattern(pattern)
+    , m_isPlain(rows.isPlain())
+    , m_isText(rows.packet().schema()[column].type == ColumnType::Text)
+{
+    if (!pattern.isEmpty())
+        compareDictionary();
+}
+
+void CellMatcher::compareDictionary()
+{
+    const packet::Dictionary *dictionary = m_rows.packet().dictionary(m_column);
+    if (!dictionary)
+        return;
+    m_table.resize(dictionary->size());
+    for (std::size_t index = 0; index < m_table.size(); ++index)
+        m_table[index] = m_pattern.matches(dictionary->at(index));
+    m_possible = !m_isPlain || std::ranges::find(m_table, 1) != m_table.end();
 }
 
 bool CellMatcher::matches(std::uint32_t row) const
@@ -34,34 +52,21 @@ bool CellMatcher::matches(std::uint32_t row) const
         return matchesCell(row);
     const packet::Packet &packet = m_rows.packet();
     if (packet.isNull(m_column, row))
-        return m_text.empty();
+        return m_pattern.isEmpty();
     if (!m_table.empty())
         return m_table[packet.chunk(m_column, row).index(row % packet::Packet::blockRows)] != 0;
-    return m_isText ? matchesText(packet.text(m_column, row)) : matchesCell(row);
+    return m_isText ? m_pattern.matches(packet.text(m_column, row)) : matchesCell(row);
 }
 
 bool CellMatcher::matchesCell(std::uint32_t row) const
 {
     if (m_rows.isNull(m_column, row))
-        return m_text.empty();
+        return m_pattern.isEmpty();
     if (m_isText)
-        return matchesText(m_rows.text(m_column, row));
+        return m_pattern.matches(m_rows.text(m_column, row));
     if (m_number)
         return m_rows.number(m_column, row) == m_number;
     std::string text;
     m_rows.appendText(m_column, row, text);
-    return matchesText(text);
-}
-
-bool CellMatcher::matchesText(std::string_view text) const
-{
-    switch (m_option) {
-    case LocateOption::Exact:
-        return text == m_text;
-    case LocateOption::CaseInsensitive:
-        return QString::fromUtf8(text.data(), qsizetype(text.size())).compare(m_value, Qt::CaseInsensitive) == 0;
-    case LocateOption::Partial:
-        return text.starts_with(m_text);
-    }
-    return false;
+    return m_pattern.matches(text);
 }

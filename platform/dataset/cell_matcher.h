@@ -2,26 +2,27 @@
 
 #include "platform/dataset/client_data_set.h"
 #include "platform/dataset/row_overlay.h"
+#include "platform/dataset/text_pattern.h"
 
-/// Compares the cells of one column with a text: numbers as numbers, everything else as text. Made once per search; the
-/// values of a dictionary are compared once and not per row.
+/// Compares the cells of one column with a text. Made once per search; the values of a dictionary are compared once and not per row.
 class CellMatcher {
 public:
+    /// By value: numbers as numbers, everything else as text; the empty text is null.
     CellMatcher(const RowOverlay &rows, std::size_t column, const QString &value, LocateOption option);
+    /// By what a person reads.
+    CellMatcher(const RowOverlay &rows, std::size_t column, const TextPattern &pattern);
 
     /// False when no row can match.
     bool isPossible() const { return m_possible; }
     bool matches(std::uint32_t row) const;
 
 private:
+    void compareDictionary();
     bool matchesCell(std::uint32_t row) const;
-    bool matchesText(std::string_view text) const;
 
     const RowOverlay &m_rows;
     std::size_t m_column;
-    QString m_value;
-    std::string m_text;
-    LocateOption m_option;
+    TextPattern m_pattern;
     bool m_isPlain;
     bool m_isText;
     bool m_possible = true;

@@ -1,9 +1,11 @@
 #include "platform/dataset/client_data_set.h"
 
 #include "platform/dataset/cell_matcher.h"
+#include "platform/dataset/data_set_provider.h"
 #include "platform/dataset/filter_expression.h"
 #include "platform/dataset/row_order.h"
 #include "platform/toolkit/application.h"
+#include "platform/toolkit/component.h"
 
 #include <algorithm>
 #include <array>
@@ -124,7 +126,14 @@ void TCustomClientDataSet::load(packet::PacketPtr packet)
     rebuildRows();
 }
 
-void TCustomClientDataSet::doOpen() { fail(QStringLiteral("没有数据，无法打开。")); }
+void TCustomClientDataSet::doOpen()
+{
+    const auto *owner = dynamic_cast<TComponentOwner *>(ownerOf(this));
+    const auto *provider = owner ? qobject_cast<TDataSetProvider *>(owner->findComponent(m_providerName)) : nullptr;
+    if (!provider)
+        fail(QStringLiteral("没有数据，无法打开。"));
+    load(provider->data());
+}
 
 void TCustomClientDataSet::doClose()
 {
@@ -192,6 +201,18 @@ std::optional<packet::Decimal> TCustomClientDataSet::number(int field, int row) 
 {
     const auto source = sourceRow(row);
     return source ? m_overlay->number(std::size_t(field), *source) : std::nullopt;
+}
+
+TDataSet::RowTest TCustomClientDataSet::textTest(int field, const TextPattern &pattern) const
+{
+    requireActive();
+    const auto matcher = std::make_shared<CellMatcher>(*m_overlay, std::size_t(field), pattern);
+    if (!matcher->isPossible())
+        return [](int) { return false; };
+    return [this, matcher](int row) {
+        const auto source = sourceRow(row);
+        return source && matcher->matches(*source);
+    };
 }
 
 packet::Decimal TCustomClientDataSet::sum(int field) const
@@ -457,6 +478,8 @@ void TClientDataSetEx::setRemoteServer(TCustomRemoteServer *server) { m_remoteSe
 
 void TClientDataSetEx::doOpen()
 {
+    if (!providerName().isEmpty())
+        return TCustomClientDataSet::doOpen();
     if (!m_remoteServer)
         fail(QStringLiteral("没有连接服务器，无法查询。"));
     Application->record(QStringLiteral("statement"),

@@ -32,6 +32,10 @@ public:
     bool readOnly() const { return m_readOnly; }
     void setReadOnly(bool readOnly) { m_readOnly = readOnly; }
 
+    /// The component of the same owner whose rows are fetched when the dataset opens; "" when there is none.
+    const QString &providerName() const { return m_providerName; }
+    void setProviderName(const QString &name) { m_providerName = name; }
+
     /// The rows of the dataset as one packet, edits included; null while closed. Cheap while nothing was edited.
     packet::PacketPtr data() const;
     /// Opens the dataset (closing it first) on an independent copy of `data`; null closes it.
@@ -47,6 +51,7 @@ public:
     bool isNull(int field, int row) const override;
     QString text(int field, int row) const override;
     std::optional<packet::Decimal> number(int field, int row) const override;
+    RowTest textTest(int field, const TextPattern &pattern) const override;
     /// The exact sum of a field over the shown rows; nulls and texts that are no numbers are skipped.
     packet::Decimal sum(int field) const;
 
@@ -78,6 +83,7 @@ public:
 
 protected:
     void load(packet::PacketPtr packet);
+    /// Fetches the provider's rows; throws DataSetError when there is none.
     void doOpen() override;
     void doClose() override;
     void setCell(int field, const QString &text) override;
@@ -102,6 +108,7 @@ private:
     bool m_filtered = false;
     QList<IndexDefinition> m_indexes;
     QString m_indexName;
+    QString m_providerName;
     bool m_readOnly = false;
 };
 
@@ -116,19 +123,16 @@ public:
     void setRemoteServer(TCustomRemoteServer *server);
     const QString &commandText() const { return m_commandText; }
     void setCommandText(const QString &text) { m_commandText = text; }
-    const QString &providerName() const { return m_providerName; }
-    void setProviderName(const QString &name) { m_providerName = name; }
     int tag() const { return m_tag; }
     void setTag(int tag) { m_tag = tag; }
 
 protected:
-    /// Runs the command text; an empty one too, which the server refuses. Throws what the server throws, and DataSetError when
-    /// there is no server; the dataset stays closed then.
+    /// Runs the command text, unless there is a provider; an empty one too, which the server refuses. Throws what the server throws, and
+    /// DataSetError when there is no server; the dataset stays closed then.
     void doOpen() override;
 
 private:
     QPointer<TCustomRemoteServer> m_remoteServer;
     QString m_commandText;
-    QString m_providerName;
     int m_tag = 0;
 };

@@ -113,6 +113,11 @@ void TDataSet::place(int row, bool bof, bool eof, bool rowsToo)
         Q_EMIT recordMoved(m_recordIndex);
 }
 
+TDataSet::RowTest TDataSet::textTest(int field, const TextPattern &pattern) const
+{
+    return [this, field, pattern](int row) { return pattern.matches(text(field, row)); };
+}
+
 void TDataSet::enableControls()
 {
     if (m_disabled == 0 || --m_disabled > 0)

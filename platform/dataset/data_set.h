@@ -1,12 +1,14 @@
 #pragma once
 
 #include "packet/decimal.h"
+#include "platform/dataset/text_pattern.h"
 #include "platform/toolkit/exception.h"
 
 #include <QDateTime>
 #include <QHash>
 #include <QObject>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -93,6 +95,9 @@ public:
     virtual QString text(int field, int row) const = 0;
     /// The cell as a number; nothing for null and for text that is no number.
     virtual std::optional<packet::Decimal> number(int field, int row) const = 0;
+    /// Tells of shown rows whether the text of a field fits; good until the rows change.
+    using RowTest = std::function<bool(int row)>;
+    virtual RowTest textTest(int field, const TextPattern &pattern) const;
 
     /// Counted: rowsChanged, rowEdited and recordMoved are held back until enableControls() has been called as often, and then
     /// sent once (held edits as rowsChanged). stateChanged is always sent.

@@ -20,6 +20,12 @@ void ColumnModel::restoreDesign()
     }
 }
 
+bool ColumnModel::isVisibilityDesigned() const
+{
+    return std::all_of(m_columns.begin(), m_columns.end(),
+        [this](const Entry &entry) { return entry.column.visible == m_design[entry.designIndex].visible; });
+}
+
 int ColumnModel::find(QStringView fieldName, bool visibleOnly) const
 {
     for (int index = 0; index < count(); ++index) {
@@ -36,6 +42,11 @@ int ColumnModel::visibleFrom(int index, int step) const
             return index;
     }
     return -1;
+}
+
+int ColumnModel::visibleCount(int end) const
+{
+    return int(std::count_if(m_columns.begin(), m_columns.begin() + end, [](const Entry &entry) { return entry.column.visible; }));
 }
 
 void ColumnModel::bind(const TDataSet *dataSet)

@@ -12,6 +12,8 @@ public:
     /// Order, widths and visibility as designed; footers, title buttons and sort marks stay as they are.
     void restoreDesign();
 
+    bool isVisibilityDesigned() const;
+
     int count() const { return int(m_columns.size()); }
     const Column &at(int index) const { return m_columns[index].column; }
     void set(int index, const Column &column) { m_columns[index].column = column; }
@@ -22,6 +24,8 @@ public:
     int find(QStringView fieldName, bool visibleOnly) const;
     /// The nearest visible column from `index` in the direction of `step` (1 or -1), itself included; -1 when there is none.
     int visibleFrom(int index, int step) const;
+
+    int visibleCount(int end) const; ///< among the columns before `end`
 
     /// Looks up the fields of an open dataset; null or a closed one leaves the columns without.
     void bind(const TDataSet *dataSet);

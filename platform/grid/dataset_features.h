@@ -9,8 +9,8 @@ class TDataSet;
 class DatasetFeaturesEh {
 public:
     virtual ~DatasetFeaturesEh() = default;
-    /// Sorts the grid's dataset by its marked columns, in the order of their keys.
-    virtual void applySorting(TDBGridEh &grid, TDataSet &dataSet) = 0;
+    /// Sorts `dataSet` by the grid's marked columns, in the order of their keys: itself when `local`, else where its rows come from.
+    virtual void applySorting(const TDBGridEh &grid, TDataSet &dataSet, bool local) = 0;
 };
 
 /// Registers `features` (not owned; it must outlive the registration) for a dataset class; a later registration for the same class wins.

@@ -4,6 +4,7 @@
 #include "platform/grid/column_model.h"
 #include "platform/grid/dataset_features.h"
 #include "platform/grid/grid_colors.h"
+#include "platform/grid/grid_finder.h"
 #include "platform/grid/grid_footer.h"
 #include "platform/grid/grid_header.h"
 #include "platform/grid/grid_selection.h"
@@ -20,6 +21,7 @@ constexpr int rowPadding = 7;
 constexpr int indicatorWidth = 16;
 constexpr int sideStep = 20; ///< pixels
 constexpr int leastWidth = 8;
+constexpr int mostWidth = 4000;
 constexpr int widestFit = 600;
 
 } // namespace
@@ -35,7 +37,9 @@ TDBGridEh::TDBGridEh(QWidget *parent)
     , m_footer(new GridFooter(
           *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerText(row, column); }, this))
 {
+    m_finder = std::make_unique<GridFinder>(*this);
     setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_InputMethodEnabled);
     setAccessibleName(QStringLiteral("数据表格"));
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     horizontalScrollBar()->setSingleStep(sideStep);
@@ -52,11 +56,7 @@ void TDBGridEh::connectHeader()
     handle(m_header, &GridHeader::widthDragged, this, &TDBGridEh::setColumnWidth);
     handle(m_header, &GridHeader::fitRequested, this, &TDBGridEh::fitColumn);
     handle(m_header, &GridHeader::moveRequested, this, &TDBGridEh::moveColumn);
-    handle(m_header, &GridHeader::menuRequested, this, [this](int column, QPoint position) {
-        QMenu *menu = columnMenu(column).release();
-        menu->setAttribute(Qt::WA_DeleteOnClose);
-        menu->popup(position);
-    });
+    handle(m_header, &GridHeader::menuRequested, this, [this](int column, QPoint position) { popUp(columnMenu(column), position); });
 }
 
 void TDBGridEh::setDataSource(TDataSource *source)
@@ -118,7 +118,7 @@ int TDBGridEh::columnIndex(QStringView fieldName, bool visibleOnly) const { retu
 
 void TDBGridEh::setColumnWidth(int index, int width)
 {
-    m_columns->setWidth(index, qMax(leastWidth, width));
+    m_columns->setWidth(index, qBound(leastWidth, width, mostWidth));
     arrange();
     Q_EMIT columnsChanged();
 }
@@ -153,6 +153,17 @@ void TDBGridEh::setFrozenColumns(int count)
     arrange();
 }
 
+void TDBGridEh::freezeColumns(int count)
+{
+    m_frozen = qMax(0, count);
+    arrange();
+    Q_EMIT columnsChanged();
+}
+
+bool TDBGridEh::isRearranged() const { return m_frozen != m_designedFrozen || !m_columns->isVisibilityDesigned(); }
+
+bool TDBGridEh::isFrozen(int column) const { return m_geometry->isFrozen(column); }
+
 int TDBGridEh::footerRowCount() const { return m_footer->rows(); }
 
 void TDBGridEh::setFooterRowCount(int rows)
@@ -160,6 +171,8 @@ void TDBGridEh::setFooterRowCount(int rows)
     m_footer->setRows(rows);
     arrange();
 }
+
+void TDBGridEh::markTitle(int column) { m_header->setMarked(column); }
 
 void TDBGridEh::setFooterColor(const QColor &color) { m_footer->setColor(color); }
 
@@ -176,7 +189,7 @@ void TDBGridEh::clickTitle(int column, Qt::KeyboardModifiers modifiers)
     m_columns->setSortKeys(cycleSortKeys(before, column, modifiers & Qt::ControlModifier));
     m_header->update();
     try {
-        features->applySorting(*this, *rows);
+        features->applySorting(*this, *rows, m_sortLocal);
     } catch (...) {
         m_columns->setSortKeys(before); // a mark must not promise an order that the rows do not have
         throw;

@@ -11,6 +11,7 @@
 
 class ColumnGeometry;
 class ColumnModel;
+class GridFinder;
 class GridFooter;
 class GridHeader;
 class GridSelection;
@@ -51,7 +52,11 @@ public:
     void restoreDesignedColumns();
 
     int frozenColumns() const;
-    void setFrozenColumns(int count);
+    void setFrozenColumns(int count); ///< also becomes the designed number
+    void freezeColumns(int count); ///< as a person does
+    /// Whether a person has hidden, shown or frozen columns.
+    bool isRearranged() const;
+    bool isFrozen(int column) const;
     int footerRowCount() const;
     void setFooterRowCount(int rows);
     void setFooterColor(const QColor &color);
@@ -89,11 +94,12 @@ public:
     /// Puts the selected cells (else the current one) on the clipboard, as text and as HTML in which codes stay text; `titles` adds
     /// the column titles.
     void copySelection(bool titles);
-    /// Moves to the next cell that contains `text` (case ignored), from the current one, around the end once; false: none.
-    bool findNext(const QString &text, bool forward = true);
+    GridFinder &finder() { return *m_finder; }
+    void markTitle(int column); ///< as the one that was found; -1: none
     /// Widens or narrows a column to its title, its footers and its texts in the rows that are seen.
     void fitColumn(int index);
-    /// What a right click on the title of `column` (-1: beside the titles) offers; the caller owns it.
+    /// What a right click on the cells offers, and on the title of `column` (-1: beside the titles); the caller owns it.
+    std::unique_ptr<QMenu> cellMenu();
     std::unique_ptr<QMenu> columnMenu(int column);
     /// Where a cell is painted in the viewport; empty for a hidden column.
     QRect cellRect(int row, int column) const;
@@ -118,6 +124,9 @@ protected:
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    void inputMethodEvent(QInputMethodEvent *event) override;
+    QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
     void timerEvent(QTimerEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
@@ -130,7 +139,6 @@ private:
     void takeRecord();
     void arrange();
     void columnsRearranged();
-    void freezeTo(int column); ///< -1: none
     void updateRow(int row);
     int rowAt(int y) const;
     int rowTop(int row) const;
@@ -142,6 +150,7 @@ private:
     bool moveByTab(const QKeyEvent &event);
     bool commandByKey(const QKeyEvent &event);
     void toggleCell(int row, int column);
+    static void popUp(std::unique_ptr<QMenu> menu, QPoint globalPosition);
     void press(QPoint position, Qt::KeyboardModifiers modifiers);
     void dragTo(QPoint position);
     void announceSelection();
@@ -149,6 +158,7 @@ private:
     CellParameters cellParameters(int row, int column, const GridColors &colors) const;
     void paintRows(QPainter &painter, const QRect &rect, const GridColors &colors) const;
     void paintCell(QPainter &painter, int row, int column, const GridColors &colors) const;
+    void paintFound(QPainter &painter, const QRect &box, int column, const QString &text, const CellParameters &parameters) const;
     void paintCellText(QPainter &painter, QRect box, int row, int column, const CellParameters &parameters) const;
     void paintIndicator(QPainter &painter, const QRect &rect, int firstRow, int lastRow, const GridColors &colors) const;
 
@@ -158,6 +168,7 @@ private:
     std::unique_ptr<TextPainter> m_texts;
     std::unique_ptr<SumList> m_sums;
     std::unique_ptr<GridSelection> m_selection;
+    std::unique_ptr<GridFinder> m_finder;
     GridHeader *m_header;
     GridFooter *m_footer;
     int m_designedFrozen = 0;

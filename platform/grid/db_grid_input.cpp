@@ -1,12 +1,16 @@
 #include "platform/grid/column_geometry.h"
 #include "platform/grid/column_model.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_finder.h"
 #include "platform/grid/grid_header.h"
 #include "platform/grid/grid_selection.h"
 #include "platform/grid/text_painter.h"
 #include "platform/toolkit/handler.h"
 
+#include <QContextMenuEvent>
 #include <QHelpEvent>
+#include <QInputMethodEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QTimerEvent>
@@ -20,6 +24,12 @@ constexpr int sideStepsPerNotch = 3;
 constexpr int textMargins = 8;
 
 } // namespace
+
+void TDBGridEh::popUp(std::unique_ptr<QMenu> menu, QPoint globalPosition)
+{
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu.release()->popup(globalPosition);
+}
 
 void TDBGridEh::goTo(int row, int column)
 {
@@ -110,8 +120,24 @@ bool TDBGridEh::event(QEvent *event)
 void TDBGridEh::keyPressEvent(QKeyEvent *event)
 {
     bool done = false;
-    guarded([&] { done = commandByKey(*event) || moveByTab(*event) || moveByKey(*event); });
+    guarded([&] { done = m_finder->takeKey(*event) || commandByKey(*event) || moveByTab(*event) || moveByKey(*event); });
     event->setAccepted(done);
+}
+
+void TDBGridEh::inputMethodEvent(QInputMethodEvent *event)
+{
+    guarded([&] {
+        if (!event->commitString().isEmpty())
+            m_finder->type(event->commitString());
+    });
+    event->accept();
+}
+
+QVariant TDBGridEh::inputMethodQuery(Qt::InputMethodQuery query) const
+{
+    if (query == Qt::ImCursorRectangle && currentRow() >= 0 && m_currentColumn >= 0)
+        return cellRect(currentRow(), m_currentColumn).translated(viewport()->pos());
+    return QAbstractScrollArea::inputMethodQuery(query);
 }
 
 bool TDBGridEh::commandByKey(const QKeyEvent &event)
@@ -123,6 +149,14 @@ bool TDBGridEh::commandByKey(const QKeyEvent &event)
     }
     if (keys == (Qt::CTRL | Qt::Key_C) || keys == (Qt::CTRL | Qt::SHIFT | Qt::Key_C)) {
         copySelection(event.modifiers() & Qt::ShiftModifier);
+        return true;
+    }
+    if (keys == (Qt::CTRL | Qt::Key_F)) {
+        m_finder->openDialog();
+        return true;
+    }
+    if (event.key() == Qt::Key_F3 && !(event.modifiers() & ~Qt::ShiftModifier)) {
+        m_finder->findAgain(!event.modifiers());
         return true;
     }
     if (event.key() != Qt::Key_Space || currentRow() < 0 || m_currentColumn < 0)
@@ -293,6 +327,20 @@ void TDBGridEh::wheelEvent(QWheelEvent *event)
     event->accept();
 }
 
+void TDBGridEh::contextMenuEvent(QContextMenuEvent *event)
+{
+    guarded([&] {
+        const QPoint place = viewport()->mapFromGlobal(event->globalPos());
+        const int row = rowAt(place.y());
+        const int column = m_geometry->columnAt(place.x());
+        const bool byMouse = event->reason() == QContextMenuEvent::Mouse;
+        if (byMouse && row >= 0 && column >= 0 && !m_selection->contains(QPoint(column, row)))
+            moveCurrent(row, column, Extend::No);
+        const bool atCell = !byMouse && currentRow() >= 0 && m_currentColumn >= 0;
+        popUp(cellMenu(), atCell ? viewport()->mapToGlobal(cellRect(currentRow(), m_currentColumn).bottomLeft()) : event->globalPos());
+    });
+}
+
 bool TDBGridEh::viewportEvent(QEvent *event)
 {
     if (event->type() != QEvent::ToolTip)
@@ -331,5 +379,6 @@ void TDBGridEh::focusInEvent(QFocusEvent *event)
 void TDBGridEh::focusOutEvent(QFocusEvent *event)
 {
     QAbstractScrollArea::focusOutEvent(event);
+    m_finder->endTyping();
     updateRow(m_shownRecord);
 }

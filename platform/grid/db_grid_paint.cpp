@@ -2,6 +2,7 @@
 #include "platform/grid/column_model.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_colors.h"
+#include "platform/grid/grid_finder.h"
 #include "platform/grid/grid_header.h"
 #include "platform/grid/grid_selection.h"
 #include "platform/grid/text_painter.h"
@@ -121,9 +122,24 @@ void TDBGridEh::paintCellText(QPainter &painter, QRect box, int row, int column,
         style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &option, &painter, this);
         return;
     }
+    if (row == m_shownRecord)
+        paintFound(painter, box, column, text, parameters);
     const bool dimmed = !isEnabled() && parameters.textColor != palette().color(QPalette::Text); // the palette's own is dim already
     painter.setPen(dimmed ? blend(parameters.textColor, parameters.background, 0.5) : parameters.textColor);
     m_texts->draw(painter, box, m_columns->alignment(column), parameters.font, text);
+}
+
+/// Marks in the current cell what has been typed to find it.
+void TDBGridEh::paintFound(QPainter &painter, const QRect &box, int column, const QString &text, const CellParameters &parameters) const
+{
+    const qsizetype place = m_finder->typedPlace(column, text);
+    const int whole = m_texts->width(parameters.font, text);
+    if (place < 0 || whole > box.width())
+        return;
+    const int before = m_texts->width(parameters.font, text.left(place));
+    const int marked = m_texts->width(parameters.font, text.mid(place, m_finder->typedLength()));
+    const QRect area = QStyle::alignedRect(layoutDirection(), m_columns->alignment(column), QSize(whole, box.height()), box);
+    painter.fillRect(area.left() + before, box.top() + 2, marked, box.height() - 4, GridColors(palette()).found);
 }
 
 void TDBGridEh::paintIndicator(QPainter &painter, const QRect &rect, int firstRow, int lastRow, const GridColors &colors) const

@@ -12,6 +12,7 @@ GridColors::GridColors(const QPalette &palette)
     , titleText(palette.color(QPalette::ButtonText))
     , mark(blend(titleText, title, 0.35))
     , frozenLine(blend(base, palette.color(QPalette::Dark), 0.9))
+    , found(blend(base, QColor(255, 196, 0), 0.6))
     , accent(palette.color(QPalette::Highlight))
 {
 }

@@ -17,6 +17,7 @@ struct GridColors {
     QColor titleText;
     QColor mark; ///< sort marks, the current-row arrow
     QColor frozenLine;
+    QColor found; ///< behind what a search has found
     QColor accent; ///< the focus cell's frame, the place where a dragged column would go
 
     /// A cell's background when its row is current, or when the cell is selected.

@@ -117,6 +117,14 @@ void GridHeader::setHover(int column)
     update();
 }
 
+void GridHeader::setMarked(int column)
+{
+    if (m_marked == column)
+        return;
+    m_marked = column;
+    update();
+}
+
 void GridHeader::mousePressEvent(QMouseEvent *event)
 {
     if (event->button() != Qt::LeftButton)
@@ -236,6 +244,8 @@ void GridHeader::paintSection(QPainter &painter, const Section &section, const Q
         painter.fillRect(section.box, colors.titlePressed);
     else if (button && section.first == m_hover && isEnabled())
         painter.fillRect(section.box, colors.titleHover);
+    else if (section.isColumn() && section.first == m_marked)
+        painter.fillRect(section.box, colors.found);
     painter.fillRect(section.box.right(), section.box.top(), 1, section.box.height(), colors.line);
     painter.fillRect(section.box.left(), section.box.bottom(), section.box.width(), 1, colors.line);
 

@@ -15,6 +15,7 @@ class GridHeader : public QWidget {
 public:
     GridHeader(const ColumnModel &columns, const ColumnGeometry &geometry, TextPainter &texts, QWidget *parent);
 
+    void setMarked(int column); ///< as the one that was found; -1: none
     int preferredHeight() const;
     /// The width at which a column's title and sort mark can be read.
     int titleWidth(int column) const;
@@ -67,6 +68,7 @@ private:
     Drag m_drag = Drag::None;
     int m_column = -1; ///< the one pressed or dragged
     int m_hover = -1;
+    int m_marked = -1;
     int m_dropIndex = -1;
     QPoint m_pressed;
     int m_pressedWidth = 0;

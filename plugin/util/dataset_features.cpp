@@ -2,22 +2,16 @@
 
 #include "platform/dataset/client_data_set.h"
 #include "platform/grid/db_grid.h"
+#include "platform/toolkit/component.h"
 
 #include <algorithm>
 
 namespace {
+
 const QString sortIndexName = QStringLiteral("SortIndexEh");
-}
 
-TCDSDatasetFeaturesEh::TCDSDatasetFeaturesEh() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
-
-TCDSDatasetFeaturesEh::~TCDSDatasetFeaturesEh() { unregisterDatasetFeaturesEh(this); }
-
-void TCDSDatasetFeaturesEh::applySorting(TDBGridEh &grid, TDataSet &dataSet)
+void sortByIndex(const TDBGridEh &grid, TCustomClientDataSet &dataSet)
 {
-    if (!grid.sortLocal())
-        return;
-    auto &clientDataSet = static_cast<TCustomClientDataSet &>(dataSet);
     QStringList fields;
     QStringList descending;
     for (const int index : grid.sortedColumns()) {
@@ -27,14 +21,48 @@ void TCDSDatasetFeaturesEh::applySorting(TDBGridEh &grid, TDataSet &dataSet)
             descending.append(column.fieldName);
     }
 
-    const auto &indexes = clientDataSet.indexDefinitions();
+    const auto &indexes = dataSet.indexDefinitions();
     if (std::any_of(indexes.begin(), indexes.end(), [](const IndexDefinition &index) { return index.name == sortIndexName; }))
-        clientDataSet.deleteIndex(sortIndexName);
+        dataSet.deleteIndex(sortIndexName);
     if (fields.isEmpty()) {
-        clientDataSet.setIndexName({});
+        dataSet.setIndexName({});
     } else {
-        clientDataSet.addIndex({ sortIndexName, fields.join(u';'), descending.join(u';') });
-        clientDataSet.setIndexName(sortIndexName);
+        dataSet.addIndex({ sortIndexName, fields.join(u';'), descending.join(u';') });
+        dataSet.setIndexName(sortIndexName);
     }
-    clientDataSet.first();
+    dataSet.first();
+}
+
+/// The dataset that the provider of `dataSet` serves; null without one.
+TDataSet *providedDataSet(const TCustomClientDataSet &dataSet)
+{
+    const auto *owner = dynamic_cast<TComponentOwner *>(ownerOf(&dataSet));
+    const QObject *provider = owner ? owner->findComponent(dataSet.providerName()) : nullptr;
+    return provider ? qobject_cast<TDataSet *>(provider->property("DataSet").value<QObject *>()) : nullptr;
+}
+
+void sortAtProvider(const TDBGridEh &grid, TCustomClientDataSet &dataSet)
+{
+    TDataSet *served = providedDataSet(dataSet);
+    DatasetFeaturesEh *features = served ? datasetFeaturesEh(*served) : nullptr;
+    if (!features)
+        return;
+    features->applySorting(grid, *served, true);
+    dataSet.close();
+    dataSet.open();
+}
+
+} // namespace
+
+TCDSDatasetFeaturesEh::TCDSDatasetFeaturesEh() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
+
+TCDSDatasetFeaturesEh::~TCDSDatasetFeaturesEh() { unregisterDatasetFeaturesEh(this); }
+
+void TCDSDatasetFeaturesEh::applySorting(const TDBGridEh &grid, TDataSet &dataSet, bool local)
+{
+    auto &clientDataSet = static_cast<TCustomClientDataSet &>(dataSet);
+    if (local)
+        sortByIndex(grid, clientDataSet);
+    else
+        sortAtProvider(grid, clientDataSet);
 }

@@ -2,11 +2,12 @@
 
 #include "platform/grid/dataset_features.h"
 
-/// Sorts client datasets through the index "SortIndexEh". Grids that do not sort locally are left as the server sent them.
+/// Sorts client datasets: themselves through the index "SortIndexEh", or through the dataset that their provider serves, whose
+/// rows are then fetched anew. Without such a provider the latter does nothing.
 class TCDSDatasetFeaturesEh : public DatasetFeaturesEh {
 public:
     TCDSDatasetFeaturesEh();
     ~TCDSDatasetFeaturesEh() override;
 
-    void applySorting(TDBGridEh &grid, TDataSet &dataSet) override;
+    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, bool local) override;
 };

@@ -1,18 +1,13 @@
-#include "platform/grid/db_grid.h"
+#include "tests/grid/grid_fixture.h"
 
 #include "packet/builder.h"
-#include "platform/dataset/client_data_set.h"
 #include "platform/grid/dataset_features.h"
 #include "platform/toolkit/application.h"
-#include "tests/support/packets.h"
-
-#include <gtest/gtest.h>
 
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QMimeData>
-#include <QTest>
 
 namespace {
 
@@ -22,7 +17,7 @@ public:
     RecordedFeatures() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
     ~RecordedFeatures() override { unregisterDatasetFeaturesEh(this); }
 
-    void applySorting(TDBGridEh &grid, TDataSet &) override
+    void applySorting(const TDBGridEh &grid, TDataSet &, bool) override
     {
         QStringList keys;
         for (const int index : grid.sortedColumns())
@@ -31,49 +26,6 @@ public:
     }
 
     QStringList applied;
-};
-
-class Grid : public testing::Test {
-protected:
-    Grid()
-    {
-        m_dataSet.setData(packetOf("CODE:text,SITE:text,FEE:decimal,PIECE:integer\n"
-                                   "007,北京,1.50,1\n"
-                                   "008,上海,0.25,2\n"
-                                   "009,,12.30,\n"));
-        m_source.setDataSet(&m_dataSet);
-        m_grid.setDataSource(&m_source);
-        m_grid.setFooterRowCount(2);
-        const QList<ColumnFooter> sum { { FooterKind::StaticText, QStringLiteral("合计") }, { FooterKind::Sum } };
-        m_grid.setColumns({
-            { .fieldName = QStringLiteral("CODE"), .caption = QStringLiteral("编号"), .width = 80, .titleButton = true },
-            { .fieldName = QStringLiteral("SITE"), .caption = QStringLiteral("寄件|网点"), .width = 80, .titleButton = true },
-            { .fieldName = QStringLiteral("FEE"),
-                .caption = QStringLiteral("寄件|费用"),
-                .width = 60,
-                .footers = sum,
-                .titleButton = true },
-            { .fieldName = QStringLiteral("PIECE"), .caption = QStringLiteral("件数"), .width = 50, .footers = sum },
-        });
-        m_grid.resize(500, 300);
-        m_grid.show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(&m_grid));
-    }
-    QStringList order() const
-    {
-        QStringList fields;
-        for (int index = 0; index < m_grid.columnCount(); ++index)
-            fields.append(m_grid.column(index).fieldName);
-        return fields;
-    }
-    void click(int row, int column, Qt::KeyboardModifiers modifiers = {})
-    {
-        QTest::mouseClick(m_grid.viewport(), Qt::LeftButton, modifiers, m_grid.cellRect(row, column).center());
-    }
-
-    TCustomClientDataSet m_dataSet;
-    TDataSource m_source;
-    TDBGridEh m_grid;
 };
 
 TEST_F(Grid, TitleClicksCycleTheMarkAndCtrlAddsKeys)
@@ -149,18 +101,6 @@ TEST_F(Grid, ARangeIsCopiedAsTextAndAsHtmlThatKeepsCodes)
     EXPECT_TRUE(m_grid.selectedRanges().isEmpty());
     m_grid.copySelection(false);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("0.25"));
-}
-
-TEST_F(Grid, FindGoesOnAroundTheEndOnce)
-{
-    m_grid.setCurrentCell(0, 0);
-    EXPECT_TRUE(m_grid.findNext(QStringLiteral("海")));
-    EXPECT_EQ(m_grid.currentRow(), 1);
-    EXPECT_TRUE(m_grid.findNext(QStringLiteral("007")));
-    EXPECT_EQ(m_grid.currentRow(), 0);
-    EXPECT_TRUE(m_grid.findNext(QStringLiteral("00"), false));
-    EXPECT_EQ(m_grid.currentRow(), 2);
-    EXPECT_FALSE(m_grid.findNext(QStringLiteral("深圳")));
 }
 
 TEST_F(Grid, ACellEventMayColourACellAndAFailingOneIsReportedNotThrown)

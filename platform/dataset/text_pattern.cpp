@@ -1,0 +1,65 @@
+#include "platform/dataset/text_pattern.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr auto lowerCase = [] {
+    std::array<char, 256> table {};
+    for (int code = 0; code < 256; ++code)
+        table[std::size_t(code)] = char(code >= 'A' && code <= 'Z' ? code + 'a' - 'A' : code);
+    return table;
+}();
+
+char lower(char character) { return lowerCase[static_cast<unsigned char>(character)]; }
+
+constexpr auto sameButCase = [](char inText, char lowered) { return lower(inText) == lowered; };
+
+} // namespace
+
+TextPattern::TextPattern(const QString &text, Place place, Qt::CaseSensitivity sensitivity)
+    : m_text(text)
+    , m_bytes(text.toStdString())
+    , m_place(place)
+{
+    if (sensitivity == Qt::CaseSensitive || text.toLower() == text.toUpper())
+        return;
+    const bool latin = std::ranges::all_of(text, [](QChar letter) { return letter < u'\x80' || letter.toLower() == letter.toUpper(); });
+    m_compare = latin ? Compare::AsciiCase : Compare::AnyCase;
+    std::ranges::transform(m_bytes, m_bytes.begin(), lower);
+}
+
+bool TextPattern::matches(std::string_view text) const
+{
+    if (text.size() < m_bytes.size() && m_compare != Compare::AnyCase)
+        return false;
+    switch (m_compare) {
+    case Compare::Bytes:
+        return m_place == Place::Whole ? text == m_bytes
+            : m_place == Place::Beginning ? text.starts_with(m_bytes)
+                                          : text.find(m_bytes) != std::string_view::npos;
+    case Compare::AsciiCase:
+        if (m_place == Place::Anywhere)
+            return std::search(text.begin(), text.end(), m_bytes.begin(), m_bytes.end(), sameButCase) != text.end();
+        return (m_place == Place::Beginning || text.size() == m_bytes.size())
+            && std::equal(m_bytes.begin(), m_bytes.end(), text.begin(), [](char lowered, char inText) { return lower(inText) == lowered; });
+    case Compare::AnyCase:
+        return matches(QString::fromUtf8(text.data(), qsizetype(text.size())));
+    }
+    return false;
+}
+
+qsizetype TextPattern::find(const QString &text) const
+{
+    const Qt::CaseSensitivity sensitivity = m_compare == Compare::Bytes ? Qt::CaseSensitive : Qt::CaseInsensitive;
+    switch (m_place) {
+    case Place::Whole:
+        return text.compare(m_text, sensitivity) == 0 ? 0 : -1;
+    case Place::Beginning:
+        return text.startsWith(m_text, sensitivity) ? 0 : -1;
+    case Place::Anywhere:
+        break;
+    }
+    return text.indexOf(m_text, 0, sensitivity);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/dataset/text_pattern.h"
+
+#include <QPoint>
+
+#include <optional>
+
+class TDBGridEh;
+
+/// What to look for in a grid, and where.
+struct GridSearch {
+    QString text;
+    TextPattern::Place place = TextPattern::Place::Anywhere;
+    Qt::CaseSensitivity sensitivity = Qt::CaseInsensitive;
+    int column = -1; ///< -1: every visible column
+    bool titles = false; ///< the column titles too
+};
+
+constexpr int titleRow = -1; ///< stands before row 0 when titles are searched
+
+/// The next cell (x: column, y: row or titleRow) that carries the text, row by row from behind `start`, around the end, `start`
+/// itself last. Check boxes carry none.
+std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, bool forward);

@@ -1,0 +1,137 @@
+#include "tests/grid/grid_fixture.h"
+
+#include "platform/grid/grid_finder.h"
+#include "platform/toolkit/application.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QInputMethodEvent>
+
+namespace {
+
+class Search : public Grid {
+protected:
+    QPoint current() const { return QPoint(m_grid.currentColumn(), m_grid.currentRow()); }
+    bool find(const GridSearch &search, bool forward = true) { return m_grid.finder().find(search, forward); }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&m_grid, key, modifiers); }
+    /// The box that shows what was typed; empty while it is hidden.
+    QString typed() const
+    {
+        for (const QLabel *label : m_grid.findChildren<QLabel *>()) {
+            if (label->isVisible())
+                return label->text();
+        }
+        return {};
+    }
+};
+
+TEST_F(Search, GoesRowByRowThroughTheVisibleColumnsAndAroundTheEnd)
+{
+    struct Case {
+        QPoint from;
+        GridSearch search;
+        bool forward;
+        QPoint found; ///< `from` when there is none
+    };
+    using enum TextPattern::Place;
+    const Case cases[] = {
+        { { 0, 0 }, { .text = QStringLiteral("海") }, true, { 1, 1 } },
+        { { 1, 1 }, { .text = QStringLiteral("007") }, true, { 0, 0 } },
+        { { 0, 0 }, { .text = QStringLiteral("00") }, false, { 0, 2 } },
+        { { 0, 0 }, { .text = QStringLiteral("1") }, true, { 2, 0 } }, // a number, as it is shown
+        { { 2, 0 }, { .text = QStringLiteral("1") }, true, { 3, 0 } },
+        { { 2, 0 }, { .text = QStringLiteral("1"), .column = 2 }, true, { 2, 2 } },
+        { { 0, 0 }, { .text = QStringLiteral("2"), .place = Beginning }, true, { 3, 1 } },
+        { { 0, 0 }, { .text = QStringLiteral("2"), .place = Whole }, false, { 3, 1 } },
+        { { 0, 1 }, { .text = QStringLiteral("008") }, true, { 0, 1 } }, // the only one is the current one
+        { { 1, 1 }, { .text = QStringLiteral("深圳") }, true, { 1, 1 } },
+        { { 1, 1 }, { .text = QStringLiteral("网点") }, true, { 1, 1 } }, // a title, not wanted
+        { { 1, 1 }, {}, true, { 1, 1 } },
+    };
+    for (const Case &test : cases) {
+        m_grid.setCurrentCell(test.from.y(), test.from.x());
+        find(test.search, test.forward);
+        EXPECT_EQ(current(), test.found) << test.search.text.toStdString();
+    }
+    m_grid.setColumnVisible(1, false);
+    EXPECT_FALSE(find({ .text = QStringLiteral("上海") }));
+}
+
+TEST_F(Search, LatinCaseCountsOnlyWhenWanted)
+{
+    m_dataSet.setData(packetOf("CODE:text,SITE:text\nab京Cd,ÄB\n"));
+    EXPECT_TRUE(find({ .text = QStringLiteral("B京c") }));
+    EXPECT_TRUE(find({ .text = QStringLiteral("äb") }));
+    EXPECT_FALSE(find({ .text = QStringLiteral("B京c"), .sensitivity = Qt::CaseSensitive }));
+    EXPECT_FALSE(find({ .text = QStringLiteral("äb"), .sensitivity = Qt::CaseSensitive }));
+    EXPECT_FALSE(find({ .text = QStringLiteral("b京cde") }));
+}
+
+TEST_F(Search, TitlesAreFoundBeforeTheFirstRowAndTheSearchGoesOnFromThem)
+{
+    m_dataSet.last();
+    m_grid.setCurrentCell(2, 3);
+    const GridSearch search { .text = QStringLiteral("费用"), .titles = true };
+    EXPECT_TRUE(find(search));
+    EXPECT_EQ(current(), QPoint(2, 2)); // the column of the title, the row stays
+    m_dataSet.setData(packetOf("CODE:text,SITE:text,FEE:decimal,PIECE:integer\n007,费用,1.50,1\n"));
+    EXPECT_TRUE(find(search));
+    EXPECT_EQ(current(), QPoint(2, 0));
+    EXPECT_TRUE(find(search));
+    EXPECT_EQ(current(), QPoint(1, 0));
+}
+
+TEST_F(Search, TypedTextMovesWithinTheCurrentColumn)
+{
+    m_grid.setCurrentCell(0, 0);
+    press(Qt::Key_0);
+    EXPECT_EQ(current(), QPoint(0, 0));
+    press(Qt::Key_9);
+    EXPECT_EQ(current(), QPoint(0, 2));
+    EXPECT_TRUE(typed().contains(u"编号") && typed().endsWith(u"：09")) << typed().toStdString();
+    press(Qt::Key_X); // nothing carries it: what was found stays
+    EXPECT_EQ(current(), QPoint(0, 2));
+    EXPECT_TRUE(typed().endsWith(u"09X") || typed().endsWith(u"09x")) << typed().toStdString();
+    press(Qt::Key_Backspace);
+    EXPECT_EQ(current(), QPoint(0, 0));
+    press(Qt::Key_F3);
+    EXPECT_EQ(current(), QPoint(0, 1));
+    press(Qt::Key_Escape);
+    EXPECT_EQ(typed(), QString());
+
+    press(Qt::Key_8);
+    press(Qt::Key_Right); // any other movement ends it
+    EXPECT_EQ(typed(), QString());
+    QInputMethodEvent chinese;
+    chinese.setCommitString(QStringLiteral("北京"));
+    QApplication::sendEvent(&m_grid, &chinese);
+    EXPECT_EQ(current(), QPoint(1, 0));
+}
+
+TEST_F(Search, TheDialogStaysOpenAndRemembersWhatWasLookedFor)
+{
+    m_grid.setCurrentCell(0, 0);
+    press(Qt::Key_F, Qt::ControlModifier);
+    auto *dialog = m_grid.findChild<QDialog *>();
+    ASSERT_TRUE(dialog && dialog->isVisible());
+    QTest::keyClicks(dialog->focusWidget(), QStringLiteral("008"));
+    QTest::keyClick(dialog, Qt::Key_Return);
+    EXPECT_EQ(current(), QPoint(0, 1));
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_EQ(dialog->findChild<QComboBox *>()->itemText(0), QStringLiteral("008"));
+    QTest::keyClick(dialog, Qt::Key_Escape);
+    EXPECT_FALSE(dialog->isVisible());
+
+    QStringList messages;
+    Application->setMessageResponder([&](const MessageRequest &request) {
+        messages.append(request.text);
+        return idOk;
+    });
+    m_dataSet.setData(packetOf("CODE:text,SITE:text,FEE:decimal,PIECE:integer\n1,2,3,4\n"));
+    press(Qt::Key_F3);
+    Application->setMessageResponder({});
+    EXPECT_EQ(messages, QStringList { QStringLiteral("表格里没有“008”。") });
+}
+
+} // namespace
