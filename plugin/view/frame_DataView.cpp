@@ -14,6 +14,10 @@ constexpr QRgb footerColor = 0xffddddff;
 constexpr QRgb oddRowColor = 0xffc4c4ff;
 constexpr QRgb evenRowColor = 0xffddddff;
 const QString fieldIndexKey = QStringLiteral("FieldIndex");
+// What a person arranged beyond order and widths stands in a section of its own.
+const QString arrangementSuffix = QStringLiteral(".Arrangement");
+const QString hiddenKey = QStringLiteral("Hidden");
+const QString frozenKey = QStringLiteral("Frozen");
 
 bool isStored(const Column &column) { return column.visible && !column.fieldName.isEmpty() && !column.caption.isEmpty(); }
 
@@ -85,6 +89,7 @@ void TDataView::LoadLayout(const QString &iniFileName)
     if (!QFileInfo::exists(iniFileName))
         return;
     const LayoutFile file(iniFileName);
+    loadArrangement(file);
     const QStringList names = file.value(m_section, fieldIndexKey).split(u';', Qt::SkipEmptyParts);
     for (const QString &name : names) {
         const int index = DataViewGrid->columnIndex(name, true);
@@ -92,10 +97,11 @@ void TDataView::LoadLayout(const QString &iniFileName)
         if (index >= 0 && width > 0)
             DataViewGrid->setColumnWidth(index, width);
     }
+    const int last = DataViewGrid->columnCount() - 1;
     for (qsizetype position = 0; position < names.size(); ++position) {
         const int index = DataViewGrid->columnIndex(names[position], true);
         if (index >= 0)
-            DataViewGrid->moveColumn(index, int(position));
+            DataViewGrid->moveColumn(index, qMin(int(position), last));
     }
 }
 
@@ -113,7 +119,37 @@ void TDataView::SaveLayout(const QString &iniFileName) const
     values.insert(fieldIndexKey, order);
     LayoutFile file(iniFileName);
     file.setSection(m_section, values);
+    saveArrangement(file);
     file.save();
+}
+
+void TDataView::loadArrangement(const LayoutFile &file)
+{
+    const QString section = m_section + arrangementSuffix;
+    if (file.value(section, hiddenKey).isNull())
+        return;
+    const QStringList hidden = file.value(section, hiddenKey).split(u';', Qt::SkipEmptyParts);
+    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
+        const QString &name = DataViewGrid->column(index).fieldName;
+        if (!name.isEmpty())
+            DataViewGrid->setColumnVisible(index, !hidden.contains(name, Qt::CaseInsensitive));
+    }
+    DataViewGrid->freezeColumns(file.value(section, frozenKey).toInt());
+}
+
+/// Only when the person has changed it, so that a new design reaches everybody else.
+void TDataView::saveArrangement(LayoutFile &file) const
+{
+    const QString section = m_section + arrangementSuffix;
+    if (!DataViewGrid->isRearranged())
+        return file.setSection(section, {});
+    QString hidden;
+    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
+        const Column &column = DataViewGrid->column(index);
+        if (!column.visible && !column.fieldName.isEmpty())
+            hidden += column.fieldName + u';';
+    }
+    file.setSection(section, { { hiddenKey, hidden }, { frozenKey, QString::number(DataViewGrid->frozenColumns()) } });
 }
 
 void TDataView::DataViewGridGetCellParams(int row, CellParameters &parameters) const

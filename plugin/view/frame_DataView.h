@@ -7,6 +7,8 @@
 
 #include <QLabel>
 
+class LayoutFile;
+
 /// The result grid of every screen: striped rows, row numbers, a record count, titles that sort, and a column layout that
 /// survives in the plug-in's INI file.
 class TDataView : public TFrame {
@@ -34,6 +36,8 @@ protected:
 
 private:
     void InitColumns();
+    void loadArrangement(const LayoutFile &file);
+    void saveArrangement(LayoutFile &file) const;
     void DSStateChange();
     QString DataViewGridDrawColumnCell(int row, int column) const;
 

@@ -43,7 +43,13 @@ bool LayoutFile::parse(const QString &text)
 
 QString LayoutFile::value(const QString &section, const QString &key) const { return m_sections.value(section).value(key); }
 
-void LayoutFile::setSection(const QString &section, const QMap<QString, QString> &values) { m_sections[section] = values; }
+void LayoutFile::setSection(const QString &section, const QMap<QString, QString> &values)
+{
+    if (values.isEmpty())
+        m_sections.remove(section);
+    else
+        m_sections[section] = values;
+}
 
 bool LayoutFile::save() const
 {

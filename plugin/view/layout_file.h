@@ -11,7 +11,7 @@ public:
     explicit LayoutFile(const QString &path);
 
     QString value(const QString &section, const QString &key) const;
-    /// Replaces a section as a whole.
+    /// Replaces a section as a whole; without values it goes.
     void setSection(const QString &section, const QMap<QString, QString> &values);
     /// Writes beside the file and renames at the end, so that the old file stays whole when that fails; returns whether it succeeded.
     bool save() const;

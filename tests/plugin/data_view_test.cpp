@@ -3,6 +3,8 @@
 #include "plugin/view/layout_storage.h"
 
 #include "packet/builder.h"
+#include "platform/dataset/data_set_provider.h"
+#include "plugin/util/dataset_features.h"
 #include "tests/plugin/fake_host.h"
 
 #include <gtest/gtest.h>
@@ -97,16 +99,46 @@ TEST_F(DataView, TheLayoutComesBackAsItWasLeft)
     EXPECT_EQ(shown->view.DataViewGrid->column(1).width, 133);
 }
 
+TEST_F(DataView, WhatWasHiddenShownOrFrozenStaysSoUntilTheDesignIsRestored)
+{
+    auto shown = show();
+    TDBGridEh *grid = shown->view.DataViewGrid;
+    grid->setColumnVisible(grid->columnIndex(u"SECRET"), true);
+    grid->setColumnVisible(grid->columnIndex(u"NAME"), false);
+    grid->moveColumn(grid->columnIndex(u"SECRET"), 1);
+    grid->freezeColumns(2);
+    shown.reset();
+    QFile file(m_storage.iniFileName());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(),
+        QByteArray("[frm_Test.DataView1.DataViewGrid]\r\nFEE=60\r\nFieldIndex=SECRET;FEE;\r\nSECRET=70\r\n"
+                   "[frm_Test.DataView1.DataViewGrid.Arrangement]\r\nFrozen=2\r\nHidden=NAME;\r\n"));
+    file.close();
+
+    shown = show();
+    grid = shown->view.DataViewGrid;
+    EXPECT_EQ(order(shown->view), QStringList({ QStringLiteral("SECRET"), QStringLiteral("FEE"), QString(), QStringLiteral("NAME") }));
+    EXPECT_TRUE(grid->column(0).visible);
+    EXPECT_FALSE(grid->column(3).visible);
+    EXPECT_TRUE(grid->isFrozen(1));
+    grid->restoreDesignedColumns();
+    shown.reset();
+    EXPECT_TRUE(LayoutFile(m_storage.iniFileName()).value(QStringLiteral("frm_Test.DataView1.DataViewGrid.Arrangement"), QStringLiteral("Hidden")).isNull());
+    // The stored fields come first, in their order; a column without data is not among them.
+    EXPECT_EQ(order(show()->view), QStringList({ QStringLiteral("NAME"), QStringLiteral("FEE"), QString(), QStringLiteral("SECRET") }));
+}
+
 TEST_F(DataView, UnknownFieldsAndZeroWidthsInTheFileAreIgnored)
 {
     LayoutFile file(m_storage.iniFileName());
     file.setSection(QStringLiteral("frm_Test.DataView1.DataViewGrid"),
-        { { QStringLiteral("FieldIndex"), QStringLiteral("gone;fee;SECRET;") }, { QStringLiteral("fee"), QStringLiteral("0") },
-            { QStringLiteral("gone"), QStringLiteral("5") } });
+        { { QStringLiteral("FieldIndex"), QStringLiteral("gone;fee;SECRET;a;b;c;name;") }, { QStringLiteral("fee"), QStringLiteral("0") },
+            { QStringLiteral("gone"), QStringLiteral("5") }, { QStringLiteral("name"), QStringLiteral("2147483647") } });
     ASSERT_TRUE(file.save());
     const auto shown = show();
-    EXPECT_EQ(order(shown->view), QStringList({ QString(), QStringLiteral("FEE"), QStringLiteral("NAME"), QStringLiteral("SECRET") }));
+    EXPECT_EQ(order(shown->view), QStringList({ QString(), QStringLiteral("FEE"), QStringLiteral("SECRET"), QStringLiteral("NAME") }));
     EXPECT_EQ(shown->view.DataViewGrid->column(1).width, 60);
+    EXPECT_LT(shown->view.DataViewGrid->column(3).width, 10'000);
 }
 
 TEST_F(DataView, ABrokenLayoutFileIsSetAside)
@@ -122,6 +154,46 @@ TEST_F(DataView, ABrokenLayoutFileIsSetAside)
         ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
         EXPECT_EQ(aside.readAll(), broken);
     }
+}
+
+TEST_F(DataView, TitlesSortTheDataSetOrTheOneThatItsProviderServes)
+{
+    TCDSDatasetFeaturesEh features;
+    const auto names = [](const TDataSet &dataSet) {
+        QString all;
+        for (int row = 0; row < dataSet.recordCount(); ++row)
+            all += dataSet.text(dataSet.fieldByName(u"NAME")->index(), row);
+        return all;
+    };
+    auto shown = show();
+    TDBGridEh *grid = shown->view.DataViewGrid;
+    for (const auto &[column, modifiers, expected] : std::initializer_list<std::tuple<int, Qt::KeyboardModifiers, QString>> {
+             { 1, {}, QStringLiteral("丙甲乙") },
+             { 3, Qt::ControlModifier, QStringLiteral("丙甲乙") },
+             { 3, {}, QStringLiteral("丙乙甲") },
+             { 3, {}, QStringLiteral("甲乙丙") }, // no mark left: the order of the data
+         }) {
+        grid->clickTitle(column, modifiers);
+        EXPECT_EQ(names(m_dataSet), expected) << column;
+    }
+
+    auto *provider = shown->form.own(new TDataSetProvider, "Provider1");
+    auto *fetching = shown->form.own(new TCustomClientDataSet, "cds");
+    provider->setDataSet(&m_dataSet);
+    shown->view.DS->setDataSet(fetching);
+    grid->setSortLocal(false);
+    grid->clickTitle(1); // nothing to sort yet
+    EXPECT_FALSE(fetching->active());
+    fetching->setProviderName(QStringLiteral("provider1"));
+    fetching->open();
+    grid->clickTitle(1);
+    EXPECT_EQ(names(*fetching), QStringLiteral("丙甲乙"));
+    EXPECT_EQ(fetching->text(1, 0), QStringLiteral("12.35"));
+    grid->clickTitle(1);
+    EXPECT_EQ(names(*fetching), QStringLiteral("乙甲丙"));
+    provider->setDataSet(nullptr);
+    grid->clickTitle(1);
+    EXPECT_EQ(names(*fetching), QStringLiteral("乙甲丙"));
 }
 
 TEST_F(DataView, TheGridRestsWhileItsDataSetIsEditedAndHeldControlsComeBack)
