@@ -36,7 +36,7 @@ bool TextPattern::matches(std::string_view text) const
         return false;
     switch (m_compare) {
     case Compare::Bytes:
-        return m_place == Place::Whole ? text == m_bytes
+        return m_place == Place::Whole    ? text == m_bytes
             : m_place == Place::Beginning ? text.starts_with(m_bytes)
                                           : text.find(m_bytes) != std::string_view::npos;
     case Compare::AsciiCase:

@@ -29,7 +29,8 @@ void TDBGridEh::copySelection(bool titles)
 {
     const qint64 cells = cellCount(selectedRanges());
     if (cells > mostCopiedCells)
-        throw Exception(QStringLiteral("选中了 %L1 个单元格，最多只能复制 %L2 个；请少选一些，或改用导出。").arg(cells).arg(mostCopiedCells));
+        throw Exception(
+            QStringLiteral("选中了 %L1 个单元格，最多只能复制 %L2 个；请少选一些，或改用导出。").arg(cells).arg(mostCopiedCells));
     if (currentRow() >= 0 && m_currentColumn >= 0)
         QGuiApplication::clipboard()->setMimeData(copiedCells(*this, titles).release());
 }

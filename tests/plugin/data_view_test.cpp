@@ -123,7 +123,9 @@ TEST_F(DataView, WhatWasHiddenShownOrFrozenStaysSoUntilTheDesignIsRestored)
     EXPECT_TRUE(grid->isFrozen(1));
     grid->restoreDesignedColumns();
     shown.reset();
-    EXPECT_TRUE(LayoutFile(m_storage.iniFileName()).value(QStringLiteral("frm_Test.DataView1.DataViewGrid.Arrangement"), QStringLiteral("Hidden")).isNull());
+    EXPECT_TRUE(LayoutFile(m_storage.iniFileName())
+                    .value(QStringLiteral("frm_Test.DataView1.DataViewGrid.Arrangement"), QStringLiteral("Hidden"))
+                    .isNull());
     // The stored fields come first, in their order; a column without data is not among them.
     EXPECT_EQ(order(show()->view), QStringList({ QStringLiteral("NAME"), QStringLiteral("FEE"), QString(), QStringLiteral("SECRET") }));
 }
@@ -168,9 +170,7 @@ TEST_F(DataView, TitlesSortTheDataSetOrTheOneThatItsProviderServes)
     auto shown = show();
     TDBGridEh *grid = shown->view.DataViewGrid;
     for (const auto &[column, modifiers, expected] : std::initializer_list<std::tuple<int, Qt::KeyboardModifiers, QString>> {
-             { 1, {}, QStringLiteral("丙甲乙") },
-             { 3, Qt::ControlModifier, QStringLiteral("丙甲乙") },
-             { 3, {}, QStringLiteral("丙乙甲") },
+             { 1, {}, QStringLiteral("丙甲乙") }, { 3, Qt::ControlModifier, QStringLiteral("丙甲乙") }, { 3, {}, QStringLiteral("丙乙甲") },
              { 3, {}, QStringLiteral("甲乙丙") }, // no mark left: the order of the data
          }) {
         grid->clickTitle(column, modifiers);
