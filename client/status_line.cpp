@@ -28,6 +28,8 @@ qint64 visibleCells(const TDBGridEh &grid, const QRect &range)
     return qint64(columns) * range.height();
 }
 
+bool isWholeHeight(const TDBGridEh &grid, const QRect &range) { return range.height() == grid.rowCount(); }
+
 struct Sum {
     packet::Decimal total;
     qint64 numbers = 0;
@@ -36,7 +38,16 @@ struct Sum {
 void addColumn(const TDBGridEh &grid, const QRect &range, int column, Sum &sum)
 {
     const int field = grid.column(column).visible ? summableField(grid, column) : -1;
-    for (int row = range.top(); field >= 0 && row <= range.bottom(); ++row) {
+    if (field < 0)
+        return;
+    const auto *dataSet = qobject_cast<const TCustomClientDataSet *>(grid.dataSet());
+    if (dataSet && isWholeHeight(grid, range)) {
+        sum.total = sum.total + dataSet->sum(field);
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            sum.numbers += dataSet->isNull(field, row) ? 0 : 1;
+        return;
+    }
+    for (int row = range.top(); row <= range.bottom(); ++row) {
         if (const auto number = grid.dataSet()->number(field, row)) {
             sum.total = sum.total + *number;
             ++sum.numbers;
@@ -57,12 +68,15 @@ QString selectionSummary(const TDBGridEh &grid)
 {
     const QList<QRect> ranges = grid.selectedRanges();
     qint64 cells = 0;
-    for (const QRect &range : ranges)
+    qint64 single = 0; // cells that have to be added one by one
+    for (const QRect &range : ranges) {
         cells += visibleCells(grid, range);
+        single += isWholeHeight(grid, range) ? 0 : visibleCells(grid, range);
+    }
     if (cells < 2 || !grid.dataSet() || !grid.dataSet()->active())
         return {};
     const QString count = QStringLiteral("已选 %1 格").arg(counted(cells));
-    if (cells > mostSummedCells)
+    if (single > mostSummedCells)
         return count;
     Sum sum;
     for (const QRect &range : ranges) {

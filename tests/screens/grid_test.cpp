@@ -1,0 +1,150 @@
+// What every grid does, on the screen that compares scans: sorting, footers, colours, copying and the layout that stays.
+
+#include "tests/screens/client_process.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include <algorithm>
+
+namespace {
+
+class ScreenGrid : public testing::Test {
+protected:
+    ScreenGrid() { open(); }
+
+    void open()
+    {
+        m_client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QStringLiteral("frm_ScanContrast101") } });
+        m_client.obey(QStringLiteral("query"));
+    }
+    QJsonObject ask(const QString &what, QJsonObject arguments = {})
+    {
+        arguments[u"view"] = QStringLiteral("DataView1");
+        return m_client.obey(what, arguments);
+    }
+    QStringList column(const QString &field)
+    {
+        const QJsonArray columns = ask(QStringLiteral("columns"))[u"columns"].toArray();
+        int wanted = 0;
+        while (wanted < columns.size() && columns[wanted][u"field"].toString() != field)
+            ++wanted;
+        QStringList texts;
+        for (const QJsonValue &row : ask(QStringLiteral("rows"))[u"rows"].toArray())
+            texts.append(row[wanted].toString());
+        return texts;
+    }
+    void title(const QString &field, const QString &modifiers = {})
+    {
+        ask(QStringLiteral("title"), { { QStringLiteral("field"), field }, { QStringLiteral("modifiers"), modifiers } });
+    }
+    QString cell(int row, const QString &field)
+    {
+        return ask(QStringLiteral("cell"), { { QStringLiteral("row"), row }, { QStringLiteral("field"), field } })[u"text"].toString();
+    }
+    /// Presses keys in the grid.
+    void key(const QString &keys)
+    {
+        m_client.obey(QStringLiteral("key"),
+            { { QStringLiteral("control"), QStringLiteral("DataView1.DataViewGrid") }, { QStringLiteral("key"), keys } });
+    }
+
+    ClientProcess m_client;
+};
+
+TEST_F(ScreenGrid, MarksSortByOneColumnByTwoAndGiveTheServersOrderBack)
+{
+    const QString code = QStringLiteral("BILL_CODE");
+    const QString station = QStringLiteral("PRE_OR_NEXT_STATION");
+    const QStringList served = column(code);
+    ASSERT_GT(served.size(), 20);
+    title(code);
+    QStringList ascending = served;
+    std::sort(ascending.begin(), ascending.end());
+    EXPECT_EQ(column(code), ascending);
+    title(code);
+    title(station, QStringLiteral("ctrl"));
+    title(station, QStringLiteral("ctrl"));
+    QStringList descending = ascending;
+    std::reverse(descending.begin(), descending.end());
+    EXPECT_EQ(column(code), descending); // the second key decides among equal numbers only
+
+    title(station); // was descending: no mark is left
+    EXPECT_EQ(column(code), served);
+    title(station);
+    title(code, QStringLiteral("ctrl"));
+    const QStringList stations = column(station);
+    const QStringList codes = column(code);
+    for (qsizetype row = 1; row < codes.size(); ++row) {
+        if (stations[row] == stations[row - 1])
+            EXPECT_LE(codes[row - 1], codes[row]);
+        else
+            EXPECT_EQ(stations.lastIndexOf(stations[row - 1]), row - 1) << "a station in two places";
+    }
+    for (const QString &field : { code, code, station, station })
+        title(field, QStringLiteral("ctrl"));
+    EXPECT_EQ(column(code), served);
+    EXPECT_EQ(ask(QStringLiteral("columns"))[u"columns"].toArray()[0][u"sort"].toString(), QStringLiteral("none"));
+}
+
+TEST_F(ScreenGrid, RowsAreStripedCountedAndCopiedWithTheirTitles)
+{
+    const auto colour = [this](int row) {
+        return ask(QStringLiteral("colour"),
+            { { QStringLiteral("row"), row }, { QStringLiteral("field"), QStringLiteral("BILL_CODE") } })[u"colour"]
+            .toString();
+    };
+    EXPECT_EQ(colour(0), QStringLiteral("#c4c4ff"));
+    EXPECT_EQ(colour(1), QStringLiteral("#ddddff"));
+    const QString code = cell(1, QStringLiteral("BILL_CODE"));
+    EXPECT_EQ(ask(QStringLiteral("copy"))[u"text"].toString(), code);
+    EXPECT_EQ(
+        ask(QStringLiteral("copy"), { { QStringLiteral("titles"), true } })[u"text"].toString(), QString(u"运单编号\r\n" + code + u"\r\n"));
+    key(QStringLiteral("Ctrl+Space"));
+    QStringList copied = ask(QStringLiteral("copy"))[u"text"].toString().split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    EXPECT_EQ(copied, column(QStringLiteral("BILL_CODE")));
+    EXPECT_EQ(ask(QStringLiteral("footer"))[u"rows"].toArray()[1][0].toString(), QString::number(copied.size()));
+}
+
+TEST_F(ScreenGrid, TypingFindsARowInTheCurrentColumn)
+{
+    const QStringList codes = column(QStringLiteral("BILL_CODE"));
+    cell(0, QStringLiteral("BILL_CODE"));
+    const QString wanted = codes[codes.size() / 2];
+    for (const QChar digit : wanted)
+        key(digit);
+    EXPECT_EQ(ask(QStringLiteral("copy"))[u"text"].toString(), wanted);
+    EXPECT_TRUE(ask(QStringLiteral("find"), { { QStringLiteral("text"), codes[0].mid(3) } })[u"found"].toBool());
+    EXPECT_EQ(ask(QStringLiteral("copy"))[u"text"].toString(), codes[0]);
+}
+
+TEST_F(ScreenGrid, ALayoutOfAnEarlierSessionComesBack)
+{
+    m_client.obey(QStringLiteral("close"));
+    const QString path = m_client.settingsDirectory() + QStringLiteral("/WindowsIni/Kelvara1.ini");
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite)) << path.toStdString();
+    EXPECT_TRUE(file.readAll().startsWith("[frm_ScanContrast.DataView1.DataViewGrid]\r\nBILL_CODE="));
+    file.resize(0);
+    file.write("[frm_ScanContrast.DataView1.DataViewGrid]\nFieldIndex=WEIGHT;BILL_CODE;\nWEIGHT=99\nBILL_CODE=0\n"
+               "[frm_ScanContrast.DataView1.DataViewGrid.Arrangement]\nHidden=SCAN_SITE;\nFrozen=1\n");
+    file.close();
+    open();
+    const QJsonArray columns = ask(QStringLiteral("columns"))[u"columns"].toArray();
+    EXPECT_EQ(columns[0][u"field"].toString(), QStringLiteral("WEIGHT"));
+    EXPECT_EQ(columns[0][u"width"].toInt(), 99);
+    EXPECT_TRUE(columns[0][u"frozen"].toBool());
+    EXPECT_EQ(columns[1][u"field"].toString(), QStringLiteral("BILL_CODE"));
+    EXPECT_GT(columns[1][u"width"].toInt(), 0);
+    EXPECT_EQ(std::count_if(columns.begin(), columns.end(), [](const QJsonValue &column) { return !column[u"visible"].toBool(); }), 1);
+    // The record count stands under the first visible column with data, wherever it has been moved.
+    EXPECT_EQ(columns[0][u"footers"].toArray()[1][u"kind"].toString(), QStringLiteral("count"));
+    m_client.obey(QStringLiteral("close"));
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray saved = file.readAll();
+    EXPECT_TRUE(saved.contains("FieldIndex=WEIGHT;BILL_CODE;") && saved.contains("WEIGHT=99\r\n")) << saved.constData();
+    EXPECT_TRUE(saved.contains("DataViewGrid.Arrangement]\r\nFrozen=1\r\nHidden=SCAN_SITE;\r\n")) << saved.constData();
+}
+
+} // namespace
