@@ -21,7 +21,7 @@ namespace {
 constexpr int dragScrollInterval = 50; ///< milliseconds between two steps while a selection is dragged beyond the view
 constexpr int wheelNotch = 120;
 constexpr int sideStepsPerNotch = 3;
-constexpr int textMargins = 8;
+constexpr int textMargins = 5;
 
 } // namespace
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int textMargin = 4;
+constexpr int textMargin = 3;
 constexpr int buttonWidth = 16;
 
 /// What a read-only column with an ellipsis or a drop-down list shows in the focused cell.

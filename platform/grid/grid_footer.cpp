@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr int textMargin = 4;
+constexpr int textMargin = 3;
 
 } // namespace
 

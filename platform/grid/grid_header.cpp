@@ -14,7 +14,7 @@
 namespace {
 
 constexpr int borderReach = 4; ///< pixels on either side of a border at which it can be dragged
-constexpr int textMargin = 4;
+constexpr int textMargin = 3;
 constexpr int markSize = 7;
 constexpr int leastWidth = 16;
 
@@ -34,7 +34,19 @@ GridHeader::GridHeader(const ColumnModel &columns, const ColumnGeometry &geometr
     setAttribute(Qt::WA_OpaquePaintEvent);
 }
 
-int GridHeader::levelHeight() const { return fontMetrics().height() + 8; }
+int GridHeader::upperHeight() const { return levels() == 2 ? fontMetrics().height() + 8 : 0; }
+
+int GridHeader::lowerHeight() const
+{
+    for (int column = 0; column < m_columns.count(); ++column) {
+        const Column &shown = m_columns.at(column);
+        if (shown.visible && isWrapped(lowerCaption(shown.caption), shown.width - 2 * textMargin))
+            return 2 * fontMetrics().height() + 8;
+    }
+    return fontMetrics().height() + 8;
+}
+
+bool GridHeader::isWrapped(const QString &caption, int room) const { return caption.size() > 1 && m_texts.width(font(), caption) > room; }
 
 int GridHeader::levels() const
 {
@@ -45,7 +57,7 @@ int GridHeader::levels() const
     return 1;
 }
 
-int GridHeader::preferredHeight() const { return levels() * levelHeight(); }
+int GridHeader::preferredHeight() const { return upperHeight() + lowerHeight(); }
 
 int GridHeader::titleWidth(int column) const
 {
@@ -56,7 +68,7 @@ int GridHeader::titleWidth(int column) const
 GridHeader::Section GridHeader::columnSection(int column) const
 {
     const bool below = !upperCaption(m_columns.at(column).caption).isEmpty();
-    const int top = below ? levelHeight() : 0;
+    const int top = below ? upperHeight() : 0;
     return { column, column, false,
         QRect(m_geometry.left(column), top, m_geometry.right(column) - m_geometry.left(column), height() - top) };
 }
@@ -75,7 +87,7 @@ GridHeader::Section GridHeader::upperSection(int column) const
     };
     const int first = end(-1);
     const int last = end(1);
-    return { first, last, true, QRect(m_geometry.left(first), 0, m_geometry.right(last) - m_geometry.left(first), levelHeight()) };
+    return { first, last, true, QRect(m_geometry.left(first), 0, m_geometry.right(last) - m_geometry.left(first), upperHeight()) };
 }
 
 GridHeader::Section GridHeader::sectionAt(QPoint position) const
@@ -256,7 +268,21 @@ void GridHeader::paintSection(QPainter &painter, const Section &section, const Q
     textBox.adjust(textMargin - 1, 0, -textMargin, 0);
     const QString &caption = m_columns.at(section.first).caption;
     painter.setPen(colors.titleText);
-    m_texts.draw(painter, textBox, Qt::AlignHCenter, font(), section.upper ? upperCaption(caption) : lowerCaption(caption));
+    paintCaption(painter, textBox, section.upper ? upperCaption(caption) : lowerCaption(caption));
+}
+
+/// In one line, or in two when it is too long and there is room for them.
+void GridHeader::paintCaption(QPainter &painter, const QRect &box, const QString &caption) const
+{
+    const int lineHeight = fontMetrics().height();
+    if (!isWrapped(caption, box.width()) || box.height() < 2 * lineHeight)
+        return m_texts.draw(painter, box, Qt::AlignHCenter, font(), caption);
+    qsizetype split = caption.size() - 1;
+    while (split > 1 && m_texts.width(font(), caption.left(split)) > box.width())
+        --split;
+    const QRect first(box.left(), box.center().y() - lineHeight + 1, box.width(), lineHeight);
+    m_texts.draw(painter, first, Qt::AlignHCenter, font(), caption.left(split));
+    m_texts.draw(painter, first.translated(0, lineHeight), Qt::AlignHCenter, font(), caption.mid(split));
 }
 
 int GridHeader::paintMark(QPainter &painter, const Section &section, const GridColors &colors) const

@@ -50,7 +50,9 @@ private:
     enum class Drag { None, Press, Resize, Move, Corner };
 
     int levels() const;
-    int levelHeight() const;
+    int upperHeight() const;
+    int lowerHeight() const;
+    bool isWrapped(const QString &caption, int room) const;
     Section columnSection(int column) const;
     Section upperSection(int column) const;
     Section sectionAt(QPoint position) const;
@@ -60,6 +62,7 @@ private:
     int dropIndex(int x) const;
     void setHover(int column);
     void paintSection(QPainter &painter, const Section &section, const QRect &clip, const GridColors &colors) const;
+    void paintCaption(QPainter &painter, const QRect &box, const QString &caption) const;
     int paintMark(QPainter &painter, const Section &section, const GridColors &colors) const;
 
     const ColumnModel &m_columns;

@@ -25,6 +25,9 @@ bool isStored(const Column &column) { return column.visible && !column.fieldName
 
 TDataView::TDataView()
 {
+    QFont song(QStringLiteral("宋体"));
+    song.setPixelSize(12); // the columns' widths are measured in it
+    setFont(song);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
