@@ -62,8 +62,9 @@ MainWindow::~MainWindow()
 
 void MainWindow::loadPlugin()
 {
-    const QString directory = m_options.pluginDirectory.isEmpty() ? QApplication::applicationDirPath() : m_options.pluginDirectory;
-    const QDir plugins(directory);
+    if (!m_options.pluginDirectory.isEmpty())
+        Application->setPluginDirectory(m_options.pluginDirectory);
+    const QDir plugins(Application->pluginDirectory());
     if (plugins.entryList({ QStringLiteral("Kelvara1.*") }, QDir::Files).isEmpty())
         throw Exception(
             QStringLiteral("目录“%1”里没有插件 Kelvara1，请重新安装，或用 --plugins 指定它所在的目录。").arg(plugins.absolutePath()));

@@ -87,4 +87,8 @@ QString TApplication::settingsDirectory() const { return m_settingsDirectory.isE
 
 void TApplication::setSettingsDirectory(const QString &directory) { m_settingsDirectory = QFileInfo(directory).absoluteFilePath(); }
 
+QString TApplication::pluginDirectory() const { return m_pluginDirectory.isEmpty() ? directory() : m_pluginDirectory; }
+
+void TApplication::setPluginDirectory(const QString &directory) { m_pluginDirectory = QFileInfo(directory).absoluteFilePath(); }
+
 void TApplication::record(const QString &kind, const QVariantMap &particulars) { Q_EMIT happened(kind, particulars); }

@@ -54,6 +54,10 @@ public:
     QString settingsDirectory() const;
     void setSettingsDirectory(const QString &directory);
 
+    /// Where the libraries lie that screens load: directory(), unless the host was told another place.
+    QString pluginDirectory() const;
+    void setPluginDirectory(const QString &directory);
+
     /// Tells whoever watches (the automation) that something happened: `kind` and its particulars.
     void record(const QString &kind, const QVariantMap &particulars);
 
@@ -64,6 +68,7 @@ private:
     QPointer<QObject> m_mainForm;
     std::function<int(const MessageRequest &)> m_responder;
     QString m_settingsDirectory;
+    QString m_pluginDirectory;
 };
 
 /// The current application object. The platform starts with one of its own; the host and exec may set another.

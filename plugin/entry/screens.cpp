@@ -1,5 +1,6 @@
 #include "plugin/entry/screens.h"
 
+#include "plugin/forms/scan/ufrm_ManCome.h"
 #include "plugin/forms/scan/ufrm_ScanContrast.h"
 
 #include <algorithm>
@@ -20,7 +21,7 @@ const ScreenEntry screens[] = {
     { u"frm_MonthSendBill", Rights::FromName },
     { u"frm_MonthRecBill", Rights::FromName },
     { u"frm_RecSendContrast", Rights::FromName },
-    { u"frm_ManCome", Rights::FromName },
+    { u"frm_ManCome", Rights::FromName, &frm_ManCome, create<Tfrm_ManCome> },
     { u"frm_ManSend", Rights::FromName },
     { u"frm_BillStat", Rights::FromName },
     { u"frm_BJDispFee", Rights::FromName },

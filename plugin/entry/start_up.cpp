@@ -4,6 +4,7 @@
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/util/dataset_features.h"
+#include "plugin/util/guest_query.h"
 #include "plugin/view/layout_storage.h"
 #include "plugin/view/udm_Print.h"
 
@@ -37,6 +38,7 @@ void detach()
 {
     Screen = SavedScreen;
     Application = SavedApplication;
+    unloadGuest();
     delete std::exchange(dm_BasicData, nullptr);
     delete std::exchange(dm_GlobalData, nullptr);
     delete std::exchange(dm_Print, nullptr);

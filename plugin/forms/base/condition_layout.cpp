@@ -65,6 +65,8 @@ ConditionBox box(QGroupBox *groupBox, QStringView caption, int columns, const QL
     return { groupBox, caption.toString(), columns, rows };
 }
 
+ConditionBox block(int columns, const QList<ConditionRow> &rows) { return { nullptr, {}, columns, rows }; }
+
 ConditionBox range(QGroupBox *groupBox, QStringView caption, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end)
 {
     return box(groupBox, caption, 1, { row(u"开始", start), row(u"结束", end) });
@@ -81,13 +83,16 @@ void arrange(QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &l
         line->setSpacing(gap * 2);
         for (const ConditionItem &item : items) {
             QGridLayout *grid = conditionGrid();
-            if (const auto *boxed = std::get_if<ConditionBox>(&item)) {
+            const auto *boxed = std::get_if<ConditionBox>(&item);
+            if (boxed)
+                fill(grid, boxed->rows, boxed->columns, previous);
+            else
+                fill(grid, { std::get<ConditionRow>(item) }, 1, previous);
+            if (boxed && boxed->box) {
                 boxed->box->setTitle(boxed->caption);
                 boxed->box->setLayout(grid);
-                fill(grid, boxed->rows, boxed->columns, previous);
                 line->addWidget(boxed->box);
             } else {
-                fill(grid, { std::get<ConditionRow>(item) }, 1, previous);
                 line->addLayout(grid);
             }
         }

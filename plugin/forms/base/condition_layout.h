@@ -16,9 +16,9 @@ struct ConditionRow {
     QWidget *control;
 };
 
-/// A titled box of conditions, filled row by row over `columns` label-and-control pairs.
+/// A block of conditions, filled row by row over `columns` label-and-control pairs; in a titled box, or without one.
 struct ConditionBox {
-    QGroupBox *box;
+    QGroupBox *box; ///< null: none
     QString caption;
     int columns;
     QList<ConditionRow> rows;
@@ -32,6 +32,8 @@ ConditionRow row(QStringView label, QWidget *control);
 ConditionRow row(QWidget *control);
 /// A box of conditions; `columns` of them stand side by side.
 ConditionBox box(QGroupBox *groupBox, QStringView caption, int columns, const QList<ConditionRow> &rows);
+/// The same without a box.
+ConditionBox block(int columns, const QList<ConditionRow> &rows);
 /// The box of a date-time range: "开始" over "结束".
 ConditionBox range(QGroupBox *groupBox, QStringView caption, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);
 

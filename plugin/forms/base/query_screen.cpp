@@ -67,6 +67,14 @@ void QueryScreen::completeOnEnter(const QList<TDBLookupComboboxEh *> &combos)
         });
 }
 
+void QueryScreen::loginSiteOnExit(TDBLookupComboboxEh *combo)
+{
+    handle(combo, &TDBLookupComboboxEh::exited, this, [combo] {
+        if (combo->text().trimmed().isEmpty())
+            combo->setText(GlobalValueAddr(QStringLiteral("site")));
+    });
+}
+
 QueryRun::QueryRun(QueryScreen *screen)
     : m_screen(screen)
 {
@@ -129,11 +137,11 @@ void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *
             { QStringLiteral("DEPT_NAME"), QStringLiteral("所属部门"), 60 } });
 }
 
-void openStatement(TClientDataSetEx *dataSet, const QString &statement)
+void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag)
 {
     dataSet->close();
     dataSet->setCommandText(statement);
-    dataSet->setTag(0);
+    dataSet->setTag(tag);
     dataSet->open();
 }
 

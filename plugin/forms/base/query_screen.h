@@ -43,6 +43,8 @@ protected:
     /// LookupComboTextExit when the user leaves the combo, or when Enter is pressed in it.
     void completeOnExit(const QList<TDBLookupComboboxEh *> &combos);
     void completeOnEnter(const QList<TDBLookupComboboxEh *> &combos);
+    /// The login site comes back when the user leaves the combo without a text.
+    void loginSiteOnExit(TDBLookupComboboxEh *combo);
 
 private:
     friend class QueryRun;
@@ -76,8 +78,8 @@ void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *sour
 void setScanTypeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
 void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
 
-/// Closes the dataset, gives it the statement and opens it.
-void openStatement(TClientDataSetEx *dataSet, const QString &statement);
+/// Closes the dataset, gives it the statement and the tag and opens it.
+void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag = 0);
 
 /// `condition` + value + "'" unless the value is empty, "" otherwise; the condition ends with its opening quote.
 QString unlessEmpty(QStringView condition, const TDBLookupComboboxEh *combo);

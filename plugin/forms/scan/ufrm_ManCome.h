@@ -1,0 +1,20 @@
+#pragma once
+
+#include "plugin/forms/scan/man_statistics.h"
+
+/// Counts and weighs the arrivals that each operator of a site has scanned, by the area of the previous station and by shift.
+class Tfrm_ManCome : public ManStatistics {
+    Q_OBJECT
+
+public:
+    explicit Tfrm_ManCome(TComponentOwner *owner);
+
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
+
+private:
+    void FormCreate();
+    QString statistics() const override;
+    Detail detail() const override;
+};
+
+extern Tfrm_Basic *frm_ManCome;

@@ -1,0 +1,117 @@
+#include "plugin/view/frame_InputList.h"
+
+#include "platform/toolkit/handler.h"
+
+#include <QHBoxLayout>
+#include <QMimeData>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int frameWidth = 130;
+constexpr int mostLines = 800;
+
+/// Without the blanks and control characters at both ends.
+QString trimmed(const QString &text)
+{
+    const auto counts = [](QChar character) { return character > u' '; };
+    const auto first = std::find_if(text.begin(), text.end(), counts);
+    const auto last = std::find_if(text.rbegin(), std::make_reverse_iterator(first), counts).base();
+    return text.mid(first - text.begin(), last - first);
+}
+
+void refuse(const QString &text) { Application->messageBox(text, QStringLiteral("详细："), mbIconWarning); }
+
+/// Whether a character parts two numbers on one line of a sheet or of a message.
+bool isSeparator(QChar character) { return QStringView(u"\t ,;，；、　").contains(character) || character == QChar::Nbsp; }
+
+bool isInvisible(QChar character) { return QStringView(u"\u200B\u200C\u200D\u2060\uFEFF").contains(character); }
+
+/// A number a line, with plain digits and without what programs hide in a copied text.
+QString numbersByLine(const QString &text)
+{
+    QString lines;
+    bool parted = false;
+    for (const QChar character : text) {
+        if (isInvisible(character))
+            continue;
+        if (isSeparator(character)) {
+            parted = true;
+            continue;
+        }
+        if (parted && !lines.isEmpty() && !lines.endsWith(u'\n') && character != u'\n' && character != u'\r')
+            lines += u'\n';
+        parted = false;
+        const bool fullWidth = character >= u'！' && character <= u'～';
+        lines += fullWidth ? QChar(char16_t(character.unicode() - u'！' + u'!')) : character;
+    }
+    return lines;
+}
+
+} // namespace
+
+BillMemo::BillMemo(QWidget *parent)
+    : QPlainTextEdit(parent)
+{
+    setInputMethodHints(Qt::ImhLatinOnly | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase);
+    setLineWrapMode(NoWrap);
+    setTabChangesFocus(true);
+    setFocusPolicy(Qt::ClickFocus);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+}
+
+QStringList BillMemo::lines() const
+{
+    QStringList all = toPlainText().split(u'\n');
+    if (all.last().isEmpty())
+        all.removeLast();
+    return all;
+}
+
+void BillMemo::insertFromMimeData(const QMimeData *source)
+{
+    if (source->hasText())
+        insertPlainText(numbersByLine(source->text()));
+    ensureCursorVisible();
+}
+
+TInputList::TInputList()
+{
+    setFixedWidth(frameWidth);
+    CheckBox1->setText(QStringLiteral("按单号查询"));
+    CheckBox1->setFocusPolicy(Qt::ClickFocus);
+    SpeedButton1->setText(QStringLiteral("清空"));
+    SpeedButton1->setAutoRaise(true);
+    SpeedButton1->setFocusPolicy(Qt::NoFocus);
+    Memo1->setPlaceholderText(QStringLiteral("每行一个运单编号"));
+
+    auto *head = new QHBoxLayout(Panel1);
+    head->setContentsMargins(0, 0, 0, 0);
+    head->setSpacing(0);
+    head->addWidget(CheckBox1, 1);
+    head->addWidget(SpeedButton1);
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins(4, 4, 0, 4);
+    layout->setSpacing(2);
+    layout->addWidget(Panel1);
+    layout->addWidget(Memo1, 1);
+    handle(SpeedButton1, &QToolButton::clicked, this, &TInputList::SpeedButton1Click);
+}
+
+void TInputList::GetBillList(QString &BillList)
+{
+    BillList.clear();
+    if (trimmed(Memo1->toPlainText()).isEmpty())
+        return refuse(QStringLiteral("详细：没有输入任何运单编号！"));
+    const QStringList lines = Memo1->lines();
+    if (lines.size() > mostLines)
+        return refuse(QStringLiteral("详细：您输入了\"%1\"个单号，最多只能输入\"%2\"个单号！").arg(lines.size()).arg(mostLines));
+    QStringList numbers;
+    for (const QString &line : lines)
+        numbers.prepend(trimmed(line));
+    BillList = u"('" + numbers.join(QStringLiteral("','")) + u"')";
+}
+
+void TInputList::SpeedButton1Click() { Memo1->clear(); }

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/toolkit/form.h"
+
+#include <QCheckBox>
+#include <QFrame>
+#include <QPlainTextEdit>
+#include <QToolButton>
+
+/// A text box for waybill numbers, one a line. What is pasted from a sheet or a message falls into lines; an input method for Han
+/// text is not wanted in it.
+class BillMemo : public QPlainTextEdit {
+    Q_OBJECT
+
+public:
+    explicit BillMemo(QWidget *parent = nullptr);
+    /// The lines as they stand; an empty one behind the last line break is none.
+    QStringList lines() const;
+
+protected:
+    void insertFromMimeData(const QMimeData *source) override;
+};
+
+/// The waybill numbers by which a screen queries instead of by its other conditions.
+class TInputList : public TFrame {
+    Q_OBJECT
+
+public:
+    TInputList();
+
+    PUBLISHED(QFrame, Panel1);
+    PUBLISHED(QCheckBox, CheckBox1);
+    PUBLISHED(BillMemo, Memo1);
+    PUBLISHED(QToolButton, SpeedButton1);
+
+    /// The numbers as the list of an IN condition, the last line first; "" when the screen must not query, which the user has
+    /// been told.
+    void GetBillList(QString &BillList);
+
+private:
+    void SpeedButton1Click();
+};
