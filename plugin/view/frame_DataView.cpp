@@ -37,6 +37,7 @@ TDataView::TDataView()
     Panel1->setFixedHeight(16);
     Panel1->hide();
 
+    DataViewPrint->setDBGridEh(DataViewGrid);
     DataViewGrid->setDataSource(DS);
     DataViewGrid->setFooterRowCount(2);
     DataViewGrid->setFooterColor(QColor::fromRgba(footerColor));

@@ -2,6 +2,7 @@
 
 #include "platform/dataset/data_source.h"
 #include "platform/grid/db_grid.h"
+#include "platform/report/print_db_grid.h"
 #include "platform/toolkit/form.h"
 #include "plugin/view/grid_columns.h"
 
@@ -21,6 +22,7 @@ public:
 
     PUBLISHED(TDBGridEh, DataViewGrid);
     PUBLISHED(QLabel, Panel1); ///< a line about the table below it; hidden by design
+    PUBLISHED(TPrintDBGridEh, DataViewPrint); ///< screens set its page header: the report's title
     PUBLISHED(TDataSource, DS);
     bool Striped = true;
 

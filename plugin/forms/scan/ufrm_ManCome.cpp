@@ -1,5 +1,7 @@
 #include "plugin/forms/scan/ufrm_ManCome.h"
 
+#include <QAbstractItemView>
+
 Tfrm_Basic *frm_ManCome = nullptr;
 
 namespace {
@@ -19,6 +21,8 @@ const GridColumns detailColumns = scanDetailColumns(u"上一网点");
 Tfrm_ManCome::Tfrm_ManCome(TComponentOwner *owner)
     : ManStatistics(owner, QStringLiteral("frm_ManCome"), u"扫描员到件统计")
 {
+    DBComboBoxEh1->setMaxVisibleItems(20);
+    DBComboBoxEh1->view()->setMinimumWidth(300);
     design(
         {
             row(u"片区名称", DBComboBoxEh1),

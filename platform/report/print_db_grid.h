@@ -1,0 +1,47 @@
+#pragma once
+
+#include "platform/grid/db_grid.h"
+
+#include <QFont>
+#include <QMarginsF>
+#include <QObject>
+#include <QPointer>
+
+enum class PrintLine { None, Single };
+
+/// What stands above or below the rows of every printed page.
+struct PrintBand {
+    QString left {}; ///< [PAGE#] and [TOTALPAGES] are replaced, and so are [DATE] and [TIME]
+    QString centre {};
+    QString right {};
+    QFont font {};
+    PrintLine line = PrintLine::Single; ///< between the band and the rows
+};
+
+/// Prints a grid as it stands on the screen: its visible columns in their order, sort, footers, colours and ticks, on as many
+/// pages as it takes, scaled to the width of the page, with the titles on each.
+class TPrintDBGridEh : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TPrintDBGridEh(QObject *parent = nullptr);
+
+    TDBGridEh *dbGridEh() const { return m_grid; }
+    void setDBGridEh(TDBGridEh *grid) { m_grid = grid; }
+
+    /// In millimetres, within what the printer can reach.
+    const QMarginsF &margins() const { return m_margins; }
+    void setMargins(const QMarginsF &margins) { m_margins = margins; }
+    PrintBand &pageHeader() { return m_header; }
+    PrintBand &pageFooter() { return m_footer; }
+    /// Stands above the titles of the first page, and names the print job; "" leaves it out.
+    const QString &title() const { return m_title; }
+    void setTitle(const QString &title) { m_title = title; }
+
+private:
+    QPointer<TDBGridEh> m_grid;
+    QMarginsF m_margins { 2.0, 2.0, 2.0, 2.0 };
+    PrintBand m_header;
+    PrintBand m_footer;
+    QString m_title;
+};
