@@ -2,12 +2,9 @@
 
 #include "platform/dataset/client_data_set.h"
 #include "tests/support/packets.h"
+#include "tests/support/print_qstring.h"
 
 #include <gmock/gmock.h>
-
-#include <ostream>
-
-inline void PrintTo(const QString &text, std::ostream *out) { *out << '"' << text.toStdString() << '"'; }
 
 /// The shown texts of a column, joined with "|".
 inline QString shown(const TDataSet &dataSet, QStringView fieldName)

@@ -18,7 +18,7 @@ QString ClientProcess::database()
     static const QString path = [] {
         const QString file = directory.filePath(QStringLiteral("演示.db"));
         const int result = QProcess::execute(program("kelvara-demo"),
-            { QStringLiteral("--waybills"), QStringLiteral("6000"), QStringLiteral("--as-of"), now(), QStringLiteral("--seed"),
+            { QStringLiteral("--waybills"), QStringLiteral("20000"), QStringLiteral("--as-of"), now(), QStringLiteral("--seed"),
                 QStringLiteral("7"), file });
         EXPECT_EQ(result, 0);
         return file;

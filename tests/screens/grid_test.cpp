@@ -1,8 +1,6 @@
 // What every grid does, on the screen that compares scans: sorting, footers, colours, copying and the layout that stays.
 
-#include "tests/screens/client_process.h"
-
-#include <gtest/gtest.h>
+#include "tests/screens/screen_test.h"
 
 #include <QFile>
 
@@ -10,31 +8,20 @@
 
 namespace {
 
-class ScreenGrid : public testing::Test {
+class ScreenGrid : public ScreenTest {
 protected:
-    ScreenGrid() { open(); }
-
-    void open()
+    ScreenGrid()
+        : ScreenTest(QStringLiteral("frm_ScanContrast"))
     {
-        m_client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QStringLiteral("frm_ScanContrast101") } });
-        m_client.obey(QStringLiteral("query"));
+        query();
     }
+
     QJsonObject ask(const QString &what, QJsonObject arguments = {})
     {
         arguments[u"view"] = QStringLiteral("DataView1");
         return m_client.obey(what, arguments);
     }
-    QStringList column(const QString &field)
-    {
-        const QJsonArray columns = ask(QStringLiteral("columns"))[u"columns"].toArray();
-        int wanted = 0;
-        while (wanted < columns.size() && columns[wanted][u"field"].toString() != field)
-            ++wanted;
-        QStringList texts;
-        for (const QJsonValue &row : ask(QStringLiteral("rows"))[u"rows"].toArray())
-            texts.append(row[wanted].toString());
-        return texts;
-    }
+    QStringList column(const QString &field) { return ScreenTest::column(QStringLiteral("DataView1"), field); }
     void title(const QString &field, const QString &modifiers = {})
     {
         ask(QStringLiteral("title"), { { QStringLiteral("field"), field }, { QStringLiteral("modifiers"), modifiers } });
@@ -49,8 +36,6 @@ protected:
         m_client.obey(QStringLiteral("key"),
             { { QStringLiteral("control"), QStringLiteral("DataView1.DataViewGrid") }, { QStringLiteral("key"), keys } });
     }
-
-    ClientProcess m_client;
 };
 
 TEST_F(ScreenGrid, MarksSortByOneColumnByTwoAndGiveTheServersOrderBack)
@@ -130,7 +115,7 @@ TEST_F(ScreenGrid, ALayoutOfAnEarlierSessionComesBack)
     file.write("[frm_ScanContrast.DataView1.DataViewGrid]\nFieldIndex=WEIGHT;BILL_CODE;\nWEIGHT=99\nBILL_CODE=0\n"
                "[frm_ScanContrast.DataView1.DataViewGrid.Arrangement]\nHidden=SCAN_SITE;\nFrozen=1\n");
     file.close();
-    open();
+    m_client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QStringLiteral("frm_ScanContrast101") } });
     const QJsonArray columns = ask(QStringLiteral("columns"))[u"columns"].toArray();
     EXPECT_EQ(columns[0][u"field"].toString(), QStringLiteral("WEIGHT"));
     EXPECT_EQ(columns[0][u"width"].toInt(), 99);

@@ -1,6 +1,4 @@
-#include "tests/screens/client_process.h"
-
-#include <gtest/gtest.h>
+#include "tests/screens/screen_test.h"
 
 namespace {
 
@@ -35,49 +33,12 @@ QStringList statements(const QString &S, const QString &HS, const QString &MS, c
 const QString come = QStringLiteral("TAB_SCAN_COME");
 const QString comeRange = QStringLiteral("TAB_SCAN_COME_I3");
 
-class ScanContrast : public testing::Test {
+class ScanContrast : public ScreenTest {
 protected:
     ScanContrast()
+        : ScreenTest(QStringLiteral("frm_ScanContrast"))
     {
-        const QJsonObject opened
-            = m_client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QStringLiteral("frm_ScanContrast101") } });
-        EXPECT_EQ(opened[u"form"].toString(), QStringLiteral("frm_ScanContrast"));
     }
-
-    QStringList query()
-    {
-        m_client.events();
-        m_client.obey(QStringLiteral("query"));
-        m_events = m_client.events();
-        QStringList sent;
-        for (const QJsonValue &event : m_events)
-            if (event[u"event"].toString() == u"statement")
-                sent.append(event[u"sql"].toString());
-        return sent;
-    }
-    /// The particulars of the last query's events of a kind, joined.
-    QStringList happened(const QString &kind, const QStringList &particulars) const
-    {
-        QStringList lines;
-        for (const QJsonValue &event : m_events) {
-            if (event[u"event"].toString() != kind)
-                continue;
-            QStringList values;
-            for (const QString &particular : particulars)
-                values.append(event[particular].toVariant().toString());
-            lines.append(values.join(u'|'));
-        }
-        return lines;
-    }
-    QJsonObject rows(const QString &view) { return m_client.obey(QStringLiteral("rows"), { { QStringLiteral("view"), view } }); }
-    int rowCount(const QString &view) { return rows(view)[u"total"].toInt(); }
-    void tick(const QString &control, bool checked)
-    {
-        m_client.obey(QStringLiteral("set"), { { QStringLiteral("control"), control }, { QStringLiteral("checked"), checked } });
-    }
-
-    ClientProcess m_client;
-    QJsonArray m_events;
 };
 
 TEST_F(ScanContrast, OpensWithANoonToNoonDayAndTheLoginSite)
@@ -231,16 +192,13 @@ TEST_F(ScanContrast, RefusesWithTextTitleAndFocusAndShowsTheFirstPage)
         tick(QStringLiteral("CheckBox1"), refusal.comparing);
         m_client.obey(QStringLiteral("page"), { { QStringLiteral("control"), QStringLiteral("TabSheet3") } });
         EXPECT_EQ(query(), QStringList()) << refusal.control;
-        EXPECT_EQ(happened(QStringLiteral("message"), { QStringLiteral("text"), QStringLiteral("title"), QStringLiteral("flags") }),
-            QStringList(QString::fromUtf16(refusal.message)));
+        EXPECT_EQ(messages(), QStringList(QString::fromUtf16(refusal.message)));
         QStringList focused { QStringLiteral("WorkPanel1") };
         if (*refusal.focus)
             focused.append(QString::fromLatin1(refusal.focus));
         EXPECT_EQ(happened(QStringLiteral("focus"), { QStringLiteral("control") }), focused);
         EXPECT_EQ(happened(QStringLiteral("cursor"), { QStringLiteral("number") }).last(), QStringLiteral("0"));
-        EXPECT_EQ(
-            m_client.obey(QStringLiteral("get"), { { QStringLiteral("control"), QStringLiteral("PageControl1") } })[u"itemIndex"].toInt(),
-            0);
+        EXPECT_EQ(pageIndex(), 0);
         tick(QStringLiteral("CheckBox1"), true);
         m_client.set(control, before);
     }
