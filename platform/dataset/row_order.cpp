@@ -1,111 +1,24 @@
 #include "platform/dataset/row_order.h"
 
+#include "platform/dataset/text_order.h"
+
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <limits>
 #include <numeric>
+#include <optional>
 
 using packet::ColumnType;
 
 namespace {
 
-struct Entry {
-    std::uint64_t key;
-    std::uint32_t item;
-};
-
-/// A stable radix sort that passes over the bytes only in which the keys differ.
-void sortByKey(std::vector<Entry> &entries)
+std::vector<std::string_view> textsOf(const RowOverlay &rows, std::size_t column, const Places &order)
 {
-    if (entries.size() < 512) {
-        std::ranges::stable_sort(entries, {}, &Entry::key);
-        return;
-    }
-    std::uint64_t differing = 0;
-    for (const Entry &entry : entries)
-        differing |= entry.key ^ entries.front().key;
-    std::vector<Entry> sorted(entries.size());
-    for (int shift = 0; shift < 64; shift += 8) {
-        if ((differing >> shift & 0xFF) == 0)
-            continue;
-        std::array<std::uint32_t, 256> starts {};
-        for (const Entry &entry : entries)
-            ++starts[entry.key >> shift & 0xFF];
-        std::exclusive_scan(starts.begin(), starts.end(), starts.begin(), 0U);
-        for (const Entry &entry : entries)
-            sorted[starts[entry.key >> shift & 0xFF]++] = entry;
-        entries.swap(sorted);
-    }
-}
-
-/// The 8 bytes of a text from `skip` on as a number that orders like them.
-std::uint64_t prefixKey(std::string_view text, std::size_t skip)
-{
-    std::uint64_t key = 0;
-    if (skip < text.size())
-        std::memcpy(&key, text.data() + skip, std::min<std::size_t>(text.size() - skip, sizeof key));
-    if constexpr (std::endian::native == std::endian::little)
-        key = __builtin_bswap64(key);
-    return key;
-}
-
-std::size_t commonPrefix(std::span<const std::string_view> texts, std::span<const Entry> entries, std::size_t skip)
-{
-    const std::string_view first = texts[entries.front().item];
-    std::size_t common = first.size();
-    for (const Entry &entry : entries) {
-        const std::string_view text = texts[entry.item];
-        common = std::min(common, text.size());
-        common = std::size_t(std::mismatch(first.begin() + std::ptrdiff_t(std::min(skip, common)), first.begin() + std::ptrdiff_t(common),
-                                 text.begin() + std::ptrdiff_t(std::min(skip, common)))
-                                 .first
-            - first.begin());
-    }
-    return common;
-}
-
-/// Sorts by code point: by the 8 bytes behind what all texts share, then within the runs that are still equal.
-void sortTexts(std::span<const std::string_view> texts, std::span<Entry> run, std::size_t skip)
-{
-    if (run.size() < 64) {
-        std::ranges::stable_sort(run, {}, [&](const Entry &entry) { return texts[entry.item]; });
-        return;
-    }
-    skip = commonPrefix(texts, run, skip);
-    std::vector<Entry> entries(run.begin(), run.end());
-    for (Entry &entry : entries)
-        entry.key = prefixKey(texts[entry.item], skip);
-    sortByKey(entries);
-    std::ranges::copy(entries, run.begin());
-    for (std::size_t start = 0, end = 0; start < run.size(); start = end) {
-        bool longer = false;
-        for (end = start; end < run.size() && entries[end].key == entries[start].key; ++end)
-            longer = longer || texts[entries[end].item].size() > skip + sizeof(std::uint64_t);
-        if (longer && end - start > 1)
-            sortTexts(texts, run.subspan(start, end - start), skip + sizeof(std::uint64_t));
-    }
-}
-
-/// Dense ranks of items that stand in sorted order.
-template <class Equal>
-std::vector<std::uint32_t> denseRanks(const std::vector<Entry> &sorted, Equal equal)
-{
-    std::vector<std::uint32_t> ranks(sorted.size());
-    std::uint32_t rank = 0;
-    for (std::size_t at = 1; at < sorted.size(); ++at) {
-        rank += equal(sorted[at - 1], sorted[at]) ? 0 : 1;
-        ranks[sorted[at].item] = rank;
-    }
-    return ranks;
-}
-
-std::vector<Entry> numbered(std::size_t count)
-{
-    std::vector<Entry> entries(count);
-    for (std::size_t item = 0; item < count; ++item)
-        entries[item] = { 0, std::uint32_t(item) };
-    return entries;
+    std::vector<std::string_view> texts;
+    texts.reserve(order.size());
+    for (const std::uint32_t row : order)
+        texts.push_back(rows.text(column, row));
+    return texts;
 }
 
 constexpr std::uint64_t signBit = std::uint64_t(1) << 63;
@@ -131,17 +44,18 @@ std::optional<std::int64_t> unitsAt(packet::Decimal number, int scale)
     return std::int64_t(units);
 }
 
-/// Gives the entries of rows keys that order like their values in one column, 0 for null.
+/// Makes keys that order like the values of rows in one column, 0 for null.
 class ColumnKeys {
 public:
-    ColumnKeys(const RowOverlay &rows, std::size_t column, std::vector<Entry> &entries)
+    ColumnKeys(const RowOverlay &rows, std::size_t column, const Places &order)
         : m_rows(rows)
         , m_column(column)
-        , m_entries(entries)
+        , m_order(order)
     {
+        m_keys.values.resize(order.size());
     }
 
-    void fill()
+    OrderKeys take()
     {
         const packet::Field &field = m_rows.packet().schema()[m_column];
         if (field.type == ColumnType::Text && field.dictionary && m_rows.isPlain())
@@ -152,16 +66,30 @@ public:
             fillWith([&](std::uint32_t row) { return integerKey(m_rows.seconds(m_column, row)); });
         else if (field.type == ColumnType::Float64)
             fillWith([&](std::uint32_t row) { return realKey(m_rows.real(m_column, row)); });
-        else if (!fillNumbers(field.scale))
+        else if (!fillPlainNumbers(field.scale) && !fillNumbers(field.scale))
             fillDecimals();
+        m_keys.startAtOne();
+        return std::move(m_keys);
     }
 
 private:
     template <class Key>
     void fillWith(Key key)
     {
-        for (Entry &entry : m_entries)
-            entry.key = m_rows.isNull(m_column, entry.item) ? 0 : key(entry.item);
+        for (std::size_t at = 0; at < m_order.size(); ++at)
+            m_keys.values[at] = m_rows.isNull(m_column, m_order[at]) ? 0 : key(m_order[at]);
+    }
+
+    /// From the packet alone: `key` takes a chunk and a row in it.
+    template <class Key>
+    void fillFromPacket(Key key)
+    {
+        const packet::Packet &packet = m_rows.packet();
+        for (std::size_t at = 0; at < m_order.size(); ++at) {
+            const packet::Chunk &chunk = packet.chunk(m_column, m_order[at]);
+            const std::size_t row = m_order[at] % packet::Packet::blockRows;
+            m_keys.values[at] = chunk.isNull(row) ? 0 : key(chunk, row);
+        }
     }
 
     void fillFromDictionary(const packet::Dictionary &dictionary)
@@ -170,22 +98,28 @@ private:
         for (std::size_t index = 0; index < texts.size(); ++index)
             texts[index] = dictionary.at(index);
         const auto ranks = rankTexts(texts);
-        const packet::Packet &packet = m_rows.packet();
-        for (Entry &entry : m_entries) {
-            const packet::Chunk &chunk = packet.chunk(m_column, entry.item);
-            const std::size_t row = entry.item % packet::Packet::blockRows;
-            entry.key = chunk.isNull(row) ? 0 : ranks[chunk.index(row)] + 1;
-        }
+        fillFromPacket([&](const packet::Chunk &chunk, std::size_t row) { return ranks[chunk.index(row)] + 1; });
     }
 
     void fillTexts()
     {
-        std::vector<std::string_view> texts(m_entries.size());
-        for (std::size_t at = 0; at < texts.size(); ++at)
-            texts[at] = m_rows.text(m_column, m_entries[at].item);
+        const auto texts = textsOf(m_rows, m_column, m_order);
         const auto ranks = rankTexts(texts);
         for (std::size_t at = 0; at < texts.size(); ++at)
-            m_entries[at].key = texts[at].empty() ? 0 : ranks[at] + 1;
+            m_keys.values[at] = texts[at].empty() ? 0 : ranks[at] + 1;
+    }
+
+    /// Unedited integers that all have the column's scale already; false when there are others.
+    bool fillPlainNumbers(int scale)
+    {
+        const auto fits = [&](const packet::Block &block) {
+            const packet::Chunk &chunk = block.columns[m_column];
+            return chunk.width == sizeof(std::int64_t) && chunk.scale == scale;
+        };
+        if (!m_rows.isPlain() || !std::ranges::all_of(m_rows.packet().blocks(), fits))
+            return false;
+        fillFromPacket([](const packet::Chunk &chunk, std::size_t row) { return integerKey(chunk.values.as<std::int64_t>()[row]); });
+        return true;
     }
 
     /// Integers at the column's largest scale; false when one of them needs more than 64 bits or, edited, a larger scale.
@@ -202,46 +136,80 @@ private:
 
     void fillDecimals()
     {
-        std::vector<packet::Decimal> numbers(m_entries.size());
+        std::vector<packet::Decimal> numbers(m_order.size());
         for (std::size_t at = 0; at < numbers.size(); ++at)
-            numbers[at] = m_rows.decimal(m_column, m_entries[at].item);
-        std::vector<Entry> sorted = numbered(numbers.size());
-        std::ranges::stable_sort(sorted, {}, [&](const Entry &entry) { return numbers[entry.item]; });
-        const auto ranks
-            = denseRanks(sorted, [&](const Entry &left, const Entry &right) { return numbers[left.item] == numbers[right.item]; });
-        for (std::size_t at = 0; at < numbers.size(); ++at)
-            m_entries[at].key = m_rows.isNull(m_column, m_entries[at].item) ? 0 : ranks[at] + 1;
+            numbers[at] = m_rows.decimal(m_column, m_order[at]);
+        Places places(numbers.size());
+        std::iota(places.begin(), places.end(), 0U);
+        std::ranges::stable_sort(places, {}, [&](std::uint32_t place) { return numbers[place]; });
+        std::uint64_t rank = 1;
+        for (std::size_t at = 0; at < places.size(); ++at) {
+            rank += at > 0 && numbers[places[at]] != numbers[places[at - 1]];
+            m_keys.values[places[at]] = m_rows.isNull(m_column, m_order[places[at]]) ? 0 : rank;
+        }
     }
 
     const RowOverlay &m_rows;
     std::size_t m_column;
-    std::vector<Entry> &m_entries;
+    const Places &m_order;
+    OrderKeys m_keys;
 };
+
+/// The order of rows by the plain texts of one column, without ranks in between.
+Places placesByText(const RowOverlay &rows, const OrderKey &key, const Places &order)
+{
+    const auto texts = textsOf(rows, key.column, order);
+    TextOrder sorted(texts);
+    if (!key.descending)
+        return std::move(sorted.places);
+    Places descending;
+    descending.reserve(order.size());
+    for (std::size_t end = order.size(), begin = end; end > 0; end = begin) {
+        do
+            --begin;
+        while (begin > 0 && !sorted.isNew[begin]);
+        descending.insert(descending.end(), sorted.places.begin() + std::ptrdiff_t(begin), sorted.places.begin() + std::ptrdiff_t(end));
+    }
+    return descending;
+}
+
+Places placesByKeys(const RowOverlay &rows, std::span<const OrderKey> keys, const Places &order)
+{
+    OrderKeys combined { std::vector<std::uint64_t>(order.size()), 0 };
+    for (const OrderKey &key : keys) {
+        OrderKeys next = ColumnKeys(rows, key.column, order).take();
+        if (key.descending)
+            next.reverse();
+        if (combined.bits == 0)
+            combined = std::move(next);
+        else
+            combined.refine(std::move(next));
+    }
+    return combined.sortedPlaces();
+}
 
 } // namespace
 
 std::vector<std::uint32_t> rankTexts(std::span<const std::string_view> texts)
 {
-    std::vector<Entry> sorted = numbered(texts.size());
-    sortTexts(texts, sorted, 0);
-    // Equal texts have come through the same runs and so carry the same key.
-    return denseRanks(
-        sorted, [&](const Entry &left, const Entry &right) { return left.key == right.key && texts[left.item] == texts[right.item]; });
+    const TextOrder order(texts);
+    Places ranks(texts.size());
+    std::uint32_t rank = 0;
+    for (std::size_t at = 0; at < ranks.size(); ++at) {
+        rank += at > 0 && order.isNew[at];
+        ranks[order.places[at]] = rank;
+    }
+    return ranks;
 }
 
 void orderRows(const RowOverlay &rows, std::span<const OrderKey> keys, std::vector<std::uint32_t> &order)
 {
-    std::vector<Entry> entries(order.size());
-    for (std::size_t at = 0; at < order.size(); ++at)
-        entries[at].item = order[at];
-    for (std::size_t key = keys.size(); key-- > 0;) {
-        ColumnKeys(rows, keys[key].column, entries).fill();
-        if (keys[key].descending) {
-            for (Entry &entry : entries)
-                entry.key = ~entry.key;
-        }
-        sortByKey(entries);
-    }
-    for (std::size_t at = 0; at < order.size(); ++at)
-        order[at] = entries[at].item;
+    if (keys.empty())
+        return;
+    const packet::Field &first = rows.packet().schema()[keys.front().column];
+    const bool byText = keys.size() == 1 && first.type == ColumnType::Text && !(first.dictionary && rows.isPlain());
+    Places places = byText ? placesByText(rows, keys.front(), order) : placesByKeys(rows, keys, order);
+    for (std::uint32_t &place : places)
+        place = order[place];
+    order = std::move(places);
 }

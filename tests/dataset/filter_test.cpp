@@ -27,6 +27,7 @@ constexpr Case cases[] = {
     { u"type like '_省'", u"A1|A2|b1" },
     { u"type like '%0\u0025'", u"O'x" },
     { u"code like '%1%' and not code like 'A%'", u"B1|b1" },
+    { u"code like '%1A%' or code like '%1B%'", u"" },
     { u"code not like '%1'", u"A2|O'x" },
     { u"type is null", u"B1" },
     { u"not type is not null", u"B1" },

@@ -1,6 +1,7 @@
 #include "tests/dataset/rows.h"
 
 #include <algorithm>
+#include <numeric>
 #include <random>
 
 namespace {
@@ -112,10 +113,40 @@ TEST(Order, ManyRowsSortAsTheStandardLibraryDoes)
     };
     sortBy(dataSet, QStringLiteral("TEXT"));
     check([&](std::size_t left, std::size_t right) { return rows[left].text < rows[right].text; });
+    sortBy(dataSet, QStringLiteral("TEXT"), QStringLiteral("TEXT"));
+    check([&](std::size_t left, std::size_t right) { return rows[left].text > rows[right].text; });
     sortBy(dataSet, QStringLiteral("FEE;TEXT"), QStringLiteral("FEE"));
     check([&](std::size_t left, std::size_t right) {
         return std::tuple(-rows[left].number, rows[left].text) < std::tuple(-rows[right].number, rows[right].text);
     });
+}
+
+TEST(Order, KeysOfAnyWidthCombine)
+{
+    std::mt19937_64 random(11);
+    constexpr int count = 3'000;
+    std::vector<std::array<std::int64_t, 3>> rows;
+    std::string table = "WIDE:integer,FEW:integer,REAL:float,ROW:integer\n";
+    for (int row = 0; row < count; ++row) {
+        const auto wide = std::int64_t(random()) >> (row % 2 ? 0 : 40) | 1;
+        rows.push_back({ wide, std::int64_t(random() % 3), std::int64_t(random() % 200'000) - 100'000 });
+        for (const std::int64_t value : rows.back())
+            table += std::to_string(value) + ',';
+        table += std::to_string(row) + '\n';
+    }
+    TCustomClientDataSet dataSet;
+    dataSet.setData(packetOf(table));
+    sortBy(dataSet, QStringLiteral("FEW;REAL;WIDE"), QStringLiteral("REAL"));
+    std::vector<std::size_t> expected(count);
+    std::iota(expected.begin(), expected.end(), 0U);
+    std::ranges::stable_sort(expected, {}, [&](std::size_t row) { return std::tuple(rows[row][1], -rows[row][2], rows[row][0]); });
+    for (int row = 0; row < count; ++row)
+        ASSERT_EQ(dataSet.text(3, row).toStdString(), std::to_string(expected[std::size_t(row)])) << row;
+    sortBy(dataSet, QStringLiteral("WIDE;REAL"), QStringLiteral("WIDE"));
+    std::iota(expected.begin(), expected.end(), 0U);
+    std::ranges::stable_sort(expected, std::greater(), [&](std::size_t row) { return rows[row][0]; });
+    for (int row = 0; row < count; ++row)
+        ASSERT_EQ(dataSet.text(0, row).toStdString(), std::to_string(rows[expected[std::size_t(row)]][0])) << row;
 }
 
 TEST(Order, NumbersBeyond64BitsStillSort)
