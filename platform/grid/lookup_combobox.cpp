@@ -69,6 +69,7 @@ void TDBLookupComboboxEh::openWholeList()
     const LookupMatches found = matches(*dataSet);
     std::vector<int> rows(std::size_t(dataSet->recordCount()));
     std::iota(rows.begin(), rows.end(), 0);
+    sortByReading(*dataSet, dataSet->fieldByName(m_listField)->index(), rows);
     showList(dataSet, std::move(rows), found.rows.empty() ? -1 : found.rows.front());
 }
 

@@ -61,14 +61,14 @@ TEST_F(Lookup, TypingNarrowsTheListByCodeAndByAnyPartOfTheNameTheExactOneFirst)
         const char *typed;
         QStringList names;
     } cases[] = {
-        { "京", { QStringLiteral("北京朝阳"), QStringLiteral("北京"), QStringLiteral("南京1001") } },
+        { "京", { QStringLiteral("北京"), QStringLiteral("北京朝阳"), QStringLiteral("南京1001") } },
         { "北京", { QStringLiteral("北京"), QStringLiteral("北京朝阳") } },
         { " 北京 ", { QStringLiteral("北京"), QStringLiteral("北京朝阳") } },
         { "1001", { QStringLiteral("北京朝阳"), QStringLiteral("南京1001") } },
         { "南", { QStringLiteral("南京1001"), QStringLiteral("上海南浦") } },
         { "001", { QStringLiteral("南京1001") } },
         { "B3", { QStringLiteral("南京1001"), QStringLiteral("Beijing") } },
-        { "bei", { QStringLiteral("Beijing") } },
+        { "bei", { QStringLiteral("Beijing"), QStringLiteral("北京"), QStringLiteral("北京朝阳") } },
         { "总部", {} },
         { "没有", {} },
     };
@@ -80,6 +80,71 @@ TEST_F(Lookup, TypingNarrowsTheListByCodeAndByAnyPartOfTheNameTheExactOneFirst)
     }
     EXPECT_EQ(QApplication::focusWidget(), edit);
     EXPECT_EQ(exits.count(), 0);
+}
+
+TEST_F(Lookup, TypingPinyinFindsNamesByInitialsAndSyllablesTheBetterRankFirst)
+{
+    sites.setData(packetOf("SITE_CODE:text,SITE_NAME:text\n"
+                           "010,北京市内部\n023,重庆\n0731,长沙岳麓\n0592,厦门（思明）\n0712,绿园\n0713,张江中心\n"
+                           "029,西安\n0564,六安\n0530,单县\n020,番禺B区\n0796,吉安\n0358,吕梁\nzc,郑州\nA1,北海 x1\n"));
+    const struct {
+        const char *typed;
+        const char *names;
+    } cases[] = {
+        { "bjsnb", "北京市内部" },
+        { "beijsnb", "北京市内部" },
+        { "BeiJing", "北京市内部" },
+        { "bei jing", "北京市内部" },
+        { "bei", "北海 x1|北京市内部" },
+        { "bejing", "" },
+        { "jsnb", "北京市内部" },
+        { "bjn", "" },
+        { "cq", "重庆" },
+        { "chq", "重庆" },
+        { "zhongqing", "重庆" },
+        { "cs", "长沙岳麓" },
+        { "zhs", "长沙岳麓" },
+        { "xm", "厦门（思明）" },
+        { "smsm", "厦门（思明）" },
+        { "xiamensi", "厦门（思明）" },
+        { "lv", "吕梁|绿园" },
+        { "luyuan", "绿园" },
+        { "lvy", "绿园" },
+        { "zjzhx", "张江中心" },
+        { "zjzx", "张江中心" },
+        { "xian", "西安|单县" },
+        { "la", "六安" },
+        { "liua", "六安" },
+        { "shx", "单县" },
+        { "dx", "单县" },
+        { "pyb", "番禺B区" },
+        { "bqu", "番禺B区" },
+        { "bhx1", "北海 x1" },
+        { "bhai1", "" },
+        { "zc", "郑州" },
+        { "an", "吉安|六安|西安" },
+        { "z", "郑州|长沙岳麓|重庆|张江中心" },
+        { "0", "北京市内部|长沙岳麓|重庆|吉安|六安|吕梁|绿园|番禺B区|单县|西安|厦门（思明）|张江中心" },
+        { "0712", "绿园" },
+        { "bjü", "" },
+    };
+    for (const auto &[typed, names] : cases) {
+        edit->clear();
+        form.type(QString::fromUtf8(typed));
+        EXPECT_EQ(listed().join(u'|'), QString::fromUtf8(names)) << typed;
+    }
+}
+
+TEST_F(Lookup, ScannedCodeTakesItsOwnRowAmongOthersThatBeginSo)
+{
+    sites.setData(packetOf("SITE_CODE:text,SITE_NAME:text\n10012,阿城\n1001,中山\n01001,1001\n10013,1001北\nbj,北京\nx9,bj\n"));
+    const std::pair<const char *, const char *> scans[] = { { "1001", "中山" }, { "10013", "1001北" }, { "bj", "北京" }, { "X9", "bj" } };
+    for (const auto &[code, name] : scans) {
+        edit->clear();
+        form.type(code);
+        form.press(Qt::Key_Return);
+        EXPECT_EQ(edit->text(), QString::fromUtf8(name)) << code;
+    }
 }
 
 TEST_F(Lookup, EnterTakesTheRowAndMovesOnOnlyAtTheNextPress)
@@ -130,14 +195,16 @@ TEST_F(Lookup, TabTakesOnlyARowThatWasWalkedTo)
     form.press(Qt::Key_F4);
     form.press(Qt::Key_Down);
     form.press(Qt::Key_Tab);
-    EXPECT_EQ(edit->text(), QStringLiteral("北京"));
+    EXPECT_EQ(edit->text(), QStringLiteral("北京朝阳"));
     EXPECT_EQ(exits.count(), 2);
 }
 
 TEST_F(Lookup, OpensOnWhatTheTextMeansAndTheEllipsisOnAllRows)
 {
     form.press(Qt::Key_Down, Qt::AltModifier);
-    EXPECT_EQ(listed().size(), 5);
+    const QStringList all { QStringLiteral("Beijing"), QStringLiteral("北京"), QStringLiteral("北京朝阳"), QStringLiteral("南京1001"),
+        QStringLiteral("上海南浦") };
+    EXPECT_EQ(listed(), all);
     form.press(Qt::Key_Return); // no row is current: nothing is taken, and Enter moves on
     EXPECT_EQ(edit->text(), QString());
     EXPECT_THAT(form.keys, ElementsAre(Qt::Key_Return));
@@ -149,8 +216,8 @@ TEST_F(Lookup, OpensOnWhatTheTextMeansAndTheEllipsisOnAllRows)
     edit->closeList(false);
 
     QTest::mouseClick(button(true), Qt::LeftButton);
-    EXPECT_EQ(listed().size(), 5);
-    EXPECT_EQ(table()->currentIndex().row(), 2);
+    EXPECT_EQ(listed(), all);
+    EXPECT_EQ(table()->currentIndex().row(), 4);
     edit->closeList(false);
 
     edit->setText(QStringLiteral("北京"));
@@ -164,7 +231,7 @@ TEST_F(Lookup, ClickTakesTheRow)
     edit->openList();
     const QPoint third = table()->visualRect(table()->model()->index(2, 0)).center();
     QTest::mouseClick(table()->viewport(), Qt::LeftButton, {}, third);
-    EXPECT_EQ(edit->text(), QStringLiteral("上海南浦"));
+    EXPECT_EQ(edit->text(), QStringLiteral("北京朝阳"));
     EXPECT_FALSE(edit->isListOpen());
     EXPECT_EQ(QApplication::focusWidget(), edit);
     EXPECT_EQ(exits.count(), 0);
