@@ -27,6 +27,8 @@ void runInTurn(std::vector<Side> &sides, int rounds)
 {
     for (int round = 0; round < rounds; ++round) {
         for (Side &side : sides) {
+            if (side.prepare)
+                side.prepare();
             const auto start = Clock::now();
             side.work();
             side.milliseconds.push_back(std::chrono::duration<double, std::milli>(Clock::now() - start).count());

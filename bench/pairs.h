@@ -9,6 +9,7 @@ struct Side {
     std::string name;
     std::function<void()> work;
     std::vector<double> milliseconds {};
+    std::function<void()> prepare {}; ///< done before each round, not measured
 };
 
 /// Runs all sides in turn, `rounds` times.

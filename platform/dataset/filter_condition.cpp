@@ -43,6 +43,33 @@ bool isLike(std::string_view text, std::string_view pattern)
     return pattern.find_first_not_of('%', inPattern) == std::string_view::npos;
 }
 
+/// The text that a pattern looks for anywhere, as "%text%" does; "" for other patterns.
+std::string_view partSought(std::string_view pattern)
+{
+    if (pattern.size() < 3 || pattern.front() != '%' || pattern.back() != '%')
+        return {};
+    const std::string_view part = pattern.substr(1, pattern.size() - 2);
+    return part.find_first_of("%_") == std::string_view::npos ? part : std::string_view();
+}
+
+/// Marks the rows of plain text that hold `part`, in one search through the bytes of all rows.
+void markHolders(const packet::Chunk &chunk, std::size_t rows, std::string_view part, bool mark, std::uint8_t *passes)
+{
+    const auto *offsets = chunk.offsets.as<std::uint32_t>();
+    const std::string_view bytes(chunk.values.as<char>(), offsets[rows]);
+    std::fill_n(passes, rows, !mark);
+    std::size_t row = 0;
+    for (std::size_t at = bytes.find(part, offsets[0]); at != std::string_view::npos;) {
+        while (offsets[row + 1] <= at)
+            ++row;
+        const std::size_t end = offsets[row + 1];
+        const bool isInside = at + part.size() <= end;
+        if (isInside)
+            passes[row] = mark;
+        at = bytes.find(part, isInside ? end : at + 1);
+    }
+}
+
 } // namespace
 
 void FilterCondition::addNumber(packet::Decimal number)
@@ -138,6 +165,8 @@ void FilterCondition::evaluateValues(const packet::Packet &packet, std::size_t b
         // What stands in the place of a null is not looked at before it is known to lie within the dictionary.
         if (packet.dictionary(m_column))
             fill([&, table = std::span(m_table)](std::size_t row) { return chunk.index(row) < table.size() && table[chunk.index(row)]; });
+        else if (const auto part = m_test == Test::Like ? partSought(m_texts.front()) : std::string_view(); !part.empty())
+            markHolders(chunk, rows, part, !m_negated, passes);
         else
             fill([&, offsets = chunk.offsets.as<std::uint32_t>(), bytes = chunk.values.as<char>()](std::size_t row) {
                 return passesText({ bytes + offsets[row], offsets[row + 1] - offsets[row] });

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/dataset/client_data_set.h"
+#include "platform/remote/socket_connection.h"
+
+#include <QSqlDatabase>
+#include <QSqlQueryModel>
+
+struct sqlite3;
+
+/// The arrival scans that the benchmarks work on, in a SQLite file: the same rows every time.
+constexpr int scanCount = 1'000'000;
+constexpr auto allScans = "select * from TAB_SCAN_COME";
+
+/// Ends the program with the message.
+[[noreturn]] void failWith(const QString &message);
+
+class Database {
+public:
+    explicit Database(const QString &path);
+    ~Database();
+    Database(const Database &) = delete;
+
+    void run(const QString &sql);
+    sqlite3 *handle() const { return m_handle; }
+
+private:
+    sqlite3 *m_handle = nullptr;
+};
+
+void generateScans(const QString &path);
+
+/// Runs statements through the engine on the file.
+std::shared_ptr<StatementChannel> engineChannel(const QString &path);
+/// Opens the dataset on all scans.
+void load(TClientDataSetEx &dataSet, TSocketConnectionEx &connection);
+
+QSqlDatabase openForModel(const QString &path);
+void load(QSqlQueryModel &model, const QSqlDatabase &database, const QString &statement = QString::fromLatin1(allScans));
