@@ -101,8 +101,8 @@ void TDBGridEh::paintCell(QPainter &painter, int row, int column, const GridColo
         box.setRight(box.right() - buttonWidth);
     }
     paintCellText(painter, box, row, column, parameters);
-    if (focused && hasFocus()) {
-        painter.setPen(colors.accent);
+    if (focused) {
+        painter.setPen(hasFocus() ? colors.accent : colors.frozenLine);
         painter.setBrush(Qt::NoBrush);
         painter.drawRect(cell.adjusted(0, 0, -2, -2));
     }
@@ -122,22 +122,22 @@ void TDBGridEh::paintCellText(QPainter &painter, QRect box, int row, int column,
         style()->drawPrimitive(QStyle::PE_IndicatorItemViewItemCheck, &option, &painter, this);
         return;
     }
-    if (row == m_shownRecord)
+    if (row == m_shownRecord && column == m_currentColumn)
         paintFound(painter, box, column, text, parameters);
     const bool dimmed = !isEnabled() && parameters.textColor != palette().color(QPalette::Text); // the palette's own is dim already
     painter.setPen(dimmed ? blend(parameters.textColor, parameters.background, 0.5) : parameters.textColor);
     m_texts->draw(painter, box, m_columns->alignment(column), parameters.font, text);
 }
 
-/// Marks in the current cell what has been typed to find it.
+/// Marks in the current cell what it was found by.
 void TDBGridEh::paintFound(QPainter &painter, const QRect &box, int column, const QString &text, const CellParameters &parameters) const
 {
-    const qsizetype place = m_finder->typedPlace(column, text);
+    const auto [place, length] = m_finder->foundPlace(column, text);
     const int whole = m_texts->width(parameters.font, text);
     if (place < 0 || whole > box.width())
         return;
     const int before = m_texts->width(parameters.font, text.left(place));
-    const int marked = m_texts->width(parameters.font, text.mid(place, m_finder->typedLength()));
+    const int marked = m_texts->width(parameters.font, text.mid(place, length));
     const QRect area = QStyle::alignedRect(layoutDirection(), m_columns->alignment(column), QSize(whole, box.height()), box);
     painter.fillRect(area.left() + before, box.top() + 2, marked, box.height() - 4, GridColors(palette()).found);
 }

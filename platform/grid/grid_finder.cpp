@@ -109,9 +109,12 @@ void GridFinder::endTyping()
     m_grid.viewport()->update();
 }
 
-qsizetype GridFinder::typedPlace(int column, const QString &text) const
+GridFinder::Place GridFinder::foundPlace(int column, const QString &text) const
 {
-    return isTyping() && column == m_typedColumn ? TextPattern(m_typed).find(text) : -1;
+    const bool wanted = isTyping() || (m_dialog && m_dialog->isVisible());
+    if (!wanted || m_last.text.isEmpty() || (m_last.column >= 0 && m_last.column != column))
+        return {};
+    return { TextPattern(m_last.text, m_last.place, m_last.sensitivity).find(text), m_last.text.size() };
 }
 
 void GridFinder::showTyped(const QString &text, bool found)

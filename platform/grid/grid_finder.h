@@ -25,9 +25,12 @@ public:
     /// Backspace takes a letter back, Escape ends; true when the key was meant for the typed text.
     bool takeKey(const QKeyEvent &event);
     void endTyping();
-    /// Where the typed text stands in a cell's text, -1 when it is not to be marked there.
-    qsizetype typedPlace(int column, const QString &text) const;
-    qsizetype typedLength() const { return m_typed.size(); }
+    /// Where in the current cell's text that stands which is typed or asked for in the dialog.
+    struct Place {
+        qsizetype start = -1; ///< -1: nowhere
+        qsizetype length = 0;
+    };
+    Place foundPlace(int column, const QString &text) const;
 
 private:
     bool moveTo(std::optional<QPoint> cell);
