@@ -1,6 +1,7 @@
 #include "plugin/entry/screens.h"
 
 #include "plugin/forms/scan/ufrm_ManCome.h"
+#include "plugin/forms/scan/ufrm_ManSend.h"
 #include "plugin/forms/scan/ufrm_ScanContrast.h"
 
 #include <algorithm>
@@ -22,7 +23,7 @@ const ScreenEntry screens[] = {
     { u"frm_MonthRecBill", Rights::FromName },
     { u"frm_RecSendContrast", Rights::FromName },
     { u"frm_ManCome", Rights::FromName, &frm_ManCome, create<Tfrm_ManCome> },
-    { u"frm_ManSend", Rights::FromName },
+    { u"frm_ManSend", Rights::FromName, &frm_ManSend, create<Tfrm_ManSend> },
     { u"frm_BillStat", Rights::FromName },
     { u"frm_BJDispFee", Rights::FromName },
     { u"frm_DestQry", Rights::FromName },
