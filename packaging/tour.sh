@@ -19,7 +19,19 @@ JSON
 {"do":"export","view":"$2","file":"$out/scan-contrast-$1.csv"}
 JSON
     done
-    echo '{"do":"quit"}'
+    cat <<JSON
+{"do":"open","screen":"frm_ManCome111"}
+{"do":"query"}
+{"do":"title","view":"DataView2","field":"WEIGHT"}
+{"do":"title","view":"DataView2","field":"WEIGHT"}
+{"do":"screenshot","file":"$out/man-come.png"}
+{"do":"export","view":"DataView2","file":"$out/man-come.csv"}
+{"do":"cell","view":"DataView2","row":0,"field":"BILLCOUNT","doubleClick":true}
+{"do":"screenshot","file":"$out/man-come-detail.png"}
+{"do":"cell","view":"DataView1","row":0,"field":"BILL_CODE","doubleClick":true}
+{"do":"screenshot","file":"$out/waybill-track.png"}
+{"do":"quit"}
+JSON
 }
 
 replies=$(commands | "$@" --automation) || { printf '%s\n' "$replies" >&2; echo "The client ended with an error." >&2; exit 1; }
@@ -27,6 +39,6 @@ if printf '%s\n' "$replies" | grep -F '"ok":false' >&2; then
     echo "The client refused a command." >&2
     exit 1
 fi
-for file in "$out"/scan-contrast-*; do
+for file in "$out"/*.png "$out"/*.csv; do
     printf 'wrote %s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
 done

@@ -1,0 +1,61 @@
+#include "guest/track_query.h"
+#include "guest/track_window.h"
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/handler.h"
+#include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/screen.h"
+
+#include <algorithm>
+#include <memory>
+
+#if defined(_WIN32)
+#define KELVARA_EXPORT extern "C" __declspec(dllexport)
+#define KELVARA_CALL __stdcall
+#else
+#define KELVARA_EXPORT extern "C" __attribute__((visibility("default")))
+#define KELVARA_CALL
+#endif
+
+namespace {
+
+void refuse(const QString &text) { Application->messageBox(u"详细：" + text, QStringLiteral("客户查询"), mbIconWarning); }
+
+void openWindow(const QStringList &bills, QList<TCustomRemoteServer *> servers)
+{
+    if (!Application->mainForm())
+        throw Exception(QStringLiteral("主窗口没有打开，无法显示客户查询。"));
+    servers.removeAll(nullptr);
+    if (servers.isEmpty())
+        return refuse(QStringLiteral("没有连接到应用服务器，请重新登录后再查询！"));
+    const WantedNumbers wanted = wantedNumbers(bills);
+    if (!wanted.refused.isEmpty())
+        refuse(u"这些内容不是运单号，不能查询，请核对：\n" + wanted.refused.join(u'\n'));
+    else if (wanted.numbers.isEmpty())
+        refuse(QStringLiteral("没有运单号，请先选中要查询的运单！"));
+    if (wanted.numbers.isEmpty())
+        return;
+    auto window = std::make_unique<TrackWindow>(Application, wanted.numbers, servers);
+    window->refresh();
+    window.release()->showForm();
+}
+
+const LibraryRegistration registration({ {}, closeTrackWindows });
+
+} // namespace
+
+/// Shows the whole track of each waybill of the list in a window of its own inside the host's main window, and returns while it
+/// stays open. `connections` holds the host's connection and perhaps a second one, asked for what the first does not know; either
+/// may be null. `highest` is the index of the array's last element. The list is copied. Nothing is thrown: what goes wrong is
+/// shown to the user.
+KELVARA_EXPORT void KELVARA_CALL ShowQuestQuery(
+    QStringList *bills, TApplication *application, TScreen *screen, TCustomRemoteServer *const *connections, int highest)
+{
+    guarded([&] {
+        if (application)
+            Application = application;
+        if (screen)
+            Screen = screen;
+        const QList<TCustomRemoteServer *> servers(connections, connections + (connections ? highest + 1 : 0));
+        openWindow(bills ? *bills : QStringList(), servers);
+    });
+}
