@@ -1,5 +1,12 @@
 #include "platform/report/print_db_grid.h"
 
+#include "platform/report/data_exports.h"
+#include "platform/report/grid_report.h"
+#include "platform/report/grid_rows.h"
+#include "platform/report/report.h"
+
+using namespace report;
+
 namespace {
 
 /// A height of 14 pixels, as the screen has it.
@@ -11,11 +18,64 @@ QFont bandFont(QFont::Weight weight)
     return font;
 }
 
+/// A prepared report together with the rows that it reads.
+class PreparedGrid : public PreparedReport {
+public:
+    PreparedGrid(const Definition &definition, std::unique_ptr<GridRows> rows, StyleEvent look)
+        : PreparedReport(definition, rows.get(), {}, std::move(look))
+        , m_rows(std::move(rows))
+    {
+    }
+
+private:
+    std::unique_ptr<GridRows> m_rows;
+};
+
 } // namespace
 
 TPrintDBGridEh::TPrintDBGridEh(QObject *parent)
     : QObject(parent)
     , m_header { .font = bandFont(QFont::Bold) }
-    , m_footer { .font = bandFont(QFont::Normal) }
+    , m_footer { .right = QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页"), .font = bandFont(QFont::Normal) }
 {
 }
+
+std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
+{
+    if (m_grid == nullptr || m_grid->dataSet() == nullptr || !m_grid->dataSet()->active() || m_grid->rowCount() == 0)
+        throw Exception(QStringLiteral("没有可打印的数据！"));
+    auto rows = std::make_unique<GridRows>(*m_grid);
+    rows->open();
+    if (rows->fieldCount() == 0)
+        throw Exception(QStringLiteral("表格没有显示任何列，无法打印。"));
+    const QPointer<TDBGridEh> grid = m_grid;
+    const QColor paper = grid->palette().color(QPalette::Base);
+    const QColor stripes = grid->palette().color(QPalette::AlternateBase);
+    const auto look = [grid, paper, stripes](int row, const Object &object, Style &style) {
+        bool isCell = false;
+        const int column = object.name.toInt(&isCell);
+        if (!isCell)
+            return;
+        // Only what an event coloured is worth ink.
+        const QColor background = grid->cellBackground(row, column);
+        if (background != paper && background != stripes)
+            style.fill = background;
+    };
+    const GridReport report { *m_grid, m_margins, m_header, m_footer, m_title };
+    auto prepared = std::make_unique<PreparedGrid>(report.definition(), std::move(rows), look);
+    prepared->layNextPage();
+    return prepared;
+}
+
+void TPrintDBGridEh::preview(QWidget *parent)
+{
+    SpreadsheetExport spreadsheet;
+    CsvExport csv;
+    TextExport text;
+    HtmlTableExport html;
+    RtfExport rtf;
+    JpegExport jpeg;
+    showPreview(*prepared(), { &spreadsheet, &csv, &text, &html, &rtf, &jpeg }, allPreviewButtons, parent);
+}
+
+void TPrintDBGridEh::print(QWidget *parent) { printPrepared(*prepared(), parent); }

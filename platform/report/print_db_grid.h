@@ -7,11 +7,13 @@
 #include <QObject>
 #include <QPointer>
 
+class PreparedReport;
+
 enum class PrintLine { None, Single };
 
 /// What stands above or below the rows of every printed page.
 struct PrintBand {
-    QString left {}; ///< [PAGE#] and [TOTALPAGES] are replaced, and so are [DATE] and [TIME]
+    QString left {}; ///< [PAGE#], [TOTALPAGES], [DATE] and [TIME] are replaced; so in the others
     QString centre {};
     QString right {};
     QFont font {};
@@ -29,7 +31,7 @@ public:
     TDBGridEh *dbGridEh() const { return m_grid; }
     void setDBGridEh(TDBGridEh *grid) { m_grid = grid; }
 
-    /// In millimetres, within what the printer can reach.
+    /// In millimetres, within what printers can reach.
     const QMarginsF &margins() const { return m_margins; }
     void setMargins(const QMarginsF &margins) { m_margins = margins; }
     PrintBand &pageHeader() { return m_header; }
@@ -37,6 +39,13 @@ public:
     /// Stands above the titles of the first page, and names the print job; "" leaves it out.
     const QString &title() const { return m_title; }
     void setTitle(const QString &title) { m_title = title; }
+
+    /// The pages; they hold what the grid showed, as far as they are laid out, whatever happens to it afterwards. Throws Exception when
+    /// the grid shows no columns or no rows.
+    std::unique_ptr<PreparedReport> prepared() const;
+    /// Shows the preview, or asks for a printer at once. Both throw what prepared() throws.
+    void preview(QWidget *parent = nullptr);
+    void print(QWidget *parent = nullptr);
 
 private:
     QPointer<TDBGridEh> m_grid;

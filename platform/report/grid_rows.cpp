@@ -1,0 +1,38 @@
+#include "platform/report/grid_rows.h"
+
+GridRows::GridRows(const TDBGridEh &grid)
+    : m_grid(&grid)
+    , m_source(grid.dataSet())
+{
+}
+
+int GridRows::recordCount() const { return m_grid != nullptr && m_source != nullptr && m_source->active() ? m_grid->rowCount() : -1; }
+
+QString GridRows::text(int field, int row) const
+{
+    const int index = m_columns[std::size_t(field)];
+    const Column &column = m_grid->column(index);
+    const QString shown = m_grid->cellText(row, index);
+    if (!column.isCheckBox() || (shown != column.checkedKey && shown != column.uncheckedKey))
+        return shown;
+    return shown == column.checkedKey ? QStringLiteral("√") : QString();
+}
+
+std::optional<packet::Decimal> GridRows::number(int field, int row) const { return packet::Decimal::parse(text(field, row).toStdString()); }
+
+void GridRows::doOpen()
+{
+    for (int index = 0; index < m_grid->columnCount(); ++index) {
+        const Column &column = m_grid->column(index);
+        if (!column.visible)
+            continue;
+        // Numbers stay numbers when the pages are exported; codes and names stay texts.
+        const TField *const source = m_source == nullptr ? nullptr : m_source->findField(column.fieldName);
+        const bool numeric = source != nullptr && !column.isCheckBox()
+            && (source->type() == FieldType::Integer || source->type() == FieldType::Decimal || source->type() == FieldType::Float);
+        m_fields.push_back(std::make_unique<TField>(
+            this, int(m_fields.size()), QStringLiteral("C%1").arg(index), numeric ? FieldType::Decimal : FieldType::Text));
+        m_columns.push_back(index);
+    }
+    finishOpen();
+}

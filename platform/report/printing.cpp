@@ -1,0 +1,74 @@
+#include "platform/report/printing.h"
+
+#include "platform/report/page_painter.h"
+#include "platform/report/prepared_report.h"
+#include "platform/toolkit/long_work.h"
+
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QProgressDialog>
+
+using namespace report;
+
+namespace {
+
+void setPaper(QPrinter &printer, QSize paper)
+{
+    const bool landscape = paper.width() > paper.height();
+    const QSizeF upright = QSizeF(landscape ? paper.transposed() : paper) / millimetre;
+    printer.setPageSize(QPageSize(upright, QPageSize::Millimeter));
+    printer.setPageOrientation(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+    printer.setFullPage(true);
+}
+
+void printPages(PreparedReport &report, QPrinter &printer, int from, int to, QProgressDialog &progress)
+{
+    QPainter painter;
+    if (!painter.begin(&printer))
+        throw Exception(QStringLiteral("打印机“%1”不能使用，请检查打印机。").arg(printer.printerName()));
+    const qreal scale = printer.resolution() / (25.4 * millimetre);
+    PagePainter pages(report.resources());
+    progress.setMaximum(to - from + 1);
+    for (int page = from; page <= to; ++page) {
+        if (page > from && !printer.newPage())
+            throw Exception(QStringLiteral("打印机“%1”停止了打印。").arg(printer.printerName()));
+        painter.resetTransform();
+        painter.scale(scale, scale);
+        pages.paint(painter, report.page(page - 1));
+        progress.setValue(page - from);
+        if (progress.wasCanceled()) {
+            printer.abort();
+            return;
+        }
+    }
+}
+
+} // namespace
+
+bool printReport(PreparedReport &report, QWidget *parent)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    setPaper(printer, report.paper());
+    printer.setDocName(report.title());
+    QPrintDialog dialog(&printer, parent);
+    dialog.setWindowTitle(QStringLiteral("打印"));
+    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange | QAbstractPrintDialog::PrintCollateCopies);
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    setPaper(printer, report.paper());
+    QProgressDialog progress(QStringLiteral("正在打印…"), QStringLiteral("取消"), 0, 0, parent);
+    progress.setWindowTitle(QStringLiteral("打印"));
+    progress.setWindowModality(Qt::WindowModal);
+    const bool laid = report.layAllPages([&progress](int, int, int) {
+        progress.setValue(0);
+        return !progress.wasCanceled();
+    });
+    if (!laid)
+        return true;
+    const bool range = dialog.printRange() == QAbstractPrintDialog::PageRange;
+    const int last = report.pageCount();
+    printPages(report, printer, range ? std::clamp(printer.fromPage(), 1, last) : 1, range ? std::clamp(printer.toPage(), 1, last) : last,
+        progress);
+    return true;
+}

@@ -1,0 +1,135 @@
+#include "tests/report/report_rows.h"
+
+#include "platform/report/page_view.h"
+#include "platform/report/preview_window.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QSpinBox>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace {
+
+QString statusOf(const PreviewWindow &window)
+{
+    QStringList texts;
+    for (const QLabel *const label : window.findChildren<QLabel *>())
+        texts.append(label->text());
+    return texts.filter(QStringLiteral("第 ")).value(0);
+}
+
+TEST(Preview, ShowsTheFirstPageAtOnceAndLaysOutTheRest)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(400));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    PreviewWindow window(prepared, {}, allPreviewButtons);
+    EXPECT_EQ(window.pageCount(), 1);
+    window.show();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return prepared.isComplete(); }));
+    QTest::qWait(50);
+    EXPECT_EQ(statusOf(window), QStringLiteral("第 1 页，共 50 页"));
+
+    EXPECT_TRUE(window.find(QStringLiteral("NO399")));
+    EXPECT_EQ(window.view()->currentPage(), 49);
+    EXPECT_TRUE(window.find(QStringLiteral("no17"), false)); // no179
+    EXPECT_EQ(window.view()->currentPage(), 22);
+    EXPECT_FALSE(window.find(QStringLiteral("no401")));
+
+    auto *const pageBox = window.findChild<QSpinBox *>();
+    pageBox->setValue(7);
+    EXPECT_EQ(window.view()->currentPage(), 6);
+    window.view()->setZoom(PageZoom::WholePage);
+    EXPECT_EQ(window.view()->currentPage(), 6);
+    QTest::keyClick(&window, Qt::Key_Escape);
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST(Preview, StopsLayingOutWhenAskedAndFindsBeyond)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(40'000));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    PreviewWindow window(prepared, {}, allPreviewButtons);
+    window.show();
+    QTest::qWait(30);
+    EXPECT_TRUE(statusOf(window).contains(QStringLiteral("正在排版")));
+    QTest::mouseClick(window.findChild<QPushButton *>(), Qt::LeftButton);
+    const int pages = window.pageCount();
+    QTest::qWait(60);
+    EXPECT_EQ(window.pageCount(), pages);
+    EXPECT_TRUE(statusOf(window).contains(QStringLiteral("排版已停止")));
+    EXPECT_TRUE(window.find(QStringLiteral("no1000")));
+    EXPECT_EQ(window.view()->currentPage(), 124);
+}
+
+/// What a print command does when the automation looks in place of a person.
+TEST(Report, IsHandedToTheResponderWithItsTextsFilled)
+{
+    const QTemporaryDir directory;
+    const QString name = directory.filePath(QStringLiteral("清单.frf"));
+    QFile file(name);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("report 1\nband title\nheight = 10\nmemo ReportTitle\nbox = 0 0 90 5\ntext = 发件清单\nmemo Memo2\nbox = 0 5 90 5\n"
+               "band master\nheight = 10\nmemo Bill\nbox = 0 0 90 5\ntext = [N]\nband page-footer\nheight = 10\nmemo PrintPage\nbox = 0 0 "
+               "90 5\nend\n");
+    file.close();
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(60));
+    TfrDBDataSet source;
+    TfrReport frReport;
+    frReport.setDataSet(&source);
+    frReport.loadFromFile(name);
+    EXPECT_EQ(errorOf([&] { frReport.showPreview(); }), QStringLiteral("报表没有数据：数据集没有打开。"));
+    source.setDataSet(&rows);
+    ReportObject *const title = frReport.findObject(u"reporttitle");
+    ASSERT_NE(title, nullptr);
+    title->setText(ReportObject::literal(QStringLiteral("飞[豹] ")) + title->text());
+    frReport.findObject(u"PrintPage")->setText(QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页"));
+    EXPECT_EQ(frReport.findObject(u"Memo3"), nullptr);
+    QMap<QString, QString> texts;
+    setPreviewResponder([&texts](const PreviewRequest &request) {
+        request.report.layAllPages();
+        texts = request.report.namedTexts();
+    });
+    frReport.prepareReport();
+    frReport.showPreview();
+    setPreviewResponder({});
+    EXPECT_EQ(texts,
+        (QMap<QString, QString> { { QStringLiteral("Bill"), QStringLiteral("1") }, { QStringLiteral("Memo2"), QString() },
+            { QStringLiteral("PrintPage"), QStringLiteral("第1页/共3页") },
+            { QStringLiteral("ReportTitle"), QStringLiteral("飞[豹] 发件清单") } }));
+
+    // A broken file leaves what was loaded.
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("report 1\nband title\n");
+    file.close();
+    EXPECT_TRUE(errorOf([&] { frReport.loadFromFile(name); }).startsWith(QStringLiteral("报表文件“%1”第 3 行").arg(name)));
+    EXPECT_NE(frReport.findObject(u"ReportTitle"), nullptr);
+}
+
+TEST(Report, DrawsBarCodesAndChartsOnlyWithTheirAddIns)
+{
+    TCustomClientDataSet rows;
+    rows.setData(packetOf("CODE:text,V:decimal\nA1,2\nB2,6\nA1,4\n"));
+    const QByteArray bands = "band master\nheight = 10\nbarcode\nbox = 0 0 40 10\ntext = [CODE]\nband summary\nheight = 40\n"
+                             "chart\nbox = 0 0 80 40\nkind = pie\nlabel = CODE\nvalue = V\n";
+    EXPECT_EQ(errorOf([&] { PreparedReport(smallReport(bands), &rows); }),
+        QStringLiteral("报表文件“t.frf”第 7 行第 1 列：本程序没有登记条码或图表，无法打印这个对象。"));
+    BarCodeObject barCodes;
+    ChartObject charts;
+    PreparedReport prepared(smallReport(bands), &rows, { &barCodes, &charts });
+    EXPECT_EQ(pagesOf(prepared).value(0), QStringLiteral("A1|B2|A1|A1 50.0%|B2 50.0%"));
+    // Start, two characters, check and stop: five times three bars and one more, and the quiet ends are no bars.
+    const report::Page page = prepared.page(0);
+    const auto bars = std::count_if(
+        page.begin(), page.end(), [](const report::Primitive &primitive) { return primitive.shape == report::Shape::Rectangle; });
+    EXPECT_EQ(bars, 3 * 16 + 2);
+    rows.setData(packetOf("CODE:text,V:decimal\n" + std::string(3000, 'x') + ",1\n"));
+    EXPECT_TRUE(errorOf([&] {
+        PreparedReport(smallReport(bands), &rows, { &barCodes, &charts }).layNextPage();
+    }).contains(QStringLiteral("不能印成条码")));
+}
+
+} // namespace
