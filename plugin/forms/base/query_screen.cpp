@@ -1,54 +1,43 @@
 #include "plugin/forms/base/query_screen.h"
 
 #include "platform/toolkit/application.h"
+#include "platform/toolkit/clock.h"
 #include "platform/toolkit/screen.h"
 #include "plugin/data/host_data.h"
 #include "plugin/util/conditions.h"
 
-#include <QVBoxLayout>
-
-#include <algorithm>
-
 QueryScreen::QueryScreen(TComponentOwner *owner, const QString &name, QStringView caption)
     : Tfrm_BasicBoot(owner, name, caption.toString())
+    , m_row(new QHBoxLayout(this))
+    , m_column(new QVBoxLayout)
 {
-    auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(Panel1);
-    layout->addWidget(PageControl1, 1);
+    for (QBoxLayout *layout : { static_cast<QBoxLayout *>(m_row), static_cast<QBoxLayout *>(m_column) }) {
+        layout->setContentsMargins(0, 0, 0, 0);
+        layout->setSpacing(0);
+    }
+    m_row->addLayout(m_column, 1);
+    m_column->addWidget(Panel1);
     Button1->setText(QStringLiteral("查询"));
     Button1->hide();
     handle(Button1, &QPushButton::clicked, this, &QueryScreen::Button1Click);
 }
 
-void QueryScreen::page(
-    TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen)
+void QueryScreen::result(TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen)
 {
     dataSet->setReadOnly(true);
     view->design(columns, dataSet, frozen);
-    auto *layout = new QVBoxLayout(sheet);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(view);
-    m_pages.append({ sheet, view, dataSet });
-    PageControl1->addPage(sheet, caption.toString());
-    handle(sheet, &TTabSheet::shown, this, [this, shown = m_pages.last()] { setWorkContext(shown); });
+    placeBelow(view);
+    m_view = view;
+    m_dataSet = dataSet;
 }
 
-void QueryScreen::FormShow()
-{
-    const auto active
-        = std::find_if(m_pages.begin(), m_pages.end(), [this](const Page &page) { return page.sheet == PageControl1->activePage(); });
-    if (active != m_pages.end())
-        setWorkContext(*active);
-}
-
-void QueryScreen::setWorkContext(const Page &page) { SetWorkContext(page.view, page.dataSet, Button1, nullptr); }
+void QueryScreen::FormShow() { SetWorkContext(m_view, m_dataSet, Button1, nullptr); }
 
 bool QueryScreen::refuse(const QString &text, QWidget *control)
 {
     Application->messageBox(text, caption(), mbIconWarning);
-    focusControl(control);
+    if (control)
+        focusControl(control);
     return true;
 }
 
@@ -84,8 +73,7 @@ QueryRun::QueryRun(QueryScreen *screen)
 
 QueryRun::~QueryRun()
 {
-    if (m_screen->PageControl1->activePageIndex() != 0)
-        m_screen->PageControl1->setActivePageIndex(0);
+    m_screen->showFirstPage();
     Screen->setCursor(crDefault);
 }
 
@@ -102,6 +90,12 @@ void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataS
 
 namespace {
 
+void setDay(const QDate &day, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end)
+{
+    start->setText(dateToText(day) + u" 00:00:00");
+    end->setText(dateToText(day) + u" 23:59:59");
+}
+
 void setLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source, const QString &keyField, const QString &codeField,
     const QList<LookupColumn> &columns)
 {
@@ -113,6 +107,10 @@ void setLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source, 
 }
 
 } // namespace
+
+void setYesterday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end) { setDay(Clock::today().addDays(-1), start, end); }
+
+void setToday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end) { setDay(Clock::today(), start, end); }
 
 void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
 {

@@ -6,17 +6,17 @@
 
 #include "platform/grid/editors.h"
 #include "platform/toolkit/handler.h"
-#include "platform/toolkit/page_control.h"
 
 #include <QCheckBox>
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QPushButton>
 
 /// The first entry of every drop-down list: no condition.
 inline const QString allItems = QStringLiteral("全部");
 
-/// What the query screens share: a condition panel above pages with one result grid each, and a hidden query button that the
-/// host's query command presses. A screen names its conditions, pages and statements, and nothing else.
+/// What the query screens share: a condition panel above the results, and a hidden query button that the host's query command
+/// presses. A screen names its conditions, results and statements, and nothing else.
 class QueryScreen : public Tfrm_BasicBoot {
     Q_OBJECT
 
@@ -25,21 +25,22 @@ public:
 
     PUBLISHED(QFrame, Panel1);
     PUBLISHED(TWorkPanel, WorkPanel1);
-    PUBLISHED(TPageControl, PageControl1);
     PUBLISHED(QPushButton, Button1);
 
 protected:
     /// Lays the condition panel out.
     void arrange(const QList<ConditionLine> &lines) { ::arrange(Panel1, WorkPanel1, lines); }
-    /// Adds a page that shows `dataSet` in `view`; showing it makes both current.
-    void page(
-        TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0);
+    /// Shows the one result of the screen below the conditions.
+    void result(TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0);
+    /// Puts a widget below the conditions, or at the screen's left edge.
+    void placeBelow(QWidget *widget) { m_column->addWidget(widget, 1); }
+    void placeLeft(QWidget *widget) { m_row->insertWidget(0, widget); }
     /// The query: what the host's query command runs.
     virtual void Button1Click() = 0;
     void FormShow() override;
 
-    /// Tells the user why the query is refused and moves the focus to the condition at fault; always true.
-    bool refuse(const QString &text, QWidget *control);
+    /// Tells the user why the query is refused and moves the focus to the condition at fault (null: nowhere); always true.
+    bool refuse(const QString &text, QWidget *control = nullptr);
     /// LookupComboTextExit when the user leaves the combo, or when Enter is pressed in it.
     void completeOnExit(const QList<TDBLookupComboboxEh *> &combos);
     void completeOnEnter(const QList<TDBLookupComboboxEh *> &combos);
@@ -48,14 +49,12 @@ protected:
 
 private:
     friend class QueryRun;
-    struct Page {
-        TTabSheet *sheet;
-        TDataView *view;
-        TClientDataSetEx *dataSet;
-    };
-    void setWorkContext(const Page &page);
+    virtual void showFirstPage() { }
 
-    QList<Page> m_pages;
+    QHBoxLayout *m_row;
+    QVBoxLayout *m_column;
+    TDataView *m_view = nullptr; ///< the one result
+    TClientDataSetEx *m_dataSet = nullptr;
 };
 
 /// The frame of a query: the busy cursor and the focus on the work panel, so that the exit handler of the control that is being
@@ -72,6 +71,10 @@ private:
 
 /// Fills a drop-down list with "全部" and the values of a field of the host's dataset, and selects the former.
 void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field);
+
+/// The whole of yesterday, or of today.
+void setYesterday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);
+void setToday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);
 
 /// The list sources, fields and drop-down columns of lookup combos.
 void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugin/forms/base/query_screen.h"
+#include "plugin/forms/base/paged_screen.h"
 
 /// What the detail page shows for the current summary row.
 struct Detail {
@@ -11,11 +11,11 @@ struct Detail {
 
 /// A query screen with a summary page and a page with the rows behind the summary row that is current when it is shown. The rows
 /// stay until another summary row is drilled into or the summary is queried again.
-class SummaryDetailScreen : public QueryScreen {
+class SummaryDetailScreen : public PagedScreen {
     Q_OBJECT
 
 public:
-    using QueryScreen::QueryScreen;
+    using PagedScreen::PagedScreen;
 
 protected:
     struct ResultPage {

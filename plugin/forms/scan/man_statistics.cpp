@@ -1,38 +1,19 @@
 #include "plugin/forms/scan/man_statistics.h"
 
-#include "platform/toolkit/clock.h"
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
+#include "plugin/forms/base/scan_columns.h"
 #include "plugin/util/conditions.h"
 
-GridColumns scanDetailColumns(QStringView station)
+GridColumns manDetailColumns(QStringView station)
 {
-    return {
-        text("BILL_CODE", u"运单编号", 80),
-        text("SUB_BILL_CODE", u"子单号", 80),
-        text("OWNER_BAG_NO", u"袋号", 80),
-        text("SCAN_TYPE", u"扫描类型", 54),
-        text("SCAN_SITE", u"扫描网点", 70),
-        time("SCAN_DATE", u"扫描日期", 120),
-        text("SCAN_MAN", u"扫描人", 60),
-        text("SCAN_MAN_CODE", u"扫描人编号", 50),
-        time("REGISTER_DATE", u"录入日期", 120),
-        text("DISPATCH_OR_SEND_MAN", u"收/派件员", 60),
-        text("SEND_SITE", u"寄件网点", 70),
-        text("PRE_OR_NEXT_STATION", station, 70),
-        text("DISPATCH_SITE", u"目的网点", 70),
-        number("PIECE", u"件数", 50).sum(u"总件数"),
-        number("WEIGHT", u"重量", 60).sum(u"总重量"),
-        text("CLASS", u"班次", 60),
-        text("GOODS_TYPE", u"物品类别", 60),
-        text("FAST_TYPE", u"快件类型", 60),
-        number("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 70).sum(u"总金额"),
-        number("other_fee", u"应收派件费", 70).sum(u"总金额"),
-        number("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
-        number("", u"到付款", 70).sum(u"总金额").hidden(),
-        text("REMARK", u"备注", 200),
-    };
+    return scanColumns(station) + feeColumns()
+        + GridColumns {
+              number("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
+              number("", u"到付款", 70).sum(u"总金额").hidden(),
+              remarkColumn(),
+          };
 }
 
 void ManStatistics::design(const QList<ConditionRow> &rows, const GridColumns &summary, const GridColumns &detail)
@@ -51,8 +32,7 @@ void ManStatistics::FormCreate()
     setSiteLookup({ DBLookupComboboxEh1 }, dm_GlobalData->ds_loginSiteOwner);
     setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
     fillFromHost({ DBComboBoxEh4 }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
-    DBDateTimeEditEh1->setText(dateToText(Clock::today()) + u" 00:00:00");
-    DBDateTimeEditEh2->setText(dateToText(Clock::today()) + u" 23:59:59");
+    setToday(DBDateTimeEditEh1, DBDateTimeEditEh2);
     DBLookupComboboxEh1->setText(GlobalValueAddr(QStringLiteral("site")));
 }
 

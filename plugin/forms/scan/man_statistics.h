@@ -37,5 +37,5 @@ protected:
     QString FWhere; ///< of the last query, from its range to its last condition
 };
 
-/// The columns of a list of scans; `station` titles the station before or behind.
-GridColumns scanDetailColumns(QStringView station);
+/// The columns of the scans behind the sums; `station` titles the station before or behind.
+GridColumns manDetailColumns(QStringView station);

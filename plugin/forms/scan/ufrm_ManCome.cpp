@@ -14,7 +14,7 @@ const GridColumns summaryColumns {
     number("WEIGHT", u"重量", 80).sum(u"总重量"),
 };
 
-const GridColumns detailColumns = scanDetailColumns(u"上一网点");
+const GridColumns detailColumns = manDetailColumns(u"上一网点");
 
 } // namespace
 

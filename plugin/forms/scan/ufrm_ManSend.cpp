@@ -13,7 +13,7 @@ const GridColumns summaryColumns {
     text("scan_site", u"所属班组", 100).hidden(),
 };
 
-const GridColumns detailColumns = scanDetailColumns(u"下一网点");
+const GridColumns detailColumns = manDetailColumns(u"下一网点");
 
 /// The weight of the waybill's latest arrival at the site that sent it out.
 const QString arrivalWeight

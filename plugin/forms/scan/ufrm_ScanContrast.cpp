@@ -3,36 +3,14 @@
 #include "platform/toolkit/clock.h"
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
+#include "plugin/forms/base/scan_columns.h"
 #include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_ScanContrast = nullptr;
 
 namespace {
 
-const GridColumns scanColumns {
-    text("BILL_CODE", u"运单编号", 100),
-    text("SUB_BILL_CODE", u"子单号", 100),
-    text("OWNER_BAG_NO", u"袋号", 80),
-    text("SCAN_TYPE", u"扫描类型", 60),
-    text("SCAN_SITE", u"扫描网点", 80),
-    time("SCAN_DATE", u"扫描日期", 132),
-    text("SCAN_MAN", u"扫描人", 60),
-    text("SCAN_MAN_CODE", u"扫描人编号", 72),
-    time("REGISTER_DATE", u"录入日期", 132),
-    text("DISPATCH_OR_SEND_MAN", u"收/派件员", 66),
-    text("SEND_SITE", u"寄件网点", 80),
-    text("PRE_OR_NEXT_STATION", u"下一网点", 80),
-    text("DISPATCH_SITE", u"目的网点", 80),
-    number("PIECE", u"件数", 60).sum(u"总件数"),
-    number("WEIGHT", u"重量", 70).sum(u"总重量"),
-    text("CLASS", u"班次", 60),
-    text("GOODS_TYPE", u"物品类别", 60),
-    text("FAST_TYPE", u"快件类型", 60),
-    number("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 80).sum(u"总金额"),
-    number("other_fee", u"应收派件费", 80).sum(u"总金额"),
-    number("TOPAYMENT", u"到付款", 70),
-    text("REMARK", u"备注", 200),
-};
+const GridColumns resultColumns = scanListColumns(u"下一网点");
 
 } // namespace
 
@@ -70,7 +48,7 @@ QString Tfrm_ScanContrast::ScanSet::existsFor(const ScanSet &other) const
 QString Tfrm_ScanContrast::ScanSet::orderByBill() const { return u" order by " + QString(alias) + u".bill_code"; }
 
 Tfrm_ScanContrast::Tfrm_ScanContrast(TComponentOwner *owner)
-    : QueryScreen(owner, QStringLiteral("frm_ScanContrast"), u"总部扫描监控")
+    : PagedScreen(owner, QStringLiteral("frm_ScanContrast"), u"总部扫描监控")
 {
     design();
     FormCreate();
@@ -97,9 +75,9 @@ void Tfrm_ScanContrast::design()
         { box(GroupBox3, u"对比目标条件", 4, conditions(m_target)),
             range(GroupBox4, u"目标条件时间范围(3天以内)", DBDateTimeEditEh3, DBDateTimeEditEh4), row(CheckBox1) },
     });
-    page(TabSheet2, u"同时存在的单号", DataView1, cds, scanColumns, 1);
-    page(TabSheet1, u"只存在源条件的单号", DataView2, cds1, scanColumns, 1);
-    page(TabSheet3, u"只存在目标条件的单号", DataView3, cds2, scanColumns, 1);
+    page(TabSheet2, u"同时存在的单号", DataView1, cds, resultColumns, 1);
+    page(TabSheet1, u"只存在源条件的单号", DataView2, cds1, resultColumns, 1);
+    page(TabSheet3, u"只存在目标条件的单号", DataView3, cds2, resultColumns, 1);
 
     handle(CheckBox1, &QCheckBox::clicked, this, &Tfrm_ScanContrast::CheckBox1Click);
     completeOnExit({ DBLookupComboboxEh5, DBLookupComboboxEh2, DBLookupComboboxEh4, DBLookupComboboxEh7 });

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "plugin/forms/base/query_screen.h"
+#include "plugin/forms/base/paged_screen.h"
 
 /// Compares two sets of scans: the waybills in both, only in the source set, and only in the target set.
-class Tfrm_ScanContrast : public QueryScreen {
+class Tfrm_ScanContrast : public PagedScreen {
     Q_OBJECT
 
 public:
