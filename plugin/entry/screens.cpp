@@ -1,8 +1,11 @@
 #include "plugin/entry/screens.h"
 
+#include "plugin/forms/scan/ufrm_ComeDispContrast.h"
 #include "plugin/forms/scan/ufrm_ManCome.h"
 #include "plugin/forms/scan/ufrm_ManSend.h"
+#include "plugin/forms/scan/ufrm_RecSendContrast.h"
 #include "plugin/forms/scan/ufrm_ScanContrast.h"
+#include "plugin/forms/scan/ufrm_SendNextUnCome.h"
 
 #include <algorithm>
 #include <iterator>
@@ -21,7 +24,7 @@ const ScreenEntry screens[] = {
     { u"frm_AuditingQuery", Rights::None },
     { u"frm_MonthSendBill", Rights::FromName },
     { u"frm_MonthRecBill", Rights::FromName },
-    { u"frm_RecSendContrast", Rights::FromName },
+    { u"frm_RecSendContrast", Rights::FromName, &frm_RecSendContrast, create<Tfrm_RecSendContrast> },
     { u"frm_ManCome", Rights::FromName, &frm_ManCome, create<Tfrm_ManCome> },
     { u"frm_ManSend", Rights::FromName, &frm_ManSend, create<Tfrm_ManSend> },
     { u"frm_BillStat", Rights::FromName },
@@ -30,9 +33,9 @@ const ScreenEntry screens[] = {
     { u"frm_SaleQry", Rights::FromName },
     { u"frm_BillContrastScan", Rights::FromName },
     { u"frm_BillContrastSiteCome", Rights::FromName },
-    { u"frm_SendNextUnCome", Rights::FromName },
+    { u"frm_SendNextUnCome", Rights::FromName, &frm_SendNextUnCome, create<Tfrm_SendNextUnCome> },
     { u"frm_DispFeeQry1", Rights::FromName },
-    { u"frm_ComeDispContrast", Rights::FromName },
+    { u"frm_ComeDispContrast", Rights::FromName, &frm_ComeDispContrast, create<Tfrm_ComeDispContrast> },
     { u"frm_MonthCalc", Rights::FromName },
 };
 

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "plugin/forms/base/query_screen.h"
+#include "plugin/view/frame_InputList.h"
+
+/// The send-outs of a site whose next station has no arrival of the same waybill: parcels lost or late on the way.
+class Tfrm_SendNextUnCome : public QueryScreen {
+    Q_OBJECT
+
+public:
+    explicit Tfrm_SendNextUnCome(TComponentOwner *owner);
+
+    PUBLISHED(TInputList, InputList1);
+    PUBLISHED(TClientDataSetEx, cds);
+    PUBLISHED(QGroupBox, GroupBox1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh2);
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh1);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh4);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
+    PUBLISHED(TDataView, DataView1);
+    PUBLISHED(QCheckBox, CheckBox1); ///< hidden and never read
+    PUBLISHED(TDBLookupComboboxEh, DBL_NEXTSITE);
+    PUBLISHED(QCheckBox, cb1);
+
+private:
+    void FormCreate();
+    void Button1Click() override;
+    void queryByList();
+    void queryByDate();
+    QString mainBillsOnly() const;
+
+    QString FLoginSite;
+};
+
+extern Tfrm_Basic *frm_SendNextUnCome;
