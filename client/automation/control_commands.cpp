@@ -5,6 +5,7 @@
 #include "platform/grid/editors.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/page_control.h"
+#include "platform/toolkit/radio_group.h"
 
 #include <QAbstractButton>
 #include <QGroupBox>
@@ -50,6 +51,10 @@ void describeValue(const QWidget &widget, QJsonObject &description)
         description[u"checked"] = button->isChecked();
     if (const auto *box = qobject_cast<const QGroupBox *>(&widget); box && box->isCheckable())
         description[u"checked"] = box->isChecked();
+    if (const auto *group = qobject_cast<const TRadioGroup *>(&widget)) {
+        description[u"items"] = QJsonArray::fromStringList(group->items());
+        description[u"itemIndex"] = group->itemIndex();
+    }
     if (const auto *pages = qobject_cast<const TPageControl *>(&widget))
         description[u"itemIndex"] = pages->activePageIndex();
 }

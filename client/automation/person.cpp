@@ -3,6 +3,7 @@
 #include "platform/grid/editors.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/form.h"
+#include "platform/toolkit/radio_group.h"
 
 #include <QAbstractButton>
 #include <QAction>
@@ -105,6 +106,12 @@ void Person::type(QWidget *control, const QString &text)
 
 void Person::choose(QWidget *control, int index)
 {
+    if (const auto *group = qobject_cast<TRadioGroup *>(control)) {
+        QAbstractButton *button = group->button(index);
+        if (!button)
+            throw Exception(QStringLiteral("“%1”没有第 %2 项").arg(control->objectName()).arg(index));
+        return press(button);
+    }
     auto *combo = qobject_cast<TDBComboBoxEh *>(control);
     if (!combo)
         throw Exception(QStringLiteral("控件“%1”没有下拉列表").arg(control->objectName()));

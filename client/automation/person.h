@@ -15,7 +15,7 @@ void enter(QWidget *control);
 void leave(QWidget *control);
 /// Replaces the text of a line, a memo or a drop-down list by typing.
 void type(QWidget *control, const QString &text);
-/// Takes an item of a drop-down list, or nothing of it (-1).
+/// Takes an item of a drop-down list, or nothing of it (-1); or clicks a choice of a radio group.
 void choose(QWidget *control, int index);
 void press(QAbstractButton *button);
 /// Presses and releases a key; a command of the window that has the key as shortcut runs instead, unless the control wants it.

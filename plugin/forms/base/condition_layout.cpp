@@ -72,6 +72,21 @@ ConditionBox range(QGroupBox *groupBox, QStringView caption, TDBDateTimeEditEh *
     return box(groupBox, caption, 1, { row(u"开始", start), row(u"结束", end) });
 }
 
+QLabel *labelOf(const QWidget *control)
+{
+    for (QLabel *label : control->parentWidget()->findChildren<QLabel *>()) {
+        if (label->buddy() == control)
+            return label;
+    }
+    return nullptr;
+}
+
+void setConditionVisible(QWidget *control, bool visible)
+{
+    control->setVisible(visible);
+    labelOf(control)->setVisible(visible);
+}
+
 void arrange(QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines)
 {
     auto *layout = new QVBoxLayout(panel);

@@ -7,6 +7,7 @@
 #include <variant>
 
 class QFrame;
+class QLabel;
 class TDBDateTimeEditEh;
 class TWorkPanel;
 
@@ -36,6 +37,11 @@ ConditionBox box(QGroupBox *groupBox, QStringView caption, int columns, const QL
 ConditionBox block(int columns, const QList<ConditionRow> &rows);
 /// The box of a date-time range: "开始" over "结束".
 ConditionBox range(QGroupBox *groupBox, QStringView caption, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);
+
+/// The label that arrange() has put before a control.
+QLabel *labelOf(const QWidget *control);
+/// Shows or hides a condition together with its label.
+void setConditionVisible(QWidget *control, bool visible);
 
 /// Lays a condition panel out, from the top line by line, with the collapse button below; the tab order follows.
 void arrange(QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines);
