@@ -1,6 +1,9 @@
 #include "plugin/entry/screens.h"
 
+#include "plugin/forms/scan/ufrm_BillContrastScan.h"
+#include "plugin/forms/scan/ufrm_BillContrastSiteCome.h"
 #include "plugin/forms/scan/ufrm_ComeDispContrast.h"
+#include "plugin/forms/scan/ufrm_GuestSignQuery.h"
 #include "plugin/forms/scan/ufrm_ManCome.h"
 #include "plugin/forms/scan/ufrm_ManSend.h"
 #include "plugin/forms/scan/ufrm_RecSendContrast.h"
@@ -20,7 +23,7 @@ Tfrm_Basic *create(TComponentOwner *owner)
 
 const ScreenEntry screens[] = {
     { u"frm_ScanContrast", Rights::FromName, &frm_ScanContrast, create<Tfrm_ScanContrast> },
-    { u"frm_GuestSignQuery", Rights::None },
+    { u"frm_GuestSignQuery", Rights::None, &frm_GuestSignQuery, create<Tfrm_GuestSignQuery> },
     { u"frm_AuditingQuery", Rights::None },
     { u"frm_MonthSendBill", Rights::FromName },
     { u"frm_MonthRecBill", Rights::FromName },
@@ -31,8 +34,8 @@ const ScreenEntry screens[] = {
     { u"frm_BJDispFee", Rights::FromName },
     { u"frm_DestQry", Rights::FromName },
     { u"frm_SaleQry", Rights::FromName },
-    { u"frm_BillContrastScan", Rights::FromName },
-    { u"frm_BillContrastSiteCome", Rights::FromName },
+    { u"frm_BillContrastScan", Rights::FromName, &frm_BillContrastScan, create<Tfrm_BillContrastScan> },
+    { u"frm_BillContrastSiteCome", Rights::FromName, &frm_BillContrastSiteCome, create<Tfrm_BillContrastSiteCome> },
     { u"frm_SendNextUnCome", Rights::FromName, &frm_SendNextUnCome, create<Tfrm_SendNextUnCome> },
     { u"frm_DispFeeQry1", Rights::FromName },
     { u"frm_ComeDispContrast", Rights::FromName, &frm_ComeDispContrast, create<Tfrm_ComeDispContrast> },

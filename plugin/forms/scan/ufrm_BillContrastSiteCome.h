@@ -1,0 +1,35 @@
+#pragma once
+
+#include "plugin/forms/base/query_screen.h"
+
+#include "platform/toolkit/radio_group.h"
+
+/// Entered waybills beside the destination that their scans show; a row in which the two differ is red.
+class Tfrm_BillContrastSiteCome : public QueryScreen {
+    Q_OBJECT
+
+public:
+    explicit Tfrm_BillContrastSiteCome(TComponentOwner *owner);
+
+    PUBLISHED(QGroupBox, GroupBox1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
+    PUBLISHED(QCheckBox, CheckBox1); ///< hidden and never read
+    PUBLISHED(TDataView, DataView2);
+    PUBLISHED(TClientDataSetEx, cds);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh1);
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
+    PUBLISHED(TRadioGroup, RadioGroup1);
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh2);
+
+private:
+    void design();
+    void FormCreate();
+    void Button1Click() override;
+    QString bills() const;
+    QString ofFastType() const;
+    void DataView2DataViewGridGetCellParams(int row, CellParameters &parameters) const;
+};
+
+extern Tfrm_Basic *frm_BillContrastSiteCome;
