@@ -1,5 +1,8 @@
 #include "tests/screens/client_process.h"
 
+#include "engine/engine.h"
+#include "tests/screens/screen_test.h"
+
 #include <gtest/gtest.h>
 
 #include <QJsonDocument>
@@ -90,4 +93,12 @@ int ClientProcess::quit()
     ask({ { QStringLiteral("do"), QStringLiteral("quit") } });
     m_process.closeWriteChannel();
     return m_process.waitForFinished(patience) ? m_process.exitCode() : -1;
+}
+
+QString answerOf(const QString &sql)
+{
+    static const auto database = engine::openEngine("sqlite:" + ClientProcess::database().toStdString());
+    std::string answer;
+    database->query(sql.toStdString(), {})->appendText(0, 0, answer);
+    return QString::fromStdString(answer);
 }

@@ -13,6 +13,7 @@ Tfrm_Basic *frm_GuestSignQuery = nullptr;
 namespace {
 
 constexpr int splitterWidth = 6;
+constexpr int listWidth = 130;
 constexpr int narrowestList = 30;
 constexpr int positionWidth = 100; ///< characters of the column for the present position
 
@@ -85,6 +86,7 @@ Tfrm_GuestSignQuery::Tfrm_GuestSignQuery(TComponentOwner *owner)
 
 void Tfrm_GuestSignQuery::design()
 {
+    DataView1->design(resultColumns, cds);
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(Splitter1);
@@ -95,12 +97,11 @@ void Tfrm_GuestSignQuery::design()
     Splitter1->addWidget(InputList1);
     Splitter1->addWidget(DataView1);
     Splitter1->setHandleWidth(splitterWidth);
-    Splitter1->setSizes({ InputList1->sizeHint().width(), QWIDGETSIZE_MAX });
     Splitter1->setStretchFactor(1, 1);
+    Splitter1->setSizes({ listWidth, 10 * listWidth });
     Button1->setText(QStringLiteral("查询"));
     Button1->hide();
     cds1->setReadOnly(true);
-    DataView1->design(resultColumns, cds);
     handle(Button1, &QPushButton::clicked, this, &Tfrm_GuestSignQuery::Button1Click);
     handle(Splitter1, &QSplitter::splitterMoved, this, &Tfrm_GuestSignQuery::Splitter1Moved);
 }
