@@ -1,5 +1,12 @@
 #include "plugin/entry/screens.h"
 
+#include "plugin/forms/report/Ufrm_BillStat.h"
+#include "plugin/forms/report/ufrm_AuditingQuery.h"
+#include "plugin/forms/report/ufrm_BJDispFee.h"
+#include "plugin/forms/report/ufrm_DestQry.h"
+#include "plugin/forms/report/ufrm_DispFeeQry1.h"
+#include "plugin/forms/report/ufrm_MonthCalc.h"
+#include "plugin/forms/report/ufrm_SaleQry.h"
 #include "plugin/forms/scan/ufrm_BillContrastScan.h"
 #include "plugin/forms/scan/ufrm_BillContrastSiteCome.h"
 #include "plugin/forms/scan/ufrm_ComeDispContrast.h"
@@ -24,22 +31,22 @@ Tfrm_Basic *create(TComponentOwner *owner)
 const ScreenEntry screens[] = {
     { u"frm_ScanContrast", Rights::FromName, &frm_ScanContrast, create<Tfrm_ScanContrast> },
     { u"frm_GuestSignQuery", Rights::None, &frm_GuestSignQuery, create<Tfrm_GuestSignQuery> },
-    { u"frm_AuditingQuery", Rights::None },
+    { u"frm_AuditingQuery", Rights::None, &frm_AuditingQuery, create<Tfrm_AuditingQuery> },
     { u"frm_MonthSendBill", Rights::FromName },
     { u"frm_MonthRecBill", Rights::FromName },
     { u"frm_RecSendContrast", Rights::FromName, &frm_RecSendContrast, create<Tfrm_RecSendContrast> },
     { u"frm_ManCome", Rights::FromName, &frm_ManCome, create<Tfrm_ManCome> },
     { u"frm_ManSend", Rights::FromName, &frm_ManSend, create<Tfrm_ManSend> },
-    { u"frm_BillStat", Rights::FromName },
-    { u"frm_BJDispFee", Rights::FromName },
-    { u"frm_DestQry", Rights::FromName },
-    { u"frm_SaleQry", Rights::FromName },
+    { u"frm_BillStat", Rights::FromName, &frm_BillStat, create<Tfrm_BillStat> },
+    { u"frm_BJDispFee", Rights::FromName, &frm_BJDispFee, create<Tfrm_BJDispFee> },
+    { u"frm_DestQry", Rights::FromName, &frm_DestQry, create<Tfrm_DestQry> },
+    { u"frm_SaleQry", Rights::FromName, &frm_SaleQry, create<Tfrm_SaleQry> },
     { u"frm_BillContrastScan", Rights::FromName, &frm_BillContrastScan, create<Tfrm_BillContrastScan> },
     { u"frm_BillContrastSiteCome", Rights::FromName, &frm_BillContrastSiteCome, create<Tfrm_BillContrastSiteCome> },
     { u"frm_SendNextUnCome", Rights::FromName, &frm_SendNextUnCome, create<Tfrm_SendNextUnCome> },
-    { u"frm_DispFeeQry1", Rights::FromName },
+    { u"frm_DispFeeQry1", Rights::FromName, &frm_DispFeeQry1, create<Tfrm_DispFeeQry1> },
     { u"frm_ComeDispContrast", Rights::FromName, &frm_ComeDispContrast, create<Tfrm_ComeDispContrast> },
-    { u"frm_MonthCalc", Rights::FromName },
+    { u"frm_MonthCalc", Rights::FromName, &frm_MonthCalc, create<Tfrm_MonthCalc> },
 };
 
 } // namespace

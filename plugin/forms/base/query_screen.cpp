@@ -79,8 +79,13 @@ QueryRun::~QueryRun()
 
 void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field)
 {
+    fillFrom(combos, GlobalCdsAddr(hostDataSet), field);
+}
+
+void fillFrom(const QList<TDBComboBoxEh *> &combos, TDataSet *dataSet, const QString &field)
+{
     QString values;
-    DataSetFieldToText(GlobalCdsAddr(hostDataSet), field, QStringLiteral("\r"), values);
+    DataSetFieldToText(dataSet, field, QStringLiteral("\r"), values);
     for (TDBComboBoxEh *combo : combos) {
         combo->setItemsText(allItems + u'\r' + values);
         combo->setKeyItemsText(allItems + u'\r' + values);
@@ -92,8 +97,8 @@ namespace {
 
 void setDay(const QDate &day, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end)
 {
-    start->setText(dateToText(day) + u" 00:00:00");
-    end->setText(dateToText(day) + u" 23:59:59");
+    start->setDateTimeText(dateToText(day) + u" 00:00:00");
+    end->setDateTimeText(dateToText(day) + u" 23:59:59");
 }
 
 void setLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source, const QString &keyField, const QString &codeField,
@@ -133,6 +138,19 @@ void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *
             { QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("员工姓名"), 60 },
             { QStringLiteral("OWNER_SITE"), QStringLiteral("所属网点"), 120 },
             { QStringLiteral("DEPT_NAME"), QStringLiteral("所属部门"), 60 } });
+}
+
+QString siteList(TDataSet *sites)
+{
+    QString names;
+    DataSetFieldToText(sites, QStringLiteral("site_name"), QStringLiteral("','"), names);
+    return u"('" + names + u"')";
+}
+
+QString selectedField(const TDataView *view)
+{
+    const TDBGridEh *grid = view->DataViewGrid;
+    return grid->currentColumn() < 0 ? QString() : grid->column(grid->currentColumn()).fieldName;
 }
 
 void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag)

@@ -69,7 +69,8 @@ private:
     QueryScreen *m_screen;
 };
 
-/// Fills a drop-down list with "全部" and the values of a field of the host's dataset, and selects the former.
+/// Fills drop-down lists with "全部" and the values of a field of a dataset, or of the host's of that name, and selects the former.
+void fillFrom(const QList<TDBComboBoxEh *> &combos, TDataSet *dataSet, const QString &field);
 void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field);
 
 /// The whole of yesterday, or of today.
@@ -80,6 +81,11 @@ void setToday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);
 void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
 void setScanTypeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
 void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source);
+
+/// The site names of a dataset as the list of an IN condition.
+QString siteList(TDataSet *sites);
+/// The field of the cell that is current in a result.
+QString selectedField(const TDataView *view);
 
 /// Closes the dataset, gives it the statement and the tag and opens it.
 void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag = 0);

@@ -1,0 +1,298 @@
+#include "plugin/forms/report/ufrm_DestQry.h"
+
+#include "plugin/data/host_data.h"
+#include "plugin/data/udm_BasicData.h"
+#include "plugin/data/udm_GlobalData.h"
+#include "plugin/forms/base/scan_columns.h"
+#include "plugin/util/conditions.h"
+
+Tfrm_Basic *frm_DestQry = nullptr;
+
+namespace {
+
+enum Selection { ByList, ByDate }; ///< the summary's tag
+const QString byStation = QStringLiteral("1");
+const QString byDestination = QStringLiteral("2");
+
+/// The three columns of a class of shifts; the digit in their fields is its code.
+GridColumns classColumns(const char *count, const char *weight, const char *fee, QStringView title)
+{
+    return {
+        number(count, QString(title + u"|票数"), 70).sum(u"总票数"),
+        number(weight, QString(title + u"|重量"), 70).sum(u"总重量"),
+        number(fee, QString(title + u"|中转费"), 80).sum(u"总金额"),
+    };
+}
+
+const GridColumns summaryColumns
+    = GridColumns {
+          text("area_name65", u"片区名称", 100),
+          text("PRE_OR_NEXT_STATION65", u"上一站点", 100),
+          text("DISPATCH_SITE65", u"目的网点", 100),
+      }
+    + classColumns("bill_count64", "WEIGHT64", "TRANSFER_OR_DISPATCH_FEE64", u"班车")
+    + classColumns("bill_count61", "WEIGHT61", "TRANSFER_OR_DISPATCH_FEE61", u"航班")
+    + classColumns("bill_count62", "WEIGHT62", "TRANSFER_OR_DISPATCH_FEE62", u"铁路")
+    + classColumns("bill_count63", "WEIGHT63", "TRANSFER_OR_DISPATCH_FEE63", u"其他")
+    + GridColumns {
+          number("sum_bill65", u"合计|票数", 70).sum(u"总票数"),
+          number("sum_weight65", u"合计|重量", 80).sum(u"总重量"),
+          number("sum_fee65", u"合计|金额", 90).sum(u"总金额"),
+      };
+
+const GridColumns detailColumns = scanColumns(u"上一网点")
+    + GridColumns {
+          number("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 72).sum(u"总金额"),
+          number("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
+          remarkColumn(),
+      };
+
+QString sumsOfClass(const QString &shift, QStringView code)
+{
+    return u"sum((case nvl(a.class,'*') when '" + shift
+        + u"' then nvl(case when SUB_BILL_CODE is null then a.WEIGHT else 0 end,0) else 0 "
+          "end)) as WEIGHT"
+        + code + u",sum((case nvl(a.class,'*') when '" + shift + u"' then  1  else 0 end)) as bill_count" + code
+        + u",sum((case nvl(a.class,'*') when '" + shift
+        + u"' then  nvl(TRANSFER_OR_DISPATCH_FEE,0) else 0 end)) as TRANSFER_OR_DISPATCH_FEE" + code + u',';
+}
+
+QString sumsByClass()
+{
+    return sumsOfClass(QStringLiteral("班车"), u"64") + sumsOfClass(QStringLiteral("航班"), u"61")
+        + sumsOfClass(QStringLiteral("铁路"), u"62")
+        + u"sum(( case when nvl(a.class,'&') not in ('铁路','航班','班车') then nvl(case when SUB_BILL_CODE is null then a.WEIGHT else 0 "
+          "end,0) else 0 end )) as WEIGHT63,sum(( case when nvl(a.class,'&') not in ('铁路','航班','班车') then  1 else 0 end)) as "
+          "bill_count63,sum(( case when nvl(a.class,'&') not in ('铁路','航班','班车') then  nvl(TRANSFER_OR_DISPATCH_FEE,0) else 0 end)) "
+          "as TRANSFER_OR_DISPATCH_FEE63,sum(1) as sum_bill65 ,sum(nvl(a.WEIGHT,0)) as sum_weight65,"
+          "sum(nvl(a.TRANSFER_OR_DISPATCH_FEE,0)) as sum_fee65  from tab_scan_come a ";
+}
+
+/// The class that a summary field stands for: the character behind its first "6".
+QChar classCode(const QString &field)
+{
+    const qsizetype place = field.indexOf(u'6') + 1;
+    return place > 0 && place < field.size() ? field[place] : QChar();
+}
+
+QString ofClass(QChar code)
+{
+    switch (code.unicode()) {
+    case u'1':
+        return QStringLiteral(" and a.class =  '航班'");
+    case u'2':
+        return QStringLiteral(" and a.class = '铁路'");
+    case u'3':
+        return QStringLiteral(" and nvl(a.class,'*') not in ('铁路','航班','班车')");
+    case u'4':
+        return QStringLiteral(" and a.class = '班车'");
+    default:
+        return {};
+    }
+}
+
+QString equalOrNull(QStringView column, const QString &value)
+{
+    return value.isEmpty() ? QString(u" and a." + column + u" is null") : QString(u" and a." + column + u"='" + value + u'\'');
+}
+
+} // namespace
+
+Tfrm_DestQry::Tfrm_DestQry(TComponentOwner *owner)
+    : SummaryDetailScreen(owner, QStringLiteral("frm_DestQry"), u"目的网点月统计")
+{
+    design();
+    FormCreate();
+}
+
+void Tfrm_DestQry::design()
+{
+    RadioButton1->setText(QStringLiteral("按上一站点和目的网点统计"));
+    RadioButton1->setChecked(true);
+    RadioButton2->setText(QStringLiteral("按目的网点统计"));
+    const QString owners = QStringLiteral("全部\r直营\r非直营");
+    DBComboBoxEh6->setItemsText(owners);
+    DBComboBoxEh6->setKeyItemsText(owners);
+    DBComboBoxEh6->setItemIndex(0);
+    arrange({ {
+                  range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
+                  box(GroupBox2, u"重量范围输入", 1, { row(u"开始重量", DBNumberEditEh1), row(u"结束重量", DBNumberEditEh2) }),
+                  block(4,
+                      {
+                          row(u"扫描网点", DBLookupComboboxEh3),
+                          row(u"上一站", DBLookupComboboxEh5),
+                          row(u"目的网点", DBLookupComboboxEh4),
+                          row(u"寄件网点", DBLookupComboboxEh1),
+                          row(u"扫描人", DBLookupComboboxEh2),
+                          row(u"物品类别", DBComboBoxEh1),
+                          row(u"快件类型", DBComboBoxEh2),
+                          row(u"片区名称", DBComboBoxEh3),
+                          row(u"班组", DBComboBoxEh4),
+                          row(u"车次", DBComboBoxEh5),
+                          row(u"直营站点", DBComboBoxEh6),
+                      }),
+              },
+        { row(RadioButton1), row(RadioButton2) } });
+    placeLeft(InputList1);
+    summaryAndDetail(
+        { TabSheet1, u"统计数据", DataView2, cdsSum, summaryColumns }, { TabSheet2, u"明细数据", DataView1, cds, detailColumns });
+    openGuestFromDetail([] { return QList<TCustomRemoteServer *> { dm_BasicData->HostConnection, dm_GlobalData->SecondConnection }; });
+    completeOnExit({ DBLookupComboboxEh1, DBLookupComboboxEh2, DBLookupComboboxEh3, DBLookupComboboxEh4, DBLookupComboboxEh5 });
+    for (QRadioButton *button : { RadioButton1, RadioButton2 })
+        handle(button, &QRadioButton::clicked, this, &Tfrm_DestQry::RadioButtonClick);
+}
+
+void Tfrm_DestQry::FormCreate()
+{
+    Tfrm_BasicBoot::FormCreate();
+    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
+    setSiteLookup({ DBLookupComboboxEh3 }, dm_GlobalData->ds_loginSiteOwner);
+    setSiteLookup({ DBLookupComboboxEh5, DBLookupComboboxEh4, DBLookupComboboxEh1 }, dm_GlobalData->ds_site);
+    setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
+    DBLookupComboboxEh3->setText(GlobalValueAddr(QStringLiteral("site")));
+    fillFromHost({ DBComboBoxEh1 }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
+    fillFromHost({ DBComboBoxEh2 }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
+    fillFromHost({ DBComboBoxEh3 }, QStringLiteral("area"), QStringLiteral("AREA_NAME"));
+    ds_Site_Basic->setDataSet(cds_Site_Basic);
+    fillFromSiteBasic(DBComboBoxEh4, QStringLiteral("CLASS_GROUP_NAME"));
+    fillFromSiteBasic(DBComboBoxEh5, QStringLiteral("CAR_NAME"));
+}
+
+void Tfrm_DestQry::fillFromSiteBasic(TDBComboBoxEh *combo, const QString &field)
+{
+    openStatement(cds_Site_Basic, u"select distinct a." + field + u"  from tab_site_basic a");
+    fillFrom({ combo }, cds_Site_Basic, field);
+}
+
+void Tfrm_DestQry::RadioButtonClick()
+{
+    TDBGridEh *grid = DataView2->DataViewGrid;
+    for (const auto &[field, place] : { std::pair(u"area_name65", 0), std::pair(u"PRE_OR_NEXT_STATION65", 1) }) {
+        const int column = grid->columnIndex(field);
+        grid->setColumnVisible(column, RadioButton1->isChecked());
+        if (RadioButton1->isChecked())
+            grid->moveColumn(column, place);
+    }
+}
+
+void Tfrm_DestQry::Button1Click()
+{
+    const QueryRun run(this);
+    if (InputList1->CheckBox1->isChecked())
+        queryByList();
+    else
+        queryByDate();
+}
+
+QString Tfrm_DestQry::head(QStringView index) const
+{
+    const QString hint = u"select /*+index(a," + index + u")*/";
+    if (FMode == byStation)
+        return hint + u"a.PRE_OR_NEXT_STATION as PRE_OR_NEXT_STATION65,a.DISPATCH_SITE as DISPATCH_SITE65," + sumsByClass();
+    return hint + QStringView(index == u"TAB_SCAN_COME_I3" ? u" " : u"") + u"a.DISPATCH_SITE as DISPATCH_SITE65," + sumsByClass();
+}
+
+void Tfrm_DestQry::queryByList()
+{
+    QString bills;
+    InputList1->GetBillList(bills);
+    if (bills.isEmpty())
+        return;
+    FWhere = u" where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'';
+    FMode = RadioButton1->isChecked() ? byStation : byDestination;
+    const QString scans = head(u"TAB_SCAN_COME_I") + FWhere;
+    // The text by destination is one that the database refuses; it is kept as it was audited.
+    openStatement(cdsSum,
+        FMode == byDestination
+            ? QString(scans + u"group by a.DISPATCH_SITE65 order by a.DISPATCH_SITE65")
+            : QString(u"select b.area_name as area_name65,a.* from (" + scans
+                + u" group by a.PRE_OR_NEXT_STATION ,a.DISPATCH_SITE) a left join tab_site b on "
+                  "a.PRE_OR_NEXT_STATION65=b.site_name  order by  area_name65,a.PRE_OR_NEXT_STATION65,a.DISPATCH_SITE65"),
+        ByList);
+}
+
+void Tfrm_DestQry::queryByDate()
+{
+    if (DBLookupComboboxEh3->text().isEmpty()) {
+        refuse(QStringLiteral("详细：扫描网点必须选择！"), DBLookupComboboxEh3);
+        return;
+    }
+    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true))
+        return;
+    FMode = RadioButton1->isChecked() ? byStation : byDestination;
+    addConditions();
+    const QString scans = head(u"TAB_SCAN_COME_I3") + FWhere;
+    if (FMode == byDestination) {
+        openStatement(cdsSum, scans + siteBasicCondition({}) + u" group by a.DISPATCH_SITE  order by DISPATCH_SITE65", ByDate);
+        return;
+    }
+    const QString area = DBComboBoxEh3->text() == allItems ? QString() : QString(u"where b.area_name =  '" + DBComboBoxEh3->text() + u'\'');
+    openStatement(cdsSum,
+        u"select b.area_name as area_name65,a.* from (" + scans
+            + u" group by a.PRE_OR_NEXT_STATION ,a.DISPATCH_SITE) a  left join tab_site b on a.PRE_OR_NEXT_STATION65=b.site_name  " + area
+            + siteBasicCondition(area) + u"  order by  area_name65,a.PRE_OR_NEXT_STATION65,a.DISPATCH_SITE65",
+        ByDate);
+}
+
+void Tfrm_DestQry::addConditions()
+{
+    const bool stations = FMode == byStation;
+    const auto unlessNone = [](QStringView before, const QString &value, QStringView after) {
+        return value.isEmpty() ? QString() : QString(before + value + after);
+    };
+    FWhere = u' ' + whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + u" and a.scan_site='" + DBLookupComboboxEh3->text()
+        + u'\'';
+    const QString owned = QStringLiteral(" and exists(select /*+index( b,TAB_SITE_BASIC_P)*/1  from tab_site_basic b where "
+                                         "b.site_name=a.DISPATCH_SITE and ");
+    if (DBComboBoxEh6->text() == u"直营")
+        FWhere += owned + u"b.bl_self=1 )";
+    else if (DBComboBoxEh6->text() == u"非直营")
+        FWhere += owned + u"nvl(b.bl_self,0)=0 )";
+    FWhere += unlessEmpty(u" and a.PRE_OR_NEXT_STATION='", DBLookupComboboxEh5) + unlessEmpty(u" and a.scan_man='", DBLookupComboboxEh2)
+        + unlessAll(u" and a.GOODS_TYPE='", DBComboBoxEh1) + unlessAll(u" and a.FAST_TYPE='", DBComboBoxEh2)
+        + unlessEmpty(u" and a.SEND_SITE='", DBLookupComboboxEh1)
+        + unlessNone(
+            stations ? u" and a.DISPATCH_SITE='" : u"  and a.DISPATCH_SITE='", DBLookupComboboxEh4->text(), stations ? u"'" : u"'  ")
+        + unlessNone(stations ? u" and nvl(a.WEIGHT,0) >='" : u" and  nvl(a.WEIGHT,0)  >='", DBNumberEditEh1->text(), u"' ")
+        + unlessNone(u" and nvl(a.WEIGHT,0)  <='", DBNumberEditEh2->text(), u"' ");
+    if (!stations && DBComboBoxEh3->text() != allItems)
+        FWhere += u"  and exists (select /*+index(b,TAB_SITE_U)*/ 1 from tab_site b where b.site_name = a.pre_or_next_station and "
+                  "b.area_name =  '"
+            + DBComboBoxEh3->text() + u"')";
+}
+
+/// The test of the destination's class group and car. By station it stands behind the outer join, where it follows `area`, or a
+/// "where" of its own.
+QString Tfrm_DestQry::siteBasicCondition(const QString &area) const
+{
+    const bool stations = FMode == byStation;
+    QString tests;
+    if (DBComboBoxEh4->text() != allItems)
+        tests += u" and c.CLASS_GROUP_NAME =  '" + DBComboBoxEh4->text() + QStringView(stations ? u"' " : u"'");
+    if (DBComboBoxEh5->text() != allItems)
+        tests += QStringView(stations ? u" and c.CAR_NAME =  '" : u"  and c.CAR_NAME =  '") + DBComboBoxEh5->text()
+            + QStringView(stations ? u"'  " : u"' ");
+    if (tests.isEmpty())
+        return {};
+    const QString opening = QStringLiteral("exists(select /*+index(c,TAB_SITE_BASIC_P)*/ 1 from tab_site_basic c where c.site_name =");
+    if (!stations)
+        return u" and " + opening + u"a.DISPATCH_SITE " + tests + u") ";
+    return QStringView(area.isEmpty() ? u" where " : u"") + u" and  " + opening + u"a.DISPATCH_SITE65 " + tests + u") ";
+}
+
+Detail Tfrm_DestQry::detail() const
+{
+    const QChar code = classCode(selectedField(DataView2));
+    const bool stations = FMode == byStation;
+    const QString station = stations ? summaryText(u"PRE_OR_NEXT_STATION65") : QString();
+    const QString destination = summaryText(u"DISPATCH_SITE65");
+    return {
+        .key = station + destination + code,
+        .statement = u"select /*+index(a," + QStringView(cdsSum->tag() == ByList ? u"TAB_SCAN_COME_I" : u"TAB_SCAN_COME_I3")
+            + u")*/a.*,nvl(b.TOPAYMENT,0) as TOPAYMENT from tab_scan_come a left join tab_bill b on a.bill_code=b.bill_code " + FWhere
+            + ofClass(code) + (stations ? equalOrNull(u"PRE_OR_NEXT_STATION", station) : QString())
+            + equalOrNull(u"DISPATCH_SITE", destination) + u"  order by a.scan_site,a.PRE_OR_NEXT_STATION",
+        // Without the class, so that no key ever equals it and each visit queries again.
+        .remembered = station + destination,
+    };
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "plugin/forms/base/summary_detail_screen.h"
+
+/// The dispatch fees of signed waybills by delivering site, split by whether they were sent from the login site's province.
+class Tfrm_DispFeeQry1 : public SummaryDetailScreen {
+    Q_OBJECT
+
+public:
+    explicit Tfrm_DispFeeQry1(TComponentOwner *owner);
+
+    PUBLISHED(QGroupBox, GroupBox1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh1);
+    PUBLISHED(QCheckBox, CheckBox1);
+    PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
+    PUBLISHED(TTabSheet, TabSheet1);
+    PUBLISHED(TTabSheet, TabSheet2);
+    PUBLISHED(TDataView, DataView1);
+    PUBLISHED(TDataView, DataView2);
+    PUBLISHED(TClientDataSetEx, cdsSum);
+    PUBLISHED(TClientDataSetEx, cds);
+
+private:
+    void design();
+    void FormCreate();
+    void Button1Click() override;
+    Detail detail() const override;
+
+    QString bySite(const QString &where) const;
+    QString bySiteAndProvince(const QString &where) const;
+    void filterByProvince();
+
+    QString FProvince;
+    QString FProvinceSiteList;
+    QString FLoginSite;
+    QString FDateWhere; ///< of the last summary
+    bool FBySignSiteOnly = true; ///< of the last summary
+};
+
+extern Tfrm_Basic *frm_DispFeeQry1;

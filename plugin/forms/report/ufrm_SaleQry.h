@@ -1,0 +1,38 @@
+#pragma once
+
+#include "plugin/forms/base/summary_detail_screen.h"
+#include "plugin/view/frame_InputList.h"
+
+/// What each picker of the Beijing business department brought to the hub: waybills, weight and fees.
+class Tfrm_SaleQry : public SummaryDetailScreen {
+    Q_OBJECT
+
+public:
+    explicit Tfrm_SaleQry(TComponentOwner *owner);
+
+    PUBLISHED(TInputList, InputList1);
+    PUBLISHED(QGroupBox, GroupBox1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
+    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
+    PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh4);
+    PUBLISHED(TClientDataSetEx, cdsMan); ///< the department's staff
+    PUBLISHED(TDataSource, ds_Man);
+    PUBLISHED(TTabSheet, TabSheet1);
+    PUBLISHED(TTabSheet, TabSheet2);
+    PUBLISHED(TDataView, DataView2);
+    PUBLISHED(TDataView, DataView1);
+    PUBLISHED(TClientDataSetEx, cdsSum);
+    PUBLISHED(TClientDataSetEx, cds);
+
+private:
+    void design();
+    void FormCreate();
+    void Button1Click() override;
+    void queryByList();
+    void queryByDate();
+    Detail detail() const override;
+
+    QString FWhereSql; ///< of the arrivals of the last summary
+};
+
+extern Tfrm_Basic *frm_SaleQry;
