@@ -114,25 +114,27 @@ void Tfrm_DestQry::design()
     DBComboBoxEh6->setItemsText(owners);
     DBComboBoxEh6->setKeyItemsText(owners);
     DBComboBoxEh6->setItemIndex(0);
-    arrange({ {
-                  range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
-                  box(GroupBox2, u"重量范围输入", 1, { row(u"开始重量", DBNumberEditEh1), row(u"结束重量", DBNumberEditEh2) }),
-                  block(4,
-                      {
-                          row(u"扫描网点", DBLookupComboboxEh3),
-                          row(u"上一站", DBLookupComboboxEh5),
-                          row(u"目的网点", DBLookupComboboxEh4),
-                          row(u"寄件网点", DBLookupComboboxEh1),
-                          row(u"扫描人", DBLookupComboboxEh2),
-                          row(u"物品类别", DBComboBoxEh1),
-                          row(u"快件类型", DBComboBoxEh2),
-                          row(u"片区名称", DBComboBoxEh3),
-                          row(u"班组", DBComboBoxEh4),
-                          row(u"车次", DBComboBoxEh5),
-                          row(u"直营站点", DBComboBoxEh6),
-                      }),
-              },
-        { row(RadioButton1), row(RadioButton2) } });
+    arrange({
+        {
+            range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
+            box(GroupBox2, u"重量范围输入", 1, { row(u"开始重量", DBNumberEditEh1), row(u"结束重量", DBNumberEditEh2) }),
+            block(1, { row(RadioButton1), row(RadioButton2) }),
+        },
+        { block(5,
+            {
+                row(u"扫描网点", DBLookupComboboxEh3),
+                row(u"上一站", DBLookupComboboxEh5),
+                row(u"目的网点", DBLookupComboboxEh4),
+                row(u"寄件网点", DBLookupComboboxEh1),
+                row(u"扫描人", DBLookupComboboxEh2),
+                row(u"物品类别", DBComboBoxEh1),
+                row(u"快件类型", DBComboBoxEh2),
+                row(u"片区名称", DBComboBoxEh3),
+                row(u"班组", DBComboBoxEh4),
+                row(u"车次", DBComboBoxEh5),
+                row(u"直营站点", DBComboBoxEh6),
+            }) },
+    });
     placeLeft(InputList1);
     summaryAndDetail(
         { TabSheet1, u"统计数据", DataView2, cdsSum, summaryColumns }, { TabSheet2, u"明细数据", DataView1, cds, detailColumns });
