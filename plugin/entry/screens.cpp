@@ -6,6 +6,8 @@
 #include "plugin/forms/report/ufrm_DestQry.h"
 #include "plugin/forms/report/ufrm_DispFeeQry1.h"
 #include "plugin/forms/report/ufrm_MonthCalc.h"
+#include "plugin/forms/report/ufrm_MonthRecBill.h"
+#include "plugin/forms/report/ufrm_MonthSendBill.h"
 #include "plugin/forms/report/ufrm_SaleQry.h"
 #include "plugin/forms/scan/ufrm_BillContrastScan.h"
 #include "plugin/forms/scan/ufrm_BillContrastSiteCome.h"
@@ -32,8 +34,8 @@ const ScreenEntry screens[] = {
     { u"frm_ScanContrast", Rights::FromName, &frm_ScanContrast, create<Tfrm_ScanContrast> },
     { u"frm_GuestSignQuery", Rights::None, &frm_GuestSignQuery, create<Tfrm_GuestSignQuery> },
     { u"frm_AuditingQuery", Rights::None, &frm_AuditingQuery, create<Tfrm_AuditingQuery> },
-    { u"frm_MonthSendBill", Rights::FromName },
-    { u"frm_MonthRecBill", Rights::FromName },
+    { u"frm_MonthSendBill", Rights::FromName, &frm_MonthSendBill, create<Tfrm_MonthSendBill> },
+    { u"frm_MonthRecBill", Rights::FromName, &frm_MonthRecBill, create<Tfrm_MonthRecBill> },
     { u"frm_RecSendContrast", Rights::FromName, &frm_RecSendContrast, create<Tfrm_RecSendContrast> },
     { u"frm_ManCome", Rights::FromName, &frm_ManCome, create<Tfrm_ManCome> },
     { u"frm_ManSend", Rights::FromName, &frm_ManSend, create<Tfrm_ManSend> },

@@ -1,10 +1,39 @@
 #include "plugin/view/udm_Print.h"
 
+#include "platform/toolkit/handler.h"
+#include "platform/toolkit/screen.h"
 #include "plugin/data/host_data.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QScopeGuard>
 
 Tdm_Print *dm_Print = nullptr;
 
-Tdm_Print::Tdm_Print() { DataModuleCreate(); }
+namespace {
+
+bool refuse(const QString &text) { return Application->messageBox(u"详细：" + text, QStringLiteral("打印报表"), mbIconWarning); }
+
+void record(const QString &fileName, const PreparedReport &prepared)
+{
+    QVariantMap memos;
+    const QMap<QString, QString> texts = prepared.namedTexts();
+    for (auto text = texts.begin(); text != texts.end(); ++text)
+        memos.insert(text.key(), text.value());
+    Application->record(QStringLiteral("print"), { { QStringLiteral("file"), fileName }, { QStringLiteral("memos"), memos } });
+}
+
+} // namespace
+
+Tdm_Print::Tdm_Print()
+{
+    frReport->setDataSet(frDBDataSet);
+    frReport->setPreviewButtons(allPreviewButtons);
+    frReport->setAddIns({ frBarCodeObject, frChartObject });
+    frReport->setExportFilters({ frTextExport, frCSVExport, frOLEExcelExport, frRtfAdvExport, frJPEGExport, frHTMLTableExport });
+    DataModuleCreate();
+}
 
 void Tdm_Print::DataModuleCreate()
 {
@@ -12,4 +41,52 @@ void Tdm_Print::DataModuleCreate()
     EmployeeName = GlobalValueAddr(QStringLiteral("employeeName"));
     EmployeeCode = GlobalValueAddr(QStringLiteral("employeeCode"));
     CompanyName = GlobalValueAddr(QStringLiteral("CompanyName"));
+}
+
+void Tdm_Print::PrintReport(TDataSet *DataSet, const QString &FileName, const std::function<void()> &Hook)
+{
+    if (!DataSet->active() || DataSet->isEmpty()) {
+        refuse(QStringLiteral("没有可打印的数据！"));
+        return;
+    }
+    const QString path = QDir::toNativeSeparators(Application->directory() + u"/Report/" + FileName);
+    if (!QFileInfo::exists(path)) {
+        refuse(QStringLiteral("报表文件\"%1\"不存在！").arg(path));
+        return;
+    }
+    Screen->setCursor(crQueryBusy);
+    DataSet->disableControls();
+    const TDataSet::Bookmark current = DataSet->bookmark();
+    const auto finish = qScopeGuard([&] {
+        guarded([&] { DataSet->gotoBookmark(current); });
+        DataSet->enableControls();
+        Screen->setCursor(crDefault);
+    });
+    guarded([&] {
+        frDBDataSet->setDataSet(DataSet);
+        frReport->loadFromFile(path);
+        FillReportHeader();
+        if (Hook)
+            Hook();
+        frReport->prepareReport();
+        frReport->showPreview(QApplication::activeWindow());
+        record(FileName, *frReport->prepared());
+    });
+}
+
+void Tdm_Print::append(QStringView object, const QString &value)
+{
+    if (ReportObject *memo = frReport->findObject(object))
+        memo->setText(memo->text().trimmed() + ReportObject::literal(value));
+}
+
+void Tdm_Print::FillReportHeader()
+{
+    if (ReportObject *title = frReport->findObject(u"ReportTitle"))
+        title->setText(ReportObject::literal(CompanyName) + title->text().trimmed());
+    append(u"PrintMan", EmployeeName + u'(' + EmployeeCode + u')');
+    append(u"PrintSite", Site);
+    append(u"PrintDateTime", GetServerDateTime().toString(u"yyyy-MM-dd hh:mm:ss"));
+    if (ReportObject *page = frReport->findObject(u"PrintPage"))
+        page->setText(QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页"));
 }

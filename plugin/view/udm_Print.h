@@ -1,21 +1,43 @@
 #pragma once
 
+#include "platform/report/add_in.h"
+#include "platform/report/data_exports.h"
+#include "platform/report/report.h"
 #include "platform/toolkit/form.h"
 
-/// What heads every printed report: the company, the site and the person who prints.
+/// Prints a screen's result through a report file, headed with the company, the site and the person who prints.
 class Tdm_Print : public TDataModule {
     Q_OBJECT
 
 public:
     Tdm_Print();
 
+    PUBLISHED(TfrReport, frReport);
+    PUBLISHED(TfrDBDataSet, frDBDataSet);
+    PUBLISHED(BarCodeObject, frBarCodeObject);
+    PUBLISHED(ChartObject, frChartObject);
+    PUBLISHED(TextExport, frTextExport);
+    PUBLISHED(CsvExport, frCSVExport);
+    PUBLISHED(SpreadsheetExport, frOLEExcelExport);
+    PUBLISHED(RtfExport, frRtfAdvExport);
+    PUBLISHED(JpegExport, frJPEGExport);
+    PUBLISHED(HtmlTableExport, frHTMLTableExport);
+
     QString Site;
     QString EmployeeName;
     QString EmployeeCode;
     QString CompanyName;
 
+    /// Shows the dataset's rows in the report file of that name (in the folder "Report" beside the program) in a preview, from which
+    /// the user prints or saves. `Hook` may set the screen's own texts before the report is prepared. The dataset's row, its
+    /// controls and the cursor are as before afterwards, also when the report is wrong, which the user is told.
+    void PrintReport(TDataSet *DataSet, const QString &FileName, const std::function<void()> &Hook = {});
+    /// Puts the heading's values into the objects of the loaded report that are there for them.
+    void FillReportHeader();
+
 private:
     void DataModuleCreate();
+    void append(QStringView object, const QString &value);
 };
 
 extern Tdm_Print *dm_Print;
