@@ -42,6 +42,8 @@ public:
     /// Presses the query button of the screen in front; throws Exception when there is none.
     void query();
     void copy(bool titles);
+    /// Shows the current grid as it would be printed.
+    void print();
     /// Writes the current grid to `fileName`, with progress and a way to cancel.
     void exportTo(const QString &fileName);
     TDBGridEh *currentGrid() const { return m_grid; }

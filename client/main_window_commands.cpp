@@ -8,6 +8,7 @@
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_finder.h"
+#include "platform/report/print_db_grid.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
@@ -26,7 +27,7 @@
 
 /// One command of the menus.
 struct MainWindow::Command {
-    enum Needs { Nothing, Form, Query, Grid, Printer };
+    enum Needs { Nothing, Form, Query, Grid };
     QStringView menu;
     QStringView text; ///< empty: a separator
     QStringView shortcuts; ///< joined with blanks; the first one stands in the menu
@@ -40,7 +41,7 @@ const QList<MainWindow::Command> &MainWindow::commands()
     static const QList<Command> rows {
         { u"操作(&O)", u"查询", u"F9 F5 Ctrl+Return Ctrl+Enter", "query", Command::Query, [](MainWindow *window) { window->query(); } },
         { u"操作(&O)", u"导出…", u"Ctrl+E", "export", Command::Grid, [](MainWindow *window) { window->exportAsking(); } },
-        { u"操作(&O)", u"打印", u"Ctrl+P", "print", Command::Printer, nullptr },
+        { u"操作(&O)", u"打印…", u"Ctrl+P", "print", Command::Grid, [](MainWindow *window) { window->print(); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         { u"操作(&O)", u"查找…", u"Ctrl+F", "find", Command::Grid, [](MainWindow *window) { window->m_grid->finder().openDialog(); } },
         { u"操作(&O)", u"查找下一个", u"F3", nullptr, Command::Grid, [](MainWindow *window) { window->m_grid->finder().findAgain(true); } },
@@ -163,7 +164,7 @@ void MainWindow::listWindows()
 
 void MainWindow::updateCommands()
 {
-    const bool has[] = { true, activeForm() != nullptr, queryButton() != nullptr, m_grid != nullptr, false };
+    const bool has[] = { true, activeForm() != nullptr, queryButton() != nullptr, m_grid != nullptr };
     for (const auto &[action, command] : std::as_const(m_actions))
         action->setEnabled(has[command->needs]);
     claimShortcuts();
@@ -187,6 +188,24 @@ void MainWindow::copy(bool titles)
 {
     if (m_grid)
         m_grid->copySelection(titles);
+}
+
+void MainWindow::print()
+{
+    if (!m_grid)
+        throw Exception(QStringLiteral("没有可以打印的表格，请先打开一个查询窗口。"));
+    const auto *frame = dynamic_cast<TComponentOwner *>(ownerOf(m_grid));
+    TPrintDBGridEh plain;
+    plain.setDBGridEh(m_grid);
+    TPrintDBGridEh *printer = &plain;
+    for (QObject *component : frame ? frame->components() : QList<QObject *>()) {
+        auto *own = qobject_cast<TPrintDBGridEh *>(component);
+        if (own && own->dbGridEh() == m_grid)
+            printer = own;
+    }
+    if (printer->title().isEmpty())
+        printer->setTitle(activeForm()->caption());
+    printer->preview(this);
 }
 
 void MainWindow::exportAsking()

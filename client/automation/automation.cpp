@@ -1,6 +1,7 @@
 #include "client/automation/automation.h"
 
 #include "platform/grid/db_grid.h"
+#include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 
@@ -76,6 +77,7 @@ Automation::Automation(MainWindow *window)
     });
     Application->setMessageResponder(
         [this](const MessageRequest &request) { return m_answers.isEmpty() ? int(request.defaultAnswer()) : m_answers.dequeue(); });
+    setPreviewResponder([this](const PreviewRequest &preview) { lookAt(preview); });
     for (const CommandRow &row : commands())
         m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) {
             activateWindow();
@@ -98,7 +100,11 @@ void Automation::activateWindow()
         QApplication::setActiveWindow(m_window);
 }
 
-Automation::~Automation() { Application->setMessageResponder({}); }
+Automation::~Automation()
+{
+    Application->setMessageResponder({});
+    setPreviewResponder({});
+}
 
 TForm *Automation::form(const QJsonObject &arguments) const
 {

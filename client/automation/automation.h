@@ -8,6 +8,7 @@
 #include <QQueue>
 
 class TDBGridEh;
+struct PreviewRequest;
 
 /// Obeys commands from the standard input on the real windows and answers them on the standard output. The protocol is
 /// docs/automation.md. While it lives it records what happens and answers message boxes itself.
@@ -59,9 +60,13 @@ private:
     /// The control, on a form that is in front now.
     QWidget *controlInFront(const QJsonObject &arguments) const;
     /// The grid that "view" names (itself or by its frame), or the current one.
+    /// What a person does with a preview: sees all pages, and saves them when a file was asked for.
+    void lookAt(const PreviewRequest &preview);
     TDBGridEh *view(const QJsonObject &arguments) const;
 
     MainWindow *m_window;
+    QString m_printFile; ///< where the next preview is saved
+    int m_printedPages = 0;
     Dispatcher m_dispatcher;
     LineReader m_reader;
     QJsonArray m_events;

@@ -3,6 +3,7 @@
 #include "client/export/table_export.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_finder.h"
+#include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 
@@ -47,7 +48,30 @@ QJsonObject Automation::query(const QJsonObject &arguments)
     return {};
 }
 
-QJsonObject Automation::print(const QJsonObject &) { throw Exception(QStringLiteral("本版本尚不能打印")); }
+QJsonObject Automation::print(const QJsonObject &arguments)
+{
+    m_printFile = arguments[u"file"].toString();
+    m_printedPages = 0;
+    if (arguments.contains(u"control"))
+        click(arguments);
+    else
+        m_window->print();
+    m_printFile.clear();
+    return { { QStringLiteral("pages"), m_printedPages } };
+}
+
+void Automation::lookAt(const PreviewRequest &preview)
+{
+    preview.report.layAllPages();
+    m_printedPages = preview.report.pageCount();
+    if (m_printFile.isEmpty())
+        return;
+    PdfExport pdf;
+    ExportFilter *filter = filterFor(preview.filters + QList<ExportFilter *> { &pdf }, m_printFile);
+    if (!filter)
+        throw Exception(QStringLiteral("不能打印到“%1”：文件名请以 .pdf 结尾。").arg(m_printFile));
+    filter->exportReport(preview.report, m_printFile);
+}
 
 QJsonObject Automation::exportGrid(const QJsonObject &arguments)
 {
