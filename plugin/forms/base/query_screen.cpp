@@ -82,6 +82,13 @@ void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataS
     fillFrom(combos, GlobalCdsAddr(hostDataSet), field);
 }
 
+void fillScanLists(TDBComboBoxEh *goodsType, TDBComboBoxEh *fastType, TDBComboBoxEh *shift)
+{
+    fillFromHost({ goodsType }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
+    fillFromHost({ fastType }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
+    fillFromHost({ shift }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
+}
+
 void fillFrom(const QList<TDBComboBoxEh *> &combos, TDataSet *dataSet, const QString &field)
 {
     QString values;

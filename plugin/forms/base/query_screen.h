@@ -72,6 +72,8 @@ private:
 /// Fills drop-down lists with "全部" and the values of a field of a dataset, or of the host's of that name, and selects the former.
 void fillFrom(const QList<TDBComboBoxEh *> &combos, TDataSet *dataSet, const QString &field);
 void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field);
+/// The lists by which scans are chosen: the kinds of goods, the express types and the shifts.
+void fillScanLists(TDBComboBoxEh *goodsType, TDBComboBoxEh *fastType, TDBComboBoxEh *shift);
 
 /// The whole of yesterday, or of today.
 void setYesterday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);

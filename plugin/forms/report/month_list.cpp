@@ -23,9 +23,7 @@ void MonthList::FormCreate(TDBLookupComboboxEh *scanSite)
     Tfrm_BasicBoot::FormCreate();
     m_scanSite = scanSite;
     setPreviousMonth();
-    fillFromHost({ DBComboBoxEh1 }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
-    fillFromHost({ DBComboBoxEh2 }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
-    fillFromHost({ DBComboBoxEh4 }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
+    fillScanLists(DBComboBoxEh1, DBComboBoxEh2, DBComboBoxEh4);
     setSiteLookup({ DBLookupComboboxEh1, DBLookupComboboxEh4 }, dm_GlobalData->ds_site);
     setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
     setSiteLookup({ scanSite }, dm_GlobalData->ds_loginSiteOwner);

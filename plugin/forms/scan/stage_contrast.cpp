@@ -41,9 +41,7 @@ void StageContrast::FormCreate()
 {
     Tfrm_BasicBoot::FormCreate();
     setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    fillFromHost({ DBComboBoxEh1 }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
-    fillFromHost({ DBComboBoxEh2 }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
-    fillFromHost({ DBComboBoxEh4 }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
+    fillScanLists(DBComboBoxEh1, DBComboBoxEh2, DBComboBoxEh4);
     setSiteLookup({ DBLookupComboboxEh1, DBLookupComboboxEh4, DBLookupComboboxEh5 }, dm_GlobalData->ds_site);
     setSiteLookup({ DBLookupComboboxEh3 }, dm_GlobalData->ds_loginSiteOwner);
     setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);

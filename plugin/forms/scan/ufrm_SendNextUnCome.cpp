@@ -46,9 +46,7 @@ void Tfrm_SendNextUnCome::FormCreate()
 {
     Tfrm_BasicBoot::FormCreate();
     setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    fillFromHost({ DBComboBoxEh1 }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
-    fillFromHost({ DBComboBoxEh2 }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
-    fillFromHost({ DBComboBoxEh4 }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
+    fillScanLists(DBComboBoxEh1, DBComboBoxEh2, DBComboBoxEh4);
     setSiteLookup({ DBLookupComboboxEh1, DBLookupComboboxEh4, DBL_NEXTSITE }, dm_GlobalData->ds_site);
     setSiteLookup({ DBLookupComboboxEh5 }, dm_GlobalData->ds_loginSiteOwner);
     FLoginSite = GlobalValueAddr(QStringLiteral("site"));
