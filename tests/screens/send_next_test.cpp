@@ -37,11 +37,11 @@ TEST_F(SendNextUnCome, ListsWhatNeverArrivedAtTheNextStation)
             answerOf(u"select count(*) from tab_scan_come where bill_code='" + bills[row] + u"' and scan_site='" + stations[row] + u'\''),
             QStringLiteral("0"));
 
-    expectConditions(
-        { { "DBComboBoxEh4", u"班车", u" and a.class='班车'" }, { "DBComboBoxEh1", u"", u" and a.GOODS_TYPE=''" },
-            { "DBComboBoxEh2", u"陆运件", u" and a.FAST_TYPE='陆运件'" }, { "DBLookupComboboxEh1", u"上海静安", u" and a.SEND_SITE='上海静安'" },
-            { "DBLookupComboboxEh4", u"广州", u" and a.DISPATCH_SITE='广州'" },
-            { "DBL_NEXTSITE", u"上海中心", u" and a.PRE_OR_NEXT_STATION='上海中心'" } },
+    expectConditions({ { "DBComboBoxEh4", u"班车", u" and a.class='班车'" }, { "DBComboBoxEh1", u"", u" and a.GOODS_TYPE=''" },
+                         { "DBComboBoxEh2", u"陆运件", u" and a.FAST_TYPE='陆运件'" },
+                         { "DBLookupComboboxEh1", u"上海静安", u" and a.SEND_SITE='上海静安'" },
+                         { "DBLookupComboboxEh4", u"广州", u" and a.DISPATCH_SITE='广州'" },
+                         { "DBL_NEXTSITE", u"上海中心", u" and a.PRE_OR_NEXT_STATION='上海中心'" } },
         byDate);
 }
 
