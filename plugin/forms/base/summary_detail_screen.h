@@ -2,6 +2,9 @@
 
 #include "plugin/forms/base/paged_screen.h"
 
+/// How a summary has chosen its scans: the tag of its dataset on screens that also take a list of waybills.
+enum Selection { ByList, ByDate };
+
 /// What the detail page shows for the current summary row.
 struct Detail {
     QString key; ///< of the row; the page is loaded anew when the key differs from the remembered one

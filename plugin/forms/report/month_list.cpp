@@ -46,7 +46,7 @@ void MonthList::Button1Click()
         InputList1->GetBillList(bills);
         // The site is always the one that is logged in; the other conditions do not count.
         if (!bills.isEmpty())
-            open(u"where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'', 0);
+            open(u"where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'', ByList);
         return;
     }
     if (m_scanSite->text().isEmpty()) {
@@ -57,14 +57,14 @@ void MonthList::Button1Click()
         return;
     open(whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + u" and a.scan_site='" + m_scanSite->text() + u'\''
             + conditions(),
-        1);
+        ByDate);
 }
 
-void MonthList::open(const QString &where, int tag)
+void MonthList::open(const QString &where, Selection selection)
 {
     FWhereSql = where;
-    cdsSum->setTag(tag);
-    openStatement(cdsSum, summary(), tag);
+    cdsSum->setTag(selection);
+    openStatement(cdsSum, summary(), selection);
 }
 
 void MonthList::printDetail(const QString &reportFile)

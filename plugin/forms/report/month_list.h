@@ -37,7 +37,7 @@ protected:
     void Button1Click() override;
 
     /// The index by which the last summary found its scans: that of the waybills, or that of the dates.
-    QString index(QStringView table) const { return table + QStringView(cdsSum->tag() == 0 ? u"_I" : u"_I3"); }
+    QString index(QStringView table) const { return table + QStringView(cdsSum->tag() == ByList ? u"_I" : u"_I3"); }
     /// The summary over FWhereSql.
     virtual QString summary() const = 0;
     /// The conditions behind the range.
@@ -49,7 +49,7 @@ protected:
 
 private:
     void setPreviousMonth();
-    void open(const QString &where, int tag);
+    void open(const QString &where, Selection selection);
 
     TDBLookupComboboxEh *m_scanSite = nullptr; ///< the scanning site, required by date
 };

@@ -8,8 +8,6 @@ Tfrm_Basic *frm_AuditingQuery = nullptr;
 
 namespace {
 
-enum Selection { ByList, ByDate }; ///< the summary's tag
-
 const GridColumns summaryColumns {
     text("AREA_NAME", u"片区", 120),
     text("PRE_OR_NEXT_STATION", u"网点名称", 120),

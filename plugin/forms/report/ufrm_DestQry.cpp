@@ -10,7 +10,6 @@ Tfrm_Basic *frm_DestQry = nullptr;
 
 namespace {
 
-enum Selection { ByList, ByDate }; ///< the summary's tag
 const QString byStation = QStringLiteral("1");
 const QString byDestination = QStringLiteral("2");
 

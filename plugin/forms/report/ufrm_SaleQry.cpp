@@ -9,8 +9,6 @@ Tfrm_Basic *frm_SaleQry = nullptr;
 
 namespace {
 
-enum Selection { ByList, ByDate }; ///< the summary's tag
-
 const GridColumns summaryColumns {
     text("DISPATCH_OR_SEND_MAN", u"收件客户", 120),
     text("PRE_OR_NEXT_STATION", u"上一站点", 120).hidden(),
