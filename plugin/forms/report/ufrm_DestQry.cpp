@@ -4,6 +4,7 @@
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
+#include "plugin/forms/report/shift_classes.h"
 #include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_DestQry = nullptr;
@@ -13,31 +14,11 @@ namespace {
 const QString byStation = QStringLiteral("1");
 const QString byDestination = QStringLiteral("2");
 
-/// The three columns of a class of shifts; the digit in their fields is its code.
-GridColumns classColumns(const char *count, const char *weight, const char *fee, QStringView title)
-{
-    return {
-        number(count, QString(title + u"|票数"), 70).sum(u"总票数"),
-        number(weight, QString(title + u"|重量"), 70).sum(u"总重量"),
-        number(fee, QString(title + u"|中转费"), 80).sum(u"总金额"),
-    };
-}
-
-const GridColumns summaryColumns
-    = GridColumns {
-          text("area_name65", u"片区名称", 100),
-          text("PRE_OR_NEXT_STATION65", u"上一站点", 100),
-          text("DISPATCH_SITE65", u"目的网点", 100),
-      }
-    + classColumns("bill_count64", "WEIGHT64", "TRANSFER_OR_DISPATCH_FEE64", u"班车")
-    + classColumns("bill_count61", "WEIGHT61", "TRANSFER_OR_DISPATCH_FEE61", u"航班")
-    + classColumns("bill_count62", "WEIGHT62", "TRANSFER_OR_DISPATCH_FEE62", u"铁路")
-    + classColumns("bill_count63", "WEIGHT63", "TRANSFER_OR_DISPATCH_FEE63", u"其他")
-    + GridColumns {
-          number("sum_bill65", u"合计|票数", 70).sum(u"总票数"),
-          number("sum_weight65", u"合计|重量", 80).sum(u"总重量"),
-          number("sum_fee65", u"合计|金额", 90).sum(u"总金额"),
-      };
+const GridColumns summaryColumns = GridColumns {
+    text("area_name65", u"片区名称", 100),
+    text("PRE_OR_NEXT_STATION65", u"上一站点", 100),
+    text("DISPATCH_SITE65", u"目的网点", 100),
+} + shiftClassColumns();
 
 const GridColumns detailColumns = scanColumns(u"上一网点")
     + GridColumns {
@@ -45,50 +26,6 @@ const GridColumns detailColumns = scanColumns(u"上一网点")
           number("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
           remarkColumn(),
       };
-
-QString sumsOfClass(const QString &shift, QStringView code)
-{
-    return u"sum((case nvl(a.class,'*') when '" + shift
-        + u"' then nvl(case when SUB_BILL_CODE is null then a.WEIGHT else 0 end,0) else 0 "
-          "end)) as WEIGHT"
-        + code + u",sum((case nvl(a.class,'*') when '" + shift + u"' then  1  else 0 end)) as bill_count" + code
-        + u",sum((case nvl(a.class,'*') when '" + shift
-        + u"' then  nvl(TRANSFER_OR_DISPATCH_FEE,0) else 0 end)) as TRANSFER_OR_DISPATCH_FEE" + code + u',';
-}
-
-QString sumsByClass()
-{
-    return sumsOfClass(QStringLiteral("班车"), u"64") + sumsOfClass(QStringLiteral("航班"), u"61")
-        + sumsOfClass(QStringLiteral("铁路"), u"62")
-        + u"sum(( case when nvl(a.class,'&') not in ('铁路','航班','班车') then nvl(case when SUB_BILL_CODE is null then a.WEIGHT else 0 "
-          "end,0) else 0 end )) as WEIGHT63,sum(( case when nvl(a.class,'&') not in ('铁路','航班','班车') then  1 else 0 end)) as "
-          "bill_count63,sum(( case when nvl(a.class,'&') not in ('铁路','航班','班车') then  nvl(TRANSFER_OR_DISPATCH_FEE,0) else 0 end)) "
-          "as TRANSFER_OR_DISPATCH_FEE63,sum(1) as sum_bill65 ,sum(nvl(a.WEIGHT,0)) as sum_weight65,"
-          "sum(nvl(a.TRANSFER_OR_DISPATCH_FEE,0)) as sum_fee65  from tab_scan_come a ";
-}
-
-/// The class that a summary field stands for: the character behind its first "6".
-QChar classCode(const QString &field)
-{
-    const qsizetype place = field.indexOf(u'6') + 1;
-    return place > 0 && place < field.size() ? field[place] : QChar();
-}
-
-QString ofClass(QChar code)
-{
-    switch (code.unicode()) {
-    case u'1':
-        return QStringLiteral(" and a.class =  '航班'");
-    case u'2':
-        return QStringLiteral(" and a.class = '铁路'");
-    case u'3':
-        return QStringLiteral(" and nvl(a.class,'*') not in ('铁路','航班','班车')");
-    case u'4':
-        return QStringLiteral(" and a.class = '班车'");
-    default:
-        return {};
-    }
-}
 
 QString equalOrNull(QStringView column, const QString &value)
 {
@@ -189,8 +126,8 @@ QString Tfrm_DestQry::head(QStringView index) const
 {
     const QString hint = u"select /*+index(a," + index + u")*/";
     if (FMode == byStation)
-        return hint + u"a.PRE_OR_NEXT_STATION as PRE_OR_NEXT_STATION65,a.DISPATCH_SITE as DISPATCH_SITE65," + sumsByClass();
-    return hint + QStringView(index == u"TAB_SCAN_COME_I3" ? u" " : u"") + u"a.DISPATCH_SITE as DISPATCH_SITE65," + sumsByClass();
+        return hint + u"a.PRE_OR_NEXT_STATION as PRE_OR_NEXT_STATION65,a.DISPATCH_SITE as DISPATCH_SITE65," + shiftClassSums();
+    return hint + QStringView(index == u"TAB_SCAN_COME_I3" ? u" " : u"") + u"a.DISPATCH_SITE as DISPATCH_SITE65," + shiftClassSums();
 }
 
 void Tfrm_DestQry::queryByList()
@@ -283,7 +220,7 @@ QString Tfrm_DestQry::siteBasicCondition(const QString &area) const
 
 Detail Tfrm_DestQry::detail() const
 {
-    const QChar code = classCode(selectedField(DataView2));
+    const QChar code = shiftClassOf(selectedField(DataView2));
     const bool stations = FMode == byStation;
     const QString station = stations ? summaryText(u"PRE_OR_NEXT_STATION65") : QString();
     const QString destination = summaryText(u"DISPATCH_SITE65");
@@ -291,7 +228,7 @@ Detail Tfrm_DestQry::detail() const
         .key = station + destination + code,
         .statement = u"select /*+index(a," + QStringView(cdsSum->tag() == ByList ? u"TAB_SCAN_COME_I" : u"TAB_SCAN_COME_I3")
             + u")*/a.*,nvl(b.TOPAYMENT,0) as TOPAYMENT from tab_scan_come a left join tab_bill b on a.bill_code=b.bill_code " + FWhere
-            + ofClass(code) + (stations ? equalOrNull(u"PRE_OR_NEXT_STATION", station) : QString())
+            + ofShiftClass(code) + (stations ? equalOrNull(u"PRE_OR_NEXT_STATION", station) : QString())
             + equalOrNull(u"DISPATCH_SITE", destination) + u"  order by a.scan_site,a.PRE_OR_NEXT_STATION",
         // Without the class, so that no key ever equals it and each visit queries again.
         .remembered = station + destination,
