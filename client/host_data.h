@@ -8,12 +8,13 @@ class QWidget;
 /// The datasets and values that the host keeps for all its modules, loaded once after login.
 class HostData {
 public:
-    /// Loads everything over `connection` for a user at `loginSite`; the components belong to `owner`. Throws what the
-    /// statements throw, and Exception when there is no such site.
+    /// Loads everything over `connection` for a user at `loginSite` ("": its first employee); the components belong to `owner`.
+    /// Throws what the statements throw, and Exception when there is no such site.
     void load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner);
 
     const TList &dataSets() const { return m_dataSets; }
     const TList &values() const { return m_values; }
+    const QString &employeeName() const { return m_employeeName; }
 
 private:
     TClientDataSetEx *dataSet(QStringView name) const;
@@ -22,4 +23,5 @@ private:
 
     TList m_dataSets;
     TList m_values;
+    QString m_employeeName;
 };

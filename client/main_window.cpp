@@ -25,7 +25,7 @@ enum HostMessage { formActivated = 1124, formClosed = 1125, formCreating = 1127 
 MainWindow::MainWindow(const Options &options)
     : m_options(options)
     , m_engine(engine::openEngine(options.database.toStdString()))
-    , m_status(new StatusLine(options.user, options.loginSite))
+    , m_status(new StatusLine)
 {
     m_sinceStart.start();
     setStatusBar(m_status);
@@ -35,6 +35,7 @@ MainWindow::MainWindow(const Options &options)
     for (TSocketConnectionEx *connection : { &m_host, &m_second })
         connection->setChannel(channel);
     m_data.load(&m_host, options.user, options.loginSite, this);
+    m_status->showLogin(m_data.employeeName(), options.loginSite);
 
     Screen->registerCursor(crQueryBusy, Qt::BusyCursor);
     setWindowTitle(QApplication::applicationDisplayName() + u" - " + options.loginSite);

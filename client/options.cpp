@@ -25,7 +25,7 @@ const OptionRow rows[] = {
     { u"--database", u"地址", u"数据库，例如 sqlite:parcels.db", [](Options &options, const QString &value) { options.database = value; } },
     { u"--server", u"地址", u"应用服务器（本版本尚不能连接）",
         [](Options &, const QString &) { throw Exception(QStringLiteral("本版本尚不能连接应用服务器，请用 --database 指定数据库。")); } },
-    { u"--user", u"姓名", u"登录的用户，默认 演示用户", [](Options &options, const QString &value) { options.user = value; } },
+    { u"--user", u"姓名", u"登录的用户，默认为网点的第一位员工", [](Options &options, const QString &value) { options.user = value; } },
     { u"--login-site", u"网点", u"登录的网点，默认 北京", [](Options &options, const QString &value) { options.loginSite = value; } },
     { u"--now", u"时间", u"客户端的时钟从这个时间走起，写作 \"yyyy-mm-dd hh:mm:ss\"",
         [](Options &options, const QString &value) { options.now = time(value); } },

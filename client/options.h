@@ -6,7 +6,7 @@
 /// What the command line says.
 struct Options {
     QString database; ///< "sqlite:path"
-    QString user = QStringLiteral("演示用户");
+    QString user; ///< empty: the first employee of the login site
     QString loginSite = QStringLiteral("北京");
     QDateTime now; ///< invalid: the computer's clock
     QDateTime serverNow; ///< invalid: the client's clock

@@ -90,17 +90,21 @@ QString selectionSummary(const TDBGridEh &grid)
               .arg(QString::fromStdString(sum.total.toString()), QString::number(sum.total.toDouble() / double(sum.numbers), 'f', 2));
 }
 
-StatusLine::StatusLine(const QString &user, const QString &loginSite)
+StatusLine::StatusLine()
     : m_selection(addField())
     , m_rows(addField())
     , m_rights(addField())
     , m_login(addField())
     , m_time(addField())
 {
-    m_login->setText(QStringLiteral("用户：%1　网点：%2").arg(user, loginSite));
-    m_login->show();
     m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
     m_time->setToolTip(QStringLiteral("服务器时间"));
+}
+
+void StatusLine::showLogin(const QString &user, const QString &loginSite)
+{
+    m_login->setText(QStringLiteral("用户：%1　网点：%2").arg(user, loginSite));
+    m_login->show();
 }
 
 QLabel *StatusLine::addField()

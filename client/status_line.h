@@ -11,11 +11,12 @@ class StatusLine : public QStatusBar {
     Q_OBJECT
 
 public:
-    StatusLine(const QString &user, const QString &loginSite);
+    StatusLine();
 
     void showRows(const TDBGridEh *grid); ///< null: no grid is current
     void showSelection(const TDBGridEh *grid);
     void showRights(const TForm *form); ///< null: no screen is open
+    void showLogin(const QString &user, const QString &loginSite);
     void showTime(const QString &time);
 
 private:
