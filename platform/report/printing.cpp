@@ -11,10 +11,9 @@
 
 using namespace report;
 
-namespace {
-
-void setPaper(QPrinter &printer, QSize paper)
+void setReportPaper(QPrinter &printer, const PreparedReport &report)
 {
+    const QSize paper = report.paper();
     const bool landscape = paper.width() > paper.height();
     const QSizeF upright = QSizeF(landscape ? paper.transposed() : paper) / millimetre;
     printer.setPageSize(QPageSize(upright, QPageSize::Millimeter));
@@ -22,41 +21,37 @@ void setPaper(QPrinter &printer, QSize paper)
     printer.setFullPage(true);
 }
 
-void printPages(PreparedReport &report, QPrinter &printer, int from, int to, QProgressDialog &progress)
+void printPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int)> &goesOn)
 {
     QPainter painter;
     if (!painter.begin(&printer))
         throw Exception(QStringLiteral("打印机“%1”不能使用，请检查打印机。").arg(printer.printerName()));
     const qreal scale = printer.resolution() / (25.4 * millimetre);
     PagePainter pages(report.resources());
-    progress.setMaximum(to - from + 1);
     for (int page = from; page <= to; ++page) {
         if (page > from && !printer.newPage())
             throw Exception(QStringLiteral("打印机“%1”停止了打印。").arg(printer.printerName()));
         painter.resetTransform();
         painter.scale(scale, scale);
         pages.paint(painter, report.page(page - 1));
-        progress.setValue(page - from);
-        if (progress.wasCanceled()) {
+        if (goesOn && !goesOn(page - from + 1)) {
             printer.abort();
             return;
         }
     }
 }
 
-} // namespace
-
 bool printReport(PreparedReport &report, QWidget *parent)
 {
     QPrinter printer(QPrinter::HighResolution);
-    setPaper(printer, report.paper());
+    setReportPaper(printer, report);
     printer.setDocName(report.title());
     QPrintDialog dialog(&printer, parent);
     dialog.setWindowTitle(QStringLiteral("打印"));
     dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange | QAbstractPrintDialog::PrintCollateCopies);
     if (dialog.exec() != QDialog::Accepted)
         return false;
-    setPaper(printer, report.paper());
+    setReportPaper(printer, report);
     QProgressDialog progress(QStringLiteral("正在打印…"), QStringLiteral("取消"), 0, 0, parent);
     progress.setWindowTitle(QStringLiteral("打印"));
     progress.setWindowModality(Qt::WindowModal);
@@ -68,7 +63,12 @@ bool printReport(PreparedReport &report, QWidget *parent)
         return true;
     const bool range = dialog.printRange() == QAbstractPrintDialog::PageRange;
     const int last = report.pageCount();
-    printPages(report, printer, range ? std::clamp(printer.fromPage(), 1, last) : 1, range ? std::clamp(printer.toPage(), 1, last) : last,
-        progress);
+    const int from = range ? std::clamp(printer.fromPage(), 1, last) : 1;
+    const int to = range ? std::clamp(printer.toPage(), 1, last) : last;
+    progress.setMaximum(std::max(1, to - from + 1));
+    printPages(report, printer, from, to, [&progress](int done) {
+        progress.setValue(done);
+        return !progress.wasCanceled();
+    });
     return true;
 }

@@ -1,7 +1,16 @@
 #pragma once
 
+#include <functional>
+
 class PreparedReport;
+class QPrinter;
 class QWidget;
 
 /// Lets the user choose printer and pages and prints them, showing progress with Cancel. False when the user cancels the choice.
 bool printReport(PreparedReport &report, QWidget *parent);
+
+/// Gives the printer the paper of the report, edge to edge.
+void setReportPaper(QPrinter &printer, const PreparedReport &report);
+/// Prints the pages `from` to `to`, counted from 1, of a report that is laid out. `goesOn` is told of the pages done and breaks the
+/// job off by false. Throws Exception when the printer fails.
+void printPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int pagesDone)> &goesOn = {});

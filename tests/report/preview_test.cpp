@@ -2,8 +2,11 @@
 
 #include "platform/report/page_view.h"
 #include "platform/report/preview_window.h"
+#include "platform/report/printing.h"
 
 #include <QLabel>
+#include <QPrinter>
+#include <QProcess>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -62,6 +65,36 @@ TEST(Preview, StopsLayingOutWhenAskedAndFindsBeyond)
     EXPECT_TRUE(statusOf(window).contains(QStringLiteral("排版已停止")));
     EXPECT_TRUE(window.find(QStringLiteral("no1000")));
     EXPECT_EQ(window.view()->currentPage(), 124);
+}
+
+/// A printer that writes a file takes the same way as one that takes paper.
+TEST(Printing, SendsTheChosenPagesAndCanBeBrokenOff)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(40));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    prepared.layAllPages();
+    const QTemporaryDir directory;
+    const auto printed = [&](int from, int to, const std::function<bool(int)> &goesOn) {
+        const QString file = directory.filePath(QStringLiteral("printed.pdf"));
+        QFile::remove(file);
+        QPrinter printer(QPrinter::HighResolution);
+        printer.setOutputFormat(QPrinter::PdfFormat);
+        printer.setOutputFileName(file);
+        setReportPaper(printer, prepared);
+        printPages(prepared, printer, from, to, goesOn);
+        QProcess reader;
+        reader.start(QStringLiteral("pdftotext"), { file, QStringLiteral("-") });
+        EXPECT_TRUE(reader.waitForFinished());
+        return QString::fromUtf8(reader.readAllStandardOutput()).simplified().remove(u'\f');
+    };
+    EXPECT_EQ(printed(2, 3, {}), QStringLiteral("no9 no10 no11 no12 no13 no14 no15 no16 no17 no18 no19 no20 no21 no22 no23 no24"));
+    int seen = 0;
+    printed(1, 5, [&seen](int done) {
+        seen = done;
+        return done < 2;
+    });
+    EXPECT_EQ(seen, 2);
 }
 
 /// What a print command does when the automation looks in place of a person.
