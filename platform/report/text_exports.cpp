@@ -62,7 +62,8 @@ QString csvCell(const QString &text, bool number, QChar delimiter)
     QString cell = text;
     if (!number && !cell.isEmpty() && runs.contains(cell[0]))
         cell.prepend(u'\t');
-    const bool quotes = cell.contains(delimiter) || cell.contains(u'"') || cell.contains(u'\n') || cell.startsWith(u'\t');
+    const bool quotes
+        = cell.contains(delimiter) || cell.contains(u'"') || cell.contains(u'\n') || cell.contains(u'\r') || cell.startsWith(u'\t');
     return quotes ? QString(u'"' + cell.replace(u'"', QStringLiteral("\"\"")) + u'"') : cell;
 }
 
