@@ -105,6 +105,19 @@ TEST_F(Entry, AnotherConnectionIsTakenOverByTheNextScreen)
     m_host.mdiArea()->closeAllSubWindows();
 }
 
+/// What a load leaves behind shows in the sanitizers' build.
+TEST_F(Entry, LoadsAndUnloadsAHundredTimes)
+{
+    for (int time = 0; time < 100; ++time) {
+        load();
+        EXPECT_FALSE(exec("frm_MonthSendBill111").isEmpty());
+        m_host.mdiArea()->closeAllSubWindows();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        ASSERT_TRUE(m_host.forms().isEmpty());
+        m_library.reset();
+    }
+}
+
 TEST_F(Entry, UnloadingGivesTheHostItsObjectsBack)
 {
     TApplication *const application = Application;
