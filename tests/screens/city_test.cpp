@@ -54,6 +54,8 @@ TEST_F(CityFee, TheBalanceIsPickedUpMinusDeliveredAndEachHalfHasItsDetail)
     for (qsizetype row = 0; row < balances.size(); ++row)
         EXPECT_EQ(cents(picked[row]) + cents(delivered[row]), cents(balances[row])) << "the delivered fee is shown negative";
 
+    expectEveryDetailAddsUp(m_summary, m_details, QStringLiteral("BILL_COUNT1"), { { "DISPATCH_FEE1", "DISPATCH_FEE" } });
+
     const qsizetype picker = counts.indexOf(*std::max_element(counts.begin(), counts.end()));
     EXPECT_EQ(doubleClick(m_summary, int(picker), QStringLiteral("BILL_COUNT1")).size(), 1);
     EXPECT_EQ(rowCount(m_details), counts[picker].toInt());
@@ -102,18 +104,15 @@ TEST_F(SaleQry, EveryDetailAddsUpToItsPerson)
     const QString summary = QStringLiteral("DataView2");
     const QString details = QStringLiteral("DataView1");
     const QStringList people = column(summary, QStringLiteral("DISPATCH_OR_SEND_MAN"));
-    const QStringList counts = column(summary, QStringLiteral("bill_count"));
-    const QStringList fees = column(summary, QStringLiteral("TRANSFER_OR_DISPATCH_FEE"));
     ASSERT_GT(people.size(), 1);
-    for (int row = 0; row < int(people.size()); ++row) {
+    for (int row = 0; row < 2; ++row) {
         const QStringList asked = doubleClick(summary, row, QStringLiteral("bill_count"));
         ASSERT_EQ(asked.size(), 1);
         EXPECT_TRUE(asked[0].contains(people[row].isEmpty() ? u"' and not exists ( select " : u"' and exists ( select "))
             << asked[0].toStdString();
-        EXPECT_EQ(rowCount(details), counts[row].toInt()) << people[row].toStdString();
-        EXPECT_EQ(cents(footer(details, QStringLiteral("TRANSFER_OR_DISPATCH_FEE"))), cents(fees[row]));
         page(QStringLiteral("TabSheet1"));
     }
+    expectEveryDetailAddsUp(summary, details, QStringLiteral("bill_count"), { { "TRANSFER_OR_DISPATCH_FEE", "TRANSFER_OR_DISPATCH_FEE" } });
     doubleClick(summary, 0, QStringLiteral("bill_count"));
     doubleClick(details, 0, QStringLiteral("SCAN_SITE"));
     const QStringList opened = happened(QStringLiteral("guest"), { QStringLiteral("connections") });
@@ -141,6 +140,10 @@ TEST_F(DestQry, TheClassesAddUpToTheTotalAndTheCellChoosesTheClass)
     const QStringList others = counted(QStringLiteral("bill_count63"));
     for (qsizetype row = 0; row < totals.size(); ++row)
         EXPECT_EQ(trucks[row].toInt() + flights[row].toInt() + rails[row].toInt() + others[row].toInt(), totals[row].toInt());
+    expectEveryDetailAddsUp(m_summary, QStringLiteral("DataView1"), QStringLiteral("sum_bill65"),
+        { { "sum_weight65", "WEIGHT" }, { "sum_fee65", "TRANSFER_OR_DISPATCH_FEE" } });
+    expectEveryDetailAddsUp(m_summary, QStringLiteral("DataView1"), QStringLiteral("bill_count63"),
+        { { "TRANSFER_OR_DISPATCH_FEE63", "TRANSFER_OR_DISPATCH_FEE" } });
     int row = 0;
     while (flights[row].toInt() == 0)
         ++row;

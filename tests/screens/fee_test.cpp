@@ -142,20 +142,14 @@ TEST_F(AuditingQuery, ComparesFeesByStationAndTheDetailAddsUpToTheCent)
     const QString summary = QStringLiteral("DataView2");
     const QString details = QStringLiteral("DataView1");
     const QStringList stations = column(summary, QStringLiteral("PRE_OR_NEXT_STATION"));
-    const QStringList counts = column(summary, QStringLiteral("bill_count"));
-    const QStringList fees = column(summary, QStringLiteral("TRANSFER_OR_DISPATCH_FEE"));
     ASSERT_GT(stations.size(), 1);
-    for (int row = 0; row < 2; ++row) {
-        const QStringList sent = doubleClick(summary, row, QStringLiteral("bill_count"));
-        ASSERT_EQ(sent.size(), 1);
-        EXPECT_TRUE(sent[0].endsWith(u"DISPATCH_OR_SEND_MAN2       from tab_scan_come a  " + where + u"and PRE_OR_NEXT_STATION= '"
-            + stations[row] + u"'  order by a.scan_site,a.PRE_OR_NEXT_STATION"))
-            << sent[0].toStdString();
-        EXPECT_EQ(rowCount(details), counts[row].toInt());
-        EXPECT_EQ(
-            qRound64(footer(details, QStringLiteral("TRANSFER_OR_DISPATCH_FEE")).toDouble() * 100), qRound64(fees[row].toDouble() * 100));
-        page(QStringLiteral("TabSheet1"));
-    }
+    const QStringList sent = doubleClick(summary, 0, QStringLiteral("bill_count"));
+    ASSERT_EQ(sent.size(), 1);
+    EXPECT_TRUE(sent[0].endsWith(u"DISPATCH_OR_SEND_MAN2       from tab_scan_come a  " + where + u"and PRE_OR_NEXT_STATION= '" + stations[0]
+        + u"'  order by a.scan_site,a.PRE_OR_NEXT_STATION"))
+        << sent[0].toStdString();
+    page(QStringLiteral("TabSheet1"));
+    expectEveryDetailAddsUp(summary, details, QStringLiteral("bill_count"), { { "TRANSFER_OR_DISPATCH_FEE", "TRANSFER_OR_DISPATCH_FEE" } });
     expectConditions({ { "DBLookupComboboxEh5", u"上海中心", u" and a.PRE_OR_NEXT_STATION='上海中心'" },
                          { "DBComboBoxEh4", u"班车", u" and a.class='班车'" }, { "DBComboBoxEh1", u"", u" and a.GOODS_TYPE=''" },
                          { "DBComboBoxEh2", u"陆运件", u" and a.FAST_TYPE='陆运件'" },

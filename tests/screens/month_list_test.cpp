@@ -109,6 +109,7 @@ TEST_F(MonthSendBill, BothListsPrintEveryWaybillWithItsTotalsInTheServersOrder)
     m_client.obey(QStringLiteral("click"), { { QStringLiteral("control"), QStringLiteral("Button2") } });
     EXPECT_EQ(m_client.events(QStringLiteral("message")).last()[u"text"].toString(), QStringLiteral("详细：没有可打印的数据！"));
     query();
+    expectEveryDetailAddsUp(summary, details, QStringLiteral("bill_count"), {});
     drillIntoTheLargest();
     const QStringList served = column(details, QStringLiteral("BILL_CODE"));
     for (int click = 0; click < 2; ++click)
@@ -205,6 +206,8 @@ TEST_F(MonthRecBill, SumsByCourierAndCustomerAndPrintsTheDetail)
             + u"' and nvl(a.CUSTOMER_NAME,'*')=nvl('','*') order by a.DISPATCH_OR_SEND_MAN,a.CUSTOMER_NAME,a.bill_code"));
     EXPECT_EQ(footer(details, QStringLiteral("WEIGHT1")).toDouble(), weights[casual].toDouble());
     page(QStringLiteral("TabSheet1"));
+    expectEveryDetailAddsUp(summary, details, QStringLiteral("bill_count"),
+        { { "weight", "WEIGHT1" }, { "TRANSFER_OR_DISPATCH_FEE", "TRANSFER_OR_DISPATCH_FEE" } });
     drillIntoTheLargest();
     expectEveryWaybillIn(printed(QStringLiteral("Button2")));
     EXPECT_EQ(m_reportFile, QStringLiteral("RecBill.frf"));

@@ -145,6 +145,26 @@ protected:
                 return footers[1][index].toString();
         return {};
     }
+    /// Drills into each row of the summary by its count: the detail has as many rows, and its footers are the row's sums, to the
+    /// cent. A sum names the field of the summary and that of the detail.
+    void expectEveryDetailAddsUp(const QString &summary, const QString &details, const QString &count,
+        const std::vector<std::pair<const char *, const char *>> &sums)
+    {
+        const auto cents = [](const QString &amount) { return qRound64(amount.toDouble() * 100); };
+        const QStringList counts = column(summary, count);
+        std::vector<QStringList> expected;
+        for (const auto &sum : sums)
+            expected.push_back(column(summary, QString::fromLatin1(sum.first)));
+        ASSERT_GT(counts.size(), 0);
+        for (int row = 0; row < int(counts.size()); ++row) {
+            doubleClick(summary, row, count);
+            EXPECT_EQ(rowCount(details), counts[row].toInt()) << "row " << row;
+            for (std::size_t sum = 0; sum < sums.size(); ++sum)
+                EXPECT_EQ(cents(footer(details, QString::fromLatin1(sums[sum].second))), cents(expected[sum][row]))
+                    << "row " << row << ' ' << sums[sum].first;
+            page(QStringLiteral("TabSheet1"));
+        }
+    }
     void tick(const QString &control, bool checked)
     {
         m_client.obey(QStringLiteral("set"), { { QStringLiteral("control"), control }, { QStringLiteral("checked"), checked } });
