@@ -49,6 +49,17 @@ protected:
             EXPECT_EQ(words.count(bill), bills.count(bill)) << bill.toStdString();
     }
 
+    /// What is to be collected: once a waybill, however many parcels it has.
+    double toBePaid()
+    {
+        const QStringList parcels = column(details, QStringLiteral("SUB_BILL_CODE"));
+        const QStringList payments = column(details, QStringLiteral("TOPAYMENT"));
+        double sum = 0;
+        for (qsizetype row = 0; row < parcels.size(); ++row)
+            sum += parcels[row].isEmpty() ? payments[row].toDouble() : 0;
+        return sum;
+    }
+
     QTemporaryDir m_directory;
     QJsonObject m_memos;
     QString m_reportFile;
@@ -133,6 +144,7 @@ TEST_F(MonthSendBill, BothListsPrintEveryWaybillWithItsTotalsInTheServersOrder)
         EXPECT_TRUE(m_memos[u"PrintPage"].toString().startsWith(u"第1页/共"));
         EXPECT_EQ(m_memos[u"TotalPIECE"].toString(), footer(details, QStringLiteral("PIECE")));
         EXPECT_EQ(m_memos[u"TotalWEIGHT"].toString().remove(u',').toDouble(), footer(details, QStringLiteral("WEIGHT")).toDouble());
+        EXPECT_NEAR(m_memos[u"TotalTOPAYMENT"].toString().remove(u',').toDouble(), toBePaid(), 0.001);
         EXPECT_EQ(column(details, QStringLiteral("BILL_CODE")), sorted) << "the sort is back";
     }
 }
