@@ -18,6 +18,13 @@ QFont bandFont(QFont::Weight weight)
     return font;
 }
 
+/// A colour of the screen on paper: its hue is to be seen, but the text on it is to be read and ink to be spared.
+QColor onPaper(const QColor &color)
+{
+    const auto paler = [](int channel) { return 255 - (255 - channel) * 2 / 5; };
+    return QColor(paler(color.red()), paler(color.green()), paler(color.blue()));
+}
+
 /// A prepared report together with the rows that it reads.
 class PreparedGrid : public PreparedReport {
 public:
@@ -59,7 +66,7 @@ std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
         // Only what an event coloured is worth ink.
         const QColor background = grid->cellBackground(row, column);
         if (background != paper && background != stripes)
-            style.fill = background;
+            style.fill = onPaper(background);
     };
     const GridReport report { *m_grid, m_margins, m_header, m_footer, m_title };
     auto prepared = std::make_unique<PreparedGrid>(report.definition(), std::move(rows), look);

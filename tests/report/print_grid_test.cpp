@@ -56,14 +56,14 @@ TEST_F(PrintGrid, FitsThePageAndKeepsColours)
 {
     m_grid.onGetCellParams = [](int row, int column, CellParameters &parameters) {
         if (row == 1 && column == 2)
-            parameters.background = QColor(255, 200, 200);
+            parameters.background = QColor(255, 155, 55);
     };
     const auto narrow = m_printer.prepared();
     EXPECT_EQ(narrow->paper(), QSize(21000, 29700));
     const report::Page page = narrow->page(0);
     const auto cell = std::find_if(page.begin(), page.end(), [](const report::Primitive &primitive) { return primitive.text == u"上海"; });
     ASSERT_NE(cell, page.end());
-    EXPECT_EQ(narrow->resources().styles[cell->style].fill, QColor(255, 200, 200));
+    EXPECT_EQ(narrow->resources().styles[cell->style].fill, QColor(255, 215, 175)) << "paler than on the screen";
 
     m_grid.setColumnWidth(2, 4000);
     const auto wide = m_printer.prepared();
