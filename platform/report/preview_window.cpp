@@ -188,8 +188,7 @@ QWidget *PreviewWindow::buildStatus()
     m_progress->setTextVisible(false);
     m_cancel = new QPushButton(QStringLiteral("停止排版"), bar);
     m_cancel->setAutoDefault(false);
-    layout->addWidget(m_status);
-    layout->addStretch();
+    layout->addWidget(m_status, 1);
     layout->addWidget(m_progress);
     layout->addWidget(m_cancel);
     handle(m_cancel, &QPushButton::clicked, this, &PreviewWindow::cancelLaying);
