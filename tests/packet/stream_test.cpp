@@ -183,7 +183,8 @@ TEST(Stream, OfTheDescriptionIsRead)
     std::ifstream file(KELVARA_SOURCE_DIR "/tests/packet/example.arrows", std::ios::binary);
     const std::string bytes { std::istreambuf_iterator<char>(file), {} };
     const PacketPtr packet = readStream(std::as_bytes(std::span(bytes)));
-    const std::vector<std::vector<std::string>> expected { { "771000001", "北京", "2.5" }, { "771000002", "北京", "null" }, { "771000003", "null", "-0.05" } };
+    const std::vector<std::vector<std::string>> expected { { "771000001", "北京", "2.5" }, { "771000002", "北京", "null" },
+        { "771000003", "null", "-0.05" } };
     EXPECT_EQ(cells(*packet), expected);
     EXPECT_TRUE(packet->schema()[1].dictionary);
     EXPECT_FALSE(packet->truncated());
