@@ -31,31 +31,6 @@ void expectSame(const Packet &read, const Packet &written)
     EXPECT_EQ(cells(read), cells(written));
 }
 
-/// Every type, with nulls, for that many rows.
-PacketPtr everyType(std::size_t rows, bool truncated = false)
-{
-    Builder builder(
-        { { "运单", ColumnType::Text }, { "SITE", ColumnType::Text }, { "PIECE", ColumnType::Int64 }, { "FEE", ColumnType::Decimal },
-            { "RATE", ColumnType::Float64 }, { "SCAN_DATE", ColumnType::Timestamp }, { "NOTHING", ColumnType::Text } });
-    for (std::size_t row = 0; row < rows; ++row) {
-        builder.addText(0, row % 11 == 3 ? "" : "单 77100" + std::to_string(row * 7919) + "😀");
-        builder.addText(1, row % 7 == 6 ? "" : "站点" + std::to_string(row % 50 + row / blockRows * 40) + "部");
-        builder.addInteger(2, std::int64_t(row) - 5);
-        // In the second block, numbers that need more than 64 bits, and more digits after the point.
-        if (row % 13 == 5)
-            builder.addNull(3);
-        else if (row == blockRows + 1)
-            builder.addText(3, "-123456789012345678901234567890.12345678");
-        else
-            builder.addDecimal(3, { Int128(row) * 3 - 100, 2 });
-        builder.addDouble(4, double(row) / 3);
-        builder.addTimestamp(5, std::int64_t(row) * 86399 - 1000000);
-        builder.addNull(6);
-        builder.endRow();
-    }
-    return builder.finish(truncated);
-}
-
 TEST(Stream, ReadsBackWhatWasWritten)
 {
     for (const std::size_t rows : { std::size_t(0), std::size_t(1), std::size_t(100), blockRows, 3 * blockRows + 17 }) {

@@ -64,6 +64,29 @@ void Messages::put(std::size_t message, std::size_t position, const void *bytes,
     std::memcpy(parts[message].data() + position, bytes, size);
 }
 
+PacketPtr everyType(std::size_t rows, bool truncated)
+{
+    Builder builder(
+        { { "运单", ColumnType::Text }, { "SITE", ColumnType::Text }, { "PIECE", ColumnType::Int64 }, { "FEE", ColumnType::Decimal },
+            { "RATE", ColumnType::Float64 }, { "SCAN_DATE", ColumnType::Timestamp }, { "NOTHING", ColumnType::Text } });
+    for (std::size_t row = 0; row < rows; ++row) {
+        builder.addText(0, row % 11 == 3 ? "" : "单 77100" + std::to_string(row * 7919) + "😀");
+        builder.addText(1, row % 7 == 6 ? "" : "站点" + std::to_string(row % 50 + row / Packet::blockRows * 40) + "部");
+        builder.addInteger(2, std::int64_t(row) - 5);
+        if (row % 13 == 5)
+            builder.addNull(3);
+        else if (row == Packet::blockRows + 1)
+            builder.addText(3, "-123456789012345678901234567890.12345678");
+        else
+            builder.addDecimal(3, { Int128(row) * 3 - 100, 2 });
+        builder.addDouble(4, double(row) / 3);
+        builder.addTimestamp(5, std::int64_t(row) * 86399 - 1000000);
+        builder.addNull(6);
+        builder.endRow();
+    }
+    return builder.finish(truncated);
+}
+
 PacketPtr columnOf(ColumnType type, const std::vector<std::string> &values)
 {
     Builder builder({ { "C", type } });

@@ -48,6 +48,8 @@ private:
     std::string m_checksum;
 };
 
+/// Every type, with nulls and with decimals that need 128 bits in the second block.
+PacketPtr everyType(std::size_t rows, bool truncated = false);
 /// A packet of one column that holds these values; "null" stands for null.
 PacketPtr columnOf(ColumnType type, const std::vector<std::string> &values);
 /// Feeds the bytes in pieces of this size; all at once with 0.
