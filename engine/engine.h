@@ -1,6 +1,6 @@
 #pragma once
 
-#include "packet/packet.h"
+#include "packet/block_sink.h"
 
 #include <chrono>
 #include <functional>
@@ -55,6 +55,9 @@ public:
     virtual ~Engine() = default;
     /// Runs `sql`, exactly one SELECT in Oracle's dialect, and returns all its rows. Throws Error.
     virtual packet::PacketPtr query(std::string_view sql, const QueryOptions &options = {}) = 0;
+    /// Likewise, but hands the rows to the sink while it reads and keeps none. What the sink throws passes through, a
+    /// std::logic_error as Error(Database).
+    virtual void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options = {}) = 0;
 };
 
 /// Opens "sqlite:path". Throws Error(Unavailable) when the database is missing or is no database.

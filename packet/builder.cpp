@@ -30,7 +30,8 @@ std::string uniqueName(const std::string &name, std::set<std::string> &taken)
 
 } // namespace
 
-Builder::Builder(std::vector<Column> columns)
+Builder::Builder(std::vector<Column> columns, BlockSink *sink)
+    : m_sink(sink)
 {
     std::set<std::string> taken;
     m_columns.reserve(columns.size());
@@ -51,9 +52,13 @@ void Builder::addTimestamp(std::size_t column, std::int64_t seconds) { m_columns
 
 void Builder::endRow()
 {
-    if (++m_openRows == Packet::blockRows)
-        return sealBlock();
-    if (m_openRows % settledRows == 0) {
+    if (++m_openRows == Packet::blockRows) {
+        sealBlock();
+        if (m_sink != nullptr && (m_begun || !mustHold())) {
+            begin(true);
+            send();
+        }
+    } else if (m_openRows % settledRows == 0) {
         for (const auto &column : m_columns)
             column->settle();
     }
@@ -66,25 +71,71 @@ void Builder::sealBlock()
     for (const auto &column : m_columns)
         block.columns.push_back(column->seal());
     m_blocks.push_back(std::move(block));
+    m_sealedRows += m_openRows;
     m_openRows = 0;
 }
 
-std::size_t Builder::rowCount() const { return m_blocks.size() * Packet::blockRows + m_openRows; }
+void Builder::completeBlocks()
+{
+    for (Block &block : m_blocks) {
+        for (std::size_t column = 0; column < m_columns.size(); ++column)
+            m_columns[column]->complete(block.columns[column], block.rows);
+    }
+}
+
+std::vector<Field> Builder::schema() const
+{
+    std::vector<Field> fields;
+    for (const auto &column : m_columns)
+        fields.push_back(column->field());
+    return fields;
+}
+
+bool Builder::mustHold() const
+{
+    return m_blocks.size() < heldBlocks
+        && !std::all_of(m_columns.begin(), m_columns.end(), [](const auto &column) { return column->isDecided(); });
+}
+
+void Builder::begin(bool moreFollows)
+{
+    if (std::exchange(m_begun, true))
+        return;
+    for (const auto &column : m_columns)
+        column->fix(moreFollows);
+    m_sink->begin(schema());
+}
+
+void Builder::send()
+{
+    completeBlocks();
+    std::vector<const Dictionary *> dictionaries;
+    for (const auto &column : m_columns)
+        dictionaries.push_back(column->dictionary());
+    for (const Block &block : std::exchange(m_blocks, {}))
+        m_sink->block(block, dictionaries);
+}
+
+std::size_t Builder::rowCount() const { return m_sealedRows + m_openRows; }
 
 PacketPtr Builder::finish(bool truncated)
 {
     if (m_openRows > 0)
         sealBlock();
-    std::vector<Field> schema;
-    std::vector<std::shared_ptr<const Dictionary>> dictionaries;
-    for (std::size_t column = 0; column < m_columns.size(); ++column) {
-        for (Block &block : m_blocks)
-            m_columns[column]->complete(block.columns[column], block.rows);
-        schema.push_back(m_columns[column]->field());
-        dictionaries.push_back(m_columns[column]->takeDictionary());
+    if (m_sink != nullptr) {
+        begin(false);
+        send();
+        m_sink->end(truncated);
+        m_columns.clear();
+        return nullptr;
     }
+    completeBlocks();
+    std::vector<Field> fields = schema();
+    std::vector<std::shared_ptr<const Dictionary>> dictionaries;
+    for (const auto &column : m_columns)
+        dictionaries.push_back(column->takeDictionary());
     m_columns.clear();
-    return std::make_shared<const Packet>(std::move(schema), std::exchange(m_blocks, {}), std::move(dictionaries), truncated);
+    return std::make_shared<const Packet>(std::move(fields), std::exchange(m_blocks, {}), std::move(dictionaries), truncated);
 }
 
 } // namespace packet

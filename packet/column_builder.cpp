@@ -10,6 +10,9 @@ namespace packet {
 namespace {
 
 constexpr double int64Limit = 9223372036854775808.0;
+constexpr int mostDigits = 38;
+constexpr int anyScale = 18; ///< for decimals of which nothing is known
+constexpr int spareScale = 4; ///< beyond the declared scale, which not every database enforces
 constexpr std::size_t quotedBytes = 60; ///< of a value in an error message
 
 std::string_view nameOf(ColumnType type)
@@ -67,6 +70,17 @@ std::optional<std::int64_t> wholeOf(Decimal value)
     return whole == value && Int128(narrow) == whole.units ? std::optional(narrow) : std::nullopt;
 }
 
+int wholeDigitsOf(const Chunk &chunk, std::size_t rows)
+{
+    Int128 largest = 0;
+    for (std::size_t row = 0; row < rows; ++row)
+        largest = std::max(largest, chunk.units(row) < 0 ? -chunk.units(row) : chunk.units(row));
+    int digits = 0;
+    for (; largest > 0; largest /= 10)
+        ++digits;
+    return digits - chunk.scale;
+}
+
 /// Seconds of "hh:mm:ss" at `text`, or -1.
 int clockSeconds(const char *text)
 {
@@ -85,6 +99,7 @@ int clockSeconds(const char *text)
 Builder::ColumnBuilder::ColumnBuilder(Column column)
     : m_name(std::move(column.name))
     , m_type(column.type)
+    , m_declaredScale(column.scale)
     , m_declared(column.type.has_value())
 {
     beginBlock();
@@ -350,6 +365,8 @@ Chunk Builder::ColumnBuilder::sealStore()
     if (*m_type == ColumnType::Decimal) {
         Chunk chunk = m_decimals.seal();
         m_largestScale = std::max<int>(m_largestScale, chunk.scale);
+        if (chunk.width > sizeof(std::int64_t))
+            m_wholeDigits = std::max(m_wholeDigits, wholeDigitsOf(chunk, m_rows));
         return chunk;
     }
     if (m_words.capacity() > m_words.size() * 2)
@@ -379,6 +396,23 @@ void Builder::ColumnBuilder::complete(Chunk &chunk, std::uint32_t rows) const
     chunk.values = Buffer(zeros, zeros->data(), chunk.width * std::size_t(rows));
     if (plain)
         chunk.offsets = Buffer(zeros, zeros->data(), (rows + std::size_t(1)) * sizeof(std::uint32_t));
+}
+
+void Builder::ColumnBuilder::fix(bool moreFollows)
+{
+    if (!m_type)
+        m_type = ColumnType::Text;
+    if (m_type == ColumnType::Text && m_firstBlock)
+        m_texts.stayPlain();
+    if (moreFollows && m_type == ColumnType::Int64 && !m_declared)
+        m_type = ColumnType::Decimal;
+    if (moreFollows && m_type == ColumnType::Decimal) {
+        const int generous = m_declaredScale ? *m_declaredScale + spareScale : anyScale;
+        m_largestScale = std::max(m_largestScale, std::min(generous, mostDigits - m_wholeDigits));
+    }
+    m_declared = true;
+    m_words = {};
+    beginBlock();
 }
 
 Field Builder::ColumnBuilder::field() const

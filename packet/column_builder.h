@@ -33,7 +33,11 @@ public:
     /// Takes the open rows. A chunk without any value stays empty until complete() sees it, when the type is known for sure.
     Chunk seal();
     void complete(Chunk &chunk, std::uint32_t rows) const;
+    bool isDecided() const { return m_declared || !m_firstBlock; }
+    /// Between two blocks: the field stays as it is from here on, fit for whatever follows.
+    void fix(bool moreFollows);
     Field field() const;
+    const Dictionary *dictionary() const { return field().dictionary ? &m_texts.dictionary() : nullptr; }
     std::shared_ptr<const Dictionary> takeDictionary();
 
 private:
@@ -63,6 +67,7 @@ private:
 
     std::string m_name;
     std::optional<ColumnType> m_type;
+    std::optional<int> m_declaredScale;
     bool m_declared;
     bool m_firstBlock = true; ///< no block with values has been sealed yet
     std::size_t m_rows = 0;
@@ -72,6 +77,7 @@ private:
     DecimalStore m_decimals {};
     TextStore m_texts {};
     int m_largestScale = 0;
+    int m_wholeDigits = 0; ///< before the point, of the longest decimal that needs 16 bytes
     char m_date[10] = {}; ///< the date of the last timestamp read from a text
     std::int64_t m_dateSeconds = 0;
 };

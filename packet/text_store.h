@@ -31,7 +31,10 @@ public:
     void settle();
     Chunk seal();
 
+    /// Before the first text: the column is plain text for good.
+    void stayPlain() { m_plain = m_decided = true; }
     bool usesDictionary() const { return !m_plain; }
+    const Dictionary &dictionary() const { return m_dictionary; }
     std::shared_ptr<const Dictionary> takeDictionary();
 
 private:

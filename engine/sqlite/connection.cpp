@@ -83,14 +83,15 @@ void SqliteConnection::restrictTo(const gate::TableSet &tables)
     sqlite3_set_authorizer(m_database.get(), authorize, this);
 }
 
-packet::PacketPtr SqliteConnection::run(const std::string &sql, const QueryOptions &options, Clock::time_point deadline)
+packet::PacketPtr SqliteConnection::run(
+    const std::string &sql, const QueryOptions &options, Clock::time_point deadline, packet::BlockSink *sink)
 {
     m_stop = options.stop;
     m_deadline = deadline;
     if (mustStop())
         fail();
     const Statement statement = prepare(sql);
-    return readRows(statement.get(), options);
+    return readRows(statement.get(), options, sink);
 }
 
 SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
@@ -108,9 +109,9 @@ SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
     return statement;
 }
 
-packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, const QueryOptions &options)
+packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, const QueryOptions &options, packet::BlockSink *sink)
 {
-    SqliteRowReader reader(statement);
+    SqliteRowReader reader(statement, sink);
     std::int64_t rows = 0;
     while (step(statement) == SQLITE_ROW) {
         if (rows == options.rowLimit)

@@ -23,8 +23,8 @@ public:
     gate::TableSet readTables();
     /// From here on only these tables may be read, and nothing else be done.
     void restrictTo(const gate::TableSet &tables);
-    /// Runs SQLite's own text. Throws Error.
-    packet::PacketPtr run(const std::string &sql, const QueryOptions &options, Clock::time_point deadline);
+    /// Runs SQLite's own text. With a sink the rows go there and the packet is null. Throws Error.
+    packet::PacketPtr run(const std::string &sql, const QueryOptions &options, Clock::time_point deadline, packet::BlockSink *sink);
 
 private:
     struct CloseDatabase {
@@ -37,7 +37,7 @@ private:
 
     void configure();
     Statement prepare(const std::string &sql);
-    packet::PacketPtr readRows(sqlite3_stmt *statement, const QueryOptions &options);
+    packet::PacketPtr readRows(sqlite3_stmt *statement, const QueryOptions &options, packet::BlockSink *sink);
     int step(sqlite3_stmt *statement);
     [[noreturn]] void fail();
     bool mustStop() const;

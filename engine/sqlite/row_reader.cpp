@@ -3,6 +3,7 @@
 #include "engine/engine.h"
 #include "engine/gate/gate.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -16,42 +17,49 @@ constexpr int widestInt64 = 18; ///< digits
 constexpr std::size_t batchBytes = 128 * 1024;
 
 /// "NUMBER(10,2)": whole numbers of up to 18 digits are Int64, all others Decimal.
-ColumnType numberType(std::string_view declared)
+void declareNumber(packet::Builder::Column &column, std::string_view declared)
 {
+    column.type = ColumnType::Decimal;
     const std::size_t open = declared.find('(');
     if (open == std::string_view::npos)
-        return ColumnType::Decimal;
+        return;
     int digits = 0;
     int scale = 0;
     const char *const end = declared.data() + declared.size();
     const auto [rest, error] = std::from_chars(declared.data() + open + 1, end, digits);
-    if (error == std::errc() && rest != end && *rest == ',')
+    if (error != std::errc())
+        return;
+    if (rest != end && *rest == ',')
         std::from_chars(rest + 1, end, scale);
-    return error == std::errc() && scale == 0 && digits <= widestInt64 ? ColumnType::Int64 : ColumnType::Decimal;
+    column.scale = std::max(scale, 0);
+    if (scale == 0 && digits <= widestInt64)
+        column.type = ColumnType::Int64;
 }
 
-std::optional<ColumnType> typeOf(const char *declared)
+void declare(packet::Builder::Column &column, const char *declared)
 {
     if (declared == nullptr)
-        return std::nullopt;
+        return;
     const std::string type = gate::upperCase(declared);
     const auto begins = [&type](std::string_view prefix) { return type.starts_with(prefix); };
     if (begins("DATE") || begins("TIMESTAMP"))
-        return ColumnType::Timestamp;
-    if (begins("NUMBER") || begins("NUMERIC") || begins("DECIMAL"))
-        return numberType(type);
-    if (begins("INT"))
-        return ColumnType::Int64;
-    if (begins("VARCHAR") || begins("NVARCHAR") || begins("CHAR") || begins("NCHAR") || begins("CLOB") || begins("TEXT"))
-        return ColumnType::Text;
-    return std::nullopt;
+        column.type = ColumnType::Timestamp;
+    else if (begins("NUMBER") || begins("NUMERIC") || begins("DECIMAL"))
+        declareNumber(column, type);
+    else if (begins("INT"))
+        column.type = ColumnType::Int64;
+    else if (begins("VARCHAR") || begins("NVARCHAR") || begins("CHAR") || begins("NCHAR") || begins("CLOB") || begins("TEXT"))
+        column.type = ColumnType::Text;
 }
 
 std::vector<packet::Builder::Column> columnsOf(sqlite3_stmt *statement)
 {
     std::vector<packet::Builder::Column> columns;
-    for (int column = 0; column < sqlite3_column_count(statement); ++column)
-        columns.push_back({ gate::upperCase(sqlite3_column_name(statement, column)), typeOf(sqlite3_column_decltype(statement, column)) });
+    for (int position = 0; position < sqlite3_column_count(statement); ++position) {
+        packet::Builder::Column &column = columns.emplace_back();
+        column.name = gate::upperCase(sqlite3_column_name(statement, position));
+        declare(column, sqlite3_column_decltype(statement, position));
+    }
     return columns;
 }
 
@@ -64,9 +72,9 @@ SqliteRowReader::Source SqliteRowReader::sourceOf(const packet::Builder::Column 
     return *column.type == ColumnType::Text || *column.type == ColumnType::Timestamp ? Source::Text : Source::Number;
 }
 
-SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement)
+SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sink)
     : m_statement(statement)
-    , m_builder(columnsOf(statement))
+    , m_builder(columnsOf(statement), sink)
 {
     for (const packet::Builder::Column &column : columnsOf(statement))
         m_sources.push_back(sourceOf(column));

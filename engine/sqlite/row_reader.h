@@ -14,7 +14,8 @@ namespace engine {
 /// SQLite takes more time for a row than the packet does; results of more than a batch are therefore built on a second thread.
 class SqliteRowReader {
 public:
-    explicit SqliteRowReader(sqlite3_stmt *statement);
+    /// With a sink the rows go there.
+    explicit SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sink = nullptr);
     /// The row that the statement stands on. Throws Error(Database) when a value of this or of an earlier row does not fit the
     /// type of its column.
     void addRow();

@@ -49,11 +49,11 @@ SqliteEngine::SqliteEngine(const std::string &path, const EngineOptions &options
     m_idle.push_back(std::move(first));
 }
 
-packet::PacketPtr SqliteEngine::query(std::string_view sql, const QueryOptions &options)
+packet::PacketPtr SqliteEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
 {
     const std::string text = sqliteText(sql, gate::check(sql, m_tables));
     const auto deadline = deadlineIn(options.timeLimit);
-    return Lease(*this, options.stop, deadline)->run(text, options, deadline);
+    return Lease(*this, options.stop, deadline)->run(text, options, deadline, sink);
 }
 
 std::unique_ptr<SqliteConnection> SqliteEngine::acquire(const std::stop_token &stop, Clock::time_point deadline)

@@ -11,12 +11,14 @@ namespace engine {
 class SqliteEngine : public Engine {
 public:
     SqliteEngine(const std::string &path, const EngineOptions &options);
-    packet::PacketPtr query(std::string_view sql, const QueryOptions &options) override;
+    packet::PacketPtr query(std::string_view sql, const QueryOptions &options) override { return run(sql, options, nullptr); }
+    void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options) override { run(sql, options, &sink); }
 
 private:
     class Lease;
     using Clock = SqliteConnection::Clock;
 
+    packet::PacketPtr run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink);
     std::unique_ptr<SqliteConnection> acquire(const std::stop_token &stop, Clock::time_point deadline);
     std::unique_ptr<SqliteConnection> open();
     void release(std::unique_ptr<SqliteConnection> connection);

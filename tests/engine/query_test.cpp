@@ -130,6 +130,52 @@ TEST_F(Query, DatabaseErrorsCarryItsOwnWords)
     EXPECT_THAT(outcome.message, testing::AllOf(HasSubstr("数据库报告错误"), HasSubstr("no such column: MISSING")));
 }
 
+/// Counts what it gets and gives up after some blocks.
+class Counter : public packet::BlockSink {
+public:
+    void begin(const std::vector<packet::Field> &schema) override { columns = schema.size(); }
+    void block(const packet::Block &block, std::span<const packet::Dictionary *const>) override
+    {
+        if (++blocks > mostBlocks)
+            throw std::runtime_error("the reader is gone");
+        rows += block.rows;
+    }
+    void end(bool isTruncated) override
+    {
+        ended = true;
+        truncated = isTruncated;
+    }
+
+    int mostBlocks = 1000;
+    int blocks = 0;
+    std::size_t columns = 0;
+    std::size_t rows = 0;
+    bool ended = false;
+    bool truncated = false;
+};
+
+TEST_F(Query, StreamsItsRows)
+{
+    const auto engine = openEngine(m_database.url());
+    const char *const sql = "select a.N,a.N*0.5 HALF from NUMBERS a,NUMBERS b where b.N<100";
+    Counter all;
+    engine->stream(sql, all);
+    EXPECT_EQ(all.columns, 2u);
+    EXPECT_EQ(all.rows, 100'000u);
+    EXPECT_TRUE(all.ended && !all.truncated);
+    Counter cut;
+    engine->stream(sql, cut, { .rowLimit = 20'000 });
+    EXPECT_EQ(cut.rows, 20'000u);
+    EXPECT_TRUE(cut.ended && cut.truncated);
+    Counter quitter;
+    quitter.mostBlocks = 2;
+    EXPECT_THROW(engine->stream(sql, quitter), std::runtime_error);
+    EXPECT_FALSE(quitter.ended);
+    Counter none;
+    EXPECT_THROW(engine->stream("select MISSING from NUMBERS", none), Error);
+    EXPECT_FALSE(none.ended);
+}
+
 TEST_F(Query, ValuesThatDoNotFitTheirColumnAreReported)
 {
     const TemporaryDatabase database("create table T (PIECE NUMBER(6), DAY DATE);"
