@@ -41,7 +41,9 @@ void HostData::load(TCustomRemoteServer *connection, const QString &user, const 
         throw Exception(QStringLiteral("没有名为“%1”的网点，请用 --login-site 选择别的网点登录。").arg(loginSite));
 
     TClientDataSetEx *employees = dataSet(u"loginSiteEmployeeOwner");
-    const bool employed = user.isEmpty() ? !employees->isEmpty() : employees->locate(QStringLiteral("EMPLOYEE_NAME"), { user });
+    const auto isEmployee = [&](const QString &field) { return employees->locate(field, { user }); };
+    const bool employed = user.isEmpty() ? !employees->isEmpty()
+                                         : isEmployee(QStringLiteral("EMPLOYEE_NAME")) || isEmployee(QStringLiteral("EMPLOYEE_CODE"));
     m_employeeName = employed ? employees->fieldByName(u"EMPLOYEE_NAME")->asString() : user;
     addValue(QStringLiteral("site"), loginSite, owner);
     addValue(QStringLiteral("userSite"), {}, owner); // every site may be queried

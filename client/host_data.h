@@ -8,8 +8,8 @@ class QWidget;
 /// The datasets and values that the host keeps for all its modules, loaded once after login.
 class HostData {
 public:
-    /// Loads everything over `connection` for a user at `loginSite` ("": its first employee); the components belong to `owner`.
-    /// Throws what the statements throw, and Exception when there is no such site.
+    /// Loads everything over `connection` for a user at `loginSite`, by name or code ("": its first employee); the components belong to
+    /// `owner`. Throws what the statements throw, and Exception when there is no such site.
     void load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner);
 
     const TList &dataSets() const { return m_dataSets; }

@@ -1,5 +1,7 @@
 #include "client/automation/automation.h"
 #include "client/automation/dispatcher.h"
+#include "client/connections.h"
+#include "client/login_dialog.h"
 #include "client/look.h"
 #include "client/main_window.h"
 #include "client/options.h"
@@ -10,8 +12,10 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -37,16 +41,48 @@ void reportFailure(const QString &message, bool automated)
         Application->messageBox(message, QApplication::applicationDisplayName(), mbIconError);
 }
 
+/// The password that was given beforehand; nothing when a person is to be asked.
+std::optional<QString> givenPassword(const Options &options)
+{
+    if (options.passwordFile.isEmpty())
+        return qEnvironmentVariableIsSet("KELVARA_PASSWORD") ? std::optional(qEnvironmentVariable("KELVARA_PASSWORD")) : std::nullopt;
+    QFile file(options.passwordFile);
+    if (!file.open(QIODevice::ReadOnly))
+        throw Exception(QStringLiteral("密码文件“%1”打不开：").arg(options.passwordFile) + file.errorString() + u"。");
+    QString password = QString::fromUtf8(file.readLine());
+    while (password.endsWith(u'\n') || password.endsWith(u'\r'))
+        password.chop(1);
+    return password;
+}
+
+/// Null when the person who is asked to log in gives up.
+std::unique_ptr<Connections> connect(const Options &options)
+{
+    if (options.servers.isEmpty() == options.database.isEmpty())
+        throw Exception(QStringLiteral("请用 --database sqlite:文件 或 --server https://主机:端口 之一启动。"));
+    if (options.servers.isEmpty())
+        return Connections::openDatabase(options);
+    auto connections = Connections::prepareServers(options);
+    if (const auto password = givenPassword(options))
+        connections->login(options.user, *password);
+    else if (options.automation)
+        throw Exception(QStringLiteral("自动方式登录服务器需要密码，请用 --password-file 或环境变量 KELVARA_PASSWORD 给出。"));
+    else if (LoginDialog(*connections, options.user).exec() != QDialog::Accepted)
+        return nullptr;
+    return connections;
+}
+
 std::unique_ptr<MainWindow> createWindow(const Options &options)
 {
-    if (options.database.isEmpty())
-        throw Exception(QStringLiteral("没有指定数据库，请用 --database sqlite:文件 启动。"));
     if (!options.settingsDirectory.isEmpty()) {
         if (!QDir().mkpath(options.settingsDirectory))
             throw Exception(QStringLiteral("无法建立设置目录“%1”，请用 --settings 指定可以写入的目录。").arg(options.settingsDirectory));
         Application->setSettingsDirectory(options.settingsDirectory);
     }
-    auto window = std::make_unique<MainWindow>(options);
+    auto connections = connect(options);
+    if (!connections)
+        return nullptr;
+    auto window = std::make_unique<MainWindow>(options, std::move(connections));
     window->resize(1280, 800);
     return window;
 }
@@ -56,6 +92,8 @@ int runClient(const Options &options)
     Clock::set(options.now);
     try {
         const std::unique_ptr<MainWindow> window = createWindow(options);
+        if (!window)
+            return succeeded;
         std::unique_ptr<Automation> automation;
         window->show();
         window->activateWindow();

@@ -1,6 +1,6 @@
 #include "client/main_window.h"
 
-#include "client/embedded_channel.h"
+#include "client/connections.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
@@ -22,19 +22,20 @@ enum HostMessage { formActivated = 1124, formClosed = 1125, formCreating = 1127 
 
 } // namespace
 
-MainWindow::MainWindow(const Options &options)
+MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> connections)
     : m_options(options)
-    , m_engine(engine::openEngine(options.database.toStdString()))
+    , m_connections(std::move(connections))
     , m_status(new StatusLine)
 {
     m_sinceStart.start();
     setStatusBar(m_status);
     m_host.setObjectName(QStringLiteral("host"));
     m_second.setObjectName(QStringLiteral("second"));
-    const auto channel = std::make_shared<EmbeddedChannel>(m_engine);
-    for (TSocketConnectionEx *connection : { &m_host, &m_second })
-        connection->setChannel(channel);
-    m_data.load(&m_host, options.user, options.loginSite, this);
+    m_host.setChannel(m_connections->host());
+    m_second.setChannel(m_connections->second());
+    handle(m_connections.get(), &Connections::reached, m_status, &StatusLine::showServer);
+    const QString user = m_connections->user();
+    m_data.load(&m_host, user.isEmpty() ? options.user : user, options.loginSite, this);
     m_status->showLogin(m_data.employeeName(), options.loginSite);
 
     Screen->registerCursor(crQueryBusy, Qt::BusyCursor);
@@ -124,7 +125,10 @@ QObject *MainWindow::queryButton() const
 
 QDateTime MainWindow::serverTime() const
 {
-    return m_options.serverNow.isValid() ? m_options.serverNow.addMSecs(m_sinceStart.elapsed()) : Clock::now();
+    if (m_options.serverNow.isValid())
+        return m_options.serverNow.addMSecs(m_sinceStart.elapsed());
+    const QDateTime told = m_connections->serverTime();
+    return told.isValid() ? told : Clock::now();
 }
 
 double MainWindow::serverDateTime() const

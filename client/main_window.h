@@ -10,16 +10,13 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+class Connections;
 class QAction;
 class QMenu;
 class QToolBar;
 class StartPage;
 class StatusLine;
 class WindowTabs;
-
-namespace engine {
-class Engine;
-}
 
 /// The host: publishes its datasets and values, opens the plug-in's screens as child windows and offers the commands that work
 /// on the current one.
@@ -30,8 +27,8 @@ class MainWindow : public TMainForm {
     Q_PROPERTY(double ServerDateTime READ serverDateTime)
 
 public:
-    /// Connects, loads the published data and the plug-in; throws what goes wrong.
-    explicit MainWindow(const Options &options);
+    /// Loads the published data and the plug-in; throws what goes wrong.
+    MainWindow(const Options &options, std::unique_ptr<Connections> connections);
     ~MainWindow() override;
 
     Q_INVOKABLE void ResetSearch(QObject *grid);
@@ -79,7 +76,7 @@ private:
 
     const Options m_options;
     QElapsedTimer m_sinceStart;
-    std::shared_ptr<engine::Engine> m_engine;
+    const std::unique_ptr<Connections> m_connections;
     TSocketConnectionEx m_host;
     TSocketConnectionEx m_second;
     HostData m_data;

@@ -1,5 +1,6 @@
 #include "client/main_window.h"
 
+#include "client/connections.h"
 #include "client/export/table_export.h"
 #include "client/icons.h"
 #include "client/screen_list.h"
@@ -255,6 +256,6 @@ void MainWindow::showShortcuts()
 void MainWindow::showAbout()
 {
     Application->messageBox(QStringLiteral("%1\n版本 %2\n数据库 %3")
-                                .arg(QApplication::applicationDisplayName(), QApplication::applicationVersion(), m_options.database),
+                                .arg(QApplication::applicationDisplayName(), QApplication::applicationVersion(), m_connections->place()),
         QStringLiteral("关于"), mbOk);
 }

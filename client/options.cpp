@@ -23,8 +23,15 @@ struct OptionRow {
 
 const OptionRow rows[] = {
     { u"--database", u"地址", u"数据库，例如 sqlite:parcels.db", [](Options &options, const QString &value) { options.database = value; } },
-    { u"--server", u"地址", u"应用服务器（本版本尚不能连接）",
-        [](Options &, const QString &) { throw Exception(QStringLiteral("本版本尚不能连接应用服务器，请用 --database 指定数据库。")); } },
+    { u"--server", u"地址", u"应用服务器，例如 https://center:8866；可以多次给出，连不上时用下一个",
+        [](Options &options, const QString &value) { options.servers.append(value); } },
+    { u"--second-server", u"地址", u"第二个连接的应用服务器，默认与 --server 相同",
+        [](Options &options, const QString &value) { options.secondServers.append(value); } },
+    { u"--server-certificate", u"文件", u"除系统的证书外，也信任这个 PEM 文件中的证书",
+        [](Options &options, const QString &value) { options.serverCertificate = value; } },
+    { u"--compress", u"", u"请服务器压缩数据，用于慢速线路", [](Options &options, const QString &) { options.compressed = true; } },
+    { u"--password-file", u"文件", u"登录密码所在的文件；没有时用环境变量 KELVARA_PASSWORD，再没有就显示登录窗口",
+        [](Options &options, const QString &value) { options.passwordFile = value; } },
     { u"--user", u"姓名", u"登录的用户，默认为网点的第一位员工", [](Options &options, const QString &value) { options.user = value; } },
     { u"--login-site", u"网点", u"登录的网点，默认 北京", [](Options &options, const QString &value) { options.loginSite = value; } },
     { u"--now", u"时间", u"客户端的时钟从这个时间走起，写作 \"yyyy-mm-dd hh:mm:ss\"",

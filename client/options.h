@@ -6,6 +6,11 @@
 /// What the command line says.
 struct Options {
     QString database; ///< "sqlite:path"
+    QStringList servers; ///< application servers that answer alike, instead of a database
+    QStringList secondServers; ///< for the second connection; empty: the same
+    QString serverCertificate; ///< a file with a certificate to trust beside the system's
+    QString passwordFile; ///< its first line is the password; empty: the environment's, or a person is asked
+    bool compressed = false; ///< asks servers to compress, for slow lines
     QString user; ///< empty: the first employee of the login site
     QString loginSite = QStringLiteral("北京");
     QDateTime now; ///< invalid: the computer's clock

@@ -95,6 +95,7 @@ StatusLine::StatusLine()
     , m_rows(addField())
     , m_rights(addField())
     , m_login(addField())
+    , m_server(addField())
     , m_time(addField())
 {
     m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
@@ -105,6 +106,15 @@ void StatusLine::showLogin(const QString &user, const QString &loginSite)
 {
     m_login->setText(QStringLiteral("用户：%1　网点：%2").arg(user, loginSite));
     m_login->show();
+}
+
+void StatusLine::showServer(const QString &address)
+{
+    const bool offline = address.isEmpty();
+    m_server->setText(offline ? QStringLiteral("● 离线") : QStringLiteral("● ") + address);
+    m_server->setToolTip(offline ? QStringLiteral("服务器都连不上；再次查询时会重新连接") : QStringLiteral("正在使用的服务器"));
+    m_server->setStyleSheet(offline ? QStringLiteral("color: #b00020; font-weight: bold") : QStringLiteral("color: #1b7a3d"));
+    m_server->show();
 }
 
 QLabel *StatusLine::addField()

@@ -6,7 +6,8 @@ class QLabel;
 class TDBGridEh;
 class TForm;
 
-/// The status bar: what is shown and selected, the rights of the screen in front, who is logged in where, and the server's clock.
+/// The status bar: what is shown and selected, the rights of the screen in front, who is logged in where, the server that answers, and the
+/// server's clock.
 class StatusLine : public QStatusBar {
     Q_OBJECT
 
@@ -17,6 +18,8 @@ public:
     void showSelection(const TDBGridEh *grid);
     void showRights(const TForm *form); ///< null: no screen is open
     void showLogin(const QString &user, const QString &loginSite);
+    /// The server that answers; "": none does.
+    void showServer(const QString &address);
     void showTime(const QString &time);
 
 private:
@@ -26,6 +29,7 @@ private:
     QLabel *m_rows;
     QLabel *m_rights;
     QLabel *m_login;
+    QLabel *m_server; ///< hidden while no server is used
     QLabel *m_time;
 };
 

@@ -1,3 +1,4 @@
+#include "client/connections.h"
 #include "client/main_window.h"
 
 #include "client/status_line.h"
@@ -62,14 +63,14 @@ protected:
     }
     std::unique_ptr<MainWindow> open()
     {
-        auto window = std::make_unique<MainWindow>(m_options);
+        auto window = std::make_unique<MainWindow>(m_options, Connections::openDatabase(m_options));
         window->show();
         return window;
     }
     QString refusal()
     {
         try {
-            MainWindow window(m_options);
+            MainWindow window(m_options, Connections::openDatabase(m_options));
             return QStringLiteral("opened");
         } catch (const std::exception &exception) {
             return exceptionMessage(exception);

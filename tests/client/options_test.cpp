@@ -15,6 +15,8 @@ TEST(Options, EachIsReadAndTheRestKeepsItsDefault)
     EXPECT_EQ(options.now.time(), QTime(16, 30));
     EXPECT_TRUE(options.automation);
     EXPECT_FALSE(options.serverNow.isValid());
+    EXPECT_EQ(readOptions(QStringLiteral("--server|https://a:1|--compress|--server=b").split(u'|')).servers,
+        (QStringList { QStringLiteral("https://a:1"), QStringLiteral("b") }));
     EXPECT_EQ(readOptions({}).loginSite, QStringLiteral("北京"));
     EXPECT_EQ(readOptions({ QStringLiteral("--database=sqlite:a=b.db") }).database, QStringLiteral("sqlite:a=b.db"));
 }
@@ -29,7 +31,7 @@ TEST(Options, WhatIsWrongIsNamed)
         { u"--now|morgen", u"morgen" },
         { u"--server-now=2026-02-30 10:00", u"2026-02-30" },
         { u"file.db", u"file.db" },
-        { u"--server|https://host:8866", u"--database" },
+        { u"--server", u"--server" },
     };
     for (const auto &[arguments, named] : wrong) {
         try {

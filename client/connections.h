@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/remote/socket_connection.h"
+
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QObject>
+
+namespace remote {
+class ServerSession;
+}
+
+struct Options;
+
+/// Where the host's statements go: to a database in this process, or to application servers.
+class Connections : public QObject {
+    Q_OBJECT
+
+public:
+    /// Opens the database that the options name; throws when it cannot.
+    static std::unique_ptr<Connections> openDatabase(const Options &options);
+    /// Prepares sessions with the servers that the options name, not yet logged in. Throws Exception for a wrong address or
+    /// certificate.
+    static std::unique_ptr<Connections> prepareServers(const Options &options);
+
+    /// Logs in at the servers and sets the clock by theirs, off the interface thread. Throws Exception that says why not, and
+    /// Abort when the user cancels.
+    void login(const QString &user, const QString &password);
+
+    const std::shared_ptr<StatementChannel> &host() const { return m_host; }
+    const std::shared_ptr<StatementChannel> &second() const { return m_second; } ///< the same as host() unless another is named
+    const QString &user() const { return m_user; } ///< who logged in; empty for a database
+    const QString &place() const { return m_place; } ///< the database or the servers, as a person reads it
+    /// Invalid unless a server told it.
+    QDateTime serverTime() const;
+
+Q_SIGNALS:
+    /// A statement got through to this server; "": none can be reached.
+    void reached(const QString &address);
+
+private:
+    std::shared_ptr<remote::ServerSession> session(const QStringList &addresses, const Options &options);
+
+    std::shared_ptr<StatementChannel> m_host;
+    std::shared_ptr<StatementChannel> m_second;
+    std::vector<std::shared_ptr<remote::ServerSession>> m_sessions;
+    QString m_user;
+    QString m_place;
+    QDateTime m_timeAtLogin;
+    QElapsedTimer m_sinceLogin;
+};
