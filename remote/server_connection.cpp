@@ -9,6 +9,8 @@
 #include <boost/beast/http.hpp>
 #include <boost/beast/ssl.hpp>
 
+#include <limits>
+
 namespace remote {
 
 namespace net = boost::asio;
@@ -156,7 +158,7 @@ int ServerConnection::exchangeOver(std::unique_ptr<Link> link, const Request &re
     message.prepare_payload();
     link->send(message, m_timeouts.silence, stop);
     Link::Parser parser;
-    parser.body_limit(boost::none);
+    parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // the reader of the body knows its own limits
     link->receiveHeader(parser, m_timeouts.answer, stop);
     while (!parser.is_done())
         link->receivePiece(parser, m_timeouts.silence, stop, receive);
