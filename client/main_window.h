@@ -16,6 +16,7 @@ class QToolBar;
 class StartPage;
 class StatusLine;
 class WindowTabs;
+struct ExportTarget;
 
 namespace engine {
 class Engine;
@@ -44,8 +45,8 @@ public:
     void copy(bool titles);
     /// Shows the current grid as it would be printed.
     void print();
-    /// Writes the current grid to `fileName`, with progress and a way to cancel.
-    void exportTo(const QString &fileName);
+    /// Writes what a grid shows, with its screen's conditions, in the background of a wait window; returns the number of rows.
+    int exportTo(const TDBGridEh &grid, const ExportTarget &target);
     TDBGridEh *currentGrid() const { return m_grid; }
 
 protected:
@@ -96,4 +97,5 @@ private:
     StatusLine *m_status;
     QTimer m_clock;
     QString m_exportDirectory;
+    QString m_exportFilter; ///< chosen last
 };
