@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/export/asked_conditions.h"
 #include "client/host_data.h"
 #include "client/options.h"
 #include "platform/grid/db_grid.h"
@@ -96,6 +97,7 @@ private:
     QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
     StatusLine *m_status;
     QTimer m_clock;
+    AskedConditions m_asked;
     QString m_exportDirectory;
     QString m_exportFilter; ///< chosen last
 };

@@ -168,6 +168,8 @@ void MainWindow::updateCommands()
     for (const auto &[action, command] : std::as_const(m_actions))
         action->setEnabled(has[command->needs]);
     claimShortcuts();
+    if (const auto *button = qobject_cast<const QAbstractButton *>(queryButton()))
+        m_asked.watch(activeForm(), button);
     m_startPage->setVisible(forms().isEmpty());
     m_tabs->showForms(forms(), activeForm());
     m_tabStrip->setVisible(forms().size() > 1);
@@ -230,7 +232,7 @@ void MainWindow::exportAsking()
 
 int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 {
-    QList<ExportNote> notes = screenConditions(grid);
+    QList<ExportNote> notes = m_asked.of(grid);
     notes.append({ { QStringLiteral("导出网点"), m_options.loginSite }, { QStringLiteral("导出人"), m_options.user },
         { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
     const int rows = exportGrid(grid, target, screenTitle(grid), notes);

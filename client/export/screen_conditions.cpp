@@ -15,15 +15,6 @@
 
 namespace {
 
-/// The form, frame-less window or dialog that a grid stands on.
-const QWidget *screenOf(const QWidget &grid)
-{
-    const QWidget *screen = &grid;
-    while (screen->parentWidget() && !screen->isWindow() && !qobject_cast<const TForm *>(screen))
-        screen = screen->parentWidget();
-    return screen;
-}
-
 QString labelOf(const QWidget &screen, const QWidget &field)
 {
     for (const QLabel *label : screen.findChildren<QLabel *>()) {
@@ -83,17 +74,24 @@ bool liesInGrid(const QWidget &widget)
 
 } // namespace
 
-QList<ExportNote> screenConditions(const TDBGridEh &grid)
+const QWidget *screenOf(const TDBGridEh &grid)
 {
-    const QWidget *screen = screenOf(grid);
+    const QWidget *screen = &grid;
+    while (screen->parentWidget() && !screen->isWindow() && !qobject_cast<const TForm *>(screen))
+        screen = screen->parentWidget();
+    return screen;
+}
+
+QList<ExportNote> screenConditions(const QWidget &screen)
+{
     QList<ExportNote> conditions;
-    for (const QWidget *widget = screen->nextInFocusChain(); widget != screen; widget = widget->nextInFocusChain()) {
-        if (!screen->isAncestorOf(widget) || !widget->isVisibleTo(screen) || liesInGrid(*widget))
+    for (const QWidget *widget = screen.nextInFocusChain(); widget != &screen; widget = widget->nextInFocusChain()) {
+        if (!screen.isAncestorOf(widget) || !widget->isVisibleTo(&screen) || liesInGrid(*widget))
             continue;
         auto condition = conditionIn(*widget);
         if (!condition)
             continue;
-        const QString label = labelOf(*screen, *widget);
+        const QString label = labelOf(screen, *widget);
         if (!label.isEmpty())
             condition->caption = label;
         const QString box = boxTitle(*widget);

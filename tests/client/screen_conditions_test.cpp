@@ -1,3 +1,4 @@
+#include "client/export/asked_conditions.h"
 #include "client/export/screen_conditions.h"
 
 #include "platform/grid/db_grid.h"
@@ -13,6 +14,7 @@
 #include <QCheckBox>
 #include <QFormLayout>
 #include <QPlainTextEdit>
+#include <QPushButton>
 
 namespace {
 
@@ -54,11 +56,44 @@ TEST(ScreenConditions, AreToldByTheirLabelsInTabOrder)
     layout->addWidget(pages);
 
     QStringList told;
-    for (const ExportNote &condition : screenConditions(*grid))
+    for (const ExportNote &condition : screenConditions(form))
         told.append(condition.caption + u'=' + condition.value);
     EXPECT_EQ(
         told.join(u'|'), QStringLiteral("扫描时间 开始=2026-02-01 00:00:00|班次=早班|按单号查询=否|每行一个运单编号=007\n008|类型=发件"));
     EXPECT_EQ(screenTitle(*grid), QStringLiteral("月发件清单 明细数据"));
+}
+
+TEST(ScreenConditions, OfAQueryAreKeptWhenTheFieldsChange)
+{
+    auto form = std::make_unique<TForm>(Application, QStringLiteral("frm_Any"), QStringLiteral("月发件清单"));
+    auto *layout = new QFormLayout(form.get());
+    auto *site = new QLineEdit(QStringLiteral("北京"));
+    layout->addRow(QStringLiteral("网点"), site);
+    auto *query = new QPushButton;
+    auto *grid = new TDBGridEh;
+    layout->addRow(query);
+    layout->addRow(grid);
+    QObject::connect(query, &QPushButton::clicked, [site] {
+        if (!site->text().isEmpty())
+            Application->record(QStringLiteral("statement"), {});
+    });
+    AskedConditions asked;
+    for (int activation = 0; activation < 2; ++activation)
+        asked.watch(form.get(), query);
+    const auto value = [&] { return asked.of(*grid).value(0).value; };
+    site->setText(QStringLiteral("上海"));
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "not queried yet";
+    query->click();
+    site->setText(QStringLiteral("广州"));
+    EXPECT_EQ(value(), QStringLiteral("上海"));
+    site->clear();
+    query->click();
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "the screen refused";
+    site->setText(QStringLiteral("成都"));
+    Application->record(QStringLiteral("statement"), {});
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "not its query";
+    query->click();
+    EXPECT_EQ(value(), QStringLiteral("成都"));
 }
 
 } // namespace
