@@ -1,5 +1,6 @@
 #pragma once
 
+#include "client/export/asked_conditions.h"
 #include "client/host_data.h"
 #include "client/options.h"
 #include "platform/grid/db_grid.h"
@@ -17,6 +18,7 @@ class QToolBar;
 class StartPage;
 class StatusLine;
 class WindowTabs;
+struct ExportTarget;
 
 /// The host: publishes its datasets and values, opens the plug-in's screens as child windows and offers the commands that work
 /// on the current one.
@@ -41,8 +43,8 @@ public:
     void copy(bool titles);
     /// Shows the current grid as it would be printed.
     void print();
-    /// Writes the current grid to `fileName`, with progress and a way to cancel.
-    void exportTo(const QString &fileName);
+    /// Writes what a grid shows, with its screen's conditions, in the background of a wait window; returns the number of rows.
+    int exportTo(const TDBGridEh &grid, const ExportTarget &target);
     TDBGridEh *currentGrid() const { return m_grid; }
 
 protected:
@@ -92,5 +94,7 @@ private:
     QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
     StatusLine *m_status;
     QTimer m_clock;
+    AskedConditions m_asked;
     QString m_exportDirectory;
+    QString m_exportFilter; ///< chosen last
 };

@@ -1,6 +1,7 @@
 #include "client/main_window.h"
 
 #include "client/connections.h"
+#include "client/export/screen_conditions.h"
 #include "client/export/table_export.h"
 #include "client/icons.h"
 #include "client/screen_list.h"
@@ -21,7 +22,6 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QProgressDialog>
 #include <QStandardPaths>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -169,6 +169,8 @@ void MainWindow::updateCommands()
     for (const auto &[action, command] : std::as_const(m_actions))
         action->setEnabled(has[command->needs]);
     claimShortcuts();
+    if (const auto *button = qobject_cast<const QAbstractButton *>(queryButton()))
+        m_asked.watch(activeForm(), button);
     m_startPage->setVisible(forms().isEmpty());
     m_tabs->showForms(forms(), activeForm());
     m_tabStrip->setVisible(forms().size() > 1);
@@ -213,31 +215,30 @@ void MainWindow::exportAsking()
 {
     if (m_exportDirectory.isEmpty())
         m_exportDirectory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    const QString name = activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm");
-    QString filter;
-    QString fileName = QFileDialog::getSaveFileName(
-        this, QStringLiteral("导出"), QDir(m_exportDirectory).filePath(name + u".csv"), exportFilters(), &filter);
-    if (fileName.isEmpty())
+    QFileDialog dialog(this, QStringLiteral("导出"), m_exportDirectory, exportFilters().join(QStringLiteral(";;")));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    const auto useFilter
+        = [&dialog](const QString &filter) { dialog.setDefaultSuffix(chosenTarget(QStringLiteral("*"), filter).fileName.mid(2)); };
+    handle(&dialog, &QFileDialog::filterSelected, &dialog, useFilter);
+    dialog.selectNameFilter(m_exportFilter.isEmpty() ? exportFilters().first() : m_exportFilter);
+    useFilter(dialog.selectedNameFilter());
+    dialog.selectFile(activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm"));
+    if (dialog.exec() != QDialog::Accepted)
         return;
-    if (QFileInfo(fileName).suffix().isEmpty())
-        fileName += filter.section(u'*', 1).chopped(1);
-    m_exportDirectory = QFileInfo(fileName).absolutePath();
-    exportTo(fileName);
+    m_exportFilter = dialog.selectedNameFilter();
+    const ExportTarget target = chosenTarget(dialog.selectedFiles().first(), m_exportFilter);
+    m_exportDirectory = QFileInfo(target.fileName).absolutePath();
+    exportTo(*m_grid, target);
 }
 
-void MainWindow::exportTo(const QString &fileName)
+int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 {
-    if (!m_grid)
-        throw Exception(QStringLiteral("没有可以导出的表格，请先打开一个查询窗口。"));
-    QProgressDialog progress(QStringLiteral("正在导出…"), QStringLiteral("取消"), 0, m_grid->rowCount(), this);
-    progress.setWindowTitle(QStringLiteral("导出"));
-    progress.setWindowModality(Qt::WindowModal);
-    const int rows = exportGrid(*m_grid, fileName, [&progress](int row) {
-        progress.setValue(row);
-        if (progress.wasCanceled())
-            throw Abort(QStringLiteral("导出已取消"));
-    });
-    m_status->showMessage(QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(fileName)), 15'000);
+    QList<ExportNote> notes = m_asked.of(grid);
+    notes.append({ { QStringLiteral("导出网点"), m_options.loginSite }, { QStringLiteral("导出人"), m_data.employeeName() },
+        { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
+    const int rows = exportGrid(grid, target, screenTitle(grid), notes);
+    m_status->showMessage(QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(target.fileName)), 15'000);
+    return rows;
 }
 
 void MainWindow::showShortcuts()

@@ -17,6 +17,7 @@ JSON
 {"do":"page","control":"$1"}
 {"do":"screenshot","file":"$out/scan-contrast-$1.png"}
 {"do":"export","view":"$2","file":"$out/scan-contrast-$1.csv"}
+{"do":"export","view":"$2","file":"$out/scan-contrast-$1.xlsx"}
 JSON
     done
     cat <<JSON
@@ -30,6 +31,12 @@ JSON
 {"do":"screenshot","file":"$out/man-come-detail.png"}
 {"do":"cell","view":"DataView1","row":0,"field":"BILL_CODE","doubleClick":true}
 {"do":"screenshot","file":"$out/waybill-track.png"}
+{"do":"open","screen":"frm_MonthSendBill111"}
+{"do":"query"}
+{"do":"export","view":"DataView2","file":"$out/month-send.xlsx"}
+{"do":"cell","view":"DataView2","row":0,"field":"bill_count","doubleClick":true}
+{"do":"screenshot","file":"$out/month-send-detail.png"}
+{"do":"print","control":"Button2","file":"$out/month-send-list.pdf"}
 {"do":"quit"}
 JSON
 }
@@ -39,6 +46,6 @@ if printf '%s\n' "$replies" | grep -F '"ok":false' >&2; then
     echo "The client refused a command." >&2
     exit 1
 fi
-for file in "$out"/*.png "$out"/*.csv; do
+for file in "$out"/*.png "$out"/*.csv "$out"/*.xlsx "$out"/*.pdf; do
     printf 'wrote %s (%s bytes)\n' "$file" "$(stat -c %s "$file")"
 done

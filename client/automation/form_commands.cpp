@@ -75,8 +75,8 @@ void Automation::lookAt(const PreviewRequest &preview)
 
 QJsonObject Automation::exportGrid(const QJsonObject &arguments)
 {
-    const QString file = requiredText(arguments, u"file");
-    return { { QStringLiteral("rows"), ::exportGrid(*view(arguments), file) } };
+    const ExportTarget target { requiredText(arguments, u"file"), arguments[u"encoding"].toString() };
+    return { { QStringLiteral("rows"), m_window->exportTo(*view(arguments), target) } };
 }
 
 QJsonObject Automation::copy(const QJsonObject &arguments)

@@ -1,98 +1,146 @@
 #include "client/export/table_export.h"
 
-#include "client/export/table_format.h"
-#include "platform/dataset/client_data_set.h"
-#include "platform/grid/copied_cells.h"
-#include "platform/grid/db_grid.h"
+#include "client/export/export_file.h"
+#include "client/export/row_writer.h"
+#include "client/export/workbook.h"
+#include "platform/toolkit/long_work.h"
 
-#include <QDir>
-#include <QSaveFile>
+#include <QFileInfo>
+#include <QStringEncoder>
+
+#include <algorithm>
+#include <optional>
 
 namespace {
 
-constexpr int rowsBetweenWrites = 4096;
+constexpr std::size_t bytesBetweenWrites = 256 * 1024;
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-struct ExportColumn {
-    int index; ///< in the grid
-    bool number;
+using Progress = std::function<void(std::int64_t rows)>;
+
+struct ExportForm {
+    QStringView filter; ///< for a file dialog
+    QStringView encoding; ///< none: its own
 };
 
-QList<ExportColumn> shownColumns(const TDBGridEh &grid)
-{
-    QList<ExportColumn> columns;
-    for (int index = 0; index < grid.columnCount(); ++index) {
-        if (!grid.column(index).visible)
-            continue;
-        const TField *field = grid.dataSet() ? grid.dataSet()->findField(grid.column(index).fieldName) : nullptr;
-        const bool number = field && (field->type() == FieldType::Integer || field->type() == FieldType::Decimal);
-        columns.append({ index, number });
-    }
-    return columns;
-}
+constexpr ExportForm forms[] {
+    { u"Excel 工作簿 (*.xlsx)", {} },
+    { u"CSV 文件 (*.csv)", {} },
+    { u"CSV 文件，GB18030 编码 (*.csv)", u"GB18030" },
+    { u"文本文件，制表符分隔 (*.txt)", {} },
+    { u"网页 (*.html)", {} },
+    { u"JSON 文件 (*.json)", {} },
+};
 
-bool isTruncated(const TDBGridEh &grid)
-{
-    const auto *dataSet = qobject_cast<const TCustomClientDataSet *>(grid.dataSet());
-    return dataSet && dataSet->truncated();
-}
-
-class ExportFile {
+/// What can be written to a file of that name, checked before anything is touched.
+class Writer {
 public:
-    explicit ExportFile(const QString &fileName)
-        : m_file(fileName)
+    explicit Writer(const ExportTarget &target)
+        : m_format(TableFormat::of(target.fileName))
     {
-        if (!m_file.open(QIODevice::WriteOnly))
-            fail();
+        const QString ending = QFileInfo(target.fileName).suffix().toLower();
+        m_workbook = ending == u"xlsx";
+        if (!m_format && !m_workbook)
+            throw Exception(QStringLiteral("不能导出到“%1”：文件名请以 .xlsx、.csv、.txt、.html 或 .json 结尾。").arg(target.fileName));
+        if (target.encoding.isEmpty() || target.encoding.compare(u"UTF-8", Qt::CaseInsensitive) == 0)
+            return;
+        if (target.encoding.compare(u"GB18030", Qt::CaseInsensitive) != 0)
+            throw Exception(QStringLiteral("不认识编码“%1”，只能用 UTF-8 或 GB18030。").arg(target.encoding));
+        if (ending != u"csv" && ending != u"txt")
+            throw Exception(QStringLiteral("只有 .csv 和 .txt 文件可以用 GB18030 编码。"));
+        m_encoder.emplace("GB18030");
+        if (!m_encoder->isValid())
+            throw Exception(QStringLiteral("这台电脑的系统组件不支持 GB18030 编码，请导出为 UTF-8 的 .csv，或导出为 .xlsx。"));
     }
-    void write(QByteArray &bytes)
+
+    void write(const ExportTable &table, ExportFile &file, const Progress &progress)
     {
-        if (m_file.write(bytes) != bytes.size())
-            fail();
-        bytes.truncate(0); // keeps the memory
-    }
-    void finish()
-    {
-        if (!m_file.commit())
-            fail();
+        if (table.columns.empty())
+            throw Exception(QStringLiteral("表格没有可以导出的列。"));
+        if (m_workbook)
+            writeWorkbook(table, file, progress);
+        else
+            writeText(table, file, progress);
     }
 
 private:
-    [[noreturn]] void fail() const
+    void writeText(const ExportTable &table, ExportFile &file, const Progress &progress)
     {
-        throw Exception(QStringLiteral("无法写入文件“%1”：%2。请换一个位置，或先关闭正在使用它的程序。")
-                            .arg(QDir::toNativeSeparators(m_file.fileName()), m_file.errorString()));
+        std::string out = m_format->head(table);
+        if (m_encoder && out.starts_with(byteOrderMark))
+            out.erase(0, byteOrderMark.size());
+        const RowWriter rows(table, *m_format);
+        for (std::size_t row = 0; row < table.rows.rowCount(); ++row) {
+            rows.append(out, row);
+            if (out.size() < bytesBetweenWrites)
+                continue;
+            flush(out, file);
+            progress(std::int64_t(row + 1));
+        }
+        out += m_format->tail(table);
+        flush(out, file);
+    }
+    void flush(std::string &out, ExportFile &file)
+    {
+        if (m_encoder) {
+            const QByteArray encoded = m_encoder->encode(QString::fromStdString(out));
+            file.write({ encoded.constData(), std::size_t(encoded.size()) });
+        } else {
+            file.write(out);
+        }
+        out.clear(); // keeps the memory
     }
 
-    QSaveFile m_file;
+    std::unique_ptr<TableFormat> m_format; ///< null for a workbook
+    bool m_workbook = false;
+    std::optional<QStringEncoder> m_encoder; ///< none: UTF-8
 };
 
 } // namespace
 
-int exportGrid(const TDBGridEh &grid, const QString &fileName, const std::function<void(int)> &progress)
+void writeTable(const ExportTable &table, const ExportTarget &target, const Progress &progress)
 {
-    const auto format = TableFormat::of(fileName);
-    const QList<ExportColumn> columns = shownColumns(grid);
-    QList<ExportCell> cells;
-    for (const ExportColumn &column : columns)
-        cells.append({ plainTitle(grid.column(column.index).caption) });
-    ExportFile file(fileName);
-    QByteArray bytes;
-    format->appendTitles(bytes, cells);
-    const int rows = grid.rowCount();
-    for (int row = 0; row < rows; ++row) {
-        for (qsizetype position = 0; position < columns.size(); ++position)
-            cells[position] = { grid.cellText(row, columns[position].index), columns[position].number };
-        format->appendRow(bytes, cells);
-        if ((row + 1) % rowsBetweenWrites == 0) {
-            file.write(bytes);
-            if (progress)
-                progress(row + 1);
-        }
-    }
-    format->appendEnd(bytes, isTruncated(grid));
-    file.write(bytes);
-    file.finish();
-    return rows;
+    Writer writer(target);
+    ExportFile file(target.fileName);
+    writer.write(table, file, progress);
+    file.commit();
 }
 
-QString exportFilters() { return QStringLiteral("CSV 文件 (*.csv);;文本文件，制表符分隔 (*.txt);;JSON 文件 (*.json)"); }
+int exportGrid(const TDBGridEh &grid, const ExportTarget &target, const QString &title, const QList<ExportNote> &notes)
+{
+    struct Export {
+        Writer writer;
+        ExportFile file;
+        ExportTable table;
+    };
+    const std::shared_ptr<Export> work(new Export { Writer(target), ExportFile(target.fileName), exportTable(grid, title, notes) });
+    runLongWork(QStringLiteral("正在导出…"), QStringLiteral("导出已取消"), [work](WorkProgress &progress) {
+        progress.total = std::int64_t(work->table.rows.rowCount());
+        work->writer.write(work->table, work->file, [&progress](std::int64_t rows) {
+            progress.rows = rows;
+            if (progress.stop.stop_requested())
+                throw Abort(QStringLiteral("导出已取消"));
+        });
+    });
+    // Here, so that a cancelled export never takes its place.
+    work->file.commit();
+    return int(work->table.rows.rowCount());
+}
+
+QStringList exportFilters()
+{
+    QStringList filters;
+    for (const ExportForm &form : forms)
+        filters.append(form.filter.toString());
+    return filters;
+}
+
+ExportTarget chosenTarget(const QString &fileName, const QString &filter)
+{
+    const auto *form = std::ranges::find(forms, QStringView(filter), &ExportForm::filter);
+    if (form == std::end(forms))
+        return { fileName };
+    const QString ending = filter.section(u'*', 1).chopped(1);
+    const QString named = QFileInfo(fileName).suffix().isEmpty() ? fileName + ending : fileName;
+    return { named, named.endsWith(ending, Qt::CaseInsensitive) ? form->encoding.toString() : QString() };
+}

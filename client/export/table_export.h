@@ -1,15 +1,23 @@
 #pragma once
 
-#include <QString>
+#include "client/export/export_table.h"
 
 #include <functional>
 
-class TDBGridEh;
+/// Where a table goes.
+struct ExportTarget {
+    QString fileName; ///< its ending names the form
+    QString encoding {}; ///< of .csv and .txt: "UTF-8" unless it says "GB18030"
+};
 
-/// Writes what the grid shows (visible columns, shown rows, both in shown order, titles in one line) to a file in the form that
-/// its ending names. Calls `progress` with the rows written so far now and then; it may throw to break off. Returns the number of
-/// rows. Writes beside the file and renames at the end: a failure throws Exception and leaves what was there before.
-int exportGrid(const TDBGridEh &grid, const QString &fileName, const std::function<void(int rows)> &progress = {});
+/// Writes a table to a file: beside it first, renamed at the end, so that a failure throws Exception and leaves what was there before.
+/// Tells `progress` of the rows written now and then; what that throws breaks off.
+void writeTable(const ExportTable &table, const ExportTarget &target, const std::function<void(std::int64_t rows)> &progress);
 
-/// The forms, for a file dialog.
-QString exportFilters();
+/// The same for what a grid shows now (visible columns, shown rows, both in shown order), with the wait window and a way to cancel.
+/// Returns the number of rows.
+int exportGrid(const TDBGridEh &grid, const ExportTarget &target, const QString &title, const QList<ExportNote> &notes);
+
+/// The forms for a file dialog, and the target that a person has chosen with one of them.
+QStringList exportFilters();
+ExportTarget chosenTarget(const QString &fileName, const QString &filter);

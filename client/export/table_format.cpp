@@ -1,54 +1,26 @@
 #include "client/export/table_format.h"
 
-#include "platform/toolkit/exception.h"
-
 #include <QFileInfo>
-#include <QStringEncoder>
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
-void appendUtf8(QByteArray &out, QStringView text)
-{
-    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
-    const qsizetype before = out.size();
-    out.resize(before + encoder.requiredSpace(text.size()));
-    out.truncate(encoder.appendToBuffer(out.data() + before, text) - out.constData());
-}
-
-/// Appends `text`, putting what `escape` gives in place of each of the `special` letters.
-template <class Escape>
-void appendEscaped(QByteArray &out, QStringView text, bool (*special)(QChar), Escape escape)
-{
-    while (!text.isEmpty()) {
-        const qsizetype plain = std::find_if(text.begin(), text.end(), special) - text.begin();
-        appendUtf8(out, text.first(plain));
-        if (plain < text.size())
-            escape(text[plain]);
-        text = text.sliced(std::min(plain + 1, text.size()));
-    }
-}
+bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
 
 /// Sign, digits, at most one point: what a spreadsheet reads as a number however it begins.
-bool isPlainNumber(const QString &text)
+bool isPlainNumber(std::string_view text)
 {
-    bool digits = false;
-    bool point = false;
-    for (qsizetype index = text.startsWith(u'-') || text.startsWith(u'+') ? 1 : 0; index < text.size(); ++index) {
-        const char16_t letter = text[index].unicode();
-        if (letter == u'.' && point)
-            return false;
-        if (letter != u'.' && (letter < u'0' || letter > u'9'))
-            return false;
-        (letter == u'.' ? point : digits) = true;
-    }
-    return digits;
+    if (text.starts_with('-') || text.starts_with('+'))
+        text.remove_prefix(1);
+    return std::ranges::any_of(text, isDigit) && std::ranges::count(text, '.') <= 1
+        && std::ranges::all_of(text, [](char letter) { return isDigit(letter) || letter == '.'; });
 }
 
-bool runsAsFormula(const QString &text)
+bool runsAsFormula(std::string_view text)
 {
-    return !text.isEmpty() && QStringView(u"=+-@\t\r\n").contains(text.front()) && !isPlainNumber(text);
+    return !text.empty() && std::string_view("=+-@\t\r\n").find(text.front()) != std::string_view::npos && !isPlainNumber(text);
 }
 
 class SeparatedFormat : public TableFormat {
@@ -56,94 +28,79 @@ public:
     explicit SeparatedFormat(char separator)
         : m_separator(separator)
     {
+        for (const char letter : { '"', '\n', '\r', separator })
+            m_special[static_cast<unsigned char>(letter)] = true;
     }
 
-    void appendTitles(QByteArray &out, const QList<ExportCell> &titles) override
+    std::string head(const ExportTable &table) const override
     {
-        out += "\xEF\xBB\xBF";
-        appendRow(out, titles);
-    }
-    void appendRow(QByteArray &out, const QList<ExportCell> &cells) override
-    {
-        for (qsizetype column = 0; column < cells.size(); ++column) {
-            if (column > 0)
-                out += m_separator;
-            appendCell(out, cells[column]);
+        std::string titles;
+        for (std::size_t column = 0; column < table.columns.size(); ++column) {
+            titles += beforeCell(table, column);
+            appendText(titles, table.columns[column].title.toStdString());
         }
-        out += "\r\n";
+        return "\xEF\xBB\xBF" + titles + "\r\n";
     }
-    void appendEnd(QByteArray &, bool) override { }
-
-private:
-    bool mustBeQuoted(const QString &text) const
+    std::string tail(const ExportTable &) const override { return {}; }
+    std::string_view beforeRow(bool) const override { return {}; }
+    std::string_view afterRow() const override { return "\r\n"; }
+    std::string beforeCell(const ExportTable &, std::size_t column) const override { return std::string(column > 0 ? 1 : 0, m_separator); }
+    void appendText(std::string &out, std::string_view text) const override
     {
-        return std::any_of(text.begin(), text.end(),
-            [this](QChar letter) { return letter == u'"' || letter == QLatin1Char(m_separator) || letter == u'\n' || letter == u'\r'; });
-    }
-    void appendCell(QByteArray &out, const ExportCell &cell) const
-    {
-        const bool guarded = !cell.number && runsAsFormula(cell.text);
-        if (!guarded && !mustBeQuoted(cell.text))
-            return appendUtf8(out, cell.text);
+        const bool guarded = runsAsFormula(text);
+        if (!guarded && std::ranges::none_of(text, [this](char letter) { return m_special[static_cast<unsigned char>(letter)]; })) {
+            out += text;
+            return;
+        }
         out += guarded ? "\"\t" : "\"";
-        appendEscaped(
-            out, cell.text, [](QChar letter) { return letter == u'"'; }, [&out](QChar) { out += "\"\""; });
+        for (const char letter : text) {
+            if (letter == '"')
+                out += '"';
+            out += letter;
+        }
         out += '"';
     }
 
+private:
     char m_separator;
+    std::array<bool, 256> m_special {}; ///< letters for which a cell is quoted
 };
 
 class JsonFormat : public TableFormat {
 public:
-    void appendTitles(QByteArray &out, const QList<ExportCell> &titles) override
+    std::string head(const ExportTable &table) const override
     {
-        out += R"({"columns":)";
-        appendArray(out, titles);
-        out += R"(,"rows":[)";
-    }
-    void appendRow(QByteArray &out, const QList<ExportCell> &cells) override
-    {
-        out += m_first ? "\n" : ",\n";
-        m_first = false;
-        appendArray(out, cells);
-    }
-    void appendEnd(QByteArray &out, bool truncated) override
-    {
-        out += truncated ? "\n],\"truncated\":true}\n" : "\n],\"truncated\":false}\n";
-    }
-
-private:
-    static void appendArray(QByteArray &out, const QList<ExportCell> &cells)
-    {
-        out += '[';
-        for (const ExportCell &cell : cells) {
-            if (!cell.number)
-                appendText(out, cell.text);
-            else if (cell.text.isEmpty())
-                out += "null";
-            else
-                appendUtf8(out, cell.text);
-            out += ',';
+        std::string titles;
+        for (std::size_t column = 0; column < table.columns.size(); ++column) {
+            titles += beforeCell(table, column);
+            appendText(titles, table.columns[column].title.toStdString());
         }
-        if (out.endsWith(','))
-            out.chop(1);
-        out += ']';
+        return R"({"columns":[)" + titles + R"(],"rows":[)";
     }
-
-    static void appendText(QByteArray &out, const QString &text)
+    std::string tail(const ExportTable &table) const override
     {
+        return table.truncated ? "\n],\"truncated\":true}\n" : "\n],\"truncated\":false}\n";
+    }
+    std::string_view beforeRow(bool first) const override { return first ? "\n[" : ",\n["; }
+    std::string_view afterRow() const override { return "]"; }
+    std::string beforeCell(const ExportTable &, std::size_t column) const override { return column > 0 ? "," : ""; }
+    std::string_view quote() const override { return "\""; }
+    std::string_view noNumber() const override { return "null"; }
+    void appendText(std::string &out, std::string_view text) const override
+    {
+        static constexpr char digits[] = "0123456789abcdef";
         out += '"';
-        appendEscaped(
-            out, text, [](QChar letter) { return letter == u'"' || letter == u'\\' || letter < u' '; },
-            [&out](QChar letter) {
-                out += "\\u00";
-                out += QByteArray::number(letter.unicode(), 16).rightJustified(2, '0');
-            });
+        for (const char letter : text) {
+            const auto code = static_cast<unsigned char>(letter);
+            if (letter == '"' || letter == '\\')
+                (out += '\\') += letter;
+            else if (code < ' ')
+                ((out += "\\u00") += digits[code >> 4]) += digits[code & 15];
+            else
+                out += letter;
+        }
         out += '"';
     }
-
-    bool m_first = true;
 };
 
 } // namespace
@@ -157,5 +114,5 @@ std::unique_ptr<TableFormat> TableFormat::of(const QString &fileName)
         return std::make_unique<SeparatedFormat>('\t');
     if (ending == u"json")
         return std::make_unique<JsonFormat>();
-    throw Exception(QStringLiteral("不能导出到“%1”：文件名请以 .csv、.txt 或 .json 结尾。").arg(fileName));
+    return ending == u"html" || ending == u"htm" ? htmlFormat() : nullptr;
 }

@@ -1,29 +1,32 @@
 #pragma once
 
-#include <QByteArray>
-#include <QList>
-#include <QString>
+#include "client/export/export_table.h"
 
 #include <memory>
 
-/// One cell as it is shown, and whether its column holds numbers.
-struct ExportCell {
-    QString text;
-    bool number = false;
-};
-
-/// A text form of a table: appends its parts, as UTF-8, in the order titles, rows, end.
+/// A text form of a table, in UTF-8: a head, rows of cells, and a tail.
 class TableFormat {
 public:
     virtual ~TableFormat() = default;
-    virtual void appendTitles(QByteArray &out, const QList<ExportCell> &titles) = 0;
-    virtual void appendRow(QByteArray &out, const QList<ExportCell> &cells) = 0;
-    virtual void appendEnd(QByteArray &out, bool truncated) = 0;
+    virtual std::string head(const ExportTable &table) const = 0;
+    virtual std::string tail(const ExportTable &table) const = 0;
 
-    /// The form that a file's ending names; throws Exception for an ending that names none.
+    virtual std::string_view beforeRow(bool first) const = 0;
+    virtual std::string_view afterRow() const = 0;
+    /// What stands before each cell of a column.
+    virtual std::string beforeCell(const ExportTable &table, std::size_t column) const = 0;
+    /// Appends a cell of text, with all that keeps it whole.
+    virtual void appendText(std::string &out, std::string_view text) const = 0;
+    virtual std::string_view quote() const { return {}; } ///< on both sides of a time
+    virtual std::string_view noNumber() const { return {}; } ///< in place of a number that is null
+
+    /// The form that a file's ending names; null when it names none.
     ///   .csv   comma-separated with quotes as in RFC 4180, a byte-order mark and CRLF
     ///   .txt   the same with tabs between
     ///   .json  {"columns":[titles],"rows":[[cells]],"truncated":true when the server cut the rows}; numbers as numbers
+    ///   .html  a page with the notes and the table, footers included; a spreadsheet that opens it keeps texts as texts
     /// In the first two, cells that a spreadsheet would run as a formula begin with a tab.
     static std::unique_ptr<TableFormat> of(const QString &fileName);
 };
+
+std::unique_ptr<TableFormat> htmlFormat();

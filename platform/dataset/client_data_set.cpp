@@ -4,6 +4,7 @@
 #include "platform/dataset/data_set_provider.h"
 #include "platform/dataset/filter_expression.h"
 #include "platform/dataset/row_order.h"
+#include "platform/dataset/row_snapshot.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/component.h"
 
@@ -97,6 +98,15 @@ void TCustomClientDataSet::setData(packet::PacketPtr data)
         return;
     load(std::move(data));
     finishOpen();
+}
+
+RowSnapshot TCustomClientDataSet::snapshot() const
+{
+    if (!m_overlay)
+        return { RowOverlay(std::make_shared<packet::Packet>(std::vector<packet::Field>(), std::vector<packet::Block>(),
+                     std::vector<std::shared_ptr<const packet::Dictionary>>(), false)),
+            {} };
+    return { *m_overlay, m_allRows ? std::nullopt : std::optional(m_rows) };
 }
 
 bool TCustomClientDataSet::truncated() const { return m_overlay && m_overlay->packet().truncated(); }

@@ -9,6 +9,7 @@
 
 class FilterExpression;
 class RowOverlay;
+class RowSnapshot;
 struct OrderKey;
 
 /// An index over the shown rows of a client dataset.
@@ -40,6 +41,8 @@ public:
     packet::PacketPtr data() const;
     /// Opens the dataset (closing it first) on an independent copy of `data`; null closes it.
     void setData(packet::PacketPtr data);
+    /// The shown rows as they are now, an edit under way included; without any while closed. Cheap: it shares the packet.
+    RowSnapshot snapshot() const;
     /// True when the server's row limit cut the result.
     bool truncated() const;
     /// Removes all rows and the change log; the structure stays. An edit under way is dropped.

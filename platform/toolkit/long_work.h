@@ -17,6 +17,7 @@ public:
 struct WorkProgress {
     std::stop_source stop; ///< a stop request comes from the Cancel button
     std::atomic<std::int64_t> rows { 0 }; ///< shown in the wait window
+    std::atomic<std::int64_t> total { 0 }; ///< of the rows, when it is known beforehand; shown beside them
 };
 
 /// Runs `work` on a thread of its own and waits in a local loop that lets only painting and the wait window through; after

@@ -38,8 +38,11 @@ WaitWindow::WaitWindow(const QString &caption, const WorkProgress &progress)
 void WaitWindow::refresh()
 {
     QString text = m_caption + QStringLiteral("  %1 秒").arg(m_elapsed.elapsed() / 1000);
-    if (const std::int64_t rows = m_progress.rows)
-        text += QStringLiteral("，已取 %1 行").arg(QLocale::c().toString(qlonglong(rows)));
+    const QString rows = QLocale::c().toString(qlonglong(m_progress.rows));
+    if (const std::int64_t total = m_progress.total)
+        text += QStringLiteral("，%1 / %2 行").arg(rows, QLocale::c().toString(qlonglong(total)));
+    else if (m_progress.rows > 0)
+        text += QStringLiteral("，已取 %1 行").arg(rows);
     m_label->setText(text);
     if (isVisible())
         return;

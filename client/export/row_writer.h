@@ -1,0 +1,19 @@
+#pragma once
+
+#include "client/export/table_format.h"
+
+class CellWriter;
+
+/// Writes the rows of a table in a text form. Both must outlive it.
+class RowWriter {
+public:
+    RowWriter(const ExportTable &table, const TableFormat &format);
+    ~RowWriter();
+
+    void append(std::string &out, std::size_t row) const;
+
+private:
+    const ExportTable &m_table;
+    const TableFormat &m_format;
+    std::vector<std::unique_ptr<CellWriter>> m_cells;
+};

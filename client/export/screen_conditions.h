@@ -1,0 +1,15 @@
+#pragma once
+
+#include "client/export/export_table.h"
+
+class QWidget;
+
+/// The form, or the window of its own, that a grid stands on.
+const QWidget *screenOf(const TDBGridEh &grid);
+
+/// What stands in the conditions of a screen, in their tab order: each visible field and box outside grids by its label, or by its own
+/// caption.
+QList<ExportNote> screenConditions(const QWidget &screen);
+
+/// The caption of a grid's screen, with the tab that the grid lies on where there is one.
+QString screenTitle(const TDBGridEh &grid);

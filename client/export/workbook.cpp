@@ -1,0 +1,309 @@
+#include "client/export/workbook.h"
+
+#include "client/export/export_file.h"
+
+#include <QDir>
+#include <QStorageInfo>
+
+#include <cmath>
+#include <cstdio>
+
+#include <xlsxwriter.h>
+
+namespace {
+
+constexpr int rowsBetweenReports = 1024;
+constexpr int mostDigits = 15; ///< more than these a spreadsheet would change
+constexpr qsizetype longestCell = 32'767; ///< characters
+constexpr qsizetype longestSheetName = 31;
+constexpr std::int64_t firstDay = -2'203'891'200; ///< 1900-03-01: spreadsheets number the days before it differently
+constexpr double dayOfEpoch = 25'569; ///< the number of 1970-01-01
+constexpr double secondsPerDay = 86'400;
+
+/// A number that a spreadsheet keeps as it is, or nothing.
+std::optional<double> exactNumber(packet::Decimal value)
+{
+    constexpr packet::Int128 limit = 1'000'000'000'000'000; // 10^mostDigits
+    static_assert(mostDigits == 15);
+    for (; value.scale > 0 && value.units % 10 == 0; --value.scale)
+        value.units /= 10;
+    const bool fits = value.units < limit && value.units > -limit;
+    return fits ? std::optional(value.toDouble()) : std::nullopt;
+}
+
+QByteArray sheetName(const QString &title, int number)
+{
+    QString name = title;
+    for (QChar &letter : name) {
+        if (QStringView(u"[]:*?/\\").contains(letter) || letter < u' ')
+            letter = u' ';
+    }
+    const QString suffix = number > 1 ? QStringLiteral(" (%1)").arg(number) : QString();
+    name.truncate(longestSheetName - suffix.size());
+    if (!name.isEmpty() && name.back().isHighSurrogate())
+        name.chop(1);
+    while (name.startsWith(u'\'') || name.startsWith(u' '))
+        name.remove(0, 1);
+    while (name.endsWith(u'\'') || name.endsWith(u' '))
+        name.chop(1);
+    return ((name.isEmpty() ? QStringLiteral("数据") : name) + suffix).toUtf8();
+}
+
+QByteArray numberFormat(const ExportColumn &column)
+{
+    switch (column.kind) {
+    case CellKind::Text:
+        return "@";
+    case CellKind::Integer:
+        return "0";
+    case CellKind::Time:
+        return "yyyy-mm-dd hh:mm:ss";
+    case CellKind::Float:
+        return "General";
+    case CellKind::Decimal:
+        break;
+    }
+    return "#,##0." + QByteArray(std::max(2, column.scale), '0');
+}
+
+/// The looks of one column's cells.
+struct ColumnFormats {
+    lxw_format *cell;
+    lxw_format *text; ///< of a value that must go as text
+    lxw_format *footer;
+    lxw_format *footerText;
+};
+
+/// A workbook that is written row by row; only the current row is in memory.
+class Workbook {
+public:
+    Workbook(const ExportTable &table, const ExportFile &file, std::uint32_t sheetRows)
+        : m_table(table)
+        , m_file(file)
+        , m_sheetRows(sheetRows)
+    {
+        QByteArray directory = QDir::tempPath().toUtf8();
+        lxw_workbook_options options {};
+        options.constant_memory = LXW_TRUE;
+        options.tmpdir = directory.data();
+        m_book = workbook_new_opt(file.path().toUtf8().constData(), &options);
+        if (!m_book)
+            file.fail(QStringLiteral("内存不足"));
+        createFormats();
+        addTitledSheet();
+    }
+    Workbook(const Workbook &) = delete;
+    ~Workbook()
+    {
+        if (m_book)
+            lxw_workbook_free(m_book);
+    }
+
+    void addRow(std::size_t row)
+    {
+        beginRow();
+        const std::uint32_t source = m_table.rows.source(row);
+        for (std::size_t column = 0; column < m_table.columns.size(); ++column)
+            writeCell(column, row, source);
+        m_lastDataRow = m_row++;
+    }
+    void addFooters()
+    {
+        endRows();
+        for (int row = 0; row < m_table.footerRows; ++row) {
+            beginRow();
+            for (std::size_t column = 0; column < m_table.columns.size(); ++column)
+                writeFooter(column, m_table.columns[column].footers[row]);
+            ++m_row;
+        }
+    }
+    void addNotes()
+    {
+        m_sheet = addSheet(QStringLiteral("查询条件"));
+        worksheet_set_column(m_sheet, 0, 0, 24, m_text);
+        worksheet_set_column(m_sheet, 1, 1, 60, m_text);
+        m_row = 0;
+        for (const ExportNote &note : m_table.notes) {
+            writeText(0, note.caption.toStdString(), m_title);
+            for (const QString &line : note.value.split(u'\n')) {
+                writeText(1, line.toStdString(), m_text);
+                ++m_row;
+            }
+        }
+    }
+    void close()
+    {
+        checkDisk();
+        const lxw_error error = workbook_close(std::exchange(m_book, nullptr));
+        if (error != LXW_NO_ERROR)
+            m_file.fail(QStringLiteral("磁盘已满或不可写（%1）").arg(QString::fromUtf8(lxw_strerror(error))));
+    }
+    /// The library does not say that its temporary files were cut by a full disk.
+    void checkDisk()
+    {
+        qint64 needed = 0;
+        for (const lxw_worksheet *sheet : m_sheets) {
+            if (std::fflush(sheet->optimize_tmpfile) != 0 || std::ferror(sheet->optimize_tmpfile))
+                failForTemporaries();
+            needed = std::max(needed, qint64(std::ftell(sheet->optimize_tmpfile)));
+        }
+        const QStorageInfo storage(QDir::tempPath());
+        if (storage.isValid() && storage.bytesAvailable() < needed)
+            failForTemporaries();
+    }
+
+private:
+    [[noreturn]] void failForTemporaries() const
+    {
+        m_file.fail(QStringLiteral("临时目录“%1”空间不足").arg(QDir::toNativeSeparators(QDir::tempPath())));
+    }
+
+    lxw_format *newFormat(const QByteArray &number, bool bold = false)
+    {
+        lxw_format *format = workbook_add_format(m_book);
+        format_set_num_format(format, number.constData());
+        if (bold)
+            format_set_bold(format);
+        return format;
+    }
+    void createFormats()
+    {
+        m_text = newFormat("@");
+        m_title = newFormat("@", true);
+        lxw_format *general = newFormat("General");
+        lxw_format *wholeFooter = newFormat("0", true);
+        for (const ExportColumn &column : m_table.columns) {
+            const QByteArray number = numberFormat(column);
+            const bool text = column.kind == CellKind::Text;
+            lxw_format *cell = column.field < 0 ? general : text ? m_text : newFormat(number);
+            const bool sum = column.kind == CellKind::Decimal || column.kind == CellKind::Float;
+            m_formats.push_back({ cell, m_text, sum ? newFormat(number, true) : wholeFooter, m_title });
+        }
+    }
+
+    lxw_worksheet *addSheet(const QString &title)
+    {
+        int number = 1;
+        while (workbook_validate_sheet_name(m_book, sheetName(title, number).constData()) != LXW_NO_ERROR && number < 10'000)
+            ++number;
+        lxw_worksheet *sheet = workbook_add_worksheet(m_book, sheetName(title, number).constData());
+        if (!sheet || !sheet->optimize_tmpfile)
+            failForTemporaries();
+        m_sheets.push_back(sheet);
+        worksheet_ignore_errors(sheet, LXW_IGNORE_NUMBER_STORED_AS_TEXT, "A1:XFD1048576");
+        return sheet;
+    }
+    void addTitledSheet()
+    {
+        m_sheet = addSheet(m_table.title);
+        m_row = 0;
+        for (std::size_t column = 0; column < m_table.columns.size(); ++column) {
+            const ExportColumn &shown = m_table.columns[column];
+            const auto place = lxw_col_t(column);
+            check(worksheet_set_column_pixels(m_sheet, place, place, std::uint32_t(shown.width), m_formats[column].cell));
+            writeText(place, shown.title.toStdString(), m_title);
+        }
+        worksheet_freeze_panes(m_sheet, 1, lxw_col_t(m_table.frozenColumns));
+        m_lastDataRow = 0;
+        m_row = 1;
+    }
+    /// The filter over the rows of the sheet at hand: to be set before anything below them.
+    void endRows()
+    {
+        if (!std::exchange(m_rowsOpen, false))
+            return;
+        check(worksheet_autofilter(m_sheet, 0, 0, m_lastDataRow, lxw_col_t(m_table.columns.size() - 1)));
+    }
+    void beginRow()
+    {
+        if (m_row < m_sheetRows)
+            return;
+        const bool rows = m_rowsOpen;
+        endRows();
+        addTitledSheet();
+        m_rowsOpen = rows;
+    }
+    void check(lxw_error error) const
+    {
+        if (error != LXW_NO_ERROR)
+            m_file.fail(QStringLiteral("表格写不进电子表格（%1）").arg(QString::fromUtf8(lxw_strerror(error))));
+    }
+
+    void writeCell(std::size_t column, std::size_t row, std::uint32_t source)
+    {
+        const ExportColumn &shown = m_table.columns[column];
+        const auto place = lxw_col_t(column);
+        if (shown.kind != CellKind::Text) {
+            const auto field = std::size_t(shown.field);
+            if (m_table.rows.overlay().isNull(field, source))
+                return;
+            if (const auto number = numberOf(shown.kind, field, source)) {
+                check(worksheet_write_number(m_sheet, m_row, place, *number, m_formats[column].cell));
+                return;
+            }
+        }
+        const std::string_view text = m_table.text(column, row, m_buffer);
+        if (!text.empty())
+            writeText(place, text, m_formats[column].text);
+    }
+    std::optional<double> numberOf(CellKind kind, std::size_t field, std::uint32_t source) const
+    {
+        const RowOverlay &rows = m_table.rows.overlay();
+        if (kind == CellKind::Time) {
+            const std::int64_t seconds = rows.seconds(field, source);
+            return seconds < firstDay ? std::nullopt : std::optional(dayOfEpoch + double(seconds) / secondsPerDay);
+        }
+        if (kind == CellKind::Float) {
+            const double value = rows.real(field, source);
+            return std::isfinite(value) ? std::optional(value) : std::nullopt;
+        }
+        return exactNumber(rows.decimal(field, source));
+    }
+    void writeFooter(std::size_t column, const ExportFooter &footer)
+    {
+        const auto value = footer.number ? packet::Decimal::parse(footer.text.toStdString()) : std::nullopt;
+        const auto number = value ? exactNumber(*value) : std::nullopt;
+        if (number)
+            check(worksheet_write_number(m_sheet, m_row, lxw_col_t(column), *number, m_formats[column].footer));
+        else if (!footer.text.isEmpty())
+            writeText(lxw_col_t(column), footer.text.toStdString(), m_formats[column].footerText);
+    }
+    void writeText(lxw_col_t column, std::string_view text, lxw_format *format)
+    {
+        m_terminated.assign(text);
+        if (text.size() > std::size_t(longestCell))
+            m_terminated = QString::fromStdString(m_terminated).left(longestCell - 1).append(u'…').toStdString();
+        check(worksheet_write_string(m_sheet, m_row, column, m_terminated.c_str(), format));
+    }
+
+    const ExportTable &m_table;
+    const ExportFile &m_file;
+    const lxw_row_t m_sheetRows;
+    lxw_workbook *m_book = nullptr;
+    lxw_worksheet *m_sheet = nullptr;
+    std::vector<lxw_worksheet *> m_sheets;
+    lxw_format *m_text = nullptr;
+    lxw_format *m_title = nullptr;
+    std::vector<ColumnFormats> m_formats;
+    lxw_row_t m_row = 0;
+    bool m_rowsOpen = true; ///< no filter has been set over the rows of the sheet at hand
+    lxw_row_t m_lastDataRow = 0; ///< of the sheet; the titles' while it has none
+    std::string m_buffer;
+    std::string m_terminated;
+};
+
+} // namespace
+
+void writeWorkbook(
+    const ExportTable &table, const ExportFile &file, const std::function<void(std::int64_t rows)> &progress, std::uint32_t sheetRows)
+{
+    Workbook book(table, file, sheetRows);
+    for (std::size_t row = 0; row < table.rows.rowCount(); ++row) {
+        book.addRow(row);
+        if ((row + 1) % rowsBetweenReports == 0)
+            progress(std::int64_t(row + 1));
+    }
+    book.addFooters();
+    book.addNotes();
+    book.close();
+}

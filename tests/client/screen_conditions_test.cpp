@@ -1,0 +1,99 @@
+#include "client/export/asked_conditions.h"
+#include "client/export/screen_conditions.h"
+
+#include "platform/grid/db_grid.h"
+#include "platform/grid/editors.h"
+#include "platform/toolkit/application.h"
+#include "platform/toolkit/form.h"
+#include "platform/toolkit/page_control.h"
+#include "platform/toolkit/radio_group.h"
+#include "tests/support/print_qstring.h"
+
+#include <gtest/gtest.h>
+
+#include <QCheckBox>
+#include <QFormLayout>
+#include <QPlainTextEdit>
+#include <QPushButton>
+
+namespace {
+
+TEST(ScreenConditions, AreToldByTheirLabelsInTabOrder)
+{
+    TForm form(Application, QStringLiteral("frm_Any"), QStringLiteral("月发件清单"));
+    auto *layout = new QVBoxLayout(&form);
+    auto *box = new QGroupBox(QStringLiteral("扫描时间"));
+    auto *times = new QFormLayout(box);
+    auto *start = new TDBDateTimeEditEh;
+    times->addRow(QStringLiteral("开始(&A)"), start);
+    start->setText(QStringLiteral("2026-02-01 00:00:00"));
+    auto *fields = new QFormLayout;
+    auto *classes = new TDBComboBoxEh;
+    classes->addItems({ QStringLiteral("全部"), QStringLiteral("早班") });
+    classes->setItemIndex(1);
+    fields->addRow(QStringLiteral("班次"), classes);
+    auto *hidden = new QLineEdit(QStringLiteral("x"));
+    fields->addRow(QStringLiteral("隐藏"), hidden);
+    hidden->hide();
+    fields->addRow(new QLineEdit(QStringLiteral("没有标题")));
+    auto *byNumber = new QCheckBox(QStringLiteral("按单号查询"));
+    auto *numbers = new QPlainTextEdit(QStringLiteral("007\n008\n"));
+    numbers->setPlaceholderText(QStringLiteral("每行一个运单编号"));
+    auto *kind = new TRadioGroup;
+    kind->setTitle(QStringLiteral("类型"));
+    kind->setItems({ QStringLiteral("到件"), QStringLiteral("发件") });
+    kind->setItemIndex(1);
+    layout->addWidget(box);
+    layout->addLayout(fields);
+    for (QWidget *widget : std::initializer_list<QWidget *> { byNumber, numbers, kind })
+        layout->addWidget(widget);
+    auto *pages = new TPageControl;
+    auto *sheet = new TTabSheet;
+    auto *grid = new TDBGridEh(sheet);
+    new QLineEdit(QStringLiteral("查找"), grid);
+    pages->addPage(new TTabSheet, QStringLiteral("统计数据"));
+    pages->addPage(sheet, QStringLiteral("明细数据"));
+    layout->addWidget(pages);
+
+    QStringList told;
+    for (const ExportNote &condition : screenConditions(form))
+        told.append(condition.caption + u'=' + condition.value);
+    EXPECT_EQ(
+        told.join(u'|'), QStringLiteral("扫描时间 开始=2026-02-01 00:00:00|班次=早班|按单号查询=否|每行一个运单编号=007\n008|类型=发件"));
+    EXPECT_EQ(screenTitle(*grid), QStringLiteral("月发件清单 明细数据"));
+}
+
+TEST(ScreenConditions, OfAQueryAreKeptWhenTheFieldsChange)
+{
+    auto form = std::make_unique<TForm>(Application, QStringLiteral("frm_Any"), QStringLiteral("月发件清单"));
+    auto *layout = new QFormLayout(form.get());
+    auto *site = new QLineEdit(QStringLiteral("北京"));
+    layout->addRow(QStringLiteral("网点"), site);
+    auto *query = new QPushButton;
+    auto *grid = new TDBGridEh;
+    layout->addRow(query);
+    layout->addRow(grid);
+    QObject::connect(query, &QPushButton::clicked, [site] {
+        if (!site->text().isEmpty())
+            Application->record(QStringLiteral("statement"), {});
+    });
+    AskedConditions asked;
+    for (int activation = 0; activation < 2; ++activation)
+        asked.watch(form.get(), query);
+    const auto value = [&] { return asked.of(*grid).value(0).value; };
+    site->setText(QStringLiteral("上海"));
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "not queried yet";
+    query->click();
+    site->setText(QStringLiteral("广州"));
+    EXPECT_EQ(value(), QStringLiteral("上海"));
+    site->clear();
+    query->click();
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "the screen refused";
+    site->setText(QStringLiteral("成都"));
+    Application->record(QStringLiteral("statement"), {});
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "not its query";
+    query->click();
+    EXPECT_EQ(value(), QStringLiteral("成都"));
+}
+
+} // namespace
