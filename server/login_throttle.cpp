@@ -32,8 +32,12 @@ void LoginThrottle::succeeded(const std::string &user, const std::string &addres
 {
     const std::lock_guard lock(m_mutex);
     m_users.erase(user);
+    const auto found = m_addresses.find(address);
+    if (found == m_addresses.end())
+        return;
     // Others at the address may have failed; only this try is taken back.
-    if (const auto found = m_addresses.find(address); found != m_addresses.end() && --found->second.failures <= 0)
+    found->second.next = {};
+    if (--found->second.failures <= 0)
         m_addresses.erase(found);
 }
 

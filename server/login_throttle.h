@@ -13,8 +13,8 @@ class LoginThrottle {
 public:
     using Clock = std::chrono::steady_clock;
 
-    static constexpr int freeTriesOfUser = 5;
-    static constexpr int freeTriesOfAddress = 30;
+    static constexpr int freeTriesOfUser = 10;
+    static constexpr int freeTriesOfAddress = 100;
     static constexpr auto longestWait = std::chrono::seconds(60);
     static constexpr auto forgottenAfter = std::chrono::minutes(15);
     static constexpr std::size_t mostKept = 20'000; ///< names and addresses; beyond them the oldest are forgotten

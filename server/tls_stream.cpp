@@ -6,6 +6,7 @@
 #include <openssl/err.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace server {
@@ -87,49 +88,51 @@ asio::awaitable<void> TlsStream::handshake()
     co_await flush();
 }
 
-std::optional<std::size_t> TlsStream::readArrived(std::span<char> into)
+TlsStream::Arrival TlsStream::readArrived(std::string &to)
 {
+    std::array<char, 4096> bytes;
     while (true) {
         std::size_t count = 0;
         ERR_clear_error();
-        const int result = SSL_read_ex(m_ssl.get(), into.data(), into.size(), &count);
-        if (result == 1)
-            return count;
+        const int result = SSL_read_ex(m_ssl.get(), bytes.data(), bytes.size(), &count);
+        if (result == 1) {
+            to.append(bytes.data(), count);
+            return Arrival::Bytes;
+        }
         switch (SSL_get_error(m_ssl.get(), result)) {
         case SSL_ERROR_WANT_READ:
             if (m_ended)
-                return 0;
+                return Arrival::End;
             if (!receive())
-                return std::nullopt;
+                return Arrival::Nothing;
             break;
         case SSL_ERROR_ZERO_RETURN:
-            return 0;
+            return Arrival::End;
         default:
             if (m_ended)
-                return 0;
+                return Arrival::End;
             fail();
         }
     }
 }
 
-asio::awaitable<std::size_t> TlsStream::read(std::span<char> into)
+asio::awaitable<TlsStream::Arrival> TlsStream::read(std::string &to)
 {
     while (true) {
-        const auto count = readArrived(into);
+        const Arrival arrival = readArrived(to);
         co_await flush();
-        if (count)
-            co_return *count;
+        if (arrival != Arrival::Nothing)
+            co_return arrival;
         co_await m_socket.async_wait(Socket::wait_read, asio::use_awaitable);
     }
 }
 
-asio::awaitable<void> TlsStream::write(std::string_view bytes)
+void TlsStream::add(std::string_view bytes)
 {
     std::size_t written = 0;
     ERR_clear_error();
     if (!bytes.empty() && SSL_write_ex(m_ssl.get(), bytes.data(), bytes.size(), &written) != 1)
         fail();
-    co_await flush();
 }
 
 asio::awaitable<void> TlsStream::finish()
@@ -148,7 +151,6 @@ void TlsStream::releaseBuffers()
     m_sending = {};
 }
 
-/// Only one flush runs at a time; it takes along what is added meanwhile.
 asio::awaitable<void> TlsStream::flush()
 {
     if (m_isFlushing || m_toSend.empty())

@@ -9,8 +9,7 @@
 #include <openssl/ssl.h>
 
 #include <memory>
-#include <optional>
-#include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -26,11 +25,19 @@ public:
     TlsStream(const TlsStream &) = delete;
 
     boost::asio::awaitable<void> handshake();
-    /// Waits for bytes; 0 when the peer will send no more.
-    boost::asio::awaitable<std::size_t> read(std::span<char> into);
-    /// What has arrived, without waiting: nothing when no bytes are there yet, 0 when the peer will send no more.
-    std::optional<std::size_t> readArrived(std::span<char> into);
-    boost::asio::awaitable<void> write(std::string_view bytes);
+    enum class Arrival {
+        Nothing, ///< yet
+        Bytes,
+        End, ///< the peer will send no more
+    };
+    /// Appends what has arrived, some kilobytes at a time, without waiting.
+    Arrival readArrived(std::string &to);
+    /// The same, but waits until there is something.
+    boost::asio::awaitable<Arrival> read(std::string &to);
+    /// Encrypts; the bytes wait in memory until flush().
+    void add(std::string_view bytes);
+    /// Sends what waits. While another flush runs, that one takes it along.
+    boost::asio::awaitable<void> flush();
     /// Says that no more is coming, so that the peer can tell an end from a break.
     boost::asio::awaitable<void> finish();
     /// Frees what the writing of much has used.
@@ -48,7 +55,6 @@ private:
     static int onRead(BIO *bio, char *into, int size);
     static int onWrite(BIO *bio, const char *bytes, int size);
 
-    boost::asio::awaitable<void> flush();
     bool receive();
     [[noreturn]] void fail();
 
