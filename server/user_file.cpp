@@ -1,6 +1,7 @@
 #include "server/user_file.h"
 
 #include "server/log.h"
+#include "server/system.h"
 
 #include <algorithm>
 #include <fstream>
@@ -50,8 +51,8 @@ void writeUsers(const fs::path &path, const Users &users)
 {
     fs::path beside = path;
     beside += ".new";
-    std::ofstream file(beside, std::ios::binary | std::ios::trunc);
-    fs::permissions(beside, fs::perms::owner_read | fs::perms::owner_write);
+    createPrivateFile(beside);
+    std::ofstream file(beside, std::ios::binary);
     for (const auto &[name, hash] : users)
         file << name << ':' << hash << '\n';
     file.close();
