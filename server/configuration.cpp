@@ -46,7 +46,7 @@ std::int64_t wholeNumber(std::string_view text, std::int64_t low, std::int64_t h
     std::int64_t number = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || end != text.data() + text.size() || number < low || number > high)
-        throw Unfit { std::to_string(low) + " 到 " + std::to_string(high) + " 的整数" };
+        throw Unfit { "从 " + std::to_string(low) + " 到 " + std::to_string(high) + " 的整数" };
     return number;
 }
 

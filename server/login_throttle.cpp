@@ -51,7 +51,7 @@ void LoginThrottle::count(Record &record, int freeTries, Clock::time_point now)
     record.last = now;
     const int beyond = ++record.failures - freeTries;
     if (beyond >= 0)
-        record.next = now + std::min<std::chrono::seconds>(longestWait, std::chrono::seconds(1LL << std::min(beyond, 20)));
+        record.next = now + std::min<std::chrono::seconds>(longestWait, std::chrono::seconds(2LL << std::min(beyond, 20)));
 }
 
 void LoginThrottle::forget(Clock::time_point now)

@@ -1,9 +1,10 @@
 #include "server/result_format.h"
 
+#include "packet/stream_writer.h"
 #include "server/text_sink.h"
 
+#include <algorithm>
 #include <charconv>
-#include <stdexcept>
 
 namespace server {
 
@@ -91,7 +92,7 @@ std::string_view contentType(Format format)
     return arrowType;
 }
 
-std::unique_ptr<packet::BlockSink> makeSink(Format format, bool, TakeBytes take)
+std::unique_ptr<packet::BlockSink> makeSink(Format format, bool lz4, TakeBytes take)
 {
     switch (format) {
     case Format::Csv:
@@ -101,7 +102,7 @@ std::unique_ptr<packet::BlockSink> makeSink(Format format, bool, TakeBytes take)
     case Format::Arrow:
         break;
     }
-    throw std::logic_error("Arrow");
+    return std::make_unique<packet::StreamWriter>(std::move(take), lz4);
 }
 
 } // namespace server

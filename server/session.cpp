@@ -153,7 +153,7 @@ Session::Awaitable<bool> Session::serveRequest()
     else
         stays = co_await respond(co_await answerTo(request), request.keepAlive && mayStay(), request.method != "HEAD");
     m_isBusy = false;
-    co_return stays;
+    co_return stays &&mayStay();
 }
 
 /// False when the client ended, or sent nothing for too long.
@@ -179,8 +179,6 @@ Session::Awaitable<bool> Session::receive(RequestReader &reader)
                     m_stream.add("HTTP/1.1 100 Continue\r\n\r\n");
             }
         }
-        if (m_isIdle && m_service.phase() == Service::Phase::Refusing)
-            co_return false;
         try {
             isAtEnd = co_await m_stream.read(m_input) == TlsStream::Arrival::End;
         } catch (const boost::system::system_error &) {
