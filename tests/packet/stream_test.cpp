@@ -1,10 +1,6 @@
 #include "support.h"
 #include "wire_support.h"
 
-#include "packet/builder.h"
-#include "packet/stream_reader.h"
-#include "packet/stream_writer.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -59,64 +55,57 @@ TEST(Stream, KeepsBlocksAsSmallAsTheBuilderDoes)
     EXPECT_LE(read->memoryBytes(), written->memoryBytes() + written->memoryBytes() / 10);
 }
 
-TEST(Stream, GrowsDictionariesBeyondTwoByteIndexes)
+TEST(Stream, GrowsWithItsDictionaries)
 {
-    // The stream is written while the dictionary grows.
-    Bytes bytes;
-    StreamWriter writer([&bytes](std::span<const std::byte> message) { bytes.insert(bytes.end(), message.begin(), message.end()); });
-    Builder builder({ { "T", ColumnType::Text } }, &writer);
     const std::size_t rows = 11 * blockRows + 9;
     const auto text = [](std::size_t row) { return std::to_string(row < blockRows ? row / 4 : row); };
-    for (std::size_t row = 0; row < rows; ++row) {
-        builder.addText(0, text(row));
-        builder.endRow();
+    for (const bool lz4 : { false, true }) {
+        const auto fill = [&](Builder &builder) {
+            for (std::size_t row = 0; row < rows; ++row) {
+                builder.addText(0, text(row));
+                builder.endRow();
+            }
+        };
+        const PacketPtr read = readStream(streamed({ { "T", ColumnType::Text } }, fill, lz4), 1000);
+        ASSERT_EQ(read->rowCount(), rows);
+        ASSERT_TRUE(read->schema()[0].dictionary);
+        EXPECT_EQ(read->chunk(0, 0).width, 2);
+        EXPECT_EQ(read->chunk(0, 10 * blockRows).width, 4);
+        for (std::size_t row = 0; row < rows; ++row)
+            ASSERT_EQ(read->text(0, row), text(row));
     }
-    builder.finish();
-    const PacketPtr read = readStream(bytes, 1000);
-    ASSERT_EQ(read->rowCount(), rows);
-    ASSERT_TRUE(read->schema()[0].dictionary);
-    EXPECT_EQ(read->chunk(0, 10 * blockRows).width, 4);
-    for (std::size_t row = 0; row < rows; ++row)
-        ASSERT_EQ(read->text(0, row), text(row));
 }
 
 TEST(Stream, BringsDecimalsToOneScaleOrRefuses)
 {
-    const auto streamed = [](const char *later) {
-        Bytes bytes;
-        StreamWriter writer([&bytes](std::span<const std::byte> message) { bytes.insert(bytes.end(), message.begin(), message.end()); });
-        Builder builder({ { "FEE", ColumnType::Decimal, 2 } }, &writer);
-        for (std::size_t row = 0; row < blockRows; ++row) {
-            builder.addText(0, "1.25");
-            builder.endRow();
-        }
-        builder.addText(0, later);
-        builder.endRow();
-        builder.finish();
-        return readStream(bytes);
+    const auto readWith = [](const char *later) {
+        return readStream(streamed({ { "FEE", ColumnType::Decimal, 2 } }, [later](Builder &builder) {
+            for (std::size_t row = 0; row <= blockRows; ++row) {
+                builder.addText(0, row < blockRows ? "1.25" : later);
+                builder.endRow();
+            }
+        }));
     };
-    EXPECT_EQ(cell(*streamed("12345678901234567890.125"), 0, blockRows), "12345678901234567890.125");
-    EXPECT_EQ(cell(*streamed("7"), 0, 5), "1.25");
+    const PacketPtr read = readWith("12345678901234567890.125");
+    EXPECT_EQ(cell(*read, 0, 5), "1.25");
+    EXPECT_EQ(cell(*read, 0, blockRows), "12345678901234567890.125");
     for (const char *unfit : { "1e-9", "1234567890123456789012345678901234567" }) {
         try {
-            streamed(unfit);
+            readWith(unfit);
             ADD_FAILURE() << unfit;
         } catch (const std::invalid_argument &error) {
             EXPECT_THAT(error.what(), HasSubstr("FEE"));
         }
     }
     // A computed column arrives with a scale that leaves room; the reader brings it back to 64 bits.
-    Bytes bytes;
-    StreamWriter writer([&bytes](std::span<const std::byte> message) { bytes.insert(bytes.end(), message.begin(), message.end()); });
-    Builder builder({ { "SHARE", std::nullopt } }, &writer);
-    for (std::size_t row = 0; row <= blockRows; ++row) {
-        builder.addDecimal(0, { Int128(row) * 100 + 25, 2 });
-        builder.endRow();
-    }
-    builder.finish();
-    const PacketPtr read = readStream(bytes);
-    EXPECT_EQ(read->chunk(0, 0).width, 8);
-    EXPECT_EQ(cell(*read, 0, blockRows), "8192.25");
+    const PacketPtr computed = readStream(streamed({ { "SHARE", std::nullopt } }, [](Builder &builder) {
+        for (std::size_t row = 0; row <= blockRows; ++row) {
+            builder.addDecimal(0, { Int128(row) * 100 + 25, 2 });
+            builder.endRow();
+        }
+    }));
+    EXPECT_EQ(computed->chunk(0, 0).width, 8);
+    EXPECT_EQ(cell(*computed, 0, blockRows), "8192.25");
 }
 
 TEST(Stream, RefusesEveryPartOfIt)

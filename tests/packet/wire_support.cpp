@@ -1,6 +1,5 @@
 #include "wire_support.h"
 
-#include "packet/builder.h"
 #include "packet/stream_reader.h"
 #include "packet/stream_writer.h"
 #include "packet/wire_format.h"
@@ -64,11 +63,14 @@ void Messages::put(std::size_t message, std::size_t position, const void *bytes,
     std::memcpy(parts[message].data() + position, bytes, size);
 }
 
-PacketPtr everyType(std::size_t rows, bool truncated)
+std::vector<Builder::Column> everyColumn()
 {
-    Builder builder(
-        { { "运单", ColumnType::Text }, { "SITE", ColumnType::Text }, { "PIECE", ColumnType::Int64 }, { "FEE", ColumnType::Decimal },
-            { "RATE", ColumnType::Float64 }, { "SCAN_DATE", ColumnType::Timestamp }, { "NOTHING", ColumnType::Text } });
+    return { { "运单", ColumnType::Text }, { "SITE", ColumnType::Text }, { "PIECE", ColumnType::Int64 }, { "FEE", ColumnType::Decimal, 4 },
+        { "RATE", ColumnType::Float64 }, { "SCAN_DATE", ColumnType::Timestamp }, { "NOTHING", ColumnType::Text } };
+}
+
+void addEveryType(Builder &builder, std::size_t rows)
+{
     for (std::size_t row = 0; row < rows; ++row) {
         builder.addText(0, row % 11 == 3 ? "" : "单 77100" + std::to_string(row * 7919) + "😀");
         builder.addText(1, row % 7 == 6 ? "" : "站点" + std::to_string(row % 50 + row / Packet::blockRows * 40) + "部");
@@ -84,7 +86,23 @@ PacketPtr everyType(std::size_t rows, bool truncated)
         builder.addNull(6);
         builder.endRow();
     }
+}
+
+PacketPtr everyType(std::size_t rows, bool truncated)
+{
+    Builder builder(everyColumn());
+    addEveryType(builder, rows);
     return builder.finish(truncated);
+}
+
+Bytes streamed(const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, bool lz4)
+{
+    Bytes bytes;
+    StreamWriter writer([&bytes](std::span<const std::byte> message) { bytes.insert(bytes.end(), message.begin(), message.end()); }, lz4);
+    Builder builder(columns, &writer);
+    fill(builder);
+    builder.finish();
+    return bytes;
 }
 
 PacketPtr columnOf(ColumnType type, const std::vector<std::string> &values)

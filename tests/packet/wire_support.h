@@ -1,6 +1,6 @@
 #pragma once
 
-#include "packet/packet.h"
+#include "packet/builder.h"
 
 #include <functional>
 #include <string>
@@ -48,8 +48,12 @@ private:
     std::string m_checksum;
 };
 
-/// Every type, with nulls and with decimals that need 128 bits in the second block.
+/// Columns of every type; rows for them with nulls, and in the second block with a decimal that needs 128 bits.
+std::vector<Builder::Column> everyColumn();
+void addEveryType(Builder &builder, std::size_t rows);
 PacketPtr everyType(std::size_t rows, bool truncated = false);
+/// The stream that is written while `fill` adds rows.
+Bytes streamed(const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, bool lz4 = false);
 /// A packet of one column that holds these values; "null" stands for null.
 PacketPtr columnOf(ColumnType type, const std::vector<std::string> &values);
 /// Feeds the bytes in pieces of this size; all at once with 0.

@@ -11,8 +11,9 @@ int main(int argc, char **argv)
 {
     if (argc != 3)
         return 2;
-    const PacketPtr packet = test::everyType(3 * Packet::blockRows + 17);
-    const test::Bytes bytes = test::Messages(*packet).bytes();
+    constexpr std::size_t rows = 3 * Packet::blockRows + 17;
+    const PacketPtr packet = test::everyType(rows);
+    const test::Bytes bytes = test::streamed(test::everyColumn(), [](Builder &builder) { test::addEveryType(builder, rows); });
     std::ofstream(argv[1], std::ios::binary).write(reinterpret_cast<const char *>(bytes.data()), std::streamsize(bytes.size()));
     std::ofstream cells(argv[2], std::ios::binary);
     const auto writeLine = [&cells](const std::vector<std::string> &line) {

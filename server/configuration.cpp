@@ -1,0 +1,277 @@
+#include "server/configuration.h"
+
+#include "server/tls_context.h"
+#include "server/token.h"
+#include "server/user_file.h"
+
+#include <charconv>
+#include <fstream>
+#include <functional>
+#include <map>
+#include <set>
+#include <sstream>
+
+namespace server {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string_view trimmed(std::string_view text)
+{
+    constexpr std::string_view blanks = " \t\r";
+    const std::size_t begin = text.find_first_not_of(blanks);
+    return begin == std::string_view::npos ? std::string_view() : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
+}
+
+std::vector<std::string> listOf(std::string_view text)
+{
+    std::vector<std::string> items;
+    while (!text.empty()) {
+        const std::size_t comma = std::min(text.find(','), text.size());
+        if (const auto item = trimmed(text.substr(0, comma)); !item.empty())
+            items.emplace_back(item);
+        text.remove_prefix(std::min(comma + 1, text.size()));
+    }
+    return items;
+}
+
+/// Thrown by a key's reader; says what the value should be.
+struct Unfit {
+    std::string wanted;
+};
+
+std::int64_t wholeNumber(std::string_view text, std::int64_t low, std::int64_t high)
+{
+    std::int64_t number = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (error != std::errc() || end != text.data() + text.size() || number < low || number > high)
+        throw Unfit { "从 " + std::to_string(low) + " 到 " + std::to_string(high) + " 的整数" };
+    return number;
+}
+
+/// What is read into, and where relative paths begin.
+struct Place {
+    Configuration &configuration;
+    const fs::path &directory;
+    DatabaseConfiguration &database() const { return configuration.databases.back(); }
+};
+
+using Setter = std::function<void(const Place &, std::string_view)>;
+
+template <class Object, class Number>
+void assignNumber(Object &object, Number Object::*member, std::string_view text, std::int64_t low, std::int64_t high, std::int64_t unit)
+{
+    object.*member = Number(wholeNumber(text, low, high) * unit);
+}
+
+template <class Number>
+Setter number(Number Configuration::*member, std::int64_t low, std::int64_t high, std::int64_t unit = 1)
+{
+    return [=](const Place &place, std::string_view text) { assignNumber(place.configuration, member, text, low, high, unit); };
+}
+
+template <class Number>
+Setter number(Number DatabaseConfiguration::*member, std::int64_t low, std::int64_t high, std::int64_t unit = 1)
+{
+    return [=](const Place &place, std::string_view text) { assignNumber(place.database(), member, text, low, high, unit); };
+}
+
+Setter path(fs::path Configuration::*member)
+{
+    return [=](const Place &place, std::string_view text) { place.configuration.*member = place.directory / fs::path(text); };
+}
+
+void setListen(const Place &place, std::string_view text)
+{
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string_view::npos || colon == 0)
+        throw Unfit { "“地址:端口”，如 0.0.0.0:8443" };
+    auto address = text.substr(0, colon);
+    if (address.front() == '[' && address.back() == ']')
+        address = address.substr(1, address.size() - 2);
+    place.configuration.address = address;
+    place.configuration.port = std::uint16_t(wholeNumber(text.substr(colon + 1), 0, 65535));
+}
+
+constexpr std::int64_t day = 24 * 3600;
+constexpr std::int64_t millisecond = 1000; ///< in a second
+constexpr std::int64_t mebibyte = 1 << 20;
+
+const std::map<std::string, Setter, std::less<>> serverKeys {
+    { "listen", setListen },
+    { "certificate", path(&Configuration::certificate) },
+    { "private_key", path(&Configuration::privateKey) },
+    { "users", path(&Configuration::users) },
+    { "token_key_file", path(&Configuration::tokenKeyFile) },
+    { "token_hours", number(&Configuration::tokenLife, 1, 24 * 31, 3600) },
+    { "audit_log", path(&Configuration::auditLog) },
+    { "trusted_proxies", [](const Place &place, std::string_view text) { place.configuration.trustedProxies = listOf(text); } },
+    { "login_queue", number(&Configuration::loginQueue, 1, 10'000) },
+    { "io_threads", number(&Configuration::ioThreads, 1, 64) },
+    { "connections", number(&Configuration::connections, 1, 1'000'000) },
+    { "connections_per_address", number(&Configuration::connectionsPerAddress, 1, 1'000'000) },
+    { "header_kib", number(&Configuration::headerBytes, 1, 64, 1024) },
+    { "handshake_seconds", number(&Configuration::handshakeTime, 1, 600, millisecond) },
+    { "header_seconds", number(&Configuration::headerTime, 1, 600, millisecond) },
+    { "body_seconds", number(&Configuration::bodyTime, 1, 600, millisecond) },
+    { "idle_seconds", number(&Configuration::idleTime, 1, day, millisecond) },
+    { "write_seconds", number(&Configuration::writeTime, 1, 3600, millisecond) },
+    { "leave_seconds", number(&Configuration::leaveTime, 0, 3600, millisecond) },
+    { "stop_seconds", number(&Configuration::stopTime, 0, day, millisecond) },
+};
+
+const std::map<std::string, Setter, std::less<>> databaseKeys {
+    { "url", [](const Place &place, std::string_view text) { place.database().url = text; } },
+    { "tables", [](const Place &place, std::string_view text) { place.database().tables = listOf(text); } },
+    { "workers", number(&DatabaseConfiguration::workers, 1, 1000) },
+    { "queue", number(&DatabaseConfiguration::queue, 0, 100'000) },
+    { "user_statements", number(&DatabaseConfiguration::userStatements, 1, 1000) },
+    { "user_queue", number(&DatabaseConfiguration::userQueue, 0, 100'000) },
+    { "statement_seconds", number(&DatabaseConfiguration::statementTime, 1, day, millisecond) },
+    { "rows", number(&DatabaseConfiguration::rows, 1, 1'000'000'000) },
+    { "result_mib", number(&DatabaseConfiguration::resultBytes, 1, 1'000'000, mebibyte) },
+    { "send_buffer_mib", number(&DatabaseConfiguration::sendBuffer, 1, 1024, mebibyte) },
+};
+
+class Parser {
+public:
+    Parser(const std::string &name, const fs::path &directory)
+        : m_name(name)
+        , m_directory(directory)
+    {
+    }
+
+    Configuration run(std::string_view text)
+    {
+        while (!text.empty()) {
+            const std::size_t end = std::min(text.find('\n'), text.size());
+            ++m_line;
+            readLine(trimmed(text.substr(0, end)));
+            text.remove_prefix(std::min(end + 1, text.size()));
+        }
+        finishDatabase();
+        checkComplete();
+        return std::move(m_configuration);
+    }
+
+private:
+    void readLine(std::string_view line)
+    {
+        if (line.empty() || line.front() == '#')
+            return;
+        if (line.front() == '[')
+            return beginDatabase(line);
+        const std::size_t equals = line.find('=');
+        if (equals == std::string_view::npos)
+            fail("不是“键 = 值”，也不是“[database 名称]”，请改正或在行首加 #");
+        setKey(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    }
+
+    void beginDatabase(std::string_view line)
+    {
+        constexpr std::string_view begin = "[database ";
+        const auto name = line.starts_with(begin) && line.back() == ']' ? trimmed(line.substr(begin.size(), line.size() - begin.size() - 1))
+                                                                        : std::string_view();
+        if (name.empty())
+            fail("小节“" + std::string(line) + "”无法识别，应写作“[database 名称]”");
+        finishDatabase();
+        for (const DatabaseConfiguration &database : m_configuration.databases)
+            if (database.name == name)
+                fail("数据库“" + std::string(name) + "”已经写过一次，请换一个名称");
+        m_configuration.databases.push_back({ std::string(name), {} });
+        m_keys.clear();
+    }
+
+    void setKey(std::string_view key, std::string_view value)
+    {
+        const auto &setters = m_configuration.databases.empty() ? serverKeys : databaseKeys;
+        const std::string quoted = "键“" + std::string(key) + "”";
+        const auto setter = setters.find(key);
+        if (setter == setters.end())
+            fail(quoted + (&setters == &databaseKeys ? "不属于数据库小节" : "不存在") + "，请检查拼写和位置");
+        if (!m_keys.insert(std::string(key)).second)
+            fail(quoted + "写了两次，请删去一处");
+        if (value.empty())
+            fail(quoted + "没有值，请在等号后面写上");
+        try {
+            setter->second({ m_configuration, m_directory }, value);
+        } catch (const Unfit &unfit) {
+            fail(quoted + "的值“" + std::string(value) + "”不能用，应是" + unfit.wanted);
+        }
+    }
+
+    void finishDatabase()
+    {
+        if (!m_configuration.databases.empty() && m_configuration.databases.back().url.empty())
+            fail("数据库“" + m_configuration.databases.back().name + "”缺少键“url”，如 url = sqlite:parcels.db");
+    }
+
+    void checkComplete()
+    {
+        if (m_configuration.databases.empty())
+            fail("没有数据库，请至少写一个“[database 名称]”小节");
+        const std::pair<const char *, const fs::path &> wanted[]
+            = { { "certificate", m_configuration.certificate }, { "private_key", m_configuration.privateKey },
+                  { "users", m_configuration.users }, { "token_key_file", m_configuration.tokenKeyFile } };
+        for (const auto &[key, value] : wanted)
+            if (value.empty())
+                fail("缺少键“" + std::string(key) + "”，请补上");
+    }
+
+    [[noreturn]] void fail(const std::string &reason) const
+    {
+        throw ConfigurationError("配置文件 " + m_name + " 第 " + std::to_string(m_line) + " 行：" + reason);
+    }
+
+    const std::string &m_name;
+    const fs::path &m_directory;
+    int m_line = 0;
+    std::set<std::string, std::less<>> m_keys; ///< of the section at hand
+    Configuration m_configuration;
+};
+
+std::string fileText(const fs::path &path, const std::string &what)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    if (!file)
+        throw ConfigurationError("无法读取" + what + " " + path.string() + "；请检查路径和权限");
+    return text.str();
+}
+
+std::string readTokenKey(const fs::path &path)
+{
+    std::string key = fileText(path, "令牌密钥文件");
+    while (!key.empty() && (key.back() == '\n' || key.back() == '\r'))
+        key.pop_back();
+    if (key.size() < TokenKey::shortestSecret)
+        throw ConfigurationError("令牌密钥文件 " + path.string() + " 太短，至少要 32 个字节；可用 openssl rand -hex 32 生成");
+    return key;
+}
+
+} // namespace
+
+Configuration parseConfiguration(std::string_view text, const std::string &name, const fs::path &directory)
+{
+    Configuration configuration = Parser(name, directory).run(text);
+    configuration.tokenKey = readTokenKey(configuration.tokenKeyFile);
+    return configuration;
+}
+
+Configuration readConfiguration(const fs::path &path)
+{
+    return parseConfiguration(fileText(path, "配置文件"), path.string(), path.parent_path());
+}
+
+void checkFiles(const Configuration &configuration)
+{
+    makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
+    readUsers(configuration.users);
+    const fs::path folder = configuration.auditLog.parent_path();
+    if (!configuration.auditLog.empty() && !fs::is_directory(folder))
+        throw std::runtime_error("审计日志的目录 " + folder.string() + " 不存在，请先建立它");
+}
+
+} // namespace server

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace server {
+
+/// Worker threads that serve the users in turn: whoever has much waiting holds nobody else up. To be used from any thread.
+class FairPool {
+public:
+    using Work = std::function<void()>;
+    /// Names work that has been taken in.
+    using Ticket = std::shared_ptr<Work>;
+
+    struct Limits {
+        std::size_t workers = 1;
+        std::size_t waiting = 0; ///< beyond what runs
+        std::size_t userRunning = 1;
+        std::size_t userWaiting = 0;
+    };
+
+    explicit FairPool(const Limits &limits);
+    FairPool(const FairPool &) = delete;
+    /// Waits for the work that runs; what waits is dropped.
+    ~FairPool();
+
+    /// Nothing when too much waits already, altogether or of this user. The work must not throw.
+    Ticket submit(const std::string &user, Work work);
+    /// True when the work had not begun and never will.
+    bool withdraw(const std::string &user, const Ticket &ticket);
+    std::size_t running() const;
+    std::size_t waiting() const;
+
+private:
+    /// A user that has work; forgotten when there is none left.
+    struct Line {
+        std::deque<Ticket> waiting {};
+        std::size_t running = 0;
+    };
+    using Lines = std::map<std::string, Line>;
+
+    void work();
+    Lines::iterator nextLine();
+    void forgetIfIdle(Lines::iterator line);
+
+    const Limits m_limits;
+    mutable std::mutex m_mutex;
+    std::condition_variable m_changed;
+    Lines m_lines;
+    std::string m_lastServed;
+    std::size_t m_running = 0;
+    std::size_t m_waiting = 0;
+    bool m_stopped = false;
+    std::vector<std::thread> m_workers; ///< the last member: they use the others
+};
+
+} // namespace server

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "server/fair_pool.h"
+#include "server/login_throttle.h"
+#include "server/metrics.h"
+#include "server/response.h"
+#include "server/token.h"
+#include "server/user_file.h"
+
+#include <functional>
+
+namespace server {
+
+/// Turns names and passwords into tokens. To be used from any thread.
+class Logins {
+public:
+    using Answer = std::function<void(Response)>;
+
+    /// `waiting` passwords at most wait to be compared.
+    Logins(UserFile &users, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, Metrics &metrics);
+
+    /// Takes the body of a login and calls `answer` once, at once or on another thread.
+    void login(const std::string &body, const std::string &address, Answer answer);
+
+private:
+    struct Attempt {
+        std::string user;
+        std::string password;
+        std::string address;
+    };
+    Response compare(const Attempt &attempt);
+    Response tokenFor(const std::string &user) const;
+
+    UserFile &m_users;
+    const TokenKey &m_key;
+    const std::chrono::seconds m_tokenLife;
+    Metrics &m_metrics;
+    LoginThrottle m_throttle;
+    const std::string m_nobodysHash; ///< compared for names that do not exist, so that they take as long
+    FairPool m_pool; ///< the last member: its workers use the others
+};
+
+} // namespace server

@@ -1,0 +1,87 @@
+#include "server/demo_server.h"
+#include "server/log.h"
+#include "server/options.h"
+#include "server/server.h"
+#include "server/signals.h"
+#include "server/user_command.h"
+
+#include <iostream>
+#include <string>
+#include <vector>
+
+namespace {
+
+using server::Options;
+
+void reload(server::Server &running)
+try {
+    running.reload();
+    server::logLine("已重新读取证书，并重新打开审计日志");
+} catch (const std::exception &error) {
+    server::logLine(std::string("重新读取失败，仍用原来的：") + error.what());
+}
+
+void runUntilStopped(server::Server &running)
+{
+    server::waitForStop([&running] { reload(running); });
+    server::logLine("正在停机，等待正在运行的查询完成");
+    running.stop();
+    server::logLine("已停机");
+}
+
+void serve(const Options &options)
+{
+    const server::Configuration configuration = server::readConfiguration(options.config);
+    server::checkFiles(configuration);
+    server::Server running(configuration);
+    server::logLine("正在 " + configuration.address + ":" + std::to_string(running.port()) + " 上提供服务");
+    runUntilStopped(running);
+}
+
+void checkConfiguration(const Options &options)
+{
+    server::checkFiles(server::readConfiguration(options.config));
+    std::cout << "配置文件 " << options.config.string() << " 可以使用" << std::endl;
+}
+
+void demonstrate(const Options &options)
+{
+    const server::DemoServer demo = server::prepareDemo(options);
+    server::Server running(demo.configuration);
+    std::cout << server::demoText(demo, running.port()) << std::flush;
+    runUntilStopped(running);
+}
+
+void run(const Options &options)
+{
+    switch (options.mode) {
+    case Options::Mode::Help:
+        std::cout << server::helpText;
+        return;
+    case Options::Mode::Version:
+        std::cout << "kelvara-server " << KELVARA_VERSION << std::endl;
+        return;
+    case Options::Mode::Serve:
+        return serve(options);
+    case Options::Mode::CheckConfig:
+        return checkConfiguration(options);
+    case Options::Mode::Demo:
+        return demonstrate(options);
+    case Options::Mode::User:
+        return server::runUserCommand(options, std::cin, std::cout);
+    }
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    try {
+        const std::vector<std::string> arguments(argv + 1, argv + argc);
+        run(server::readOptions(arguments));
+        return 0;
+    } catch (const std::exception &error) {
+        server::logLine(error.what());
+        return 1;
+    }
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace server {
+
+extern const std::string_view helpText;
+
+struct Options {
+    enum class Mode { Help, Version, Serve, CheckConfig, Demo, User };
+
+    Mode mode = Mode::Serve;
+    std::filesystem::path config {};
+    std::string database {}; ///< of the demo; empty: the newest under the data folder
+    std::uint16_t port = 8443; ///< of the demo
+    std::filesystem::path data = "run-data"; ///< of the demo
+
+    std::string userCommand {}; ///< add, passwd, remove or list
+    std::filesystem::path users {};
+    std::string userName {};
+    bool passwordFromInput = false;
+};
+
+/// Reads the arguments after the program's name. Throws std::invalid_argument with a message in Chinese.
+Options readOptions(std::span<const std::string> arguments);
+
+} // namespace server

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "server/database.h"
+#include "server/result_format.h"
+#include "server/result_queue.h"
+
+#include <atomic>
+
+namespace server {
+
+struct StatementRequest {
+    std::string user {};
+    std::string sql {};
+    Format format = Format::Arrow;
+    bool lz4 = false;
+};
+
+/// One statement from its place in the queue to the last byte of its result. Runs on a worker of the database; the other
+/// operations may be called from any thread.
+class Statement : public std::enable_shared_from_this<Statement> {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /// `wake` is called from other threads when take() may have something.
+    Statement(Database &database, StatementRequest request, std::function<void()> wake);
+
+    /// Queues it. When there is no room the result is Outcome::Busy.
+    void submit();
+    /// Ends it soon, wherever it is; take() gives the end.
+    void abandon();
+    ResultQueue::Portion take() { return m_queue.take(); }
+
+    const StatementRequest &request() const { return m_request; }
+    const Database &database() const { return m_database; }
+    Clock::time_point begun() const { return m_begun; }
+    std::int64_t rows() const { return m_rows; }
+    std::uint64_t bytes() const { return m_bytes; }
+
+private:
+    class CountingSink;
+    void run();
+    void stream();
+    void takeBytes(std::span<const std::byte> bytes);
+
+    Database &m_database;
+    const StatementRequest m_request;
+    const Clock::time_point m_begun = Clock::now();
+    const Clock::time_point m_deadline;
+    std::stop_source m_stop;
+    ResultQueue m_queue;
+    FairPool::Ticket m_ticket;
+    std::atomic<std::int64_t> m_rows { 0 };
+    std::atomic<std::uint64_t> m_bytes { 0 };
+};
+
+} // namespace server

@@ -1,0 +1,88 @@
+#include "server/system.h"
+
+#include <iostream>
+#include <stdexcept>
+
+#ifdef _WIN32
+#include <windows.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <termios.h>
+#include <unistd.h>
+#endif
+
+namespace server {
+
+namespace {
+
+/// Hides what is typed as long as it lives.
+class QuietTerminal {
+public:
+#ifdef _WIN32
+    QuietTerminal()
+        : m_input(GetStdHandle(STD_INPUT_HANDLE))
+    {
+        m_isTerminal = GetConsoleMode(m_input, &m_before);
+        SetConsoleMode(m_input, m_before & ~DWORD(ENABLE_ECHO_INPUT));
+    }
+    ~QuietTerminal() { SetConsoleMode(m_input, m_before); }
+#else
+    QuietTerminal()
+    {
+        m_isTerminal = tcgetattr(STDIN_FILENO, &m_before) == 0;
+        termios quiet = m_before;
+        quiet.c_lflag &= ~tcflag_t(ECHO);
+        if (m_isTerminal)
+            tcsetattr(STDIN_FILENO, TCSAFLUSH, &quiet);
+    }
+    ~QuietTerminal()
+    {
+        if (m_isTerminal)
+            tcsetattr(STDIN_FILENO, TCSAFLUSH, &m_before);
+    }
+#endif
+    QuietTerminal(const QuietTerminal &) = delete;
+    bool isTerminal() const { return m_isTerminal; }
+
+private:
+#ifdef _WIN32
+    HANDLE m_input;
+    DWORD m_before = 0;
+#else
+    termios m_before {};
+#endif
+    bool m_isTerminal = false;
+};
+
+} // namespace
+
+void createPrivateFile(const std::filesystem::path &path)
+{
+#ifdef _WIN32
+    // The rights of the folder are handed down.
+    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
+    const bool isMade = file != INVALID_HANDLE_VALUE && CloseHandle(file);
+#else
+    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    const bool isMade = file >= 0 && fchmod(file, S_IRUSR | S_IWUSR) == 0;
+    if (file >= 0)
+        close(file);
+#endif
+    if (!isMade)
+        throw std::runtime_error("无法写入 " + path.string() + "，请检查目录和权限");
+}
+
+std::string askPassword(const std::string &prompt)
+{
+    const QuietTerminal terminal;
+    if (!terminal.isTerminal())
+        throw std::runtime_error("没有终端可以输入密码，请改用 --password-stdin");
+    std::cerr << prompt << std::flush;
+    std::string password;
+    std::getline(std::cin, password);
+    std::cerr << std::endl;
+    return password;
+}
+
+} // namespace server

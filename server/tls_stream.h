@@ -1,0 +1,72 @@
+#pragma once
+
+// Asio 1.74 uses it without including it.
+#include <utility>
+
+#include <boost/asio/awaitable.hpp>
+#include <boost/asio/ip/tcp.hpp>
+
+#include <openssl/ssl.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace server {
+
+/// One TLS connection of a server. It holds no buffer while nothing flows, and hands the system what is encrypted in large pieces.
+/// To be used on its socket's executor alone; all waiting operations throw boost::system::system_error.
+class TlsStream {
+public:
+    using Socket = boost::asio::ip::tcp::socket;
+
+    TlsStream(Socket socket, SSL_CTX &context);
+    TlsStream(const TlsStream &) = delete;
+
+    boost::asio::awaitable<void> handshake();
+    enum class Arrival {
+        Nothing, ///< yet
+        Bytes,
+        End, ///< the peer will send no more
+    };
+    /// Appends what has arrived, some kilobytes at a time, without waiting.
+    Arrival readArrived(std::string &to);
+    /// The same, but waits until there is something.
+    boost::asio::awaitable<Arrival> read(std::string &to);
+    /// Encrypts; the bytes wait in memory until flush().
+    void add(std::string_view bytes);
+    /// Sends what waits. While another flush runs, that one takes it along.
+    boost::asio::awaitable<void> flush();
+    /// Says that no more is coming, so that the peer can tell an end from a break.
+    boost::asio::awaitable<void> finish();
+    /// Frees what the writing of much has used.
+    void releaseBuffers();
+
+    Socket &socket() { return m_socket; }
+    /// Bytes sent so far, encrypted.
+    std::uint64_t bytesSent() const { return m_bytesSent; }
+
+private:
+    struct FreeSsl {
+        void operator()(SSL *ssl) const { SSL_free(ssl); }
+    };
+    static BIO_METHOD *transferMethod();
+    static int onRead(BIO *bio, char *into, int size);
+    static int onWrite(BIO *bio, const char *bytes, int size);
+
+    bool receive();
+    [[noreturn]] void fail();
+
+    Socket m_socket;
+    std::unique_ptr<SSL, FreeSsl> m_ssl;
+    std::vector<char> m_received {}; ///< encrypted; used up to m_position
+    std::size_t m_position = 0;
+    bool m_ended = false; ///< the peer has closed its side
+    std::vector<char> m_toSend {}; ///< encrypted
+    std::vector<char> m_sending {};
+    bool m_isFlushing = false;
+    std::uint64_t m_bytesSent = 0;
+};
+
+} // namespace server

@@ -1,0 +1,251 @@
+#include "tests/server/test_server.h"
+
+#include "packet/stream_reader.h"
+
+#include <gmock/gmock.h>
+
+#include <fstream>
+#include <thread>
+
+namespace server::test {
+
+using namespace std::chrono_literals;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+packet::PacketPtr decoded(const std::string &body)
+{
+    packet::StreamReader reader;
+    reader.feed(std::as_bytes(std::span(body)));
+    return reader.finish();
+}
+
+/// A query whose answer nobody has asked for yet.
+std::unique_ptr<HttpsClient> begin(const TestServer &server, std::string_view sql, const std::string &user = "ann")
+{
+    auto client = std::make_unique<HttpsClient>(server.port());
+    client->send(
+        "POST /v1/query HTTP/1.1\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + server.as(user) + "\r\n" + std::string(sql));
+    return client;
+}
+
+double running(const TestServer &server) { return server.metric("kelvara_statements_running{database=\"main\"}"); }
+double waiting(const TestServer &server) { return server.metric("kelvara_statements_waiting{database=\"main\"}"); }
+
+} // namespace
+
+TEST(Query, ComesInThreeFormats)
+{
+    const TestServer server;
+    const std::string cells = "select * from CELLS";
+    EXPECT_EQ(server.query(cells, csv).body,
+        "\xEF\xBB\xBFNAME,FEE,MOMENT,RATIO\r\n\"逗号,引号\"\"换行\n完\",-0.05,2026-03-15 16:30:00,100000000000000000000\r\n,12.5,,0\r\n");
+    EXPECT_EQ(server.query(cells, json).body,
+        "{\"columns\":[{\"name\":\"NAME\",\"type\":\"text\"},{\"name\":\"FEE\",\"type\":\"number\"},{\"name\":\"MOMENT\",\"type\":\"time\"}"
+        ","
+        "{\"name\":\"RATIO\",\"type\":\"number\"}],\"rows\":[\n[\"逗号,引号\\\"换行\\u000a完\",-0.05,\"2026-03-15 "
+        "16:30:00\",100000000000000000000],\n"
+        "[null,12.5,null,0]\n],\"rowCount\":2,\"truncated\":false}\n");
+    const auto expected = engine::openEngine(numbersDatabase().url())->query(millionRows, { .rowLimit = 100'000 });
+    const TestServer limited([](Configuration &configuration) { configuration.databases[0].rows = 100'000; });
+    for (const HttpHeaders headers : { "", "X-Kelvara-Compression: lz4\r\n" }) {
+        const HttpReply reply = limited.query(millionRows, headers);
+        ASSERT_EQ(reply.headers.at("content-type"), "application/vnd.apache.arrow.stream");
+        const packet::PacketPtr result = decoded(reply.body);
+        ASSERT_EQ(result->rowCount(), 100'000u);
+        EXPECT_TRUE(result->truncated()) << "the row limit is told";
+        for (std::size_t row = 0; row < 100'000; row += 7) {
+            ASSERT_EQ(result->integer(0, row), expected->integer(0, row));
+            ASSERT_EQ(result->text(1, row), expected->text(1, row));
+        }
+    }
+    EXPECT_THAT(limited.query(millionRows, json).body, HasSubstr("\"rowCount\":100000,\"truncated\":true}"));
+    EXPECT_FALSE(limited.query(millionRows, csv).complete) << "a CSV file cannot tell that it was cut";
+}
+
+TEST(Query, HostileStatementsAreRefusedAndTheServerLives)
+{
+    const TestServer server;
+    HttpsClient client(server.port());
+    for (const std::string &statement : engine::test::paragraphs("tests/engine/hostile.txt")) {
+        const HttpReply reply = client.post("/v1/query", statement, server.as("ann"));
+        EXPECT_EQ(reply.status, 403) << statement;
+        EXPECT_THAT(reply.body, HasSubstr("\"code\":\"refused\"")) << statement;
+    }
+    EXPECT_EQ(client.post("/v1/query", "select n from NUMBERS where n=1", server.as("ann")).status, 200);
+}
+
+TEST(Query, AnErrorBeforeTheFirstRowIsToldAndOneAfterwardsBreaksTheStream)
+{
+    const TestServer server;
+    const HttpReply refused = server.query("select to_number(text) as x from NUMBERS where n=900");
+    EXPECT_EQ(refused.status, 400);
+    EXPECT_THAT(refused.body, AllOf(HasSubstr("\"code\":\"database\""), HasSubstr("ORA-01722")));
+    for (const HttpHeaders &headers : { HttpHeaders(), csv, json }) {
+        const HttpReply broken = server.query("select a.n, b.text, to_number(a.text) as x from NUMBERS a, NUMBERS b", headers);
+        EXPECT_EQ(broken.status, 200);
+        EXPECT_GT(broken.body.size(), 1'000'000u);
+        EXPECT_FALSE(broken.complete);
+    }
+    const HttpReply arrow = server.query("select a.n, b.text, to_number(a.text) as x from NUMBERS a, NUMBERS b");
+    EXPECT_THROW(decoded(arrow.body), packet::StreamError);
+}
+
+TEST(Query, EndsWhenTheClientGoesAway)
+{
+    const TestServer server([](Configuration &configuration) {
+        configuration.databases[0].workers = 2;
+        configuration.databases[0].userStatements = 2;
+    });
+    auto reset = begin(server, endless);
+    auto closed = begin(server, endless);
+    ASSERT_TRUE(becomesTrue([&] { return running(server) == 2; }));
+    auto queued = begin(server, endless);
+    ASSERT_TRUE(becomesTrue([&] { return waiting(server) == 1; }));
+    queued.reset();
+    EXPECT_TRUE(becomesTrue([&] { return waiting(server) == 0; })) << "what waits is withdrawn";
+    EXPECT_EQ(running(server), 2);
+    reset->reset();
+    closed.reset();
+    EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; }));
+    // Amid the rows, with the rest waiting to be sent.
+    auto reading = begin(server, "select a.n, b.text from NUMBERS a, NUMBERS b, NUMBERS c");
+    ASSERT_NE(reading->receiveSome(), "");
+    reading->reset();
+    EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; }));
+    for (const std::string &line : server.auditLines(4))
+        EXPECT_THAT(line, HasSubstr("\"result\":\"cancelled\""));
+}
+
+TEST(Query, ALimitThatOneReachesDisturbsNobodyElse)
+{
+    const TestServer server([](Configuration &configuration) {
+        configuration.databases[0].statementTime = 1500ms;
+        configuration.databases[0].sendBuffer = 1 << 20;
+        configuration.databases.push_back(configuration.databases[0]);
+        configuration.databases[1].name = "narrow";
+        configuration.databases[1].resultBytes = 1 << 20;
+    });
+    const auto slow = begin(server, endless);
+    const auto neverReads = begin(server, "select a.n, b.text from NUMBERS a, NUMBERS b, NUMBERS c");
+    for (int number = 0; number < 20; ++number)
+        EXPECT_EQ(server.query("select n from NUMBERS where n=1", csv, "bob").body, "\xEF\xBB\xBFN\r\n1\r\n");
+    const HttpReply tooSlow = slow->receive();
+    EXPECT_EQ(tooSlow.status, 408);
+    EXPECT_THAT(tooSlow.body, HasSubstr("\"code\":\"time_limit\""));
+    EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; })) << "a client that does not read keeps no worker";
+    EXPECT_FALSE(neverReads->receive().complete);
+    EXPECT_FALSE(server.query(millionRows, "X-Kelvara-Database: narrow\r\n").complete);
+}
+
+TEST(Query, AClientThatDoesNotReadLosesItsConnection)
+{
+    const TestServer server([](Configuration &configuration) { configuration.writeTime = 300ms; });
+    const auto client = begin(server, "select a.n, b.text from NUMBERS a, NUMBERS b, NUMBERS c");
+    ASSERT_NE(client->receiveSome(), "");
+    EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; }));
+    EXPECT_FALSE(client->receive().complete);
+}
+
+TEST(Query, OneUserCannotKeepTheOthersWaiting)
+{
+    const TestServer server([](Configuration &configuration) {
+        DatabaseConfiguration &database = configuration.databases[0];
+        database.workers = 2;
+        database.userStatements = 1;
+        database.userQueue = 5;
+        database.queue = 8;
+    });
+    std::vector<std::unique_ptr<HttpsClient>> bulk;
+    for (int number = 0; number < 6; ++number) {
+        bulk.push_back(begin(server, endless));
+        ASSERT_TRUE(becomesTrue([&] { return running(server) + waiting(server) == number + 1; }));
+    }
+    EXPECT_EQ(running(server), 1);
+    EXPECT_EQ(server.query(endless).status, 429) << "the user's own queue is full";
+    EXPECT_EQ(server.query("select n from NUMBERS where n=1", {}, "bob").status, 200) << "others have the other worker";
+    for (int number = 0; number < 4; ++number) {
+        bulk.push_back(begin(server, endless, "bob"));
+        ASSERT_TRUE(becomesTrue([&] { return running(server) + waiting(server) == number + 7; }));
+    }
+    const HttpReply busy = server.query("select n from NUMBERS where n=1", {}, "李明");
+    EXPECT_EQ(busy.status, 429) << "the whole queue is full";
+    EXPECT_EQ(busy.headers.at("retry-after"), "1");
+    bulk.clear();
+    EXPECT_TRUE(becomesTrue([&] { return running(server) + waiting(server) == 0; }));
+}
+
+TEST(Query, AMissingDatabaseIsToldAndUsedOnceItIsThere)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "later.db";
+    const TestServer server([&](Configuration &configuration) { configuration.databases[0].url = "sqlite:" + path.string(); });
+    HttpsClient client(server.port());
+    const HttpReply missing = client.post("/v1/query", "select n from NUMBERS", server.as("ann"));
+    EXPECT_EQ(missing.status, 503);
+    EXPECT_THAT(missing.body, HasSubstr("\"code\":\"unavailable\""));
+    EXPECT_EQ(client.get("/readyz").status, 503);
+    EXPECT_EQ(client.get("/healthz").status, 200);
+    std::filesystem::copy_file(numbersDatabase().path(), path);
+    EXPECT_TRUE(becomesTrue([&] { return client.get("/readyz").status == 200; }));
+    EXPECT_EQ(client.post("/v1/query", "select n from NUMBERS", server.as("ann")).status, 200);
+}
+
+TEST(Query, IsWrittenToTheAuditLog)
+{
+    TestServer server;
+    server.query("select n from NUMBERS where n<=3", csv, "李明");
+    server.query("drop \"x\"\n\xFF");
+    const auto lines = server.auditLines(2);
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_THAT(lines[0],
+        AllOf(HasSubstr("\"user\":\"李明\",\"address\":\"127.0.0.1\",\"database\":\"main\""),
+            HasSubstr("\"rows\":3,\"bytes\":15,\"result\":\"ok\""), HasSubstr("\"statement\":\"select n from NUMBERS where n<=3\"}")));
+    EXPECT_THAT(lines[1], AllOf(HasSubstr("\"result\":\"refused\""), HasSubstr("\"statement\":\"drop \\\"x\\\"\\u000a\xEF\xBF\xBD\"}")));
+    for (const std::string &line : lines)
+        EXPECT_THAT(line, AllOf(Not(HasSubstr(server.token("ann").substr(100))), Not(HasSubstr(password))));
+    const std::filesystem::path log = server.configuration().auditLog;
+    std::filesystem::rename(log, log.string() + ".1");
+    server->reload();
+    server.query("select n from NUMBERS where n=4");
+    const auto later = server.auditLines(1);
+    ASSERT_EQ(later.size(), 1u) << "the old file was let go of";
+    EXPECT_THAT(later[0], HasSubstr("n=4"));
+}
+
+TEST(Query, FinishesWhatRunsBeforeTheServerStops)
+{
+    TestServer server;
+    const auto reading = begin(server, "select a.n, b.text from NUMBERS a, NUMBERS b where a.n<=300");
+    const auto idle = std::make_unique<HttpsClient>(server.port());
+    EXPECT_EQ(idle->get("/healthz").status, 200);
+    ASSERT_TRUE(becomesTrue([&] { return running(server) == 1; }));
+    HttpsClient late(server.port());
+    EXPECT_EQ(late.get("/readyz").status, 200);
+    std::thread stopping([&] { server->stop(); });
+    EXPECT_EQ(idle->receiveSome(), "") << "idle connections are closed";
+    const auto fresh = std::make_unique<HttpsClient>(server.port());
+    const HttpReply refused = fresh->post("/v1/query", "select n from NUMBERS", server.as("bob"));
+    EXPECT_EQ(refused.status, 503);
+    EXPECT_EQ(refused.headers.at("connection"), "close");
+    EXPECT_EQ(HttpsClient(server.port()).get("/readyz").status, 503);
+    EXPECT_EQ(decoded(reading->receive().body)->rowCount(), 300'000u);
+    stopping.join();
+}
+
+TEST(Query, IsCancelledWhenTheServerCannotWait)
+{
+    TestServer server([](Configuration &configuration) { configuration.stopTime = 100ms; });
+    const auto client = begin(server, endless);
+    ASSERT_TRUE(becomesTrue([&] { return running(server) == 1; }));
+    std::thread stopping([&] { server->stop(); });
+    const HttpReply reply = client->receive();
+    EXPECT_EQ(reply.status, 503);
+    EXPECT_THAT(reply.body, HasSubstr("\"code\":\"stopping\""));
+    stopping.join();
+}
+
+} // namespace server::test
