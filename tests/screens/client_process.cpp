@@ -34,7 +34,7 @@ ClientProcess::ClientProcess(const QStringList &options)
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     QStringList arguments { QStringLiteral("--automation"), QStringLiteral("--settings"), m_settings.path(), QStringLiteral("--now"),
         now() };
-    if (!options.contains(QStringLiteral("--database")))
+    if (!options.contains(QStringLiteral("--database")) && !options.contains(QStringLiteral("--server")))
         arguments << QStringLiteral("--database") << QString(u"sqlite:" + database());
     m_process.start(program("kelvara-client"), arguments + options);
     EXPECT_TRUE(m_process.waitForStarted(patience));

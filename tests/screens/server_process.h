@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QProcess>
+#include <QStringList>
+
+/// A server that runs as a program on loopback; all of them share certificate, users and token key.
+class ServerProcess {
+public:
+    /// Serves the demo database of the test clients, or the one at `url`. `port` 0: any free one.
+    explicit ServerProcess(int port = 0, const QString &url = {});
+    ~ServerProcess();
+
+    int port() const { return m_port; }
+    QString address() const { return QStringLiteral("https://127.0.0.1:%1").arg(m_port); }
+    /// What a client needs to log in at these servers.
+    static QStringList clientOptions(const QList<const ServerProcess *> &servers);
+
+    void kill(); ///< as a crash ends it
+    void terminate(); ///< as an administrator ends it; returns when it is gone
+
+private:
+    QProcess m_process;
+    int m_port = 0;
+};
