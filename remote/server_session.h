@@ -9,7 +9,7 @@ namespace remote {
 
 struct SessionOptions {
     std::vector<ServerAddress> addresses; ///< at least one; the first is asked first
-    std::vector<std::string> authorities; ///< PEM
+    std::vector<std::string> authorities {}; ///< PEM
     bool compressed = false; ///< for slow lines
     Timeouts timeouts {};
 };
