@@ -37,7 +37,7 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
     handle(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
     handle(m_user, &QLineEdit::textChanged, this, &LoginDialog::updateButton);
     handle(m_password, &QLineEdit::textChanged, this, &LoginDialog::updateButton);
-    setMinimumWidth(360);
+    setMinimumWidth(400);
     updateButton();
     (user.isEmpty() ? m_user : m_password)->setFocus();
 }
@@ -52,6 +52,9 @@ void LoginDialog::tryLogin()
     } catch (const Exception &exception) {
         m_refusal->setText(exception.message());
         m_refusal->show();
+        // A label that wraps tells its height only for a width.
+        m_refusal->setMinimumHeight(m_refusal->heightForWidth(layout()->contentsRect().width()));
+        adjustSize();
         m_password->selectAll();
         m_password->setFocus();
     }
