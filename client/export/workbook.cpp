@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QStorageInfo>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -16,6 +17,7 @@ constexpr int rowsBetweenReports = 1024;
 constexpr int mostDigits = 15; ///< more than these a spreadsheet would change
 constexpr qsizetype longestCell = 32'767; ///< characters
 constexpr qsizetype longestSheetName = 31;
+constexpr int widestColumn = 1790; ///< pixels
 constexpr std::int64_t firstDay = -2'203'891'200; ///< 1900-03-01: spreadsheets number the days before it differently
 constexpr double dayOfEpoch = 25'569; ///< the number of 1970-01-01
 constexpr double secondsPerDay = 86'400;
@@ -134,9 +136,8 @@ public:
     void close()
     {
         checkDisk();
-        const lxw_error error = workbook_close(std::exchange(m_book, nullptr));
-        if (error != LXW_NO_ERROR)
-            m_file.fail(QStringLiteral("磁盘已满或不可写（%1）").arg(QString::fromUtf8(lxw_strerror(error))));
+        if (workbook_close(std::exchange(m_book, nullptr)) != LXW_NO_ERROR)
+            m_file.fail(QStringLiteral("磁盘已满或出了故障"));
     }
     /// The library does not say that its temporary files were cut by a full disk.
     void checkDisk()
@@ -200,7 +201,8 @@ private:
         for (std::size_t column = 0; column < m_table.columns.size(); ++column) {
             const ExportColumn &shown = m_table.columns[column];
             const auto place = lxw_col_t(column);
-            check(worksheet_set_column_pixels(m_sheet, place, place, std::uint32_t(shown.width), m_formats[column].cell));
+            check(worksheet_set_column_pixels(
+                m_sheet, place, place, std::uint32_t(std::min(shown.width, widestColumn)), m_formats[column].cell));
             writeText(place, shown.title.toStdString(), m_title);
         }
         worksheet_freeze_panes(m_sheet, 1, lxw_col_t(m_table.frozenColumns));
