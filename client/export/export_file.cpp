@@ -19,6 +19,20 @@ QString targetOf(const QString &fileName)
 
 std::filesystem::path pathOf(const QString &name) { return { name.toStdU16String() }; }
 
+QString reasonOf(const QFile &file)
+{
+    if (!QFileInfo(file.fileName()).dir().exists())
+        return QStringLiteral("文件夹不存在");
+    switch (file.error()) {
+    case QFileDevice::PermissionsError:
+        return QStringLiteral("没有写入的权限");
+    case QFileDevice::OpenError:
+        return QStringLiteral("这里不能新建文件");
+    default:
+        return QStringLiteral("磁盘已满或出了故障");
+    }
+}
+
 } // namespace
 
 ExportFile::ExportFile(const QString &fileName)
@@ -31,7 +45,7 @@ ExportFile::ExportFile(const QString &fileName)
     if (before.exists() && !before.isWritable())
         fail(QStringLiteral("文件是只读的"));
     if (!m_part.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered))
-        fail(m_part.errorString());
+        fail(reasonOf(m_part));
     if (before.exists())
         m_part.setPermissions(before.permissions());
 }
@@ -41,18 +55,18 @@ ExportFile::~ExportFile() { m_part.remove(); }
 void ExportFile::write(std::string_view bytes)
 {
     if (m_part.write(bytes.data(), qint64(bytes.size())) != qint64(bytes.size()))
-        fail(m_part.errorString());
+        fail(reasonOf(m_part));
 }
 
 void ExportFile::commit()
 {
     m_part.close();
     if (m_part.error() != QFileDevice::NoError)
-        fail(m_part.errorString());
+        fail(reasonOf(m_part));
     std::error_code error;
     std::filesystem::rename(pathOf(m_part.fileName()), pathOf(m_fileName), error);
     if (error)
-        fail(QString::fromLocal8Bit(error.message()));
+        fail(QStringLiteral("不能替换原来的文件"));
 }
 
 void ExportFile::fail(const QString &reason) const

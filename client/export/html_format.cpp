@@ -40,17 +40,17 @@ std::string notesTable(const QList<ExportNote> &notes)
 
 class HtmlFormat : public TableFormat {
 public:
-    std::string head(const ExportTable &table) const override
+    void appendHead(TextBuffer &out, const ExportTable &table) const override
     {
         const std::string title = escaped(table.title);
-        std::string out = "<!DOCTYPE html>\n<html lang=\"zh-CN\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title + "</title>\n";
+        out += "<!DOCTYPE html>\n<html lang=\"zh-CN\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title + "</title>\n";
         (((out += styles) += "</head>\n<body>\n<h1>") += title) += "</h1>\n";
         out += notesTable(table.notes) + "<table>\n<thead><tr>";
         for (const ExportColumn &column : table.columns)
             out += "<th>" + escaped(column.title) + "</th>";
-        return out + "</tr></thead>\n<tbody>\n";
+        out += "</tr></thead>\n<tbody>\n";
     }
-    std::string tail(const ExportTable &table) const override
+    void appendTail(TextBuffer &out, const ExportTable &table) const override
     {
         std::string footers;
         for (int row = 0; row < table.footerRows; ++row) {
@@ -61,7 +61,7 @@ public:
             }
             footers += "</tr>\n";
         }
-        return "</tbody>\n" + (footers.empty() ? footers : "<tfoot>\n" + footers + "</tfoot>\n") + "</table>\n</body>\n</html>\n";
+        out += "</tbody>\n" + (footers.empty() ? footers : "<tfoot>\n" + footers + "</tfoot>\n") + "</table>\n</body>\n</html>\n";
     }
     std::string_view beforeRow(bool) const override { return "<tr>"; }
     std::string_view afterRow() const override { return "</td></tr>\n"; }
@@ -69,7 +69,7 @@ public:
     {
         return std::string(column > 0 ? "</td>" : "").append("<td class=\"").append(classOf(table.columns[column].kind)).append("\">");
     }
-    void appendText(std::string &out, std::string_view text) const override
+    void appendText(TextBuffer &out, std::string_view text) const override
     {
         for (const char letter : text) {
             if (letter == '<')

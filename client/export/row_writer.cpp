@@ -1,15 +1,10 @@
 #include "client/export/row_writer.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 
 using packet::Chunk;
-
-namespace {
-
-constexpr std::size_t blockRows = packet::Packet::blockRows;
-
-} // namespace
 
 /// Writes the cells of one column, each with what stands before it.
 class CellWriter {
@@ -18,15 +13,18 @@ public:
         : m_table(table)
         , m_format(format)
         , m_column(column)
+        , m_field(std::size_t(std::max(0, table.columns[column].field)))
         , m_before(format.beforeCell(table, column))
+        , m_beforeSize(m_before.size())
     {
+        m_before.resize(m_beforeSize + TextBuffer::padding);
     }
     virtual ~CellWriter() = default;
 
     /// Any cell.
-    void appendShown(std::string &out, std::size_t row)
+    void appendShown(TextBuffer &out, std::size_t row)
     {
-        out += m_before;
+        appendBefore(out);
         const std::string_view text = m_table.text(m_column, row, m_buffer);
         const CellKind kind = m_table.columns[m_column].kind;
         if (kind == CellKind::Text)
@@ -38,19 +36,24 @@ public:
         else
             out += text.empty() ? m_format.noNumber() : text;
     }
-    /// The same for a row that was not edited; `source` is its number in the packet.
-    virtual void append(std::string &out, std::size_t row, std::uint32_t) { appendShown(out, row); }
+    /// The same for a row that was not edited: a line of a block of the packet.
+    virtual void append(TextBuffer &out, std::size_t row, const packet::Block &, std::size_t) { appendShown(out, row); }
 
 protected:
-    const Chunk &chunk(std::uint32_t source) const { return m_table.rows.packet().chunk(field(), source); }
-    std::size_t field() const { return std::size_t(m_table.columns[m_column].field); }
+    void appendBefore(TextBuffer &out) const
+    {
+        if (m_beforeSize > 0)
+            out.appendPadded(m_before.data(), m_beforeSize);
+    }
 
     const ExportTable &m_table;
     const TableFormat &m_format;
     const std::size_t m_column;
-    const std::string m_before;
+    const std::size_t m_field; ///< of the packet, where the column shows one
 
 private:
+    std::string m_before; ///< with padding
+    const std::size_t m_beforeSize;
     std::string m_buffer;
 };
 
@@ -62,36 +65,42 @@ public:
     CodedTexts(const ExportTable &table, const TableFormat &format, std::size_t column)
         : CellWriter(table, format, column)
     {
-        const packet::Dictionary &texts = *table.rows.packet().dictionary(field());
+        const packet::Dictionary &texts = *table.rows.packet().dictionary(m_field);
         add({});
         for (std::size_t index = 0; index < texts.size(); ++index)
             add(texts.at(index));
+        m_ready.room(TextBuffer::padding);
     }
-    void append(std::string &out, std::size_t, std::uint32_t source) override
+    void append(TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
     {
-        const Chunk &texts = chunk(source);
-        const std::size_t line = source % blockRows;
-        out += m_ready.at(texts.isNull(line) ? 0 : texts.index(line) + 1U);
+        const Chunk &texts = block.columns[m_field];
+        const std::size_t index = texts.isNull(line) ? 0 : texts.index(line) + 1U;
+        out.appendPadded(m_ready.view().data() + m_offsets[index], m_offsets[index + 1] - m_offsets[index]);
     }
 
 private:
     void add(std::string_view text)
     {
-        m_ready.bytes += m_before;
-        m_format.appendText(m_ready.bytes, text);
-        m_ready.offsets.push_back(std::uint32_t(m_ready.bytes.size()));
+        appendBefore(m_ready);
+        m_format.appendText(m_ready, text);
+        m_offsets.push_back(m_ready.size());
     }
 
-    packet::Dictionary m_ready; ///< the text of null comes first
+    TextBuffer m_ready; ///< the text of null comes first
+    std::vector<std::size_t> m_offsets { 0 };
 };
 
 class PlainTexts : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(std::string &out, std::size_t, std::uint32_t source) override
+    void append(TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
     {
-        out += m_before;
-        m_format.appendText(out, m_table.rows.packet().text(field(), source));
+        const Chunk &texts = block.columns[m_field];
+        const auto *offsets = texts.offsets.as<std::uint32_t>();
+        appendBefore(out);
+        m_format.appendText(out,
+            texts.isNull(line) ? std::string_view()
+                               : std::string_view(texts.values.as<char>() + offsets[line], offsets[line + 1] - offsets[line]));
     }
 };
 
@@ -99,31 +108,25 @@ public:
 class Numbers : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(std::string &out, std::size_t row, std::uint32_t source) override
+    void append(TextBuffer &out, std::size_t row, const packet::Block &block, std::size_t line) override
     {
-        const Chunk &numbers = chunk(source);
-        const std::size_t line = source % blockRows;
+        const Chunk &numbers = block.columns[m_field];
         if (numbers.isNull(line) || numbers.width != sizeof(std::int64_t))
             return appendShown(out, row);
-        out += m_before;
+        appendBefore(out);
         appendUnits(out, numbers.values.as<std::int64_t>()[line], numbers.scale);
     }
 
 private:
-    static void appendUnits(std::string &out, std::int64_t units, int scale)
+    static void appendUnits(TextBuffer &out, std::int64_t units, int scale)
     {
         for (; scale > 0 && units % 10 == 0; --scale)
             units /= 10;
-        char text[64];
-        char *const digits = text + 2; // leaves room for the sign and a zero
-        const auto magnitude = units < 0 ? 0 - std::uint64_t(units) : std::uint64_t(units);
-        char *end = std::to_chars(digits, digits + 24, magnitude).ptr;
-        if (scale > 0)
-            end = insertPoint(digits, end, scale);
-        char *begin = digits;
+        char *digits = out.room(64);
         if (units < 0)
-            *--begin = '-';
-        out.append(begin, end);
+            *digits++ = '-';
+        char *end = std::to_chars(digits, digits + 24, units < 0 ? 0 - std::uint64_t(units) : std::uint64_t(units)).ptr;
+        out.advance(scale > 0 ? insertPoint(digits, end, scale) : end);
     }
     static char *insertPoint(char *digits, char *end, int scale)
     {
@@ -142,14 +145,13 @@ private:
 class Times : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(std::string &out, std::size_t row, std::uint32_t source) override
+    void append(TextBuffer &out, std::size_t row, const packet::Block &block, std::size_t line) override
     {
-        const Chunk &times = chunk(source);
-        const std::size_t line = source % blockRows;
+        const Chunk &times = block.columns[m_field];
         if (times.isNull(line))
             return appendShown(out, row);
-        ((out += m_before) += m_format.quote()) += timeText(times.values.as<std::int64_t>()[line]);
-        out += m_format.quote();
+        appendBefore(out);
+        ((out += m_format.quote()) += timeText(times.values.as<std::int64_t>()[line])) += m_format.quote();
     }
 
 private:
@@ -205,16 +207,18 @@ RowWriter::RowWriter(const ExportTable &table, const TableFormat &format)
 
 RowWriter::~RowWriter() = default;
 
-void RowWriter::append(std::string &out, std::size_t row) const
+void RowWriter::append(TextBuffer &out, std::size_t row) const
 {
     const std::uint32_t source = m_table.rows.source(row);
-    const bool edited = m_table.rows.overlay().isEdited(source);
     out += m_format.beforeRow(row == 0);
-    for (const auto &cell : m_cells) {
-        if (edited)
+    if (m_table.rows.overlay().isEdited(source)) {
+        for (const auto &cell : m_cells)
             cell->appendShown(out, row);
-        else
-            cell->append(out, row, source);
+    } else {
+        constexpr std::uint32_t blockRows = packet::Packet::blockRows;
+        const packet::Block &block = m_table.rows.packet().blocks()[source / blockRows];
+        for (const auto &cell : m_cells)
+            cell->append(out, row, block, source % blockRows);
     }
     out += m_format.afterRow();
 }

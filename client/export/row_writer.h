@@ -10,7 +10,7 @@ public:
     RowWriter(const ExportTable &table, const TableFormat &format);
     ~RowWriter();
 
-    void append(std::string &out, std::size_t row) const;
+    void append(TextBuffer &out, std::size_t row) const;
 
 private:
     const ExportTable &m_table;

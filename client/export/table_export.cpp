@@ -14,7 +14,6 @@
 namespace {
 
 constexpr std::size_t bytesBetweenWrites = 256 * 1024;
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 using Progress = std::function<void(std::int64_t rows)>;
 
@@ -66,9 +65,8 @@ public:
 private:
     void writeText(const ExportTable &table, ExportFile &file, const Progress &progress)
     {
-        std::string out = m_format->head(table);
-        if (m_encoder && out.starts_with(byteOrderMark))
-            out.erase(0, byteOrderMark.size());
+        TextBuffer out;
+        m_format->appendHead(out, table);
         const RowWriter rows(table, *m_format);
         for (std::size_t row = 0; row < table.rows.rowCount(); ++row) {
             rows.append(out, row);
@@ -77,18 +75,19 @@ private:
             flush(out, file);
             progress(std::int64_t(row + 1));
         }
-        out += m_format->tail(table);
+        m_format->appendTail(out, table);
         flush(out, file);
     }
-    void flush(std::string &out, ExportFile &file)
+    void flush(TextBuffer &out, ExportFile &file)
     {
         if (m_encoder) {
-            const QByteArray encoded = m_encoder->encode(QString::fromStdString(out));
+            const QString text = QString::fromUtf8(out.view().data(), qsizetype(out.size())); // drops the byte-order mark
+            const QByteArray encoded = m_encoder->encode(text);
             file.write({ encoded.constData(), std::size_t(encoded.size()) });
         } else {
-            file.write(out);
+            file.write(out.view());
         }
-        out.clear(); // keeps the memory
+        out.clear();
     }
 
     std::unique_ptr<TableFormat> m_format; ///< null for a workbook

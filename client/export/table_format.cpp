@@ -32,20 +32,17 @@ public:
             m_special[static_cast<unsigned char>(letter)] = true;
     }
 
-    std::string head(const ExportTable &table) const override
+    void appendHead(TextBuffer &out, const ExportTable &table) const override
     {
-        std::string titles;
-        for (std::size_t column = 0; column < table.columns.size(); ++column) {
-            titles += beforeCell(table, column);
-            appendText(titles, table.columns[column].title.toStdString());
-        }
-        return "\xEF\xBB\xBF" + titles + "\r\n";
+        out += "\xEF\xBB\xBF";
+        appendTitles(out, table);
+        out += "\r\n";
     }
-    std::string tail(const ExportTable &) const override { return {}; }
+    void appendTail(TextBuffer &, const ExportTable &) const override { }
     std::string_view beforeRow(bool) const override { return {}; }
     std::string_view afterRow() const override { return "\r\n"; }
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return std::string(column > 0 ? 1 : 0, m_separator); }
-    void appendText(std::string &out, std::string_view text) const override
+    void appendText(TextBuffer &out, std::string_view text) const override
     {
         const bool guarded = runsAsFormula(text);
         if (!guarded && std::ranges::none_of(text, [this](char letter) { return m_special[static_cast<unsigned char>(letter)]; })) {
@@ -68,25 +65,22 @@ private:
 
 class JsonFormat : public TableFormat {
 public:
-    std::string head(const ExportTable &table) const override
+    void appendHead(TextBuffer &out, const ExportTable &table) const override
     {
-        std::string titles;
-        for (std::size_t column = 0; column < table.columns.size(); ++column) {
-            titles += beforeCell(table, column);
-            appendText(titles, table.columns[column].title.toStdString());
-        }
-        return R"({"columns":[)" + titles + R"(],"rows":[)";
+        out += R"({"columns":[)";
+        appendTitles(out, table);
+        out += R"(],"rows":[)";
     }
-    std::string tail(const ExportTable &table) const override
+    void appendTail(TextBuffer &out, const ExportTable &table) const override
     {
-        return table.truncated ? "\n],\"truncated\":true}\n" : "\n],\"truncated\":false}\n";
+        out += table.truncated ? "\n],\"truncated\":true}\n" : "\n],\"truncated\":false}\n";
     }
     std::string_view beforeRow(bool first) const override { return first ? "\n[" : ",\n["; }
     std::string_view afterRow() const override { return "]"; }
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return column > 0 ? "," : ""; }
     std::string_view quote() const override { return "\""; }
     std::string_view noNumber() const override { return "null"; }
-    void appendText(std::string &out, std::string_view text) const override
+    void appendText(TextBuffer &out, std::string_view text) const override
     {
         static constexpr char digits[] = "0123456789abcdef";
         out += '"';
@@ -104,6 +98,14 @@ public:
 };
 
 } // namespace
+
+void TableFormat::appendTitles(TextBuffer &out, const ExportTable &table) const
+{
+    for (std::size_t column = 0; column < table.columns.size(); ++column) {
+        out += beforeCell(table, column);
+        appendText(out, table.columns[column].title.toStdString());
+    }
+}
 
 std::unique_ptr<TableFormat> TableFormat::of(const QString &fileName)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "client/export/export_table.h"
+#include "client/export/text_buffer.h"
 
 #include <memory>
 
@@ -8,15 +9,15 @@
 class TableFormat {
 public:
     virtual ~TableFormat() = default;
-    virtual std::string head(const ExportTable &table) const = 0;
-    virtual std::string tail(const ExportTable &table) const = 0;
+    virtual void appendHead(TextBuffer &out, const ExportTable &table) const = 0;
+    virtual void appendTail(TextBuffer &out, const ExportTable &table) const = 0;
 
     virtual std::string_view beforeRow(bool first) const = 0;
     virtual std::string_view afterRow() const = 0;
     /// What stands before each cell of a column.
     virtual std::string beforeCell(const ExportTable &table, std::size_t column) const = 0;
     /// Appends a cell of text, with all that keeps it whole.
-    virtual void appendText(std::string &out, std::string_view text) const = 0;
+    virtual void appendText(TextBuffer &out, std::string_view text) const = 0;
     virtual std::string_view quote() const { return {}; } ///< on both sides of a time
     virtual std::string_view noNumber() const { return {}; } ///< in place of a number that is null
 
@@ -27,6 +28,9 @@ public:
     ///   .html  a page with the notes and the table, footers included; a spreadsheet that opens it keeps texts as texts
     /// In the first two, cells that a spreadsheet would run as a formula begin with a tab.
     static std::unique_ptr<TableFormat> of(const QString &fileName);
+
+protected:
+    void appendTitles(TextBuffer &out, const ExportTable &table) const;
 };
 
 std::unique_ptr<TableFormat> htmlFormat();

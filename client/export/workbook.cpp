@@ -1,70 +1,22 @@
 #include "client/export/workbook.h"
 
 #include "client/export/export_file.h"
+#include "client/export/sheet_values.h"
 
 #include <QDir>
 #include <QStorageInfo>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <memory>
 
 #include <xlsxwriter.h>
 
 namespace {
 
 constexpr int rowsBetweenReports = 1024;
-constexpr int mostDigits = 15; ///< more than these a spreadsheet would change
-constexpr qsizetype longestCell = 32'767; ///< characters
-constexpr qsizetype longestSheetName = 31;
-constexpr std::int64_t firstDay = -2'203'891'200; ///< 1900-03-01: spreadsheets number the days before it differently
-constexpr double dayOfEpoch = 25'569; ///< the number of 1970-01-01
-constexpr double secondsPerDay = 86'400;
-
-/// A number that a spreadsheet keeps as it is, or nothing.
-std::optional<double> exactNumber(packet::Decimal value)
-{
-    constexpr packet::Int128 limit = 1'000'000'000'000'000; // 10^mostDigits
-    static_assert(mostDigits == 15);
-    for (; value.scale > 0 && value.units % 10 == 0; --value.scale)
-        value.units /= 10;
-    const bool fits = value.units < limit && value.units > -limit;
-    return fits ? std::optional(value.toDouble()) : std::nullopt;
-}
-
-QByteArray sheetName(const QString &title, int number)
-{
-    QString name = title;
-    for (QChar &letter : name) {
-        if (QStringView(u"[]:*?/\\").contains(letter) || letter < u' ')
-            letter = u' ';
-    }
-    const QString suffix = number > 1 ? QStringLiteral(" (%1)").arg(number) : QString();
-    name.truncate(longestSheetName - suffix.size());
-    if (!name.isEmpty() && name.back().isHighSurrogate())
-        name.chop(1);
-    while (name.startsWith(u'\'') || name.startsWith(u' '))
-        name.remove(0, 1);
-    while (name.endsWith(u'\'') || name.endsWith(u' '))
-        name.chop(1);
-    return ((name.isEmpty() ? QStringLiteral("数据") : name) + suffix).toUtf8();
-}
-
-QByteArray numberFormat(const ExportColumn &column)
-{
-    switch (column.kind) {
-    case CellKind::Text:
-        return "@";
-    case CellKind::Integer:
-        return "0";
-    case CellKind::Time:
-        return "yyyy-mm-dd hh:mm:ss";
-    case CellKind::Float:
-        return "General";
-    case CellKind::Decimal:
-        break;
-    }
-    return "#,##0." + QByteArray(std::max(2, column.scale), '0');
-}
+constexpr int widestColumn = 1790; ///< pixels
 
 /// The looks of one column's cells.
 struct ColumnFormats {
@@ -72,6 +24,10 @@ struct ColumnFormats {
     lxw_format *text; ///< of a value that must go as text
     lxw_format *footer;
     lxw_format *footerText;
+};
+
+struct Free {
+    void operator()(lxw_workbook *book) const { lxw_workbook_free(book); }
 };
 
 /// A workbook that is written row by row; only the current row is in memory.
@@ -86,17 +42,11 @@ public:
         lxw_workbook_options options {};
         options.constant_memory = LXW_TRUE;
         options.tmpdir = directory.data();
-        m_book = workbook_new_opt(file.path().toUtf8().constData(), &options);
+        m_book.reset(workbook_new_opt(file.path().toUtf8().constData(), &options));
         if (!m_book)
             file.fail(QStringLiteral("内存不足"));
         createFormats();
         addTitledSheet();
-    }
-    Workbook(const Workbook &) = delete;
-    ~Workbook()
-    {
-        if (m_book)
-            lxw_workbook_free(m_book);
     }
 
     void addRow(std::size_t row)
@@ -134,9 +84,8 @@ public:
     void close()
     {
         checkDisk();
-        const lxw_error error = workbook_close(std::exchange(m_book, nullptr));
-        if (error != LXW_NO_ERROR)
-            m_file.fail(QStringLiteral("磁盘已满或不可写（%1）").arg(QString::fromUtf8(lxw_strerror(error))));
+        if (workbook_close(m_book.release()) != LXW_NO_ERROR)
+            m_file.fail(QStringLiteral("磁盘已满或出了故障"));
     }
     /// The library does not say that its temporary files were cut by a full disk.
     void checkDisk()
@@ -160,7 +109,7 @@ private:
 
     lxw_format *newFormat(const QByteArray &number, bool bold = false)
     {
-        lxw_format *format = workbook_add_format(m_book);
+        lxw_format *format = workbook_add_format(m_book.get());
         format_set_num_format(format, number.constData());
         if (bold)
             format_set_bold(format);
@@ -173,7 +122,7 @@ private:
         lxw_format *general = newFormat("General");
         lxw_format *wholeFooter = newFormat("0", true);
         for (const ExportColumn &column : m_table.columns) {
-            const QByteArray number = numberFormat(column);
+            const QByteArray number = numberFormat(column.kind, column.scale);
             const bool text = column.kind == CellKind::Text;
             lxw_format *cell = column.field < 0 ? general : text ? m_text : newFormat(number);
             const bool sum = column.kind == CellKind::Decimal || column.kind == CellKind::Float;
@@ -184,9 +133,9 @@ private:
     lxw_worksheet *addSheet(const QString &title)
     {
         int number = 1;
-        while (workbook_validate_sheet_name(m_book, sheetName(title, number).constData()) != LXW_NO_ERROR && number < 10'000)
+        while (workbook_validate_sheet_name(m_book.get(), sheetName(title, number).constData()) != LXW_NO_ERROR && number < 10'000)
             ++number;
-        lxw_worksheet *sheet = workbook_add_worksheet(m_book, sheetName(title, number).constData());
+        lxw_worksheet *sheet = workbook_add_worksheet(m_book.get(), sheetName(title, number).constData());
         if (!sheet || !sheet->optimize_tmpfile)
             failForTemporaries();
         m_sheets.push_back(sheet);
@@ -200,7 +149,8 @@ private:
         for (std::size_t column = 0; column < m_table.columns.size(); ++column) {
             const ExportColumn &shown = m_table.columns[column];
             const auto place = lxw_col_t(column);
-            check(worksheet_set_column_pixels(m_sheet, place, place, std::uint32_t(shown.width), m_formats[column].cell));
+            check(worksheet_set_column_pixels(
+                m_sheet, place, place, std::uint32_t(std::min(shown.width, widestColumn)), m_formats[column].cell));
             writeText(place, shown.title.toStdString(), m_title);
         }
         worksheet_freeze_panes(m_sheet, 1, lxw_col_t(m_table.frozenColumns));
@@ -249,10 +199,8 @@ private:
     std::optional<double> numberOf(CellKind kind, std::size_t field, std::uint32_t source) const
     {
         const RowOverlay &rows = m_table.rows.overlay();
-        if (kind == CellKind::Time) {
-            const std::int64_t seconds = rows.seconds(field, source);
-            return seconds < firstDay ? std::nullopt : std::optional(dayOfEpoch + double(seconds) / secondsPerDay);
-        }
+        if (kind == CellKind::Time)
+            return dayNumber(rows.seconds(field, source));
         if (kind == CellKind::Float) {
             const double value = rows.real(field, source);
             return std::isfinite(value) ? std::optional(value) : std::nullopt;
@@ -270,16 +218,15 @@ private:
     }
     void writeText(lxw_col_t column, std::string_view text, lxw_format *format)
     {
-        m_terminated.assign(text);
-        if (text.size() > std::size_t(longestCell))
-            m_terminated = QString::fromStdString(m_terminated).left(longestCell - 1).append(u'…').toStdString();
+        m_terminated = text;
+        shortenForCell(m_terminated);
         check(worksheet_write_string(m_sheet, m_row, column, m_terminated.c_str(), format));
     }
 
     const ExportTable &m_table;
     const ExportFile &m_file;
     const lxw_row_t m_sheetRows;
-    lxw_workbook *m_book = nullptr;
+    std::unique_ptr<lxw_workbook, Free> m_book;
     lxw_worksheet *m_sheet = nullptr;
     std::vector<lxw_worksheet *> m_sheets;
     lxw_format *m_text = nullptr;

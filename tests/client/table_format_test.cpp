@@ -6,9 +6,9 @@ namespace {
 
 std::string cell(const char16_t *fileName, std::string_view text)
 {
-    std::string out;
+    TextBuffer out;
     TableFormat::of(QString::fromUtf16(fileName))->appendText(out, text);
-    return out;
+    return std::string(out.view());
 }
 
 TEST(TableFormat, CsvQuotesAndDisarmsAsNeeded)

@@ -3,6 +3,8 @@
 #include "tests/screens/screen_test.h"
 
 #include <QFile>
+#include <QJsonDocument>
+#include <QTemporaryDir>
 
 #include <algorithm>
 
@@ -130,6 +132,34 @@ TEST_F(ScreenGrid, ALayoutOfAnEarlierSessionComesBack)
     const QByteArray saved = file.readAll();
     EXPECT_TRUE(saved.contains("FieldIndex=WEIGHT;BILL_CODE;") && saved.contains("WEIGHT=99\r\n")) << saved.constData();
     EXPECT_TRUE(saved.contains("DataViewGrid.Arrangement]\r\nFrozen=1\r\nHidden=SCAN_SITE;\r\n")) << saved.constData();
+}
+
+TEST_F(ScreenGrid, AnExportHoldsTheSortedRowsAndTheConditionsOfTheQuery)
+{
+    const QTemporaryDir directory;
+    const auto exported = [&](const QString &name, const QString &encoding) {
+        const QString path = directory.filePath(name);
+        const QJsonObject reply
+            = ask(QStringLiteral("export"), { { QStringLiteral("file"), path }, { QStringLiteral("encoding"), encoding } });
+        EXPECT_EQ(reply[u"rows"].toInt(), rowCount(QStringLiteral("DataView1")));
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    };
+    title(QStringLiteral("BILL_CODE"));
+    m_client.set(QStringLiteral("DBLookupComboboxEh7"), QStringLiteral("发件"));
+    m_client.events();
+    const QByteArray json = exported(QStringLiteral("a.json"), {});
+    QStringList codes;
+    for (const QJsonValue &row : QJsonDocument::fromJson(json)[u"rows"].toArray())
+        codes.append(row[0].toString());
+    EXPECT_EQ(codes, column(QStringLiteral("BILL_CODE")));
+
+    const QString page = QString::fromUtf8(exported(QStringLiteral("a.html"), {}));
+    EXPECT_TRUE(page.contains(QStringLiteral("<th>对比目标条件 扫描类型</th><td class=\"t\">到件</td>"))) << "not what was chosen since";
+    EXPECT_TRUE(page.contains(QStringLiteral("<th>导出网点</th><td class=\"t\">北京</td>")));
+    EXPECT_TRUE(exported(QStringLiteral("a.csv"), QStringLiteral("GB18030")).startsWith("\xD4\xCB\xB5\xA5")); // 运单
+    EXPECT_EQ(m_client.events(QStringLiteral("statement")), QJsonArray()) << "asked the server again";
 }
 
 } // namespace
