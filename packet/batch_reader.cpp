@@ -28,6 +28,8 @@ void check(bool sound)
         fail("数据块的内容与描述不符");
 }
 
+bool isAligned(const void *place) { return reinterpret_cast<std::uintptr_t>(place) % messageAlignment == 0; }
+
 template <class T>
 Buffer copied(std::span<const T> values)
 {
@@ -54,6 +56,8 @@ BatchReader::BatchReader(const arrow::RecordBatch &batch, std::span<const std::b
     , m_decompressed(decompressed)
 {
     check(batch.length() >= 0 && std::uint64_t(batch.length()) <= mostRows && batch.nodes() != nullptr && batch.buffers() != nullptr);
+    // The verifier of FlatBuffers leaves the alignment of structures in vectors to us.
+    check(isAligned(batch.nodes()->Data()) && isAligned(batch.buffers()->Data()));
     m_rows = std::size_t(batch.length());
     const arrow::BodyCompression *const compression = batch.compression();
     if (compression != nullptr
