@@ -16,8 +16,6 @@ constexpr std::uint64_t largestRatio = 255; ///< of LZ4
 constexpr std::size_t mostRows = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t largestDictionary = std::numeric_limits<std::uint32_t>::max();
 constexpr std::size_t narrowIndexes = 65536;
-constexpr std::int64_t firstSecond = -62167219200; // 0000-01-01 00:00:00
-constexpr std::int64_t lastSecond = 253402300799; // 9999-12-31 23:59:59
 constexpr Int128 decimalLimit = Int128(10'000'000'000'000'000'000u) * Int128(10'000'000'000'000'000'000u);
 
 [[noreturn]] void fail(const char *what) { throw StreamError(what); }
@@ -236,13 +234,8 @@ void BatchReader::readWideDecimals(Chunk &chunk, std::span<const std::byte> byte
 void BatchReader::readWords(Chunk &chunk, ColumnType type)
 {
     const auto words = nextArray<std::int64_t>(m_rows);
-    if (type == ColumnType::Timestamp) {
-        bool sound = true;
-        for (const std::int64_t seconds : words)
-            sound &= seconds >= firstSecond && seconds <= lastSecond;
-        if (!sound)
-            fail("有时间不在 0000 年到 9999 年之间");
-    }
+    if (type == ColumnType::Timestamp && !areTimestamps(words))
+        fail("有时间不在 0000 年到 9999 年之间");
     chunk.width = sizeof(std::int64_t);
     chunk.values = copied(words);
 }

@@ -9,6 +9,14 @@
 
 namespace packet::wire {
 
+bool areTimestamps(std::span<const std::int64_t> seconds)
+{
+    bool sound = true;
+    for (const std::int64_t second : seconds)
+        sound &= second >= firstSecond && second <= lastSecond;
+    return sound;
+}
+
 std::size_t countNulls(const void *validity, std::size_t rows)
 {
     const auto *bytes = static_cast<const std::byte *>(validity);
