@@ -44,10 +44,10 @@ Checksum::~Checksum() = default;
 
 void Checksum::add(std::span<const std::byte> bytes) { XXH3_64bits_update(m_state.get(), bytes.data(), bytes.size()); }
 
-std::string Checksum::text(const std::string &rows, const std::string &truncated)
+std::string Checksum::text(std::string_view rows, std::string_view truncated)
 {
-    const std::string values = rows + ' ' + truncated;
-    add(std::as_bytes(std::span(values)));
+    for (const std::string_view part : { rows, std::string_view(" "), truncated })
+        add(std::as_bytes(std::span(part)));
     char digits[17];
     std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(XXH3_64bits_digest(m_state.get())));
     return digits;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 struct XXH3_state_s;
 
@@ -43,7 +44,7 @@ public:
     ~Checksum();
     void add(std::span<const std::byte> bytes);
     /// The value of checksumKey for the bytes so far and these values of the end mark.
-    std::string text(const std::string &rows, const std::string &truncated);
+    std::string text(std::string_view rows, std::string_view truncated);
 
 private:
     std::unique_ptr<XXH3_state_s, void (*)(XXH3_state_s *)> m_state;
