@@ -16,8 +16,6 @@ constexpr std::uint64_t largestRatio = 255; ///< of LZ4
 constexpr std::size_t mostRows = std::numeric_limits<std::int32_t>::max();
 constexpr std::size_t largestDictionary = std::numeric_limits<std::uint32_t>::max();
 constexpr std::size_t narrowIndexes = 65536;
-constexpr std::int64_t firstSecond = -62167219200; // 0000-01-01 00:00:00
-constexpr std::int64_t lastSecond = 253402300799; // 9999-12-31 23:59:59
 constexpr Int128 decimalLimit = Int128(10'000'000'000'000'000'000u) * Int128(10'000'000'000'000'000'000u);
 
 [[noreturn]] void fail(const char *what) { throw StreamError(what); }
@@ -28,13 +26,13 @@ void check(bool sound)
         fail("数据块的内容与描述不符");
 }
 
+bool isAligned(const void *place) { return reinterpret_cast<std::uintptr_t>(place) % messageAlignment == 0; }
+
 template <class T>
 Buffer copied(std::span<const T> values)
 {
     return Buffer::adopt(std::vector<T>(values.begin(), values.end()));
 }
-
-bool fitsInt64(Int128 value) { return value == Int128(std::int64_t(value)); }
 
 /// Takes the zeros at the end that all the numbers share off them and off the scale.
 void dropCommonZeros(std::vector<Int128> &units, int &scale)
@@ -56,6 +54,8 @@ BatchReader::BatchReader(const arrow::RecordBatch &batch, std::span<const std::b
     , m_decompressed(decompressed)
 {
     check(batch.length() >= 0 && std::uint64_t(batch.length()) <= mostRows && batch.nodes() != nullptr && batch.buffers() != nullptr);
+    // The verifier of FlatBuffers leaves the alignment of structures in vectors to us.
+    check(isAligned(batch.nodes()->Data()) && isAligned(batch.buffers()->Data()));
     m_rows = std::size_t(batch.length());
     const arrow::BodyCompression *const compression = batch.compression();
     if (compression != nullptr
@@ -205,19 +205,27 @@ void BatchReader::appendTo(Dictionary &dictionary)
 void BatchReader::readDecimals(Chunk &chunk, int scale)
 {
     const auto bytes = nextBuffer(m_rows * sizeof(Int128));
+    const auto halves = std::span(reinterpret_cast<const std::int64_t *>(bytes.data()), m_rows * 2); // the low one first
+    std::int64_t beyond = 0; // not 0 when a number needs more than 64 bits
+    for (std::size_t row = 0; row < m_rows; ++row)
+        beyond |= halves[row * 2 + 1] ^ (halves[row * 2] >> 63);
+    if (beyond != 0)
+        return readWideDecimals(chunk, bytes, scale);
+    std::vector<std::int64_t> units(m_rows);
+    for (std::size_t row = 0; row < m_rows; ++row)
+        units[row] = halves[row * 2];
+    chunk.scale = std::int8_t(scale);
+    chunk.width = sizeof(std::int64_t);
+    chunk.values = Buffer::adopt(std::move(units));
+}
+
+void BatchReader::readWideDecimals(Chunk &chunk, std::span<const std::byte> bytes, int scale)
+{
     std::vector<Int128> units(m_rows);
     std::memcpy(units.data(), bytes.data(), bytes.size());
-    bool sound = true;
-    bool narrow = true;
-    for (const Int128 value : units) {
-        sound &= value < decimalLimit && value > -decimalLimit;
-        narrow &= fitsInt64(value);
-    }
-    check(sound);
-    if (!narrow) {
-        dropCommonZeros(units, scale);
-        narrow = std::all_of(units.begin(), units.end(), fitsInt64);
-    }
+    check(std::all_of(units.begin(), units.end(), [](Int128 value) { return value < decimalLimit && value > -decimalLimit; }));
+    dropCommonZeros(units, scale);
+    const bool narrow = std::all_of(units.begin(), units.end(), [](Int128 value) { return value == Int128(std::int64_t(value)); });
     chunk.scale = std::int8_t(scale);
     chunk.width = narrow ? sizeof(std::int64_t) : sizeof(Int128);
     chunk.values = narrow ? Buffer::adopt(std::vector<std::int64_t>(units.begin(), units.end())) : Buffer::adopt(std::move(units));
@@ -226,13 +234,8 @@ void BatchReader::readDecimals(Chunk &chunk, int scale)
 void BatchReader::readWords(Chunk &chunk, ColumnType type)
 {
     const auto words = nextArray<std::int64_t>(m_rows);
-    if (type == ColumnType::Timestamp) {
-        bool sound = true;
-        for (const std::int64_t seconds : words)
-            sound &= seconds >= firstSecond && seconds <= lastSecond;
-        if (!sound)
-            fail("有时间不在 0000 年到 9999 年之间");
-    }
+    if (type == ColumnType::Timestamp && !areTimestamps(words))
+        fail("有时间不在 0000 年到 9999 年之间");
     chunk.width = sizeof(std::int64_t);
     chunk.values = copied(words);
 }

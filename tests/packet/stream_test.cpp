@@ -108,6 +108,15 @@ TEST(Stream, BringsDecimalsToOneScaleOrRefuses)
     EXPECT_EQ(cell(*computed, 0, blockRows), "8192.25");
 }
 
+TEST(Stream, IsNotWrittenWithTimesThatNobodyReads)
+{
+    const auto year10000 = [](Builder &builder) {
+        builder.addTimestamp(0, 253402300800);
+        builder.endRow();
+    };
+    EXPECT_THROW(streamed({ { "SCAN_DATE", ColumnType::Timestamp } }, year10000), std::invalid_argument);
+}
+
 TEST(Stream, RefusesEveryPartOfIt)
 {
     for (const bool lz4 : { false, true }) {
