@@ -18,16 +18,15 @@ struct Clear {
 };
 using Result = std::unique_ptr<PGresult, Clear>;
 
-/// The types of the schema in PostgreSQL's words.
-std::string translated(std::string_view script)
+} // namespace
+
+std::string postgresqlTypes(std::string_view script)
 {
     std::string text(script);
     text = std::regex_replace(text, std::regex("\\bVARCHAR2\\b"), "varchar");
     text = std::regex_replace(text, std::regex("\\bNUMBER\\b"), "numeric");
     return std::regex_replace(text, std::regex("\\bDATE\\b"), "timestamp(0)");
 }
-
-} // namespace
 
 /// Writes rows as lines of COPY into the buffer of their table.
 class PostgresqlDatabase::PostgresqlRows : public Rows {
@@ -94,7 +93,7 @@ PostgresqlDatabase::PostgresqlDatabase(const std::string &url, bool replaces)
 void PostgresqlDatabase::define(std::string_view script)
 {
     static const std::regex table("CREATE TABLE (\\w+)");
-    const std::string text = translated(script);
+    const std::string text = postgresqlTypes(script);
     for (std::sregex_iterator found(text.begin(), text.end(), table); found != std::sregex_iterator(); ++found) {
         const std::string name = (*found)[1];
         if (m_replaces)

@@ -8,6 +8,9 @@ struct pg_conn;
 
 namespace demo {
 
+/// A schema whose types are Oracle's, in PostgreSQL's words.
+std::string postgresqlTypes(std::string_view script);
+
 /// Tables in the first schema of the search path of a PostgreSQL database. Nothing of them is seen before the commit.
 class PostgresqlDatabase : public Database {
 public:

@@ -1,5 +1,6 @@
 #include "engine/engine.h"
 
+#include "engine/odbc/connection.h"
 #include "engine/pooled_engine.h"
 #include "engine/postgresql/connection.h"
 #include "engine/sqlite/connection.h"
@@ -15,8 +16,13 @@ std::unique_ptr<Engine> openEngine(std::string_view url, const EngineOptions &op
     }
     if (url.starts_with("postgresql://") || url.starts_with("postgres://"))
         return std::make_unique<PooledEngine>([url = std::string(url)] { return std::make_unique<PostgresqlConnection>(url); }, options);
-    throw Error(
-        Failure::Unavailable, "无法识别的数据库地址“" + std::string(url) + "”，应写作 sqlite:文件路径 或 postgresql://用户@主机/数据库");
+    constexpr std::string_view odbc = "odbc:";
+    if (url.starts_with(odbc)) {
+        const std::string parameters(url.substr(odbc.size()));
+        return std::make_unique<PooledEngine>([parameters] { return std::make_unique<OdbcConnection>(parameters); }, options);
+    }
+    throw Error(Failure::Unavailable,
+        "无法识别的数据库地址“" + std::string(url) + "”，应写作 sqlite:文件路径、postgresql://用户@主机/数据库 或 odbc:DSN=数据源");
 }
 
 } // namespace engine

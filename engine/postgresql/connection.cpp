@@ -1,5 +1,6 @@
 #include "engine/postgresql/connection.h"
 
+#include "engine/postgresql/catalogue.h"
 #include "engine/postgresql/row_reader.h"
 #include "engine/postgresql/socket_wait.h"
 
@@ -17,8 +18,8 @@ constexpr auto stopInterval = 5ms;
 constexpr std::int64_t rowsBetweenChecks = 256;
 
 /// What holds for every session, whatever the URL says.
-constexpr std::string_view sessionOptions
-    = " -c default_transaction_read_only=on -c standard_conforming_strings=on -c datestyle=ISO -c intervalstyle=postgres";
+constexpr std::string_view sessionOptions = " -c default_transaction_read_only=on -c standard_conforming_strings=on -c "
+                                            "client_min_messages=error -c datestyle=ISO -c intervalstyle=postgres";
 
 /// What holds when the URL does not say otherwise: a server that is gone is noticed.
 constexpr std::pair<std::string_view, const char *> defaults[] = {
@@ -29,11 +30,6 @@ constexpr std::pair<std::string_view, const char *> defaults[] = {
     { "tcp_user_timeout", "60000" },
     { "application_name", "kelvara" },
 };
-
-constexpr std::string_view tablesQuery
-    = "select relname from pg_catalog.pg_class where relkind in ('r','v','m','p','f')"
-      " and relnamespace in (select oid from pg_catalog.pg_namespace where nspname = any(pg_catalog.current_schemas(false)))"
-      " and pg_catalog.has_table_privilege(oid, 'select')";
 
 std::string trimmed(const char *message)
 {
@@ -108,7 +104,7 @@ PostgresqlConnection::PostgresqlConnection(const std::string &url)
 
 gate::TableSet PostgresqlConnection::readTables()
 {
-    const Result result = execute(std::string(tablesQuery));
+    const Result result = execute(std::string(postgresqlTables));
     if (PQresultStatus(result.get()) != PGRES_TUPLES_OK)
         failUnavailable("无法读取数据库的表");
     gate::TableSet tables;
