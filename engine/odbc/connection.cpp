@@ -184,18 +184,28 @@ packet::PacketPtr OdbcConnection::run(const Job &job)
     try {
         packet = attempt(job);
     } catch (const Error &error) {
-        // Lost while it waited in the pool: replaced silently.
-        const bool isLost = error.failure() == Failure::Unavailable && m_hasWaited && !m_hasRows;
-        m_usable = error.failure() == Failure::Database && rollBack();
+        const bool lost = isLost(error);
+        m_usable = !lost && error.failure() == Failure::Database && rollBack();
         job.throwIfStopped();
-        if (!isLost)
+        if (lost && (!m_hasWaited || m_hasRows))
+            throw Error(Failure::Unavailable, error.what());
+        if (!lost)
             throw;
+        // Lost while it waited in the pool: replaced silently.
         connect();
         packet = attempt(job);
     }
     m_hasWaited = true;
     m_usable = rollBack();
     return packet;
+}
+
+/// Whether the connection is gone; not every driver says so by the state of the error.
+bool OdbcConnection::isLost(const Error &error) const
+{
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    SQLGetConnectAttrW(m_connection, SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+    return error.failure() == Failure::Unavailable || dead == SQL_CD_TRUE;
 }
 
 packet::PacketPtr OdbcConnection::attempt(const Job &job)

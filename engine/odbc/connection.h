@@ -26,6 +26,7 @@ private:
     std::string information(SQLUSMALLINT type) const;
     SQLUSMALLINT listTables(const odbc::Handle &statement) const;
     packet::PacketPtr attempt(const Job &job);
+    bool isLost(const Error &error) const;
     bool rollBack();
     packet::PacketPtr readRows(const Job &job, const odbc::Handle &statement);
 

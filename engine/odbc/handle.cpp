@@ -71,7 +71,8 @@ Diagnosis diagnosisOf(const Handle &handle)
 void fail(const Handle &handle)
 {
     const Diagnosis diagnosis = diagnosisOf(handle);
-    if (diagnosis.state.starts_with("08"))
+    // 57P01 to 57P03 are PostgreSQL's for a session that its server has ended.
+    if (diagnosis.state.starts_with("08") || diagnosis.state.starts_with("57P0"))
         throw Error(Failure::Unavailable, "数据库连接中断：" + diagnosis.message + "；请检查数据库服务器和网络，稍后再试");
     if (diagnosis.state == "HYT00" || diagnosis.state == "HYT01")
         throw Error(Failure::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
