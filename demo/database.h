@@ -8,51 +8,51 @@
 #include <string>
 #include <string_view>
 
-struct sqlite3;
-struct sqlite3_stmt;
-
 namespace demo {
 
-/// A new SQLite database that is written in one go: no journal, so that a broken run leaves a file of no use.
+/// New rows of one table: the columns in the table's order, then add(). An empty text is stored as null. Texts must live
+/// until add().
+class Rows {
+public:
+    virtual ~Rows() = default;
+    virtual void text(std::string_view value) = 0;
+    virtual void moment(Moment value) = 0;
+    virtual void integer(std::int64_t value) = 0;
+    /// A number with two decimals; null when there is none.
+    virtual void hundredths(std::optional<std::int64_t> value) = 0;
+    virtual void add() = 0;
+};
+
+/// A database that is written in one transaction, so that a broken run leaves nothing of use.
 /// Every operation throws std::runtime_error with the database's own words.
 class Database {
 public:
-    explicit Database(const std::string &path);
+    virtual ~Database() = default;
+    /// Makes the tables or the indexes of the schema; their types are written as Oracle's.
+    virtual void define(std::string_view script) = 0;
     /// Runs one statement or several.
-    void run(std::string_view script);
-    sqlite3 *handle() const { return m_handle.get(); }
-    [[noreturn]] void fail() const;
-
-private:
-    struct Close {
-        void operator()(sqlite3 *handle) const;
-    };
-    std::unique_ptr<sqlite3, Close> m_handle;
+    virtual void run(std::string_view script) = 0;
+    virtual std::unique_ptr<Rows> rowsOf(std::string_view table) = 0;
+    /// The SQL expression of the day of a moment, at midnight.
+    virtual std::string startOfDay(std::string_view column) const = 0;
 };
 
-/// Adds rows to a table: the columns in the table's order, then add(). An empty text is stored as null. Texts
-/// must live until add().
+/// Adds rows to a table, value by value in one expression.
 class Insert {
 public:
-    Insert(Database &database, std::string_view table);
+    Insert(Database &database, std::string_view table)
+        : m_rows(database.rowsOf(table))
+    {
+    }
 
-    Insert &text(std::string_view value);
-    Insert &moment(Moment value);
-    Insert &integer(std::int64_t value);
-    /// A number with two decimals; null when there is none.
-    Insert &hundredths(std::optional<std::int64_t> value);
-    void add();
+    Insert &text(std::string_view value) { return m_rows->text(value), *this; }
+    Insert &moment(Moment value) { return m_rows->moment(value), *this; }
+    Insert &integer(std::int64_t value) { return m_rows->integer(value), *this; }
+    Insert &hundredths(std::optional<std::int64_t> value) { return m_rows->hundredths(value), *this; }
+    void add() { m_rows->add(); }
 
 private:
-    struct Finalize {
-        void operator()(sqlite3_stmt *statement) const;
-    };
-    void check(int result) const;
-
-    Database &m_database;
-    std::unique_ptr<sqlite3_stmt, Finalize> m_statement;
-    int m_columns = 0;
-    int m_bound = 0;
+    std::unique_ptr<Rows> m_rows;
 };
 
 } // namespace demo

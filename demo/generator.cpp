@@ -1,8 +1,10 @@
 #include "demo/generator.h"
 
 #include "demo/journey.h"
+#include "demo/postgresql_database.h"
 #include "demo/schedule.h"
 #include "demo/schema.h"
+#include "demo/sqlite_database.h"
 #include "demo/writer.h"
 
 #include <filesystem>
@@ -42,16 +44,14 @@ private:
     std::string m_path;
 };
 
-void writeShipments(const Settings &settings, const Network &network, Database &database, Writer &writer, const Progress &progress)
+void writeShipments(const Settings &settings, const Network &network, Writer &writer, const Progress &progress)
 {
     constexpr std::uint64_t batch = 20000;
     const Moment firstDay = settings.days > 0 ? startOfDay(settings.asOf) - (settings.days - 1) * day : startOfPreviousMonth(settings.asOf);
     const Schedule schedule(firstDay, settings.asOf - 2 * minute);
     for (std::uint64_t index = 0; index < settings.waybills; ++index) {
-        if (index > 0 && index % batch == 0) {
-            database.run("commit; begin");
+        if (index > 0 && index % batch == 0)
             progress("生成运单", index, settings.waybills);
-        }
         Random random(settings.seed, index + 1);
         Shipment shipment = newShipment(network, random, index, schedule.pickUp(index, settings.waybills, random));
         live(network, random, settings.asOf, shipment);
@@ -62,34 +62,42 @@ void writeShipments(const Settings &settings, const Network &network, Database &
 void fill(const Settings &settings, Database &database, const Progress &progress)
 {
     const auto indexes = schema.find(indexesBegin);
-    database.run(schema.substr(0, indexes));
+    database.run("begin");
+    database.define(schema.substr(0, indexes));
     const Network network(settings.seed);
     Writer writer(database);
-    database.run("begin");
     writer.writeNetwork(network);
-    writeShipments(settings, network, database, writer, progress);
+    writeShipments(settings, network, writer, progress);
     progress("汇总签收", 0, 0);
     writer.writeSums();
-    database.run("commit");
     progress("建立索引", 0, 0);
-    database.run(schema.substr(indexes));
+    database.define(schema.substr(indexes));
     progress("统计索引", 0, 0);
     database.run("analyze");
+    database.run("commit");
+}
+
+void generateFile(const Settings &settings, const Progress &progress)
+{
+    if (!settings.replaces && fs::exists(pathOf(settings.path)))
+        throw std::runtime_error("文件“" + settings.path + "”已经存在。要替换它，请加 --force。");
+    Draft draft(settings.path);
+    {
+        SqliteDatabase database(draft.path());
+        fill(settings, database, progress);
+    }
+    draft.finish();
 }
 
 } // namespace
 
 void generate(const Settings &settings, const Progress &progress)
 {
-    if (!settings.replaces && fs::exists(pathOf(settings.path)))
-        throw std::runtime_error("文件“" + settings.path + "”已经存在。要替换它，请加 --force。");
-    Draft draft(settings.path);
-    {
-        Database database(draft.path());
-        fill(
-            settings, database, progress ? progress : [](auto &&...) {});
-    }
-    draft.finish();
+    const Progress told = progress ? progress : [](auto &&...) {};
+    if (!settings.path.starts_with("postgresql://") && !settings.path.starts_with("postgres://"))
+        return generateFile(settings, told);
+    PostgresqlDatabase database(settings.path, settings.replaces);
+    fill(settings, database, told);
 }
 
 } // namespace demo

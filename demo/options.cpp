@@ -38,16 +38,17 @@ void readPath(Settings &settings, const std::string &argument)
 } // namespace
 
 const std::string_view helpText = R"(用法：kelvara-demo [选项] 输出文件
+      kelvara-demo [选项] postgresql://用户@主机/数据库
 
-生成演示用的快递网络数据库（SQLite）：网点、员工、客户，以及每票运单从收件到签收的全部扫描。
-选项相同，生成的数据就相同。
+生成演示用的快递网络数据库：网点、员工、客户，以及每票运单从收件到签收的全部扫描。输出为 SQLite 文件，
+或已有的 PostgreSQL 数据库（先用 oracle.sql 准备好）中的表。选项相同，生成的数据就相同。
 
 选项：
   --waybills N   运单票数，默认 20000
   --days N       收件日期的天数，到截止日为止；默认从上个月的第一天开始
   --seed N       随机种子，默认 1
   --as-of 时间   截止时间，写作 yyyy-mm-dd 或 "yyyy-mm-dd hh:mm:ss"；只写日期时为当天结束；默认为现在
-  --force        输出文件已存在时替换它
+  --force        输出文件或这些表已存在时替换它们
   --help         显示本说明
 
 可以先用这些登录网点：“北京”（中心）、“北京市内部”（中心）、“北京朝阳”（直营网点）、“广东中心”（中心）、

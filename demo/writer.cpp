@@ -242,8 +242,9 @@ void Writer::writeSign(const Shipment &shipment, const Sign &sign)
 
 void Writer::writeSums()
 {
-    m_database.run("insert into TAB_SIGN_SUM select substr(SIGN_DATE, 1, 10) || ' 00:00:00', RECORD_SITE, REC_SITE, count(*),"
-                   " sum(cast(round(DISPATCH_FEE * 100) as integer)) / 100.0 from TAB_SIGN group by 1, 2, 3 order by 1, 2, 3");
+    m_database.run("insert into TAB_SIGN_SUM select " + m_database.startOfDay("SIGN_DATE")
+        + ", RECORD_SITE, REC_SITE, count(*), sum(cast(round(DISPATCH_FEE * 100) as integer)) / 100.0"
+          " from TAB_SIGN group by 1, 2, 3 order by 1, 2, 3");
 }
 
 } // namespace demo

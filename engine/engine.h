@@ -60,7 +60,8 @@ public:
     virtual void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options = {}) = 0;
 };
 
-/// Opens "sqlite:path". Throws Error(Unavailable) when the database is missing or is no database.
+/// Opens "sqlite:path", "postgresql://user@host/database" or "odbc:" with a connection string ("DSN=...", "DRIVER=...;...").
+/// Throws Error(Unavailable) when the database is missing or is no database.
 std::unique_ptr<Engine> openEngine(std::string_view url, const EngineOptions &options = {});
 
 } // namespace engine

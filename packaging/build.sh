@@ -1,8 +1,10 @@
 # Sourced by ./run and ./test: installs what is missing, configures and builds. Expects `root`, the checkout's folder.
 
-packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libflatbuffers-dev flatbuffers-compiler liblz4-dev libxxhash-dev libboost-dev libssl-dev nlohmann-json3-dev libxlsxwriter-dev libzint-dev poppler-utils unzip libgtest-dev libgmock-dev fonts-noto-cjk"
+packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libpq-dev unixodbc-dev libflatbuffers-dev flatbuffers-compiler liblz4-dev libxxhash-dev libboost-dev libssl-dev libargon2-dev nlohmann-json3-dev libxlsxwriter-dev libzint-dev libgtest-dev libgmock-dev fonts-noto-cjk"
+# What only the tests need.
+test_packages="postgresql-15 postgresql-15-orafce odbc-postgresql libsqliteodbc poppler-utils unzip"
 # A Node.js from elsewhere brings its own npm, which excludes Debian's.
-command -v npm >/dev/null || packages="$packages nodejs npm"
+command -v npm >/dev/null || test_packages="$test_packages nodejs npm"
 
 say() { printf '== %s\n' "$*"; }
 die() { printf '%s\n' "$*" >&2; exit 1; }
@@ -11,9 +13,10 @@ as_root() {
     if [ "$(id -u)" = 0 ]; then "$@"; else sudo "$@"; fi
 }
 
+# install_missing PACKAGE...
 install_missing() {
     local package missing=()
-    for package in $packages; do
+    for package in "$@"; do
         dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' || missing+=("$package")
     done
     [ ${#missing[@]} = 0 ] && return

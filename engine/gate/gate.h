@@ -25,6 +25,9 @@ enum class Construct : std::uint8_t {
     FunctionName,
     Sysdate,
     ReservedName, ///< a name that is a reserved word elsewhere
+    QuotedName, ///< a name in quotes, with them
+    LikePattern, ///< a pattern without an escape character
+    UnnamedTable, ///< a subquery in a from clause without an alias
     SortKey, ///< ascending and without "nulls ...": nulls come last
     SortKeyDescending, ///< likewise descending: nulls come first
     FromDual, ///< the whole "from dual"

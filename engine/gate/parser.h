@@ -55,7 +55,7 @@ private:
     void finishArm(const Block &block);
     bool acceptSetOperation();
     bool acceptJoin(bool &conditional);
-    void acceptTableAlias();
+    bool acceptTableAlias();
 
     // conditions and expressions
     Operand parseCondition(bool conjunction = false);

@@ -86,9 +86,11 @@ bool Parser::acceptTest(const Operand &left)
     if (accept(Symbol::In)) {
         parseInList(left);
     } else if (accept(Symbol::Like)) {
-        parseSum();
+        const Operand pattern = parseSum();
         if (accept(Symbol::Escape))
             expect(Symbol::Text, "转义字符");
+        else
+            find(Construct::LikePattern, pattern.begin, pattern.end);
     } else if (accept(Symbol::Between)) {
         compare(left, parseSum());
         expect(Symbol::And, "and");

@@ -188,8 +188,10 @@ bool Parser::acceptJoin(bool &conditional)
 void Parser::parseTable()
 {
     if (at(Symbol::LeftParenthesis) && peek(1).symbol == Symbol::Select) {
-        parseSubquery(Place::Derived);
-        return acceptTableAlias();
+        const Operand table = parseSubquery(Place::Derived);
+        if (!acceptTableAlias())
+            find(Construct::UnnamedTable, table.begin, table.end);
+        return;
     }
     if (at(Symbol::LeftParenthesis)) {
         const Nesting nesting(*this);
@@ -207,10 +209,12 @@ void Parser::parseTable()
     acceptTableAlias();
 }
 
-void Parser::acceptTableAlias()
+bool Parser::acceptTableAlias()
 {
-    if (accept(Symbol::As) || isName(peek().symbol))
-        takeName("表的别名");
+    if (!accept(Symbol::As) && !isName(peek().symbol))
+        return false;
+    takeName("表的别名");
+    return true;
 }
 
 void Parser::parseOrderBy()
@@ -300,6 +304,8 @@ const Token &Parser::takeName(std::string_view description)
         refuse(description);
     if (at(Symbol::ReservedElsewhere))
         find(Construct::ReservedName, peek().begin, peek().end);
+    else if (at(Symbol::QuotedName))
+        find(Construct::QuotedName, peek().begin, peek().end);
     return take();
 }
 

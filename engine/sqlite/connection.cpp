@@ -12,7 +12,6 @@ namespace engine {
 namespace {
 
 constexpr int stepsBetweenChecks = 1000;
-constexpr std::int64_t rowsBetweenReports = 8192;
 
 /// Functions that the dialect writes and a statement cannot name.
 constexpr std::string_view helperFunctions[]
@@ -83,15 +82,12 @@ void SqliteConnection::restrictTo(const gate::TableSet &tables)
     sqlite3_set_authorizer(m_database.get(), authorize, this);
 }
 
-packet::PacketPtr SqliteConnection::run(
-    const std::string &sql, const QueryOptions &options, Clock::time_point deadline, packet::BlockSink *sink)
+packet::PacketPtr SqliteConnection::run(const Job &job)
 {
-    m_stop = options.stop;
-    m_deadline = deadline;
-    if (mustStop())
-        fail();
-    const Statement statement = prepare(sql);
-    return readRows(statement.get(), options, sink);
+    job.throwIfStopped();
+    m_job = &job;
+    const Statement statement = prepare(job.sql);
+    return readRows(statement.get());
 }
 
 SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
@@ -109,19 +105,18 @@ SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
     return statement;
 }
 
-packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, const QueryOptions &options, packet::BlockSink *sink)
+packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement)
 {
-    SqliteRowReader reader(statement, sink);
+    SqliteRowReader reader(statement, m_job->sink);
     std::int64_t rows = 0;
     while (step(statement) == SQLITE_ROW) {
-        if (rows == options.rowLimit)
+        if (rows == m_job->options.rowLimit)
             return reader.finish(true);
         reader.addRow();
-        if (++rows % rowsBetweenReports == 0 && options.progress)
-            options.progress(rows);
+        if (++rows % Job::rowsBetweenReports == 0)
+            m_job->report(rows);
     }
-    if (options.progress)
-        options.progress(rows);
+    m_job->report(rows);
     return reader.finish(false);
 }
 
@@ -136,18 +131,13 @@ int SqliteConnection::step(sqlite3_stmt *statement)
 /// Reports why the statement did not go on.
 void SqliteConnection::fail()
 {
-    if (m_stop.stop_requested())
-        throw Error(Failure::Cancelled, "查询已取消");
-    if (Clock::now() >= m_deadline)
-        throw Error(Failure::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
+    m_job->throwIfStopped();
     const int code = sqlite3_errcode(m_database.get()) & 0xFF;
     const std::string words = sqlite3_errmsg(m_database.get());
     if (code == SQLITE_NOTADB || code == SQLITE_CORRUPT || code == SQLITE_CANTOPEN || code == SQLITE_IOERR)
         throw Error(Failure::Unavailable, "数据库 " + m_path + " 无法读取：" + words);
     throw Error(Failure::Database, "数据库报告错误：" + words);
 }
-
-bool SqliteConnection::mustStop() const { return m_stop.stop_requested() || Clock::now() >= m_deadline; }
 
 int SqliteConnection::onProgress(void *connection) { return static_cast<SqliteConnection *>(connection)->mustStop(); }
 

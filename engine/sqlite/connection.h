@@ -1,7 +1,6 @@
 #pragma once
 
-#include "engine/engine.h"
-#include "engine/gate/gate.h"
+#include "engine/connection.h"
 
 #include <sqlite3.h>
 
@@ -10,21 +9,17 @@
 namespace engine {
 
 /// One read-only connection to a SQLite file. It runs one statement at a time and keeps nothing of it afterwards.
-class SqliteConnection {
+class SqliteConnection : public Connection {
 public:
-    using Clock = std::chrono::steady_clock;
-
     /// Throws Error(Unavailable).
     explicit SqliteConnection(const std::string &path);
     SqliteConnection(const SqliteConnection &) = delete;
-    ~SqliteConnection();
+    ~SqliteConnection() override;
 
-    /// The names of the tables and views of the schema, in capitals.
-    gate::TableSet readTables();
-    /// From here on only these tables may be read, and nothing else be done.
-    void restrictTo(const gate::TableSet &tables);
-    /// Runs SQLite's own text. With a sink the rows go there and the packet is null. Throws Error.
-    packet::PacketPtr run(const std::string &sql, const QueryOptions &options, Clock::time_point deadline, packet::BlockSink *sink);
+    Dialect dialect() const override { return Dialect::Sqlite; }
+    gate::TableSet readTables() override;
+    void restrictTo(const gate::TableSet &tables) override;
+    packet::PacketPtr run(const Job &job) override;
 
 private:
     struct CloseDatabase {
@@ -37,10 +32,10 @@ private:
 
     void configure();
     Statement prepare(const std::string &sql);
-    packet::PacketPtr readRows(sqlite3_stmt *statement, const QueryOptions &options, packet::BlockSink *sink);
+    packet::PacketPtr readRows(sqlite3_stmt *statement);
     int step(sqlite3_stmt *statement);
     [[noreturn]] void fail();
-    bool mustStop() const;
+    bool mustStop() const { return m_job != nullptr && m_job->mustStop(); }
     static int onProgress(void *connection);
     static int onBusy(void *connection, int attempts);
     static int authorize(void *connection, int action, const char *first, const char *second, const char *, const char *);
@@ -49,8 +44,7 @@ private:
     std::string m_path;
     std::unique_ptr<sqlite3, CloseDatabase> m_database;
     const gate::TableSet *m_tables = nullptr;
-    std::stop_token m_stop {}; ///< of the statement that runs
-    Clock::time_point m_deadline = Clock::time_point::max();
+    const Job *m_job = nullptr; ///< that of run(), while it runs
 };
 
 } // namespace engine

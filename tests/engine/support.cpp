@@ -1,5 +1,7 @@
 #include "support.h"
 
+#include "postgresql_server.h"
+
 #include <sqlite3.h>
 
 #include <atomic>
@@ -29,6 +31,23 @@ TemporaryDatabase::~TemporaryDatabase()
 {
     std::error_code ignored;
     std::filesystem::remove(m_path, ignored);
+}
+
+std::string nameOf(const testing::TestParamInfo<Kind> &kind)
+{
+    constexpr const char *names[] = { "Sqlite", "Postgresql", "OdbcPostgresql" };
+    return names[int(kind.param)];
+}
+
+AnyDatabase::AnyDatabase(Kind kind, const std::string &sql)
+{
+    if (kind == Kind::Sqlite) {
+        m_url = m_file.emplace(sql).url();
+        return;
+    }
+    auto &server = PostgresqlServer::instance();
+    const std::string name = server.makeDatabase(sql);
+    m_url = kind == Kind::Postgresql ? server.readerUrl(name) : server.odbcUrl(name);
 }
 
 std::string fileText(const std::string &path)

@@ -2,7 +2,10 @@
 
 #include "engine/engine.h"
 
+#include <gtest/gtest.h>
+
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,6 +24,22 @@ public:
 
 private:
     std::filesystem::path m_path;
+};
+
+/// The databases that the same statements run on.
+enum class Kind { Sqlite, Postgresql, OdbcPostgresql };
+/// As names of the tests.
+std::string nameOf(const testing::TestParamInfo<Kind> &kind);
+
+/// A database of one of these kinds. Types in its SQL are Oracle's.
+class AnyDatabase {
+public:
+    AnyDatabase(Kind kind, const std::string &sql);
+    std::string url() const { return m_url; }
+
+private:
+    std::optional<TemporaryDatabase> m_file {};
+    std::string m_url;
 };
 
 /// The text of a file of the repository.

@@ -1,6 +1,4 @@
-#include "engine/sqlite/sqlite_engine.h"
-
-#include "engine/dialect.h"
+#include "engine/pooled_engine.h"
 
 #include <algorithm>
 
@@ -8,9 +6,8 @@ namespace engine {
 
 namespace {
 
-SqliteConnection::Clock::time_point deadlineIn(std::chrono::milliseconds limit)
+Clock::time_point deadlineIn(std::chrono::milliseconds limit)
 {
-    using Clock = SqliteConnection::Clock;
     const auto now = Clock::now();
     return limit < Clock::time_point::max() - now ? now + limit : Clock::time_point::max();
 }
@@ -18,27 +15,28 @@ SqliteConnection::Clock::time_point deadlineIn(std::chrono::milliseconds limit)
 } // namespace
 
 /// Gives its connection back to the pool, whatever happens.
-class SqliteEngine::Lease {
+class PooledEngine::Lease {
 public:
-    Lease(SqliteEngine &engine, const std::stop_token &stop, Clock::time_point deadline)
+    Lease(PooledEngine &engine, const std::stop_token &stop, Clock::time_point deadline)
         : m_engine(engine)
         , m_connection(engine.acquire(stop, deadline))
     {
     }
     Lease(const Lease &) = delete;
     ~Lease() { m_engine.release(std::move(m_connection)); }
-    SqliteConnection *operator->() const { return m_connection.get(); }
+    Connection *operator->() const { return m_connection.get(); }
 
 private:
-    SqliteEngine &m_engine;
-    std::unique_ptr<SqliteConnection> m_connection;
+    PooledEngine &m_engine;
+    std::unique_ptr<Connection> m_connection;
 };
 
-SqliteEngine::SqliteEngine(const std::string &path, const EngineOptions &options)
-    : m_path(path)
+PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
+    : m_open(std::move(open))
     , m_limit(std::max<std::size_t>(options.connections, 1))
 {
-    auto first = std::make_unique<SqliteConnection>(path);
+    auto first = m_open();
+    m_dialect = first->dialect();
     m_tables = first->readTables();
     if (!options.tables.empty()) {
         m_tables.clear();
@@ -49,14 +47,13 @@ SqliteEngine::SqliteEngine(const std::string &path, const EngineOptions &options
     m_idle.push_back(std::move(first));
 }
 
-packet::PacketPtr SqliteEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
+packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
 {
-    const std::string text = sqliteText(sql, gate::check(sql, m_tables));
-    const auto deadline = deadlineIn(options.timeLimit);
-    return Lease(*this, options.stop, deadline)->run(text, options, deadline, sink);
+    const Job job { textFor(m_dialect, sql, gate::check(sql, m_tables)), options, deadlineIn(options.timeLimit), sink };
+    return Lease(*this, options.stop, job.deadline)->run(job);
 }
 
-std::unique_ptr<SqliteConnection> SqliteEngine::acquire(const std::stop_token &stop, Clock::time_point deadline)
+std::unique_ptr<Connection> PooledEngine::acquire(const std::stop_token &stop, Clock::time_point deadline)
 {
     std::unique_lock lock(m_mutex);
     const auto free = [this] { return m_busy < m_limit; };
@@ -73,26 +70,26 @@ std::unique_ptr<SqliteConnection> SqliteEngine::acquire(const std::stop_token &s
     }
     lock.unlock();
     try {
-        return open();
+        return openAnother();
     } catch (...) {
         release(nullptr);
         throw;
     }
 }
 
-std::unique_ptr<SqliteConnection> SqliteEngine::open()
+std::unique_ptr<Connection> PooledEngine::openAnother()
 {
-    auto connection = std::make_unique<SqliteConnection>(m_path);
+    auto connection = m_open();
     connection->restrictTo(m_tables);
     return connection;
 }
 
-void SqliteEngine::release(std::unique_ptr<SqliteConnection> connection)
+void PooledEngine::release(std::unique_ptr<Connection> connection)
 {
     {
         const std::lock_guard lock(m_mutex);
         --m_busy;
-        if (connection)
+        if (connection && connection->isUsable())
             m_idle.push_back(std::move(connection));
     }
     m_released.notify_one();

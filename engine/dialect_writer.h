@@ -1,0 +1,54 @@
+#pragma once
+
+#include "engine/gate/gate.h"
+
+namespace engine {
+
+/// Gathers what is to be changed in a statement and then writes it out.
+class DialectWriter {
+public:
+    /// `helpers` stands before the name of every helper function.
+    DialectWriter(std::string_view sql, std::string_view helpers)
+        : m_sql(sql)
+        , m_helpers(helpers)
+    {
+    }
+
+    void open(std::uint32_t position, std::string text) { add(position, 0, Placement::Open, std::move(text)); }
+    void close(std::uint32_t position, std::string text) { add(position, 0, Placement::Close, std::move(text)); }
+    void replace(const gate::Finding &finding, std::string text)
+    {
+        add(finding.begin, finding.end - finding.begin, Placement::Replace, std::move(text));
+    }
+    void wrap(const gate::Finding &finding, std::string before, std::string after)
+    {
+        open(finding.begin, std::move(before));
+        close(finding.end, std::move(after));
+    }
+    /// What every database but Oracle has to be told in the same way. Throws Error(Refused) for a use of rownum that none
+    /// can express.
+    void writeCommon(const gate::Finding &finding);
+
+    std::string_view partOf(const gate::Finding &finding) const { return m_sql.substr(finding.begin, finding.end - finding.begin); }
+    /// The whole statement as it has become.
+    std::string text();
+
+private:
+    enum class Placement : std::uint8_t { Close, Open, Replace };
+    struct Edit {
+        std::uint32_t position;
+        std::uint32_t removed;
+        Placement placement;
+        std::uint32_t order; ///< among edits of one place: what closes comes inner first, what opens outer first
+        std::string text;
+    };
+    void add(std::uint32_t position, std::uint32_t removed, Placement placement, std::string text);
+    std::string call(std::string_view helper) const { return std::string(m_helpers).append(helper) + '('; }
+    std::string numberOf(std::string_view literal) const;
+
+    std::string_view m_sql;
+    std::string_view m_helpers;
+    std::vector<Edit> m_edits;
+};
+
+} // namespace engine

@@ -1,0 +1,243 @@
+#include "engine/odbc/connection.h"
+
+#include "engine/odbc/row_reader.h"
+#include "engine/odbc/wide_text.h"
+#include "engine/postgresql/catalogue.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+namespace engine {
+
+namespace {
+
+using namespace std::chrono_literals;
+using odbc::Handle;
+
+constexpr SQLULEN loginSeconds = 10;
+constexpr auto cancelInterval = 10ms;
+
+SQLPOINTER attribute(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }
+
+/// Cancels a statement when its job must stop, as often as it takes: a driver passes over a request that comes before the
+/// statement has reached the server.
+class Canceller {
+public:
+    Canceller(const Handle &statement, const Job &job)
+        : m_statement(statement)
+        , m_job(job)
+        , m_thread([this](const std::stop_token &finished) { watch(finished); })
+    {
+    }
+    Canceller(const Canceller &) = delete;
+
+private:
+    void watch(const std::stop_token &finished)
+    {
+        const std::stop_callback wake(m_job.options.stop, [this] { wakeUp(); });
+        std::unique_lock lock(m_mutex);
+        const auto mustStop = [this] { return m_job.mustStop(); };
+        while (!finished.stop_requested() && !mustStop())
+            m_changed.wait_until(lock, finished, std::min(m_job.deadline, Clock::now() + 1h), mustStop);
+        while (!finished.stop_requested()) {
+            SQLCancel(m_statement);
+            m_changed.wait_for(lock, finished, cancelInterval, [] { return false; });
+        }
+    }
+
+    void wakeUp()
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+        }
+        m_changed.notify_all();
+    }
+
+    const Handle &m_statement;
+    const Job &m_job;
+    std::mutex m_mutex;
+    std::condition_variable_any m_changed;
+    std::jthread m_thread; ///< the last member: it ends before the others go
+};
+
+void setTimeLimit(const Handle &statement, Clock::time_point deadline)
+{
+    const auto left = std::chrono::ceil<std::chrono::seconds>(deadline - Clock::now()).count();
+    if (left < std::chrono::seconds(24h).count())
+        SQLSetStmtAttr(statement, SQL_ATTR_QUERY_TIMEOUT, attribute(SQLULEN(std::max<std::int64_t>(left, 1))), 0);
+}
+
+} // namespace
+
+OdbcConnection::OdbcConnection(const std::string &parameters)
+    : m_parameters(parameters)
+    , m_environment(SQL_HANDLE_ENV, nullptr)
+{
+    SQLSetEnvAttr(m_environment, SQL_ATTR_ODBC_VERSION, attribute(SQL_OV_ODBC3), 0);
+    connect();
+}
+
+OdbcConnection::~OdbcConnection()
+{
+    if (m_connection != nullptr)
+        rollBack();
+}
+
+bool OdbcConnection::rollBack() { return SQL_SUCCEEDED(SQLEndTran(SQL_HANDLE_DBC, m_connection, SQL_ROLLBACK)); }
+
+void OdbcConnection::connect()
+{
+    m_connection = Handle();
+    Handle connection(SQL_HANDLE_DBC, m_environment);
+    SQLSetConnectAttrW(connection, SQL_ATTR_LOGIN_TIMEOUT, attribute(loginSeconds), 0);
+    SQLSetConnectAttrW(connection, SQL_ATTR_ACCESS_MODE, attribute(SQL_MODE_READ_ONLY), 0);
+    auto parameters = odbc::wideOf(m_parameters);
+    if (!SQL_SUCCEEDED(SQLDriverConnectW(connection, nullptr, parameters.data(), SQL_NTS, nullptr, 0, nullptr, SQL_DRIVER_NOPROMPT)))
+        throw Error(Failure::Unavailable,
+            "无法连接 ODBC 数据源：" + odbc::diagnosisOf(connection).message + "；请检查数据源的设置、数据库服务器和网络");
+    m_connection = std::move(connection);
+    m_hasWaited = false;
+    const std::string system = information(SQL_DBMS_NAME);
+    m_dialect = system == "PostgreSQL" ? Dialect::Postgresql : system == "SQLite" ? Dialect::Sqlite : Dialect::Oracle;
+    findEncoding();
+    makeReadOnly();
+    SQLSetConnectAttrW(m_connection, SQL_ATTR_AUTOCOMMIT, attribute(SQL_AUTOCOMMIT_OFF), 0);
+}
+
+/// The attribute is a hint that drivers may pass over.
+void OdbcConnection::makeReadOnly()
+{
+    if (m_dialect == Dialect::Oracle)
+        return;
+    const Handle statement = newStatement();
+    if (!odbc::execute(statement, m_dialect == Dialect::Sqlite ? "pragma query_only=1" : "set default_transaction_read_only = on"))
+        odbc::fail(statement);
+}
+
+/// Whether a Han character survives as a wide one: some managers cut them for drivers that know bytes alone.
+void OdbcConnection::findEncoding()
+{
+    const Handle statement = newStatement();
+    std::string text;
+    SQLWCHAR value[8] = {};
+    SQLLEN bytes = 0;
+    if (odbc::execute(statement, m_dialect == Dialect::Oracle ? "select '中' from dual" : "select '中'")
+        && SQL_SUCCEEDED(SQLFetch(statement)) && SQL_SUCCEEDED(SQLGetData(statement, 1, SQL_C_WCHAR, value, sizeof value, &bytes))
+        && bytes > 0)
+        odbc::appendText(value, std::min(std::size_t(bytes) / sizeof(SQLWCHAR), std::size(value)), text);
+    m_encoding = text == "中" ? odbc::Encoding::Wide : odbc::Encoding::Utf8;
+}
+
+odbc::Handle OdbcConnection::newStatement() const { return Handle(SQL_HANDLE_STMT, m_connection, m_encoding); }
+
+std::string OdbcConnection::information(SQLUSMALLINT type) const
+{
+    SQLWCHAR value[128] = {};
+    SQLSMALLINT bytes = 0;
+    std::string text;
+    if (SQL_SUCCEEDED(SQLGetInfoW(m_connection, type, value, sizeof value, &bytes)))
+        odbc::appendText(value, std::min(std::size_t(bytes), sizeof value) / sizeof(SQLWCHAR), text);
+    return text;
+}
+
+gate::TableSet OdbcConnection::readTables()
+{
+    const Handle statement = newStatement();
+    const SQLUSMALLINT nameColumn = listTables(statement);
+    gate::TableSet tables;
+    while (SQL_SUCCEEDED(SQLFetch(statement))) {
+        char value[512] = {};
+        SQLLEN bytes = 0;
+        std::string buffer;
+        if (SQL_SUCCEEDED(SQLGetData(statement, nameColumn, statement.textType(), value, sizeof value, &bytes)) && bytes > 0)
+            tables.insert(gate::upperCase(odbc::textOf(m_encoding, value, std::min(std::size_t(bytes), sizeof value), buffer)));
+    }
+    rollBack();
+    return tables;
+}
+
+/// Asks for the tables and returns the column with their names. In an Oracle-class database they are the account's own: the
+/// catalogue lists those of the system beside them.
+SQLUSMALLINT OdbcConnection::listTables(const Handle &statement) const
+{
+    constexpr SQLUSMALLINT nameOfTable = 3;
+    if (m_dialect == Dialect::Postgresql) {
+        if (!odbc::execute(statement, postgresqlTables))
+            odbc::fail(statement);
+        return 1;
+    }
+    auto schema = odbc::wideOf(gate::upperCase(information(SQL_USER_NAME)));
+    auto name = odbc::wideOf("%");
+    auto types = odbc::wideOf("TABLE,VIEW");
+    if (!SQL_SUCCEEDED(SQLTablesW(statement, nullptr, 0, m_dialect == Dialect::Oracle ? schema.data() : nullptr, SQL_NTS, name.data(),
+            SQL_NTS, types.data(), SQL_NTS)))
+        odbc::fail(statement);
+    return nameOfTable;
+}
+
+packet::PacketPtr OdbcConnection::run(const Job &job)
+{
+    job.throwIfStopped();
+    packet::PacketPtr packet;
+    try {
+        packet = attempt(job);
+    } catch (const Error &error) {
+        const bool lost = isLost(error);
+        m_usable = !lost && error.failure() == Failure::Database && rollBack();
+        job.throwIfStopped();
+        if (lost && (!m_hasWaited || m_hasRows))
+            throw Error(Failure::Unavailable, error.what());
+        if (!lost)
+            throw;
+        // Lost while it waited in the pool: replaced silently.
+        connect();
+        packet = attempt(job);
+    }
+    m_hasWaited = true;
+    m_usable = rollBack();
+    return packet;
+}
+
+/// Whether the connection is gone; not every driver says so by the state of the error.
+bool OdbcConnection::isLost(const Error &error) const
+{
+    SQLUINTEGER dead = SQL_CD_FALSE;
+    SQLGetConnectAttrW(m_connection, SQL_ATTR_CONNECTION_DEAD, &dead, SQL_IS_UINTEGER, nullptr);
+    return error.failure() == Failure::Unavailable || dead == SQL_CD_TRUE;
+}
+
+packet::PacketPtr OdbcConnection::attempt(const Job &job)
+{
+    m_usable = false;
+    m_hasRows = false;
+    const Handle statement = newStatement();
+    SQLSetStmtAttr(statement, SQL_ATTR_NOSCAN, attribute(SQL_NOSCAN_ON), 0);
+    setTimeLimit(statement, job.deadline);
+    const Canceller canceller(statement, job);
+    if (!odbc::execute(statement, job.sql))
+        odbc::fail(statement);
+    m_hasRows = true;
+    return readRows(job, statement);
+}
+
+packet::PacketPtr OdbcConnection::readRows(const Job &job, const Handle &statement)
+{
+    odbc::RowReader reader(statement, m_dialect, job.sink);
+    std::int64_t rows = 0;
+    while (const std::size_t fetched = reader.fetch()) {
+        job.throwIfStopped();
+        for (std::size_t row = 0; row < fetched; ++row) {
+            if (rows == job.options.rowLimit)
+                return reader.finish(true);
+            reader.addRow(row);
+            if (++rows % Job::rowsBetweenReports == 0)
+                job.report(rows);
+        }
+    }
+    job.report(rows);
+    return reader.finish(false);
+}
+
+} // namespace engine

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "engine/connection.h"
+#include "engine/odbc/handle.h"
+
+namespace engine {
+
+/// One connection of the ODBC driver manager, without autocommit: what a statement has begun is rolled back after it.
+class OdbcConnection : public Connection {
+public:
+    /// Takes a connection string: "DSN=..." or "DRIVER=...;...". Throws Error(Unavailable).
+    explicit OdbcConnection(const std::string &parameters);
+    ~OdbcConnection() override;
+
+    /// By the name of the database system; what is neither PostgreSQL nor SQLite gets Oracle's words.
+    Dialect dialect() const override { return m_dialect; }
+    gate::TableSet readTables() override;
+    packet::PacketPtr run(const Job &job) override;
+    bool isUsable() const override { return m_usable; }
+
+private:
+    void connect();
+    void makeReadOnly();
+    void findEncoding();
+    odbc::Handle newStatement() const;
+    std::string information(SQLUSMALLINT type) const;
+    SQLUSMALLINT listTables(const odbc::Handle &statement) const;
+    packet::PacketPtr attempt(const Job &job);
+    bool isLost(const Error &error) const;
+    bool rollBack();
+    packet::PacketPtr readRows(const Job &job, const odbc::Handle &statement);
+
+    std::string m_parameters;
+    odbc::Handle m_environment;
+    odbc::Handle m_connection;
+    Dialect m_dialect = Dialect::Oracle;
+    odbc::Encoding m_encoding = odbc::Encoding::Wide;
+    bool m_usable = true;
+    bool m_hasWaited = false; ///< in the pool, so that it may have been lost unnoticed
+    bool m_hasRows = false; ///< the statement at hand has been executed
+};
+
+} // namespace engine

@@ -1,0 +1,69 @@
+#include "engine/odbc/wide_text.h"
+
+#include "engine/gate/utf8.h"
+
+namespace engine::odbc {
+
+namespace {
+
+constexpr char32_t replacement = 0xFFFD;
+
+void append(char32_t code, std::string &out)
+{
+    if (code < 0x80) {
+        out += char(code);
+    } else if (code < 0x800) {
+        out += char(0xC0 | code >> 6);
+        out += char(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        out += char(0xE0 | code >> 12);
+        out += char(0x80 | (code >> 6 & 0x3F));
+        out += char(0x80 | (code & 0x3F));
+    } else {
+        out += char(0xF0 | code >> 18);
+        out += char(0x80 | (code >> 12 & 0x3F));
+        out += char(0x80 | (code >> 6 & 0x3F));
+        out += char(0x80 | (code & 0x3F));
+    }
+}
+
+bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
+bool isLowSurrogate(char32_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
+
+} // namespace
+
+std::vector<SQLWCHAR> wideOf(std::string_view text)
+{
+    std::vector<SQLWCHAR> wide;
+    wide.reserve(text.size() + 1);
+    for (std::size_t position = 0; position < text.size();) {
+        const std::string_view character = gate::characterAt(text, position);
+        const char32_t code = character.empty() ? replacement : gate::codePointAt(text, position);
+        position += character.empty() ? 1 : character.size();
+        if (code >= 0x10000) {
+            wide.push_back(SQLWCHAR(0xD800 + ((code - 0x10000) >> 10)));
+            wide.push_back(SQLWCHAR(0xDC00 + (code & 0x3FF)));
+        } else {
+            wide.push_back(SQLWCHAR(code));
+        }
+    }
+    wide.push_back(0);
+    return wide;
+}
+
+void appendText(const SQLWCHAR *characters, std::size_t size, std::string &out)
+{
+    for (std::size_t position = 0; position < size; ++position) {
+        const char32_t unit = characters[position];
+        if (!isHighSurrogate(unit) && !isLowSurrogate(unit)) {
+            append(unit, out);
+        } else if (isHighSurrogate(unit) && position + 1 < size && isLowSurrogate(characters[position + 1])) {
+            append(0x10000 + ((unit - 0xD800) << 10) + (characters[position + 1] - 0xDC00), out);
+            ++position;
+        } else {
+            append(replacement, out);
+        }
+    }
+}
+
+} // namespace engine::odbc

@@ -1,0 +1,253 @@
+#include "engine/postgresql/connection.h"
+
+#include "engine/postgresql/catalogue.h"
+#include "engine/postgresql/row_reader.h"
+#include "engine/postgresql/socket_wait.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace engine {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+/// How soon a stop request is noticed while the server computes.
+constexpr auto stopInterval = 5ms;
+constexpr std::int64_t rowsBetweenChecks = 256;
+
+/// What holds for every session, whatever the URL says.
+constexpr std::string_view sessionOptions = " -c default_transaction_read_only=on -c standard_conforming_strings=on -c "
+                                            "client_min_messages=error -c datestyle=ISO -c intervalstyle=postgres";
+
+/// What holds when the URL does not say otherwise: a server that is gone is noticed.
+constexpr std::pair<std::string_view, const char *> defaults[] = {
+    { "connect_timeout", "10" },
+    { "keepalives_idle", "30" },
+    { "keepalives_interval", "10" },
+    { "keepalives_count", "3" },
+    { "tcp_user_timeout", "60000" },
+    { "application_name", "kelvara" },
+};
+
+std::string trimmed(const char *message)
+{
+    std::string text(message);
+    text.erase(text.find_last_not_of(" \r\n") + 1);
+    return text;
+}
+
+struct FreeOptions {
+    void operator()(PQconninfoOption *options) const { PQconninfoFree(options); }
+};
+
+/// The parameters of a URL, ours among them.
+class Parameters {
+public:
+    explicit Parameters(const std::string &url)
+    {
+        char *error = nullptr;
+        m_options.reset(PQconninfoParse(url.c_str(), &error));
+        const std::string message = error != nullptr ? trimmed(error) : "内存不足";
+        PQfreemem(error);
+        if (!m_options)
+            throw Error(Failure::Unavailable, "无法识别数据库地址：" + message + "；应写作 postgresql://用户@主机/数据库");
+        for (const PQconninfoOption *option = m_options.get(); option->keyword != nullptr; ++option)
+            add(*option);
+        m_keywords.push_back("client_encoding");
+        m_values.push_back("UTF8");
+        m_keywords.push_back(nullptr);
+        m_values.push_back(nullptr);
+    }
+    PGconn *connect() const { return PQconnectdbParams(m_keywords.data(), m_values.data(), 0); }
+
+private:
+    void add(const PQconninfoOption &option)
+    {
+        const std::string_view keyword = option.keyword;
+        const char *value = option.val;
+        if (keyword == "options") {
+            m_sessionOptions = std::string(value != nullptr ? value : "").append(sessionOptions);
+            value = m_sessionOptions.c_str();
+        }
+        const auto *const ours
+            = std::find_if(std::begin(defaults), std::end(defaults), [keyword](const auto &entry) { return entry.first == keyword; });
+        if (value == nullptr && ours != std::end(defaults))
+            value = ours->second;
+        m_keywords.push_back(option.keyword);
+        m_values.push_back(value);
+    }
+
+    std::unique_ptr<PQconninfoOption, FreeOptions> m_options;
+    std::string m_sessionOptions;
+    std::vector<const char *> m_keywords;
+    std::vector<const char *> m_values;
+};
+
+/// The server cuts behind one row more than wanted, so that the cut is known; it need not sort what lies beyond.
+std::string limited(const Job &job)
+{
+    if (job.options.rowLimit == std::numeric_limits<std::int64_t>::max())
+        return job.sql;
+    return "select * from (" + job.sql + "\n) as limited limit " + std::to_string(job.options.rowLimit + 1);
+}
+
+} // namespace
+
+PostgresqlConnection::PostgresqlConnection(const std::string &url)
+    : m_connection(Parameters(url).connect())
+{
+    if (PQstatus(m_connection.get()) != CONNECTION_OK)
+        failUnavailable("无法连接数据库");
+}
+
+gate::TableSet PostgresqlConnection::readTables()
+{
+    const Result result = execute(std::string(postgresqlTables));
+    if (PQresultStatus(result.get()) != PGRES_TUPLES_OK)
+        failUnavailable("无法读取数据库的表");
+    gate::TableSet tables;
+    for (int row = 0; row < PQntuples(result.get()); ++row)
+        tables.insert(gate::upperCase(PQgetvalue(result.get(), row, 0)));
+    return tables;
+}
+
+packet::PacketPtr PostgresqlConnection::run(const Job &job)
+try {
+    job.throwIfStopped();
+    m_usable = false;
+    begin(job);
+    Result first = start(job, Form::Binary);
+    if (!PostgresqlRowReader::readsBinary(first.get())) {
+        first.reset();
+        cancel();
+        reset();
+        begin(job);
+        first = start(job, Form::Text);
+    }
+    const auto packet = readRows(job, std::move(first));
+    end();
+    return packet;
+} catch (...) {
+    if (!m_usable)
+        cancel();
+    throw;
+}
+
+/// A session that was lost while it waited in the pool is replaced silently.
+void PostgresqlConnection::begin(const Job &job)
+{
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(job.deadline - Clock::now());
+    const auto limit = std::clamp<std::int64_t>(left.count(), 1, std::numeric_limits<int>::max());
+    const std::string command = "begin transaction read only; set local statement_timeout = " + std::to_string(limit);
+    Result result = execute(command);
+    if (PQstatus(m_connection.get()) != CONNECTION_OK) {
+        reset();
+        result = execute(command);
+    }
+    if (PQresultStatus(result.get()) != PGRES_COMMAND_OK)
+        fail(job, result.get());
+}
+
+void PostgresqlConnection::end()
+{
+    m_usable
+        = PQresultStatus(execute("rollback").get()) == PGRES_COMMAND_OK && PQresultStatus(execute("discard all").get()) == PGRES_COMMAND_OK;
+}
+
+/// Sends the statement and waits for its first row, or for the empty result at its end.
+PostgresqlConnection::Result PostgresqlConnection::start(const Job &job, Form form)
+{
+    // This way of sending takes one statement and no second.
+    const std::string sql = limited(job);
+    if (!PQsendQueryParams(m_connection.get(), sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, int(form)))
+        failUnavailable("数据库连接中断");
+    PQsetSingleRowMode(m_connection.get());
+    return next(job);
+}
+
+packet::PacketPtr PostgresqlConnection::readRows(const Job &job, Result row)
+{
+    PostgresqlRowReader reader(row.get(), job.sink);
+    std::int64_t rows = 0;
+    bool truncated = false;
+    for (; PQntuples(row.get()) > 0; row = next(job)) {
+        truncated = rows == job.options.rowLimit;
+        if (truncated)
+            continue;
+        reader.addRow(row.get());
+        if (++rows % Job::rowsBetweenReports == 0)
+            job.report(rows);
+        if (rows % rowsBetweenChecks == 0)
+            job.throwIfStopped();
+    }
+    while (next(job)) { }
+    if (!truncated)
+        job.report(rows);
+    return reader.finish(truncated);
+}
+
+/// The next result of the statement; null behind the last. Throws Error.
+PostgresqlConnection::Result PostgresqlConnection::next(const Job &job)
+{
+    PGconn *const connection = m_connection.get();
+    while (PQisBusy(connection)) {
+        job.throwIfStopped();
+        if (waitReadable(PQsocket(connection), stopInterval) && !PQconsumeInput(connection))
+            failUnavailable("数据库连接中断");
+    }
+    Result result(PQgetResult(connection));
+    const ExecStatusType status = PQresultStatus(result.get());
+    if (result && status != PGRES_SINGLE_TUPLE && status != PGRES_TUPLES_OK)
+        fail(job, result.get());
+    return result;
+}
+
+/// Asks the server to stop what this session is doing.
+void PostgresqlConnection::cancel()
+{
+    char message[256];
+    if (PGcancel *const request = PQgetCancel(m_connection.get())) {
+        PQcancel(request, message, sizeof message);
+        PQfreeCancel(request);
+    }
+}
+
+PostgresqlConnection::Result PostgresqlConnection::execute(const std::string &command)
+{
+    return Result(PQexec(m_connection.get(), command.c_str()));
+}
+
+void PostgresqlConnection::reset()
+{
+    PQreset(m_connection.get());
+    if (PQstatus(m_connection.get()) != CONNECTION_OK)
+        failUnavailable("无法连接数据库");
+}
+
+/// Reports why the statement did not go on.
+void PostgresqlConnection::fail(const Job &job, const PGresult *result)
+{
+    constexpr std::string_view cancelled = "57014";
+    const char *const code = PQresultErrorField(result, PG_DIAG_SQLSTATE);
+    const char *const primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
+    const std::string words = primary != nullptr ? primary : trimmed(PQresultErrorMessage(result));
+    const bool isCancelled = code != nullptr && code == cancelled;
+    while (Result(PQgetResult(m_connection.get()))) { }
+    if (PQstatus(m_connection.get()) != CONNECTION_OK)
+        throw Error(Failure::Unavailable, "数据库连接中断：" + words + "；请稍后再试");
+    end();
+    job.throwIfStopped();
+    // The server's clock may run a little ahead of ours.
+    if (isCancelled && job.deadline - Clock::now() < 1s)
+        throw Error(Failure::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
+    throw Error(Failure::Database, "数据库报告错误：" + words);
+}
+
+void PostgresqlConnection::failUnavailable(const std::string &what)
+{
+    throw Error(Failure::Unavailable, what + "：" + trimmed(PQerrorMessage(m_connection.get())) + "；请检查数据库服务器和网络，稍后再试");
+}
+
+} // namespace engine

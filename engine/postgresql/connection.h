@@ -1,0 +1,46 @@
+#pragma once
+
+#include "engine/connection.h"
+
+#include <libpq-fe.h>
+
+namespace engine {
+
+/// One session of a PostgreSQL server. Every statement runs in a read-only transaction that is rolled back, and the session
+/// forgets its settings after it. The server has to have been prepared with oracle.sql.
+class PostgresqlConnection : public Connection {
+public:
+    /// Takes a URL "postgresql://user@host/database" with libpq's parameters. Throws Error(Unavailable).
+    explicit PostgresqlConnection(const std::string &url);
+
+    Dialect dialect() const override { return Dialect::Postgresql; }
+    gate::TableSet readTables() override;
+    packet::PacketPtr run(const Job &job) override;
+    bool isUsable() const override { return m_usable; }
+
+private:
+    struct Finish {
+        void operator()(PGconn *connection) const { PQfinish(connection); }
+    };
+    struct Clear {
+        void operator()(PGresult *result) const { PQclear(result); }
+    };
+    using Result = std::unique_ptr<PGresult, Clear>;
+    enum class Form : int { Text, Binary };
+
+    void begin(const Job &job);
+    void end();
+    Result start(const Job &job, Form form);
+    packet::PacketPtr readRows(const Job &job, Result row);
+    Result next(const Job &job);
+    void cancel();
+    Result execute(const std::string &command);
+    void reset();
+    [[noreturn]] void fail(const Job &job, const PGresult *result);
+    [[noreturn]] void failUnavailable(const std::string &what);
+
+    std::unique_ptr<PGconn, Finish> m_connection;
+    bool m_usable = true;
+};
+
+} // namespace engine
