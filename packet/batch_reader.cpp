@@ -34,8 +34,6 @@ Buffer copied(std::span<const T> values)
     return Buffer::adopt(std::vector<T>(values.begin(), values.end()));
 }
 
-bool fitsInt64(Int128 value) { return value == Int128(std::int64_t(value)); }
-
 /// Takes the zeros at the end that all the numbers share off them and off the scale.
 void dropCommonZeros(std::vector<Int128> &units, int &scale)
 {
@@ -205,19 +203,27 @@ void BatchReader::appendTo(Dictionary &dictionary)
 void BatchReader::readDecimals(Chunk &chunk, int scale)
 {
     const auto bytes = nextBuffer(m_rows * sizeof(Int128));
+    const auto halves = std::span(reinterpret_cast<const std::int64_t *>(bytes.data()), m_rows * 2); // the low one first
+    std::int64_t beyond = 0; // not 0 when a number needs more than 64 bits
+    for (std::size_t row = 0; row < m_rows; ++row)
+        beyond |= halves[row * 2 + 1] ^ (halves[row * 2] >> 63);
+    if (beyond != 0)
+        return readWideDecimals(chunk, bytes, scale);
+    std::vector<std::int64_t> units(m_rows);
+    for (std::size_t row = 0; row < m_rows; ++row)
+        units[row] = halves[row * 2];
+    chunk.scale = std::int8_t(scale);
+    chunk.width = sizeof(std::int64_t);
+    chunk.values = Buffer::adopt(std::move(units));
+}
+
+void BatchReader::readWideDecimals(Chunk &chunk, std::span<const std::byte> bytes, int scale)
+{
     std::vector<Int128> units(m_rows);
     std::memcpy(units.data(), bytes.data(), bytes.size());
-    bool sound = true;
-    bool narrow = true;
-    for (const Int128 value : units) {
-        sound &= value < decimalLimit && value > -decimalLimit;
-        narrow &= fitsInt64(value);
-    }
-    check(sound);
-    if (!narrow) {
-        dropCommonZeros(units, scale);
-        narrow = std::all_of(units.begin(), units.end(), fitsInt64);
-    }
+    check(std::all_of(units.begin(), units.end(), [](Int128 value) { return value < decimalLimit && value > -decimalLimit; }));
+    dropCommonZeros(units, scale);
+    const bool narrow = std::all_of(units.begin(), units.end(), [](Int128 value) { return value == Int128(std::int64_t(value)); });
     chunk.scale = std::int8_t(scale);
     chunk.width = narrow ? sizeof(std::int64_t) : sizeof(Int128);
     chunk.values = narrow ? Buffer::adopt(std::vector<std::int64_t>(units.begin(), units.end())) : Buffer::adopt(std::move(units));

@@ -30,6 +30,7 @@ private:
     void readTexts(Chunk &chunk);
     void readIndexes(Chunk &chunk, std::size_t dictionarySize, bool anyText);
     void readDecimals(Chunk &chunk, int scale);
+    void readWideDecimals(Chunk &chunk, std::span<const std::byte> bytes, int scale);
     void readWords(Chunk &chunk, ColumnType type);
 
     const arrow::RecordBatch &m_batch;

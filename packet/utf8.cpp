@@ -1,5 +1,6 @@
 #include "packet/utf8.h"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 
@@ -35,22 +36,26 @@ bool isUtf8(std::string_view text)
 {
     const auto *bytes = reinterpret_cast<const unsigned char *>(text.data());
     const unsigned char *const end = bytes + text.size();
-    while (bytes != end) {
+    while (true) {
         std::uint64_t word = 0;
         while (end - bytes >= std::ptrdiff_t(sizeof word)) {
             std::memcpy(&word, bytes, sizeof word);
-            if ((word & highBits) != 0)
+            word &= highBits;
+            if (word != 0)
                 break;
             bytes += sizeof word;
         }
+        bytes += word == 0 ? 0 : std::countr_zero(word) / 8;
         if (bytes == end)
             return true;
-        const std::size_t size = characterSize(bytes, std::size_t(end - bytes));
-        if (size == 0)
-            return false;
-        bytes += size;
+        // Where there is one Han character, there are mostly more.
+        do {
+            const std::size_t size = characterSize(bytes, std::size_t(end - bytes));
+            if (size == 0)
+                return false;
+            bytes += size;
+        } while (bytes != end && *bytes >= 0x80);
     }
-    return true;
 }
 
 } // namespace packet
