@@ -1,5 +1,6 @@
 #pragma once
 
+#include "bench/scan_table.h"
 #include "platform/dataset/client_data_set.h"
 #include "platform/remote/socket_connection.h"
 
@@ -7,10 +8,6 @@
 #include <QSqlQueryModel>
 
 struct sqlite3;
-
-/// The arrival scans that the benchmarks work on, in a SQLite file: the same rows every time.
-constexpr int scanCount = 1'000'000;
-constexpr auto allScans = "select * from TAB_SCAN_COME";
 
 /// Ends the program with the message.
 [[noreturn]] void failWith(const QString &message);

@@ -3,6 +3,7 @@
 #include "server/options.h"
 #include "server/server.h"
 #include "server/signals.h"
+#include "server/system.h"
 #include "server/user_command.h"
 
 #include <iostream>
@@ -77,6 +78,7 @@ void run(const Options &options)
 int main(int argc, char **argv)
 {
     try {
+        server::raiseFileLimit();
         const std::vector<std::string> arguments(argv + 1, argv + argc);
         run(server::readOptions(arguments));
         return 0;

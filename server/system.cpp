@@ -7,6 +7,7 @@
 #include <windows.h>
 #else
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
@@ -83,6 +84,17 @@ std::string askPassword(const std::string &prompt)
     std::getline(std::cin, password);
     std::cerr << std::endl;
     return password;
+}
+
+void raiseFileLimit()
+{
+#ifndef _WIN32
+    rlimit limit {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit);
+#endif
 }
 
 } // namespace server

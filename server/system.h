@@ -13,4 +13,7 @@ void createPrivateFile(const std::filesystem::path &path);
 /// Asks at the terminal without showing what is typed. Throws std::runtime_error when there is no terminal.
 std::string askPassword(const std::string &prompt);
 
+/// Lets the program have as many connections and files open as the system allows it.
+void raiseFileLimit();
+
 } // namespace server

@@ -6,16 +6,23 @@
 #include <boost/asio/ssl/stream.hpp>
 #include <boost/asio/write.hpp>
 #include <boost/beast/core/flat_buffer.hpp>
+#include <boost/beast/http/buffer_body.hpp>
 #include <boost/beast/http/parser.hpp>
 #include <boost/beast/http/read.hpp>
-#include <boost/beast/http/string_body.hpp>
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 namespace asio = boost::asio;
 namespace http = boost::beast::http;
 using asio::ip::tcp;
+
+namespace {
+
+constexpr std::size_t partSize = 64 * 1024;
+
+} // namespace
 
 struct HttpsClient::Connection {
     asio::io_context io {};
@@ -61,19 +68,34 @@ void HttpsClient::send(std::string_view bytes) { asio::write(m_connection->strea
 
 HttpReply HttpsClient::receive()
 {
-    http::response_parser<http::string_body> parser;
+    std::string body;
+    HttpReply reply = receive([&body](std::string_view bytes) { body += bytes; });
+    reply.body = std::move(body);
+    return reply;
+}
+
+HttpReply HttpsClient::receive(const std::function<void(std::string_view)> &take)
+{
+    http::response_parser<http::buffer_body> parser;
     parser.body_limit(std::numeric_limits<std::uint64_t>::max());
     boost::beast::error_code error;
-    http::read(m_connection->stream, m_connection->buffer, parser, error);
-    if (!parser.is_header_done())
+    http::read_header(m_connection->stream, m_connection->buffer, parser, error);
+    if (error)
         return {};
-    HttpReply reply { .status = int(parser.get().result_int()), .complete = !error };
+    HttpReply reply { .status = int(parser.get().result_int()) };
     for (const auto &field : parser.get()) {
         std::string name(field.name_string());
         std::transform(name.begin(), name.end(), name.begin(), [](char letter) { return char(std::tolower(std::uint8_t(letter))); });
         reply.headers[name] = std::string(field.value());
     }
-    reply.body = std::move(parser.get().body());
+    std::vector<char> part(partSize);
+    while (!parser.is_done() && (!error || error == http::error::need_buffer)) {
+        parser.get().body().data = part.data();
+        parser.get().body().size = part.size();
+        http::read(m_connection->stream, m_connection->buffer, parser, error);
+        take({ part.data(), part.size() - parser.get().body().size });
+    }
+    reply.complete = parser.is_done();
     return reply;
 }
 

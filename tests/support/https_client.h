@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
@@ -34,6 +35,8 @@ public:
     void send(std::string_view bytes);
     /// The next reply; never throws.
     HttpReply receive();
+    /// The same, but hands the body on as it comes instead of keeping it.
+    HttpReply receive(const std::function<void(std::string_view)> &take);
     /// At least one byte of what comes next; empty at the end of the connection, however it ended.
     std::string receiveSome();
     /// Closes without goodbye; bytes under way are thrown away on both sides.
