@@ -20,13 +20,18 @@ QString ClientProcess::database()
     static const QTemporaryDir directory;
     static const QString path = [] {
         const QString file = directory.filePath(QStringLiteral("演示.db"));
-        const int result = QProcess::execute(program("kelvara-demo"),
-            { QStringLiteral("--waybills"), QStringLiteral("20000"), QStringLiteral("--as-of"), now(), QStringLiteral("--seed"),
-                QStringLiteral("7"), file });
-        EXPECT_EQ(result, 0);
+        makeDemo(file);
         return file;
     }();
     return path;
+}
+
+void ClientProcess::makeDemo(const QString &place)
+{
+    const int result = QProcess::execute(program("kelvara-demo"),
+        { QStringLiteral("--waybills"), QStringLiteral("20000"), QStringLiteral("--as-of"), now(), QStringLiteral("--seed"),
+            QStringLiteral("7"), place });
+    EXPECT_EQ(result, 0);
 }
 
 ClientProcess::ClientProcess(const QStringList &options)

@@ -29,6 +29,8 @@ public:
 
     /// A demo network of a few days, made once for the whole test program; "now" of all clients lies at its end.
     static QString database();
+    /// Makes the same network in another place, a file or the address of a database.
+    static void makeDemo(const QString &place);
     static QString now() { return QStringLiteral("2026-03-15 16:30:00"); }
 
 private:
