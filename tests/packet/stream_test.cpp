@@ -129,13 +129,22 @@ TEST(Stream, BringsComputedNumbersBackTo64Bits)
     EXPECT_EQ(cell(*wide, 0, 2), "-1234567890123456789012345678901234.5678");
 }
 
-TEST(Stream, IsNotWrittenWithTimesThatNobodyReads)
+TEST(Stream, IsNotWrittenWithValuesThatNobodyReads)
 {
     const auto year10000 = [](Builder &builder) {
         builder.addTimestamp(0, 253402300800);
         builder.endRow();
     };
     EXPECT_THROW(streamed({ { "SCAN_DATE", ColumnType::Timestamp } }, year10000), std::invalid_argument);
+    for (const std::size_t rows : { 1, 4 }) { // plain, then with a dictionary
+        const auto otherEncoding = [rows](Builder &builder) {
+            for (std::size_t row = 0; row < rows; ++row) {
+                builder.addText(0, "\xB1\xB1\xBE\xA9");
+                builder.endRow();
+            }
+        };
+        EXPECT_THROW(streamed({ { "SITE", ColumnType::Text } }, otherEncoding), std::invalid_argument);
+    }
 }
 
 TEST(Stream, RefusesEveryPartOfIt)
