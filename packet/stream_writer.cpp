@@ -1,6 +1,7 @@
 #include "packet/stream_writer.h"
 
 #include "packet/message_writer.h"
+#include "packet/utf8.h"
 #include "packet/wire_schema.h"
 
 #include <limits>
@@ -43,10 +44,12 @@ void checkTimestamps(const Field &field, const Chunk &chunk, std::size_t rows)
         throw std::invalid_argument("列 " + field.name + " 有不在 0000 年到 9999 年之间的时间，请检查该列的数据或语句");
 }
 
-void checkTexts(const std::string &name, std::size_t size)
+void checkTexts(const Field &field, std::string_view texts)
 {
-    if (size > largestTexts)
-        throw std::length_error("列 " + name + " 的文字太长，一段数据中超过了 2 GB，请少查询一些行或去掉该列");
+    if (texts.size() > largestTexts)
+        throw std::length_error("列 " + field.name + " 的文字太长，一段数据中超过了 2 GB，请少查询一些行或去掉该列");
+    if (!isUtf8(texts))
+        throw std::invalid_argument("列 " + field.name + " 有文字不是有效的 UTF-8 编码，请检查该列的数据");
 }
 
 } // namespace
@@ -110,7 +113,7 @@ void StreamWriter::addColumn(const Field &field, const Chunk &chunk, std::size_t
     checkTimestamps(field, chunk, rows);
     if (field.type != ColumnType::Text || field.dictionary)
         return writer.addBuffer(chunk.values.as<void>(), rows * chunk.width);
-    checkTexts(field.name, chunk.values.size());
+    checkTexts(field, { chunk.values.as<char>(), chunk.values.size() });
     writer.addBuffer(chunk.offsets.as<void>(), (rows + 1) * sizeof(std::uint32_t));
     writer.addBuffer(chunk.values.as<void>(), chunk.values.size());
 }
@@ -145,7 +148,7 @@ void StreamWriter::sendDictionary(std::size_t column, const Dictionary &dictiona
         return;
     const std::uint32_t *const offsets = dictionary.offsets.data() + first;
     const std::size_t size = offsets[count] - offsets[0];
-    checkTexts(m_schema[column].name, size);
+    checkTexts(m_schema[column], { dictionary.bytes.data() + offsets[0], size });
     wire::MessageWriter &writer = m_messages->writer;
     writer.addNode(count, 0);
     writer.addNoBuffer();
