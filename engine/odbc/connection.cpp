@@ -1,13 +1,11 @@
 #include "engine/odbc/connection.h"
 
+#include "engine/odbc/canceller.h"
 #include "engine/odbc/row_reader.h"
 #include "engine/odbc/wide_text.h"
 #include "engine/postgresql/catalogue.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
 
 namespace engine {
 
@@ -17,50 +15,8 @@ using namespace std::chrono_literals;
 using odbc::Handle;
 
 constexpr SQLULEN loginSeconds = 10;
-constexpr auto cancelInterval = 10ms;
 
 SQLPOINTER attribute(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }
-
-/// Cancels a statement when its job must stop, as often as it takes: a driver passes over a request that comes before the
-/// statement has reached the server.
-class Canceller {
-public:
-    Canceller(const Handle &statement, const Job &job)
-        : m_statement(statement)
-        , m_job(job)
-        , m_thread([this](const std::stop_token &finished) { watch(finished); })
-    {
-    }
-    Canceller(const Canceller &) = delete;
-
-private:
-    void watch(const std::stop_token &finished)
-    {
-        const std::stop_callback wake(m_job.options.stop, [this] { wakeUp(); });
-        std::unique_lock lock(m_mutex);
-        const auto mustStop = [this] { return m_job.mustStop(); };
-        while (!finished.stop_requested() && !mustStop())
-            m_changed.wait_until(lock, finished, std::min(m_job.deadline, Clock::now() + 1h), mustStop);
-        while (!finished.stop_requested()) {
-            SQLCancel(m_statement);
-            m_changed.wait_for(lock, finished, cancelInterval, [] { return false; });
-        }
-    }
-
-    void wakeUp()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-        }
-        m_changed.notify_all();
-    }
-
-    const Handle &m_statement;
-    const Job &m_job;
-    std::mutex m_mutex;
-    std::condition_variable_any m_changed;
-    std::jthread m_thread; ///< the last member: it ends before the others go
-};
 
 void setTimeLimit(const Handle &statement, Clock::time_point deadline)
 {
@@ -215,7 +171,7 @@ packet::PacketPtr OdbcConnection::attempt(const Job &job)
     const Handle statement = newStatement();
     SQLSetStmtAttr(statement, SQL_ATTR_NOSCAN, attribute(SQL_NOSCAN_ON), 0);
     setTimeLimit(statement, job.deadline);
-    const Canceller canceller(statement, job);
+    const odbc::Canceller canceller(statement, job);
     if (!odbc::execute(statement, job.sql))
         odbc::fail(statement);
     m_hasRows = true;

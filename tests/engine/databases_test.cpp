@@ -175,6 +175,7 @@ TEST(DemoInPostgresql, LeavesNothingWhenItBreaksOffAndReplacesOnlyWhenTold)
     const std::string name = server.makeDatabase();
     demo::Settings settings;
     settings.path = server.ownerUrl(name);
+    settings.asOf = *demo::parseMoment("2024-03-05");
     settings.waybills = 25000;
     EXPECT_THROW(demo::generate(settings, [](std::string_view, std::uint64_t, std::uint64_t) { throw std::runtime_error("stop"); }),
         std::runtime_error);
