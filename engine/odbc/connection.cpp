@@ -75,7 +75,7 @@ void OdbcConnection::makeReadOnly()
 /// Whether a Han character survives as a wide one: some managers cut them for drivers that know bytes alone.
 void OdbcConnection::findEncoding()
 {
-    const Handle statement = newStatement();
+    const Handle statement(SQL_HANDLE_STMT, m_connection, odbc::Encoding::Wide);
     std::string text;
     SQLWCHAR value[8] = {};
     SQLLEN bytes = 0;
@@ -83,7 +83,7 @@ void OdbcConnection::findEncoding()
         && SQL_SUCCEEDED(SQLFetch(statement)) && SQL_SUCCEEDED(SQLGetData(statement, 1, SQL_C_WCHAR, value, sizeof value, &bytes))
         && bytes > 0)
         odbc::appendText(value, std::min(std::size_t(bytes) / sizeof(SQLWCHAR), std::size(value)), text);
-    m_encoding = text == "中" ? odbc::Encoding::Wide : odbc::Encoding::Utf8;
+    m_encoding = text.empty() || text == "中" ? odbc::Encoding::Wide : odbc::Encoding::Utf8;
 }
 
 odbc::Handle OdbcConnection::newStatement() const { return Handle(SQL_HANDLE_STMT, m_connection, m_encoding); }
@@ -111,6 +111,7 @@ gate::TableSet OdbcConnection::readTables()
             tables.insert(gate::upperCase(odbc::textOf(m_encoding, value, std::min(std::size_t(bytes), sizeof value), buffer)));
     }
     rollBack();
+    m_hasWaited = true;
     return tables;
 }
 
@@ -136,24 +137,29 @@ SQLUSMALLINT OdbcConnection::listTables(const Handle &statement) const
 packet::PacketPtr OdbcConnection::run(const Job &job)
 {
     job.throwIfStopped();
+    m_usable = false;
+    if (m_hasWaited && !answers())
+        connect();
     packet::PacketPtr packet;
     try {
-        packet = attempt(job);
+        packet = execute(job);
     } catch (const Error &error) {
         const bool lost = isLost(error);
         m_usable = !lost && error.failure() == Failure::Database && rollBack();
         job.throwIfStopped();
-        if (lost && (!m_hasWaited || m_hasRows))
+        if (lost)
             throw Error(Failure::Unavailable, error.what());
-        if (!lost)
-            throw;
-        // Lost while it waited in the pool: replaced silently.
-        connect();
-        packet = attempt(job);
+        throw;
     }
     m_hasWaited = true;
     m_usable = rollBack();
     return packet;
+}
+
+/// False when the connection was lost while it waited in the pool.
+bool OdbcConnection::answers() const
+{
+    return odbc::execute(newStatement(), m_dialect == Dialect::Oracle ? "select 1 from dual" : "select 1");
 }
 
 /// Whether the connection is gone; not every driver says so by the state of the error.
@@ -164,17 +170,14 @@ bool OdbcConnection::isLost(const Error &error) const
     return error.failure() == Failure::Unavailable || dead == SQL_CD_TRUE;
 }
 
-packet::PacketPtr OdbcConnection::attempt(const Job &job)
+packet::PacketPtr OdbcConnection::execute(const Job &job)
 {
-    m_usable = false;
-    m_hasRows = false;
     const Handle statement = newStatement();
     SQLSetStmtAttr(statement, SQL_ATTR_NOSCAN, attribute(SQL_NOSCAN_ON), 0);
     setTimeLimit(statement, job.deadline);
     const odbc::Canceller canceller(statement, job);
     if (!odbc::execute(statement, job.sql))
         odbc::fail(statement);
-    m_hasRows = true;
     return readRows(job, statement);
 }
 

@@ -270,7 +270,10 @@ void RowReader::readWhole(std::size_t column, std::size_t row)
         if (!more)
             break;
     }
-    addValue(column, whole.data(), whole.size());
+    if (whole.empty())
+        m_builder.addNull(column);
+    else
+        addValue(column, whole.data(), whole.size());
 }
 
 } // namespace engine::odbc

@@ -18,14 +18,6 @@ using namespace std::chrono_literals;
 constexpr auto stopInterval = 5ms;
 constexpr std::int64_t rowsBetweenChecks = 256;
 
-/// The server cuts behind one row more than wanted, so that the cut is known; it need not sort what lies beyond.
-std::string limited(const Job &job)
-{
-    if (job.options.rowLimit == std::numeric_limits<std::int64_t>::max())
-        return job.sql;
-    return "select * from (" + job.sql + "\n) as limited limit " + std::to_string(job.options.rowLimit + 1);
-}
-
 } // namespace
 
 PostgresqlConnection::PostgresqlConnection(const std::string &url)
@@ -93,8 +85,7 @@ void PostgresqlConnection::end()
 PostgresqlConnection::Result PostgresqlConnection::start(const Job &job, Form form)
 {
     // This way of sending takes one statement and no second.
-    const std::string sql = limited(job);
-    if (!PQsendQueryParams(m_connection.get(), sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, int(form)))
+    if (!PQsendQueryParams(m_connection.get(), job.sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, int(form)))
         failUnavailable("数据库连接中断");
     PQsetSingleRowMode(m_connection.get());
     return next(job);
