@@ -1,6 +1,6 @@
 #include "client/embedded_channel.h"
-#include "demo/database.h"
 #include "demo/schema.h"
+#include "demo/sqlite_database.h"
 #include "guest/track_query.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ TEST(Database, ReadsEveryTableOfTheNetwork)
     const QTemporaryDir directory;
     const std::string path = directory.filePath(QStringLiteral("parcels.db")).toStdString();
     {
-        demo::Database database(path);
+        demo::SqliteDatabase database(path);
         database.run(demo::schema);
         database.run("insert into TAB_BILL (BILL_CODE,SEND_DATE,SEND_SITE,PIECE_NUMBER,TRANSFER_FEE,BL_RETURN,REMARK)"
                      " values ('a''b','2026-03-01 07:00:00','甲',2,14.5,1,'易碎')");
