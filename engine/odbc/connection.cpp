@@ -65,10 +65,19 @@ void OdbcConnection::connect()
 /// The attribute is a hint that drivers may pass over.
 void OdbcConnection::makeReadOnly()
 {
-    if (m_dialect == Dialect::Oracle)
-        return;
+    if (m_dialect == Dialect::Sqlite)
+        command("pragma query_only=1");
+    if (m_dialect == Dialect::Postgresql) {
+        command("set default_transaction_read_only = on");
+        // While the server compiles a statement it cannot be stopped.
+        command("set jit = off");
+    }
+}
+
+void OdbcConnection::command(std::string_view text)
+{
     const Handle statement = newStatement();
-    if (!odbc::execute(statement, m_dialect == Dialect::Sqlite ? "pragma query_only=1" : "set default_transaction_read_only = on"))
+    if (!odbc::execute(statement, text))
         odbc::fail(statement);
 }
 

@@ -21,6 +21,7 @@ public:
 private:
     void connect();
     void makeReadOnly();
+    void command(std::string_view text);
     void findEncoding();
     odbc::Handle newStatement() const;
     std::string information(SQLUSMALLINT type) const;

@@ -12,6 +12,9 @@ namespace {
 constexpr std::string_view sessionOptions = " -c default_transaction_read_only=on -c standard_conforming_strings=on -c "
                                             "client_min_messages=error -c datestyle=ISO -c intervalstyle=postgres";
 
+/// What the URL may change: while the server compiles a statement it cannot be stopped, for a second or more.
+constexpr std::string_view preferredOptions = "-c jit=off ";
+
 /// What holds when the URL does not say otherwise: a server that is gone is noticed.
 constexpr std::pair<std::string_view, const char *> defaults[] = {
     { "connect_timeout", "10" },
@@ -52,7 +55,7 @@ private:
         const std::string_view keyword = option.keyword;
         const char *value = option.val;
         if (keyword == "options") {
-            m_sessionOptions = std::string(value != nullptr ? value : "").append(sessionOptions);
+            m_sessionOptions = std::string(preferredOptions).append(value != nullptr ? value : "").append(sessionOptions);
             value = m_sessionOptions.c_str();
         }
         const auto *const ours
