@@ -32,6 +32,14 @@ private:
     Clock::time_point m_last = m_start;
 };
 
+/// The name of a file, or a URL without its user and password.
+std::string withoutPassword(const std::string &path)
+{
+    const auto scheme = path.find("://");
+    const auto user = path.find('@');
+    return scheme == std::string::npos || user == std::string::npos ? path : path.substr(0, scheme + 3) + path.substr(user + 1);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -44,7 +52,7 @@ int main(int argc, char **argv)
             return 0;
         }
         demo::generate(options.settings, ProgressLine());
-        std::cout << "已生成 " << options.settings.waybills << " 票运单：" << options.settings.path << std::endl;
+        std::cout << "已生成 " << options.settings.waybills << " 票运单：" << withoutPassword(options.settings.path) << std::endl;
         return 0;
     } catch (const std::exception &error) {
         std::cerr << "kelvara-demo：" << error.what() << std::endl;

@@ -15,6 +15,9 @@ std::string sqliteText(std::string_view sql, const std::vector<gate::Finding> &f
 /// Likewise for PostgreSQL; the helper functions are those of postgresql/oracle.sql.
 std::string postgresqlText(std::string_view sql, const std::vector<gate::Finding> &findings);
 
+/// Cuts a statement that has been written for PostgreSQL behind that many rows; the server need not sort what lies beyond.
+std::string postgresqlFirstRows(const std::string &text, std::int64_t rows);
+
 /// For Oracle itself the text stays as it is, hints included.
 std::string textFor(Dialect dialect, std::string_view sql, const std::vector<gate::Finding> &findings);
 

@@ -49,7 +49,11 @@ PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
 
 packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
 {
-    const Job job { textFor(m_dialect, sql, gate::check(sql, m_tables)), options, deadlineIn(options.timeLimit), sink };
+    std::string text = textFor(m_dialect, sql, gate::check(sql, m_tables));
+    // One row more than wanted, so that a cut is known.
+    if (m_dialect == Dialect::Postgresql && options.rowLimit < std::numeric_limits<std::int64_t>::max())
+        text = postgresqlFirstRows(text, options.rowLimit + 1);
+    const Job job { std::move(text), options, deadlineIn(options.timeLimit), sink };
     return Lease(*this, options.stop, job.deadline)->run(job);
 }
 

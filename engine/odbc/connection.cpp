@@ -1,13 +1,11 @@
 #include "engine/odbc/connection.h"
 
+#include "engine/odbc/canceller.h"
 #include "engine/odbc/row_reader.h"
 #include "engine/odbc/wide_text.h"
 #include "engine/postgresql/catalogue.h"
 
 #include <algorithm>
-#include <condition_variable>
-#include <mutex>
-#include <thread>
 
 namespace engine {
 
@@ -17,50 +15,8 @@ using namespace std::chrono_literals;
 using odbc::Handle;
 
 constexpr SQLULEN loginSeconds = 10;
-constexpr auto cancelInterval = 10ms;
 
 SQLPOINTER attribute(SQLULEN value) { return reinterpret_cast<SQLPOINTER>(value); }
-
-/// Cancels a statement when its job must stop, as often as it takes: a driver passes over a request that comes before the
-/// statement has reached the server.
-class Canceller {
-public:
-    Canceller(const Handle &statement, const Job &job)
-        : m_statement(statement)
-        , m_job(job)
-        , m_thread([this](const std::stop_token &finished) { watch(finished); })
-    {
-    }
-    Canceller(const Canceller &) = delete;
-
-private:
-    void watch(const std::stop_token &finished)
-    {
-        const std::stop_callback wake(m_job.options.stop, [this] { wakeUp(); });
-        std::unique_lock lock(m_mutex);
-        const auto mustStop = [this] { return m_job.mustStop(); };
-        while (!finished.stop_requested() && !mustStop())
-            m_changed.wait_until(lock, finished, std::min(m_job.deadline, Clock::now() + 1h), mustStop);
-        while (!finished.stop_requested()) {
-            SQLCancel(m_statement);
-            m_changed.wait_for(lock, finished, cancelInterval, [] { return false; });
-        }
-    }
-
-    void wakeUp()
-    {
-        {
-            const std::lock_guard lock(m_mutex);
-        }
-        m_changed.notify_all();
-    }
-
-    const Handle &m_statement;
-    const Job &m_job;
-    std::mutex m_mutex;
-    std::condition_variable_any m_changed;
-    std::jthread m_thread; ///< the last member: it ends before the others go
-};
 
 void setTimeLimit(const Handle &statement, Clock::time_point deadline)
 {
@@ -109,17 +65,26 @@ void OdbcConnection::connect()
 /// The attribute is a hint that drivers may pass over.
 void OdbcConnection::makeReadOnly()
 {
-    if (m_dialect == Dialect::Oracle)
-        return;
+    if (m_dialect == Dialect::Sqlite)
+        command("pragma query_only=1");
+    if (m_dialect == Dialect::Postgresql) {
+        command("set default_transaction_read_only = on");
+        // While the server compiles a statement it cannot be stopped.
+        command("set jit = off");
+    }
+}
+
+void OdbcConnection::command(std::string_view text)
+{
     const Handle statement = newStatement();
-    if (!odbc::execute(statement, m_dialect == Dialect::Sqlite ? "pragma query_only=1" : "set default_transaction_read_only = on"))
+    if (!odbc::execute(statement, text))
         odbc::fail(statement);
 }
 
 /// Whether a Han character survives as a wide one: some managers cut them for drivers that know bytes alone.
 void OdbcConnection::findEncoding()
 {
-    const Handle statement = newStatement();
+    const Handle statement(SQL_HANDLE_STMT, m_connection, odbc::Encoding::Wide);
     std::string text;
     SQLWCHAR value[8] = {};
     SQLLEN bytes = 0;
@@ -127,7 +92,7 @@ void OdbcConnection::findEncoding()
         && SQL_SUCCEEDED(SQLFetch(statement)) && SQL_SUCCEEDED(SQLGetData(statement, 1, SQL_C_WCHAR, value, sizeof value, &bytes))
         && bytes > 0)
         odbc::appendText(value, std::min(std::size_t(bytes) / sizeof(SQLWCHAR), std::size(value)), text);
-    m_encoding = text == "中" ? odbc::Encoding::Wide : odbc::Encoding::Utf8;
+    m_encoding = text.empty() || text == "中" ? odbc::Encoding::Wide : odbc::Encoding::Utf8;
 }
 
 odbc::Handle OdbcConnection::newStatement() const { return Handle(SQL_HANDLE_STMT, m_connection, m_encoding); }
@@ -155,6 +120,7 @@ gate::TableSet OdbcConnection::readTables()
             tables.insert(gate::upperCase(odbc::textOf(m_encoding, value, std::min(std::size_t(bytes), sizeof value), buffer)));
     }
     rollBack();
+    m_hasWaited = true;
     return tables;
 }
 
@@ -180,24 +146,29 @@ SQLUSMALLINT OdbcConnection::listTables(const Handle &statement) const
 packet::PacketPtr OdbcConnection::run(const Job &job)
 {
     job.throwIfStopped();
+    m_usable = false;
+    if (m_hasWaited && !answers())
+        connect();
     packet::PacketPtr packet;
     try {
-        packet = attempt(job);
+        packet = execute(job);
     } catch (const Error &error) {
         const bool lost = isLost(error);
         m_usable = !lost && error.failure() == Failure::Database && rollBack();
         job.throwIfStopped();
-        if (lost && (!m_hasWaited || m_hasRows))
+        if (lost)
             throw Error(Failure::Unavailable, error.what());
-        if (!lost)
-            throw;
-        // Lost while it waited in the pool: replaced silently.
-        connect();
-        packet = attempt(job);
+        throw;
     }
     m_hasWaited = true;
     m_usable = rollBack();
     return packet;
+}
+
+/// False when the connection was lost while it waited in the pool.
+bool OdbcConnection::answers() const
+{
+    return odbc::execute(newStatement(), m_dialect == Dialect::Oracle ? "select 1 from dual" : "select 1");
 }
 
 /// Whether the connection is gone; not every driver says so by the state of the error.
@@ -208,17 +179,14 @@ bool OdbcConnection::isLost(const Error &error) const
     return error.failure() == Failure::Unavailable || dead == SQL_CD_TRUE;
 }
 
-packet::PacketPtr OdbcConnection::attempt(const Job &job)
+packet::PacketPtr OdbcConnection::execute(const Job &job)
 {
-    m_usable = false;
-    m_hasRows = false;
     const Handle statement = newStatement();
     SQLSetStmtAttr(statement, SQL_ATTR_NOSCAN, attribute(SQL_NOSCAN_ON), 0);
     setTimeLimit(statement, job.deadline);
-    const Canceller canceller(statement, job);
+    const odbc::Canceller canceller(statement, job);
     if (!odbc::execute(statement, job.sql))
         odbc::fail(statement);
-    m_hasRows = true;
     return readRows(job, statement);
 }
 

@@ -21,11 +21,13 @@ public:
 private:
     void connect();
     void makeReadOnly();
+    void command(std::string_view text);
     void findEncoding();
     odbc::Handle newStatement() const;
     std::string information(SQLUSMALLINT type) const;
     SQLUSMALLINT listTables(const odbc::Handle &statement) const;
-    packet::PacketPtr attempt(const Job &job);
+    packet::PacketPtr execute(const Job &job);
+    bool answers() const;
     bool isLost(const Error &error) const;
     bool rollBack();
     packet::PacketPtr readRows(const Job &job, const odbc::Handle &statement);
@@ -36,8 +38,7 @@ private:
     Dialect m_dialect = Dialect::Oracle;
     odbc::Encoding m_encoding = odbc::Encoding::Wide;
     bool m_usable = true;
-    bool m_hasWaited = false; ///< in the pool, so that it may have been lost unnoticed
-    bool m_hasRows = false; ///< the statement at hand has been executed
+    bool m_hasWaited = false; ///< in the pool, where it may have been lost unnoticed
 };
 
 } // namespace engine

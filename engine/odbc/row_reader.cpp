@@ -228,6 +228,8 @@ void RowReader::addNumber(std::size_t column, std::string_view text)
     const auto number = packet::Decimal::parse(text);
     if (!number)
         return m_builder.addText(column, text);
+    if (m_columns[column].field.type)
+        return m_builder.addDecimal(column, *number);
     const packet::Decimal whole = number->rescaled(0);
     if (whole == *number && packet::Int128(std::int64_t(whole.units)) == whole.units)
         m_builder.addInteger(column, std::int64_t(whole.units));
@@ -268,7 +270,10 @@ void RowReader::readWhole(std::size_t column, std::size_t row)
         if (!more)
             break;
     }
-    addValue(column, whole.data(), whole.size());
+    if (whole.empty())
+        m_builder.addNull(column);
+    else
+        addValue(column, whole.data(), whole.size());
 }
 
 } // namespace engine::odbc

@@ -8,23 +8,25 @@ namespace {
 
 constexpr char32_t replacement = 0xFFFD;
 
-void append(char32_t code, std::string &out)
+/// Writes a character and returns the place behind it.
+char *written(char32_t code, char *to)
 {
     if (code < 0x80) {
-        out += char(code);
+        *to++ = char(code);
     } else if (code < 0x800) {
-        out += char(0xC0 | code >> 6);
-        out += char(0x80 | (code & 0x3F));
+        *to++ = char(0xC0 | code >> 6);
+        *to++ = char(0x80 | (code & 0x3F));
     } else if (code < 0x10000) {
-        out += char(0xE0 | code >> 12);
-        out += char(0x80 | (code >> 6 & 0x3F));
-        out += char(0x80 | (code & 0x3F));
+        *to++ = char(0xE0 | code >> 12);
+        *to++ = char(0x80 | (code >> 6 & 0x3F));
+        *to++ = char(0x80 | (code & 0x3F));
     } else {
-        out += char(0xF0 | code >> 18);
-        out += char(0x80 | (code >> 12 & 0x3F));
-        out += char(0x80 | (code >> 6 & 0x3F));
-        out += char(0x80 | (code & 0x3F));
+        *to++ = char(0xF0 | code >> 18);
+        *to++ = char(0x80 | (code >> 12 & 0x3F));
+        *to++ = char(0x80 | (code >> 6 & 0x3F));
+        *to++ = char(0x80 | (code & 0x3F));
     }
+    return to;
 }
 
 bool isHighSurrogate(char32_t unit) { return unit >= 0xD800 && unit < 0xDC00; }
@@ -53,17 +55,22 @@ std::vector<SQLWCHAR> wideOf(std::string_view text)
 
 void appendText(const SQLWCHAR *characters, std::size_t size, std::string &out)
 {
+    constexpr std::size_t mostBytes = 3; ///< of one unit
+    const std::size_t before = out.size();
+    out.resize(before + size * mostBytes);
+    char *to = out.data() + before;
     for (std::size_t position = 0; position < size; ++position) {
         const char32_t unit = characters[position];
         if (!isHighSurrogate(unit) && !isLowSurrogate(unit)) {
-            append(unit, out);
+            to = written(unit, to);
         } else if (isHighSurrogate(unit) && position + 1 < size && isLowSurrogate(characters[position + 1])) {
-            append(0x10000 + ((unit - 0xD800) << 10) + (characters[position + 1] - 0xDC00), out);
+            to = written(0x10000 + ((unit - 0xD800) << 10) + (characters[position + 1] - 0xDC00), to);
             ++position;
         } else {
-            append(replacement, out);
+            to = written(replacement, to);
         }
     }
+    out.resize(std::size_t(to - out.data()));
 }
 
 } // namespace engine::odbc

@@ -2,6 +2,7 @@
 
 #include "engine/postgresql/catalogue.h"
 #include "engine/postgresql/row_reader.h"
+#include "engine/postgresql/session.h"
 #include "engine/postgresql/socket_wait.h"
 
 #include <algorithm>
@@ -17,86 +18,10 @@ using namespace std::chrono_literals;
 constexpr auto stopInterval = 5ms;
 constexpr std::int64_t rowsBetweenChecks = 256;
 
-/// What holds for every session, whatever the URL says.
-constexpr std::string_view sessionOptions = " -c default_transaction_read_only=on -c standard_conforming_strings=on -c "
-                                            "client_min_messages=error -c datestyle=ISO -c intervalstyle=postgres";
-
-/// What holds when the URL does not say otherwise: a server that is gone is noticed.
-constexpr std::pair<std::string_view, const char *> defaults[] = {
-    { "connect_timeout", "10" },
-    { "keepalives_idle", "30" },
-    { "keepalives_interval", "10" },
-    { "keepalives_count", "3" },
-    { "tcp_user_timeout", "60000" },
-    { "application_name", "kelvara" },
-};
-
-std::string trimmed(const char *message)
-{
-    std::string text(message);
-    text.erase(text.find_last_not_of(" \r\n") + 1);
-    return text;
-}
-
-struct FreeOptions {
-    void operator()(PQconninfoOption *options) const { PQconninfoFree(options); }
-};
-
-/// The parameters of a URL, ours among them.
-class Parameters {
-public:
-    explicit Parameters(const std::string &url)
-    {
-        char *error = nullptr;
-        m_options.reset(PQconninfoParse(url.c_str(), &error));
-        const std::string message = error != nullptr ? trimmed(error) : "内存不足";
-        PQfreemem(error);
-        if (!m_options)
-            throw Error(Failure::Unavailable, "无法识别数据库地址：" + message + "；应写作 postgresql://用户@主机/数据库");
-        for (const PQconninfoOption *option = m_options.get(); option->keyword != nullptr; ++option)
-            add(*option);
-        m_keywords.push_back("client_encoding");
-        m_values.push_back("UTF8");
-        m_keywords.push_back(nullptr);
-        m_values.push_back(nullptr);
-    }
-    PGconn *connect() const { return PQconnectdbParams(m_keywords.data(), m_values.data(), 0); }
-
-private:
-    void add(const PQconninfoOption &option)
-    {
-        const std::string_view keyword = option.keyword;
-        const char *value = option.val;
-        if (keyword == "options") {
-            m_sessionOptions = std::string(value != nullptr ? value : "").append(sessionOptions);
-            value = m_sessionOptions.c_str();
-        }
-        const auto *const ours
-            = std::find_if(std::begin(defaults), std::end(defaults), [keyword](const auto &entry) { return entry.first == keyword; });
-        if (value == nullptr && ours != std::end(defaults))
-            value = ours->second;
-        m_keywords.push_back(option.keyword);
-        m_values.push_back(value);
-    }
-
-    std::unique_ptr<PQconninfoOption, FreeOptions> m_options;
-    std::string m_sessionOptions;
-    std::vector<const char *> m_keywords;
-    std::vector<const char *> m_values;
-};
-
-/// The server cuts behind one row more than wanted, so that the cut is known; it need not sort what lies beyond.
-std::string limited(const Job &job)
-{
-    if (job.options.rowLimit == std::numeric_limits<std::int64_t>::max())
-        return job.sql;
-    return "select * from (" + job.sql + "\n) as limited limit " + std::to_string(job.options.rowLimit + 1);
-}
-
 } // namespace
 
 PostgresqlConnection::PostgresqlConnection(const std::string &url)
-    : m_connection(Parameters(url).connect())
+    : m_connection(openSession(url))
 {
     if (PQstatus(m_connection.get()) != CONNECTION_OK)
         failUnavailable("无法连接数据库");
@@ -160,8 +85,7 @@ void PostgresqlConnection::end()
 PostgresqlConnection::Result PostgresqlConnection::start(const Job &job, Form form)
 {
     // This way of sending takes one statement and no second.
-    const std::string sql = limited(job);
-    if (!PQsendQueryParams(m_connection.get(), sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, int(form)))
+    if (!PQsendQueryParams(m_connection.get(), job.sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, int(form)))
         failUnavailable("数据库连接中断");
     PQsetSingleRowMode(m_connection.get());
     return next(job);
@@ -232,7 +156,7 @@ void PostgresqlConnection::fail(const Job &job, const PGresult *result)
     constexpr std::string_view cancelled = "57014";
     const char *const code = PQresultErrorField(result, PG_DIAG_SQLSTATE);
     const char *const primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
-    const std::string words = primary != nullptr ? primary : trimmed(PQresultErrorMessage(result));
+    const std::string words = primary != nullptr ? primary : trimmedMessage(PQresultErrorMessage(result));
     const bool isCancelled = code != nullptr && code == cancelled;
     while (Result(PQgetResult(m_connection.get()))) { }
     if (PQstatus(m_connection.get()) != CONNECTION_OK)
@@ -247,7 +171,8 @@ void PostgresqlConnection::fail(const Job &job, const PGresult *result)
 
 void PostgresqlConnection::failUnavailable(const std::string &what)
 {
-    throw Error(Failure::Unavailable, what + "：" + trimmed(PQerrorMessage(m_connection.get())) + "；请检查数据库服务器和网络，稍后再试");
+    throw Error(
+        Failure::Unavailable, what + "：" + trimmedMessage(PQerrorMessage(m_connection.get())) + "；请检查数据库服务器和网络，稍后再试");
 }
 
 } // namespace engine

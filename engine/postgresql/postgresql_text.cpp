@@ -63,4 +63,10 @@ std::string postgresqlText(std::string_view sql, const std::vector<gate::Finding
     return writer.text();
 }
 
+std::string postgresqlFirstRows(const std::string &text, std::int64_t rows)
+{
+    // The statement may end with a comment.
+    return "select * from (" + text + "\n) as first_rows limit " + std::to_string(rows);
+}
+
 } // namespace engine

@@ -169,4 +169,25 @@ TEST_F(Databases, GiveTheSameRowsForEveryStatementOfTheScreens)
     EXPECT_GE(fruitful, int(statements.size()) * 2 / 3);
 }
 
+TEST(DemoInPostgresql, LeavesNothingWhenItBreaksOffAndReplacesOnlyWhenTold)
+{
+    auto &server = PostgresqlServer::instance();
+    const std::string name = server.makeDatabase();
+    demo::Settings settings;
+    settings.path = server.ownerUrl(name);
+    settings.asOf = *demo::parseMoment("2024-03-05");
+    settings.waybills = 25000;
+    EXPECT_THROW(demo::generate(settings, [](std::string_view, std::uint64_t, std::uint64_t) { throw std::runtime_error("stop"); }),
+        std::runtime_error);
+    EXPECT_EQ(server.run(name, "select count(*) from pg_tables where schemaname='public'"), "0");
+    settings.waybills = 10;
+    demo::generate(settings);
+    EXPECT_THAT([&] { demo::generate(settings); }, testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr("--force")));
+    settings.waybills = 20;
+    settings.replaces = true;
+    demo::generate(settings);
+    EXPECT_EQ(server.run(name, "select count(*) from TAB_BILL_STATUS"), "20");
+    EXPECT_EQ(server.run(name, "select count(*) from pg_indexes where indexname='tab_scan_come_i3'"), "1");
+}
+
 } // namespace

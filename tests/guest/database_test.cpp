@@ -16,7 +16,7 @@ TEST(Database, ReadsEveryTableOfTheNetwork)
     const std::string path = directory.filePath(QStringLiteral("parcels.db")).toStdString();
     {
         demo::SqliteDatabase database(path);
-        database.define(demo::schema);
+        database.run(demo::schema);
         database.run("insert into TAB_BILL (BILL_CODE,SEND_DATE,SEND_SITE,PIECE_NUMBER,TRANSFER_FEE,BL_RETURN,REMARK)"
                      " values ('a''b','2026-03-01 07:00:00','甲',2,14.5,1,'易碎')");
         const auto scan = [&database](const std::string &table, const std::string &values) {
