@@ -28,6 +28,9 @@ if(KELVARA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
 endif()
+if(KELVARA_LIBFUZZER)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
 
 # Links `target` to `ARGN` after checking that each of our own targets among them has a lower level.

@@ -1,7 +1,5 @@
 #include "packet/message_writer.h"
 
-#include <algorithm>
-
 namespace packet::wire {
 
 std::byte *MessageWriter::reserve(std::size_t size)

@@ -4,6 +4,7 @@
 
 #include "packet/arrow_generated.h"
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 #include <vector>

@@ -149,9 +149,9 @@ void StreamReader::readBlock(const arrow::RecordBatch &batch)
 
 void StreamReader::readEndMark(const arrow::Message &message)
 {
-    const std::string rows = wire::valueOf(message.custom_metadata(), wire::rowsKey);
-    const std::string truncated = wire::valueOf(message.custom_metadata(), wire::truncatedKey);
-    const std::string checksum = wire::valueOf(message.custom_metadata(), wire::checksumKey);
+    const std::string_view rows = wire::valueOf(message.custom_metadata(), wire::rowsKey);
+    const std::string_view truncated = wire::valueOf(message.custom_metadata(), wire::truncatedKey);
+    const std::string_view checksum = wire::valueOf(message.custom_metadata(), wire::checksumKey);
     if (rows != std::to_string(m_rows) || (truncated != "0" && truncated != "1") || checksum != m_checksum->text(rows, truncated))
         throw StreamError("行数或校验和与结束标记不符，数据在传输中损坏");
     m_truncated = truncated == "1";

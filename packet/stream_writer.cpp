@@ -37,6 +37,12 @@ Int128 movedUnits(const Field &field, Decimal value)
         + std::to_string(field.scale) + " 位，一共最多 " + std::to_string(wire::decimalPrecision) + " 位，请在语句中对该列取整或换算");
 }
 
+void checkTimestamps(const Field &field, const Chunk &chunk, std::size_t rows)
+{
+    if (field.type == ColumnType::Timestamp && !wire::areTimestamps({ chunk.values.as<std::int64_t>(), rows }))
+        throw std::invalid_argument("列 " + field.name + " 有不在 0000 年到 9999 年之间的时间，请检查该列的数据或语句");
+}
+
 void checkTexts(const std::string &name, std::size_t size)
 {
     if (size > largestTexts)
@@ -101,6 +107,7 @@ void StreamWriter::addColumn(const Field &field, const Chunk &chunk, std::size_t
     }
     if (field.type == ColumnType::Decimal)
         return addDecimals(field, chunk, rows);
+    checkTimestamps(field, chunk, rows);
     if (field.type != ColumnType::Text || field.dictionary)
         return writer.addBuffer(chunk.values.as<void>(), rows * chunk.width);
     checkTexts(field.name, chunk.values.size());

@@ -19,8 +19,8 @@ public:
     ~StreamWriter() override;
 
     void begin(const std::vector<Field> &schema) override;
-    /// Throws std::invalid_argument when a decimal does not fit the scale of the schema, std::length_error when the texts of
-    /// one column in one block exceed 2 GB.
+    /// Throws std::invalid_argument when a decimal does not fit the scale of the schema or a time lies beyond the year 9999,
+    /// std::length_error when the texts of one column in one block exceed 2 GB.
     void block(const Block &block, std::span<const Dictionary *const> dictionaries) override;
     void end(bool truncated) override;
 

@@ -9,6 +9,14 @@
 
 namespace packet::wire {
 
+bool areTimestamps(std::span<const std::int64_t> seconds)
+{
+    bool sound = true;
+    for (const std::int64_t second : seconds)
+        sound &= second >= firstSecond && second <= lastSecond;
+    return sound;
+}
+
 std::size_t countNulls(const void *validity, std::size_t rows)
 {
     const auto *bytes = static_cast<const std::byte *>(validity);
@@ -36,10 +44,10 @@ Checksum::~Checksum() = default;
 
 void Checksum::add(std::span<const std::byte> bytes) { XXH3_64bits_update(m_state.get(), bytes.data(), bytes.size()); }
 
-std::string Checksum::text(const std::string &rows, const std::string &truncated)
+std::string Checksum::text(std::string_view rows, std::string_view truncated)
 {
-    const std::string values = rows + ' ' + truncated;
-    add(std::as_bytes(std::span(values)));
+    for (const std::string_view part : { rows, std::string_view(" "), truncated })
+        add(std::as_bytes(std::span(part)));
     char digits[17];
     std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(XXH3_64bits_digest(m_state.get())));
     return digits;

@@ -6,6 +6,7 @@
 #include <memory>
 #include <span>
 #include <string>
+#include <string_view>
 
 struct XXH3_state_s;
 
@@ -20,6 +21,9 @@ constexpr std::size_t messageAlignment = 8;
 constexpr std::size_t bufferAlignment = 64;
 constexpr std::int64_t notCompressed = -1;
 
+constexpr std::int64_t firstSecond = -62167219200; ///< 0000-01-01 00:00:00
+constexpr std::int64_t lastSecond = 253402300799; ///< 9999-12-31 23:59:59
+
 constexpr auto versionKey = "kelvara.packet";
 constexpr auto version = "1";
 constexpr auto rowsKey = "kelvara.rows";
@@ -28,6 +32,8 @@ constexpr auto checksumKey = "kelvara.xxh3";
 
 constexpr std::size_t aligned(std::size_t size, std::size_t alignment) { return (size + alignment - 1) / alignment * alignment; }
 constexpr std::size_t bitmapBytes(std::size_t rows) { return (rows + 7) / 8; }
+/// True when all of these seconds since 1970 lie within the years that a timestamp may have.
+bool areTimestamps(std::span<const std::int64_t> seconds);
 /// The rows of the bitmap that have no value.
 std::size_t countNulls(const void *validity, std::size_t rows);
 
@@ -38,7 +44,7 @@ public:
     ~Checksum();
     void add(std::span<const std::byte> bytes);
     /// The value of checksumKey for the bytes so far and these values of the end mark.
-    std::string text(const std::string &rows, const std::string &truncated);
+    std::string text(std::string_view rows, std::string_view truncated);
 
 private:
     std::unique_ptr<XXH3_state_s, void (*)(XXH3_state_s *)> m_state;

@@ -17,6 +17,7 @@ using flatbuffers::Offset;
 constexpr int int64Bits = 64;
 constexpr int indexBits = 32;
 constexpr int decimalBits = 128;
+constexpr std::size_t longestName = 64 * 1024; ///< many fields can share the bytes of one name
 
 struct WireType {
     arrow::Type type;
@@ -80,10 +81,11 @@ bool isOurs(const arrow::DictionaryEncoding &encoding, std::int64_t column)
 
 Field readField(const arrow::Field &wire, std::int64_t column)
 {
+    const std::string_view name = wire.name() != nullptr ? wire.name()->string_view() : std::string_view();
+    if (name.size() > longestName || !isUtf8(name))
+        throw StreamError("第 " + std::to_string(column + 1) + " 列的列名太长或不是有效的 UTF-8 编码");
     Field field;
-    field.name = wire.name() != nullptr ? wire.name()->str() : std::string();
-    if (!isUtf8(field.name))
-        throw StreamError("第 " + std::to_string(column + 1) + " 列的列名不是有效的 UTF-8 编码");
+    field.name = name;
     const auto type = typeOf(wire);
     if (!type || (wire.children() != nullptr && wire.children()->size() > 0))
         refuse(field.name, "的类型不是查询结果可以有的类型");
@@ -114,13 +116,14 @@ Offset<arrow::KeyValue> keyValue(FlatBufferBuilder &builder, const char *key, co
     return arrow::CreateKeyValueDirect(builder, key, value.c_str());
 }
 
-std::string valueOf(const KeyValues *values, const char *key)
+std::string_view valueOf(const KeyValues *values, const char *key)
 {
     if (values == nullptr)
         return {};
-    const auto found = std::find_if(values->begin(), values->end(),
-        [key](const arrow::KeyValue *entry) { return entry->key() != nullptr && entry->value() != nullptr && entry->key()->str() == key; });
-    return found == values->end() ? std::string() : found->value()->str();
+    const auto found = std::find_if(values->begin(), values->end(), [key](const arrow::KeyValue *entry) {
+        return entry->key() != nullptr && entry->value() != nullptr && entry->key()->string_view() == key;
+    });
+    return found == values->end() ? std::string_view() : found->value()->string_view();
 }
 
 Offset<arrow::Schema> writeSchema(FlatBufferBuilder &builder, const std::vector<Field> &fields)

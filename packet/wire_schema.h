@@ -12,8 +12,8 @@ constexpr int decimalPrecision = 38;
 using KeyValues = flatbuffers::Vector<flatbuffers::Offset<arrow::KeyValue>>;
 
 flatbuffers::Offset<arrow::KeyValue> keyValue(flatbuffers::FlatBufferBuilder &builder, const char *key, const std::string &value);
-/// The value of a key; empty when it is missing.
-std::string valueOf(const KeyValues *values, const char *key);
+/// The value of a key, which lives as long as the message; empty when it is missing.
+std::string_view valueOf(const KeyValues *values, const char *key);
 
 flatbuffers::Offset<arrow::Schema> writeSchema(flatbuffers::FlatBufferBuilder &builder, const std::vector<Field> &fields);
 /// Throws StreamError when it is not the schema of a result.

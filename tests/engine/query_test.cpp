@@ -1,5 +1,8 @@
 #include "support.h"
 
+#include "packet/stream_reader.h"
+#include "packet/stream_writer.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -171,6 +174,15 @@ TEST_F(Query, StreamsItsRows)
     quitter.mostBlocks = 2;
     EXPECT_THROW(engine->stream(sql, quitter), std::runtime_error);
     EXPECT_FALSE(quitter.ended);
+    // Over the wire it is the result that a query brings.
+    packet::StreamReader reader;
+    packet::StreamWriter writer([&reader](std::span<const std::byte> message) { reader.feed(message); });
+    engine->stream(sql, writer);
+    const packet::PacketPtr received = reader.finish();
+    const packet::PacketPtr whole = engine->query(sql);
+    ASSERT_EQ(received->rowCount(), whole->rowCount());
+    for (std::size_t row = 0; row < whole->rowCount(); ++row)
+        ASSERT_EQ(cell(received, 0, row) + cell(received, 1, row), cell(whole, 0, row) + cell(whole, 1, row));
     Counter none;
     EXPECT_THROW(engine->stream("select MISSING from NUMBERS", none), Error);
     EXPECT_FALSE(none.ended);

@@ -122,6 +122,7 @@ TEST(HostileStream, OnlyTheTypesOfAPacketAreRead)
     EXPECT_EQ(renamed(pair, "BB", "AB"), "");
     EXPECT_THAT(renamed(pair, "BB", "aA"), HasSubstr("两次"));
     EXPECT_THAT(renamed(pair, "BB", "\xC3("), HasSubstr("UTF-8"));
+    EXPECT_THAT(refusal(Messages(*Builder({ { std::string(70000, 'x'), ColumnType::Int64 } }).finish()).bytes()), HasSubstr("列名"));
     EXPECT_THAT(renamed(pair, "kelvara.packet", "kelvara.parcel"), HasSubstr("格式或版本"));
     const auto retyped = [](ColumnType type, auto from, auto to) {
         Messages messages(*columnOf(type, {}));

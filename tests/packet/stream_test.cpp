@@ -97,15 +97,45 @@ TEST(Stream, BringsDecimalsToOneScaleOrRefuses)
             EXPECT_THAT(error.what(), HasSubstr("FEE"));
         }
     }
-    // A computed column arrives with a scale that leaves room; the reader brings it back to 64 bits.
-    const PacketPtr computed = readStream(streamed({ { "SHARE", std::nullopt } }, [](Builder &builder) {
-        for (std::size_t row = 0; row <= blockRows; ++row) {
-            builder.addDecimal(0, { Int128(row) * 100 + 25, 2 });
+}
+
+TEST(Stream, BringsComputedNumbersBackTo64Bits)
+{
+    // They arrive at a scale that leaves room for anything.
+    const char *const values[] = { "0", "-25", "8192.25", "92233720368547758.07", "-0.0625", "1e-9" };
+    const PacketPtr read = readStream(streamed({ { "SHARE", std::nullopt } }, [&values](Builder &builder) {
+        for (std::size_t row = 0; row < 3 * blockRows; ++row) {
+            const bool isSpecial = row % 1000 == 999;
+            const auto value = Decimal::parse(values[isSpecial ? row / blockRows + 3 : row % 3]);
+            builder.addDecimal(0, *value);
             builder.endRow();
         }
     }));
-    EXPECT_EQ(computed->chunk(0, 0).width, 8);
-    EXPECT_EQ(cell(*computed, 0, blockRows), "8192.25");
+    for (std::size_t row = 0; row < read->rowCount(); ++row)
+        ASSERT_EQ(read->decimal(0, row), *Decimal::parse(values[row % 1000 == 999 ? row / blockRows + 3 : row % 3])) << row;
+    const std::pair<int, int> widthsAndScales[] = { { 8, 2 }, { 8, 4 }, { 8, 9 } };
+    for (std::size_t block = 0; block < 3; ++block) {
+        EXPECT_EQ(read->blocks()[block].columns[0].width, widthsAndScales[block].first);
+        EXPECT_EQ(read->blocks()[block].columns[0].scale, widthsAndScales[block].second);
+    }
+    // Without zeros to take off they stay as they are.
+    const PacketPtr wide = readStream(streamed({ { "D", ColumnType::Decimal } }, [](Builder &builder) {
+        for (const char *value : { "1234567890123456789.5", "1", "-1234567890123456789012345678901234.5678" }) {
+            builder.addText(0, value);
+            builder.endRow();
+        }
+    }));
+    EXPECT_EQ(wide->chunk(0, 0).width, 16);
+    EXPECT_EQ(cell(*wide, 0, 2), "-1234567890123456789012345678901234.5678");
+}
+
+TEST(Stream, IsNotWrittenWithTimesThatNobodyReads)
+{
+    const auto year10000 = [](Builder &builder) {
+        builder.addTimestamp(0, 253402300800);
+        builder.endRow();
+    };
+    EXPECT_THROW(streamed({ { "SCAN_DATE", ColumnType::Timestamp } }, year10000), std::invalid_argument);
 }
 
 TEST(Stream, RefusesEveryPartOfIt)
