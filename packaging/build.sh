@@ -1,6 +1,6 @@
 # Sourced by ./run and ./test: installs what is missing, configures and builds. Expects `root`, the checkout's folder.
 
-packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libflatbuffers-dev flatbuffers-compiler liblz4-dev libxxhash-dev libxlsxwriter-dev libzint-dev poppler-utils unzip libgtest-dev libgmock-dev fonts-noto-cjk"
+packages="g++ cmake ninja-build pkg-config qt6-base-dev libqt6sql6-sqlite libsqlite3-dev libboost-dev libssl-dev libargon2-dev libflatbuffers-dev flatbuffers-compiler liblz4-dev libxxhash-dev libxlsxwriter-dev libzint-dev poppler-utils unzip libgtest-dev libgmock-dev fonts-noto-cjk"
 # A Node.js from elsewhere brings its own npm, which excludes Debian's.
 command -v npm >/dev/null || packages="$packages nodejs npm"
 
