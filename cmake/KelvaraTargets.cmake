@@ -26,6 +26,8 @@ if(KELVARA_ASSERTIONS)
 endif()
 if(KELVARA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer)
+    # With the sanitizers g++ 12 takes an empty boost::optional for an uninitialised one.
+    add_compile_options(-Wno-maybe-uninitialized)
     add_link_options(-fsanitize=address,undefined)
 endif()
 if(KELVARA_LIBFUZZER)

@@ -85,7 +85,7 @@ void FairPool::work()
         --m_running;
         --line->second.running;
         forgetIfIdle(line);
-        m_changed.notify_one();
+        // Nobody else is told: whatever may run now, this worker takes.
     }
 }
 

@@ -1,6 +1,9 @@
 #include "server/response.h"
 
+#include "packet/packet.h"
 #include "server/json.h"
+
+#include <chrono>
 
 namespace server {
 
@@ -40,6 +43,29 @@ std::string_view reasonOf(int status)
     }
 }
 
+/// "Mon, 23 Nov 2026 07:15:00 GMT", made once a second.
+const std::string &dateText()
+{
+    using namespace std::chrono;
+    constexpr std::string_view weekdays = "SunMonTueWedThuFriSat";
+    constexpr std::string_view months = "JanFebMarAprMayJunJulAugSepOctNovDec";
+    thread_local sys_seconds written {};
+    thread_local std::string text;
+    const auto now = floor<seconds>(system_clock::now());
+    if (now == written)
+        return text;
+    written = now;
+    const auto day = floor<days>(now);
+    const year_month_day date(day);
+    std::string digits;
+    packet::appendTimestamp(now.time_since_epoch().count(), digits); // yyyy-mm-dd hh:mm:ss
+    text = weekdays.substr(3 * weekday(day).c_encoding(), 3);
+    text += ", " + digits.substr(8, 2) + " ";
+    text += months.substr(3 * (unsigned(date.month()) - 1), 3);
+    text += " " + digits.substr(0, 4) + digits.substr(10) + " GMT";
+    return text;
+}
+
 } // namespace
 
 Response errorResponse(int status, std::string_view code, std::string_view message)
@@ -51,7 +77,7 @@ std::string responseHead(int status, std::string_view contentType, bool keepAliv
 {
     std::string head = "HTTP/1.1 " + std::to_string(status) + " ";
     head += reasonOf(status);
-    head += "\r\nServer: Kelvara\r\nCache-Control: no-store\r\nX-Content-Type-Options: nosniff\r\n";
+    head += "\r\nDate: " + dateText() + "\r\nServer: Kelvara\r\nCache-Control: no-store\r\nX-Content-Type-Options: nosniff\r\n";
     head += keepAlive ? "Connection: keep-alive\r\n" : "Connection: close\r\n";
     head += "Content-Type: ";
     head += contentType;

@@ -40,7 +40,7 @@ public:
     {
         listen(configuration);
         asio::co_spawn(m_io, accept(), asio::detached);
-        asio::co_spawn(m_io, checkDeadlines(), asio::detached);
+        asio::co_spawn(m_io, checkSessions(), asio::detached);
         for (std::size_t number = 0; number < configuration.ioThreads; ++number)
             m_threads.emplace_back([this] { m_io.run(); });
     }
@@ -143,11 +143,11 @@ private:
         co_await timer.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
     }
 
-    asio::awaitable<void> checkDeadlines()
+    asio::awaitable<void> checkSessions()
     {
         while (true) {
             co_await pause();
-            forEachSession([now = Session::Clock::now()](Session &session) { session.checkDeadline(now); });
+            forEachSession([now = Session::Clock::now()](Session &session) { session.check(now); });
         }
     }
 

@@ -67,10 +67,12 @@ void Session::start(std::function<void()> ended)
         [ended = std::move(ended)](std::exception_ptr) { ended(); });
 }
 
-void Session::checkDeadline(Clock::time_point now)
+void Session::check(Clock::time_point now)
 {
     if (m_deadline.load() <= now.time_since_epoch().count())
         post(&Session::expire);
+    if (m_isBusy)
+        post(&Session::beginWatching);
 }
 
 void Session::closeIfIdle() { post(&Session::doCloseIfIdle); }
@@ -225,8 +227,6 @@ Session::Awaitable<bool> Session::runQuery(const Request &request)
     if (const auto *refusal = std::get_if<Response>(&begun))
         co_return co_await respond(*refusal, keepAlive);
     m_statement = std::get<std::shared_ptr<Statement>>(begun);
-    m_isWatching = true;
-    readAhead();
     const bool isSent = co_await sendResult(*m_statement, keepAlive);
     m_isWatching = false;
     m_statement.reset();
@@ -319,6 +319,14 @@ Session::Awaitable<void> Session::closeGracefully()
         discarded += m_input.size();
         m_input.clear();
     }
+}
+
+void Session::beginWatching()
+{
+    if (!m_statement || m_isWatching)
+        return;
+    m_isWatching = true;
+    readAhead();
 }
 
 /// Reads on while a statement runs: what arrives are further requests, or the client's end, which cancels the statement.

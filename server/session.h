@@ -11,7 +11,7 @@
 namespace server {
 
 /// One connection of a client: reads its requests one after the other and sends the answers. Runs on its socket's executor;
-/// start(), checkDeadline(), closeIfIdle() and cancel() may be called from any thread.
+/// start(), check(), closeIfIdle() and cancel() may be called from any thread.
 class Session : public std::enable_shared_from_this<Session> {
 public:
     using Clock = std::chrono::steady_clock;
@@ -20,8 +20,9 @@ public:
 
     /// `ended` is called once, when the connection has been closed.
     void start(std::function<void()> ended);
-    /// Ends whatever the client has taken too long for.
-    void checkDeadline(Clock::time_point now);
+    /// To be called now and then. Ends whatever the client has taken too long for, and watches the client while a statement takes its
+    /// time.
+    void check(Clock::time_point now);
     void closeIfIdle();
     /// Cancels the statement that runs.
     void cancel();
@@ -47,6 +48,7 @@ private:
     Awaitable<void> sendPieces(const std::vector<std::string> &pieces);
     Awaitable<void> flush();
     Awaitable<void> closeGracefully();
+    void beginWatching();
     void watch();
     void readAhead();
 

@@ -1,5 +1,6 @@
 #include "server/tls_stream.h"
 
+#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 #include <boost/asio/write.hpp>
 
@@ -53,15 +54,15 @@ int TlsStream::onRead(BIO *bio, char *into, int size)
 {
     auto &stream = *static_cast<TlsStream *>(BIO_get_data(bio));
     BIO_clear_retry_flags(bio);
-    const std::size_t taken = std::min(std::size_t(size), stream.m_received.size() - stream.m_position);
+    const std::size_t taken = std::min(std::size_t(size), stream.m_received.size());
     if (taken == 0) {
         if (stream.m_ended)
             return 0;
         BIO_set_retry_read(bio);
         return -1;
     }
-    std::memcpy(into, stream.m_received.data() + stream.m_position, taken);
-    stream.m_position += taken;
+    std::memcpy(into, stream.m_received.data(), taken);
+    stream.m_received.remove_prefix(taken);
     return int(taken);
 }
 
@@ -82,49 +83,70 @@ asio::awaitable<void> TlsStream::handshake()
         if (SSL_get_error(m_ssl.get(), result) != SSL_ERROR_WANT_READ || m_ended)
             fail();
         co_await flush();
-        if (!receive())
-            co_await m_socket.async_wait(Socket::wait_read, asio::use_awaitable);
+        co_await receive();
     }
     co_await flush();
 }
 
 TlsStream::Arrival TlsStream::readArrived(std::string &to)
 {
+    const Arrival before = decrypt(to);
+    if (before != Arrival::Nothing)
+        return before;
+    thread_local std::array<char, receiveSize> bytes;
+    boost::system::error_code error;
+    const std::size_t count = m_socket.read_some(asio::buffer(bytes), error);
+    if (error == asio::error::would_block || error == asio::error::try_again)
+        return Arrival::Nothing;
+    m_ended = error || count == 0;
+    m_received = { bytes.data(), count };
+    return decrypt(to);
+}
+
+asio::awaitable<TlsStream::Arrival> TlsStream::read(std::string &to)
+{
+    while (true) {
+        const Arrival arrival = decrypt(to);
+        co_await flush();
+        if (arrival != Arrival::Nothing)
+            co_return arrival;
+        co_await receive();
+    }
+}
+
+/// Uses up all that has been received.
+TlsStream::Arrival TlsStream::decrypt(std::string &to)
+{
     std::array<char, 4096> bytes;
+    bool hasBytes = false;
     while (true) {
         std::size_t count = 0;
         ERR_clear_error();
         const int result = SSL_read_ex(m_ssl.get(), bytes.data(), bytes.size(), &count);
         if (result == 1) {
             to.append(bytes.data(), count);
+            hasBytes = true;
+            continue;
+        }
+        const int reason = SSL_get_error(m_ssl.get(), result);
+        if (hasBytes)
             return Arrival::Bytes;
-        }
-        switch (SSL_get_error(m_ssl.get(), result)) {
-        case SSL_ERROR_WANT_READ:
-            if (m_ended)
-                return Arrival::End;
-            if (!receive())
-                return Arrival::Nothing;
-            break;
-        case SSL_ERROR_ZERO_RETURN:
+        if (reason == SSL_ERROR_ZERO_RETURN || m_ended)
             return Arrival::End;
-        default:
-            if (m_ended)
-                return Arrival::End;
+        if (reason != SSL_ERROR_WANT_READ)
             fail();
-        }
+        return Arrival::Nothing;
     }
 }
 
-asio::awaitable<TlsStream::Arrival> TlsStream::read(std::string &to)
+asio::awaitable<void> TlsStream::receive()
 {
-    while (true) {
-        const Arrival arrival = readArrived(to);
-        co_await flush();
-        if (arrival != Arrival::Nothing)
-            co_return arrival;
-        co_await m_socket.async_wait(Socket::wait_read, asio::use_awaitable);
-    }
+    boost::system::error_code error;
+    const auto count = co_await m_socket.async_read_some(asio::buffer(m_beginning), asio::redirect_error(asio::use_awaitable, error));
+    if (error == asio::error::operation_aborted)
+        throw boost::system::system_error(error);
+    m_ended = error || count == 0;
+    m_received = { m_beginning.data(), count };
 }
 
 void TlsStream::add(std::string_view bytes)
@@ -163,22 +185,6 @@ asio::awaitable<void> TlsStream::flush()
         m_bytesSent += m_sending.size();
     }
     m_isFlushing = false;
-}
-
-/// Takes what the system has; false when that is nothing.
-bool TlsStream::receive()
-{
-    m_received.resize(receiveSize);
-    m_position = 0;
-    boost::system::error_code error;
-    const std::size_t count = m_socket.read_some(asio::buffer(m_received), error);
-    m_received.resize(count);
-    if (count == 0)
-        m_received = {};
-    if (error == asio::error::would_block || error == asio::error::try_again)
-        return false;
-    m_ended = error || count == 0;
-    return true;
 }
 
 void TlsStream::fail()

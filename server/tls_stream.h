@@ -8,6 +8,7 @@
 
 #include <openssl/ssl.h>
 
+#include <array>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -30,7 +31,7 @@ public:
         Bytes,
         End, ///< the peer will send no more
     };
-    /// Appends what has arrived, some kilobytes at a time, without waiting.
+    /// Appends what has arrived, at most 16 KiB at a time, without waiting.
     Arrival readArrived(std::string &to);
     /// The same, but waits until there is something.
     boost::asio::awaitable<Arrival> read(std::string &to);
@@ -55,13 +56,14 @@ private:
     static int onRead(BIO *bio, char *into, int size);
     static int onWrite(BIO *bio, const char *bytes, int size);
 
-    bool receive();
+    Arrival decrypt(std::string &to);
+    boost::asio::awaitable<void> receive();
     [[noreturn]] void fail();
 
     Socket m_socket;
     std::unique_ptr<SSL, FreeSsl> m_ssl;
-    std::vector<char> m_received {}; ///< encrypted; used up to m_position
-    std::size_t m_position = 0;
+    std::array<char, 2048> m_beginning; ///< for what comes first after a wait
+    std::string_view m_received {}; ///< encrypted and not used yet
     bool m_ended = false; ///< the peer has closed its side
     std::vector<char> m_toSend {}; ///< encrypted
     std::vector<char> m_sending {};

@@ -19,7 +19,7 @@ constexpr std::string_view helperFunctions[]
 
 void lowerLimits(sqlite3 *database)
 {
-    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, 64 * 1024 * 1024);
+    sqlite3_limit(database, SQLITE_LIMIT_LENGTH, 4 * 1024 * 1024);
     sqlite3_limit(database, SQLITE_LIMIT_SQL_LENGTH, 4 * int(gate::largestStatement));
     sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
     sqlite3_limit(database, SQLITE_LIMIT_TRIGGER_DEPTH, 1);

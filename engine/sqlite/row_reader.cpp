@@ -15,6 +15,7 @@ using packet::ColumnType;
 
 constexpr int widestInt64 = 18; ///< digits
 constexpr std::size_t batchBytes = 128 * 1024;
+constexpr std::size_t largestBlock = 256 * 1024 * 1024; ///< bytes
 
 /// "NUMBER(10,2)": whole numbers of up to 18 digits are Int64, all others Decimal.
 void declareNumber(packet::Builder::Column &column, std::string_view declared)
@@ -82,6 +83,7 @@ SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sin
 
 void SqliteRowReader::addRow()
 {
+    const std::size_t before = m_batch.size();
     const std::size_t count = m_sources.size();
     for (std::size_t column = 0; column < count; ++column) {
         sqlite3_value *const value = sqlite3_column_value(m_statement, int(column));
@@ -90,11 +92,24 @@ void SqliteRowReader::addRow()
         else
             gather(value);
     }
+    checkBlock(m_batch.size() - before);
     if (m_batch.size() < batchBytes)
         return;
     if (!m_worker)
         m_worker.emplace([this](const RowBatch &batch) { build(batch); });
     m_worker->exchange(m_batch);
+}
+
+/// Whoever multiplies texts in a statement must not fill the memory: a block is held until it is complete.
+void SqliteRowReader::checkBlock(std::size_t rowBytes)
+{
+    m_blockBytes += rowBytes;
+    if (m_blockBytes > largestBlock)
+        throw Error(Failure::Database, "结果中的文字太长，连续 8192 行超过了 256 MB，请减少列数或缩短文字");
+    if (++m_blockRows == packet::Packet::blockRows) {
+        m_blockRows = 0;
+        m_blockBytes = 0;
+    }
 }
 
 packet::PacketPtr SqliteRowReader::finish(bool truncated)

@@ -30,6 +30,7 @@ private:
     static Source sourceOf(const packet::Builder::Column &column);
     void gatherText(sqlite3_value *value);
     void gather(sqlite3_value *value);
+    void checkBlock(std::size_t rowBytes);
     void build(const RowBatch &batch);
     void addDouble(std::size_t column, double value);
 
@@ -37,6 +38,8 @@ private:
     std::vector<Source> m_sources;
     packet::Builder m_builder;
     RowBatch m_batch {};
+    std::uint32_t m_blockRows = 0; ///< gathered of the block at hand
+    std::size_t m_blockBytes = 0;
     std::optional<BatchWorker> m_worker; ///< the last member: it stops before the builder goes
 };
 

@@ -41,6 +41,8 @@ TEST(Http, LogsInAndAnswersOnOneConnection)
     EXPECT_EQ(result.body, "\xEF\xBB\xBFN\r\n1\r\n2\r\n");
     EXPECT_EQ(client.get("/healthz").status, 200);
     EXPECT_EQ(client.get("/readyz").status, 200);
+    EXPECT_THAT(
+        client.get("/healthz").headers["date"], testing::ContainsRegex("^[A-Z][a-z]{2}, [0-9]{2} [A-Z][a-z]{2} 20[0-9]{2} [0-9:]{8} GMT$"));
 }
 
 TEST(Http, RefusesWhatItCannotServe)

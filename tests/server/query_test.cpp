@@ -139,6 +139,14 @@ TEST(Query, ALimitThatOneReachesDisturbsNobodyElse)
     EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; })) << "a client that does not read keeps no worker";
     EXPECT_FALSE(neverReads->receive().complete);
     EXPECT_FALSE(server.query(millionRows, "X-Kelvara-Database: narrow\r\n").complete);
+    std::string multiplied = "b.text";
+    for (int level = 0; level < 4; ++level)
+        multiplied = "replace(" + multiplied + ",'0','0000000000')";
+    for (int level = 4; level < 8; ++level) {
+        const HttpReply reply = server.query("select " + multiplied + " as x from NUMBERS a, NUMBERS b");
+        EXPECT_EQ(reply.status, 400) << "texts that fill the memory";
+        multiplied = "replace(" + multiplied + ",'0','0000000000')";
+    }
 }
 
 TEST(Query, AClientThatDoesNotReadLosesItsConnection)
@@ -214,6 +222,19 @@ TEST(Query, IsWrittenToTheAuditLog)
     const auto later = server.auditLines(1);
     ASSERT_EQ(later.size(), 1u) << "the old file was let go of";
     EXPECT_THAT(later[0], HasSubstr("n=4"));
+}
+
+TEST(Query, TheAddressThatAProxyNamesCountsWhenTheProxyIsTrusted)
+{
+    const HttpHeaders forwarded = "X-Forwarded-For: 1.2.3.4, 10.1.1.1\r\n";
+    const TestServer trusting([](Configuration &configuration) { configuration.trustedProxies = { "10.0.0.5", "127.0.0.1" }; });
+    trusting.query("select n from NUMBERS where n=1", forwarded);
+    trusting.query("select n from NUMBERS where n=1");
+    EXPECT_THAT(trusting.auditLines(2)[0], HasSubstr("\"address\":\"10.1.1.1\"")) << "what the client wrote itself does not count";
+    EXPECT_THAT(trusting.auditLines(2)[1], HasSubstr("\"address\":\"127.0.0.1\""));
+    const TestServer cautious;
+    cautious.query("select n from NUMBERS where n=1", forwarded);
+    EXPECT_THAT(cautious.auditLines(1)[0], HasSubstr("\"address\":\"127.0.0.1\""));
 }
 
 TEST(Query, FinishesWhatRunsBeforeTheServerStops)

@@ -18,10 +18,11 @@ namespace {
 
 constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
 
-void reset(tcp::socket &socket)
+void end(tcp::socket &socket, bool resets)
 {
     boost::system::error_code ignored;
-    socket.set_option(net::socket_base::linger(true, 0), ignored);
+    if (resets)
+        socket.set_option(net::socket_base::linger(true, 0), ignored);
     socket.close(ignored);
 }
 
@@ -39,8 +40,8 @@ struct CuttingProxy::State {
         }
         void cut()
         {
-            reset(client);
-            reset(server);
+            end(client, state.resets);
+            end(server, state.resets);
         }
         /// Reads from one side and writes to the other, again and again.
         void pass(tcp::socket &from, tcp::socket &to, std::array<char, 16384> &buffer, bool counted)
@@ -109,6 +110,7 @@ struct CuttingProxy::State {
     tcp::endpoint target;
     tcp::acceptor acceptor { io, tcp::endpoint(net::ip::address_v4::loopback(), 0) };
     std::atomic<std::uint64_t> allowed = never;
+    std::atomic<bool> resets = true;
     std::atomic<bool> frozen = false;
     std::atomic<int> accepted = 0;
     std::vector<std::weak_ptr<Line>> lines;
@@ -125,8 +127,9 @@ CuttingProxy::~CuttingProxy() = default;
 
 std::uint16_t CuttingProxy::port() const { return m_state->acceptor.local_endpoint().port(); }
 
-void CuttingProxy::cutAfter(std::uint64_t bytes)
+void CuttingProxy::cutAfter(std::uint64_t bytes, Cut how)
 {
+    m_state->resets = how == Cut::Reset;
     m_state->allowed = bytes;
     std::promise<void> done;
     net::post(m_state->io, [&] {
