@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
+#include <map>
 
 #include <xlsxwriter.h>
 
@@ -66,10 +67,16 @@ public:
         options.constant_memory = LXW_TRUE;
         lxw_workbook *book = workbook_new_opt(fileName.toUtf8().constData(), &options);
         lxw_worksheet *sheet = workbook_add_worksheet(book, "scans");
+        // One object a look: the library searches at every cell for another one like it.
+        std::map<std::string, lxw_format *> looks;
         std::vector<lxw_format *> formats;
         for (const packet::Field &field : m_rows->schema()) {
-            formats.push_back(workbook_add_format(book));
-            format_set_num_format(formats.back(), formatOf(field.type));
+            lxw_format *&look = looks[formatOf(field)];
+            if (!look) {
+                look = workbook_add_format(book);
+                format_set_num_format(look, formatOf(field));
+            }
+            formats.push_back(look);
         }
         for (std::size_t row = 0; row < m_rows->rowCount(); ++row)
             writeRow(sheet, formats, row);
@@ -78,11 +85,18 @@ public:
     }
 
 private:
-    static const char *formatOf(packet::ColumnType type)
+    static const char *formatOf(const packet::Field &field)
     {
-        if (type == packet::ColumnType::Text)
+        switch (field.type) {
+        case packet::ColumnType::Text:
             return "@";
-        return type == packet::ColumnType::Timestamp ? "yyyy-mm-dd hh:mm:ss" : "#,##0.00";
+        case packet::ColumnType::Timestamp:
+            return "yyyy-mm-dd hh:mm:ss";
+        case packet::ColumnType::Int64:
+            return "0";
+        default:
+            return "#,##0.00";
+        }
     }
     void writeRow(lxw_worksheet *sheet, const std::vector<lxw_format *> &formats, std::size_t row) const
     {

@@ -111,10 +111,14 @@ public:
     void append(TextBuffer &out, std::size_t row, const packet::Block &block, std::size_t line) override
     {
         const Chunk &numbers = block.columns[m_field];
-        if (numbers.isNull(line) || numbers.width != sizeof(std::int64_t))
+        const bool null = numbers.isNull(line);
+        if (!null && numbers.width != sizeof(std::int64_t))
             return appendShown(out, row);
         appendBefore(out);
-        appendUnits(out, numbers.values.as<std::int64_t>()[line], numbers.scale);
+        if (null)
+            out += m_format.noNumber();
+        else
+            appendUnits(out, numbers.values.as<std::int64_t>()[line], numbers.scale);
     }
 
 private:
@@ -145,13 +149,14 @@ private:
 class Times : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(TextBuffer &out, std::size_t row, const packet::Block &block, std::size_t line) override
+    void append(TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
     {
         const Chunk &times = block.columns[m_field];
-        if (times.isNull(line))
-            return appendShown(out, row);
         appendBefore(out);
-        ((out += m_format.quote()) += timeText(times.values.as<std::int64_t>()[line])) += m_format.quote();
+        out += m_format.quote();
+        if (!times.isNull(line))
+            out += timeText(times.values.as<std::int64_t>()[line]);
+        out += m_format.quote();
     }
 
 private:

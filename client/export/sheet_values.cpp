@@ -12,10 +12,10 @@ constexpr qsizetype longestCell = 32'767; ///< characters
 std::optional<double> exactNumber(packet::Decimal value)
 {
     constexpr packet::Int128 limit = 1'000'000'000'000'000; // the first with 16 digits
-    for (; value.scale > 0 && value.units % 10 == 0; --value.scale)
+    const auto fits = [&value] { return value.units < limit && value.units > -limit; };
+    for (; !fits() && value.scale > 0 && value.units % 10 == 0; --value.scale)
         value.units /= 10;
-    const bool fits = value.units < limit && value.units > -limit;
-    return fits ? std::optional(value.toDouble()) : std::nullopt;
+    return fits() ? std::optional(value.toDouble()) : std::nullopt;
 }
 
 std::optional<double> dayNumber(std::int64_t seconds)

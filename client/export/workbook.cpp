@@ -4,6 +4,7 @@
 #include "client/export/sheet_values.h"
 
 #include <QDir>
+#include <QHash>
 #include <QStorageInfo>
 
 #include <algorithm>
@@ -107,26 +108,30 @@ private:
         m_file.fail(QStringLiteral("临时目录“%1”空间不足").arg(QDir::toNativeSeparators(QDir::tempPath())));
     }
 
-    lxw_format *newFormat(const QByteArray &number, bool bold = false)
+    /// One object a look: for another one like it, the library would search at every cell.
+    lxw_format *format(const QByteArray &number, bool bold = false)
     {
-        lxw_format *format = workbook_add_format(m_book.get());
-        format_set_num_format(format, number.constData());
+        lxw_format *&made = m_looks[{ number, bold }];
+        if (made)
+            return made;
+        made = workbook_add_format(m_book.get());
+        format_set_num_format(made, number.constData());
         if (bold)
-            format_set_bold(format);
-        return format;
+            format_set_bold(made);
+        return made;
     }
     void createFormats()
     {
-        m_text = newFormat("@");
-        m_title = newFormat("@", true);
-        lxw_format *general = newFormat("General");
-        lxw_format *wholeFooter = newFormat("0", true);
+        m_text = format("@");
+        m_title = format("@", true);
+        lxw_format *general = format("General");
+        lxw_format *wholeFooter = format("0", true);
         for (const ExportColumn &column : m_table.columns) {
             const QByteArray number = numberFormat(column.kind, column.scale);
             const bool text = column.kind == CellKind::Text;
-            lxw_format *cell = column.field < 0 ? general : text ? m_text : newFormat(number);
+            lxw_format *cell = column.field < 0 ? general : text ? m_text : format(number);
             const bool sum = column.kind == CellKind::Decimal || column.kind == CellKind::Float;
-            m_formats.push_back({ cell, m_text, sum ? newFormat(number, true) : wholeFooter, m_title });
+            m_formats.push_back({ cell, m_text, sum ? format(number, true) : wholeFooter, m_title });
         }
     }
 
@@ -231,6 +236,7 @@ private:
     std::vector<lxw_worksheet *> m_sheets;
     lxw_format *m_text = nullptr;
     lxw_format *m_title = nullptr;
+    QHash<std::pair<QByteArray, bool>, lxw_format *> m_looks;
     std::vector<ColumnFormats> m_formats;
     lxw_row_t m_row = 0;
     bool m_rowsOpen = true; ///< no filter has been set over the rows of the sheet at hand
