@@ -5,7 +5,6 @@
 #include <libpq-fe.h>
 
 #include <algorithm>
-#include <regex>
 #include <stdexcept>
 
 namespace demo {
@@ -22,10 +21,18 @@ using Result = std::unique_ptr<PGresult, Clear>;
 
 std::string postgresqlTypes(std::string_view script)
 {
-    std::string text(script);
-    text = std::regex_replace(text, std::regex("\\bVARCHAR2\\b"), "varchar");
-    text = std::regex_replace(text, std::regex("\\bNUMBER\\b"), "numeric");
-    return std::regex_replace(text, std::regex("\\bDATE\\b"), "timestamp(0)");
+    constexpr std::string_view wordCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
+    std::string text;
+    while (!script.empty()) {
+        const auto gap = std::min(script.find_first_of(wordCharacters), script.size());
+        text += script.substr(0, gap);
+        script.remove_prefix(gap);
+        const auto end = std::min(script.find_first_not_of(wordCharacters), script.size());
+        const auto word = script.substr(0, end);
+        script.remove_prefix(end);
+        text += word == "VARCHAR2" ? "varchar" : word == "NUMBER" ? "numeric" : word == "DATE" ? "timestamp(0)" : word;
+    }
+    return text;
 }
 
 /// Writes rows as lines of COPY into the buffer of their table.
@@ -92,10 +99,11 @@ PostgresqlDatabase::PostgresqlDatabase(const std::string &url, bool replaces)
 
 void PostgresqlDatabase::define(std::string_view script)
 {
-    static const std::regex table("CREATE TABLE (\\w+)");
+    constexpr std::string_view create = "CREATE TABLE ";
     const std::string text = postgresqlTypes(script);
-    for (std::sregex_iterator found(text.begin(), text.end(), table); found != std::sregex_iterator(); ++found) {
-        const std::string name = (*found)[1];
+    for (auto found = text.find(create); found != std::string::npos; found = text.find(create, found + 1)) {
+        const auto begin = found + create.size();
+        const std::string name = text.substr(begin, text.find(' ', begin) - begin);
         if (m_replaces)
             run("drop table if exists " + name);
         else
