@@ -13,6 +13,7 @@ namespace {
 
 constexpr int stepsBetweenChecks = 1000;
 constexpr std::int64_t rowsBetweenReports = 8192;
+constexpr std::size_t longRow = 16 * 1024; ///< bytes
 
 /// Functions that the dialect writes and a statement cannot name.
 constexpr std::string_view helperFunctions[]
@@ -116,7 +117,9 @@ packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, const Quer
     while (step(statement) == SQLITE_ROW) {
         if (rows == options.rowLimit)
             return reader.finish(true);
-        reader.addRow();
+        // Few steps may have made a row of long texts.
+        if (reader.addRow() > longRow && mustStop())
+            fail();
         if (++rows % rowsBetweenReports == 0 && options.progress)
             options.progress(rows);
     }
