@@ -12,6 +12,7 @@ namespace engine {
 namespace {
 
 constexpr int stepsBetweenChecks = 1000;
+constexpr std::size_t longRow = 16 * 1024; ///< bytes
 
 /// Functions that the dialect writes and a statement cannot name.
 constexpr std::string_view helperFunctions[]
@@ -112,7 +113,9 @@ packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement)
     while (step(statement) == SQLITE_ROW) {
         if (rows == m_job->options.rowLimit)
             return reader.finish(true);
-        reader.addRow();
+        // Few steps may have made a row of long texts.
+        if (reader.addRow() > longRow && mustStop())
+            fail();
         if (++rows % Job::rowsBetweenReports == 0)
             m_job->report(rows);
     }

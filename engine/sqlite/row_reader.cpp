@@ -15,7 +15,7 @@ using packet::ColumnType;
 
 constexpr int widestInt64 = 18; ///< digits
 constexpr std::size_t batchBytes = 128 * 1024;
-constexpr std::size_t largestBlock = 256 * 1024 * 1024; ///< bytes
+constexpr std::size_t largestBlock = 128 * 1024 * 1024; ///< bytes
 
 /// "NUMBER(10,2)": whole numbers of up to 18 digits are Int64, all others Decimal.
 void declareNumber(packet::Builder::Column &column, std::string_view declared)
@@ -81,7 +81,7 @@ SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sin
         m_sources.push_back(sourceOf(column));
 }
 
-void SqliteRowReader::addRow()
+std::size_t SqliteRowReader::addRow()
 {
     const std::size_t before = m_batch.size();
     const std::size_t count = m_sources.size();
@@ -92,12 +92,14 @@ void SqliteRowReader::addRow()
         else
             gather(value);
     }
-    checkBlock(m_batch.size() - before);
-    if (m_batch.size() < batchBytes)
-        return;
-    if (!m_worker)
-        m_worker.emplace([this](const RowBatch &batch) { build(batch); });
-    m_worker->exchange(m_batch);
+    const std::size_t size = m_batch.size() - before;
+    checkBlock(size);
+    if (m_batch.size() >= batchBytes) {
+        if (!m_worker)
+            m_worker.emplace([this](const RowBatch &batch) { build(batch); });
+        m_worker->exchange(m_batch);
+    }
+    return size;
 }
 
 /// Whoever multiplies texts in a statement must not fill the memory: a block is held until it is complete.
@@ -105,7 +107,7 @@ void SqliteRowReader::checkBlock(std::size_t rowBytes)
 {
     m_blockBytes += rowBytes;
     if (m_blockBytes > largestBlock)
-        throw Error(Failure::Database, "结果中的文字太长，连续 8192 行超过了 256 MB，请减少列数或缩短文字");
+        throw Error(Failure::Database, "结果中的文字太长，连续 8192 行超过了 128 MB，请减少列数或缩短文字");
     if (++m_blockRows == packet::Packet::blockRows) {
         m_blockRows = 0;
         m_blockBytes = 0;

@@ -16,9 +16,9 @@ class SqliteRowReader {
 public:
     /// With a sink the rows go there.
     explicit SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sink = nullptr);
-    /// The row that the statement stands on. Throws Error(Database) when a value of this or of an earlier row does not fit the
-    /// type of its column.
-    void addRow();
+    /// The row that the statement stands on; returns its bytes. Throws Error(Database) when a value of this or of an earlier row does not
+    /// fit the type of its column.
+    std::size_t addRow();
     packet::PacketPtr finish(bool truncated);
 
 private:

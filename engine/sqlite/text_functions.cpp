@@ -69,16 +69,21 @@ void rtrim(sqlite3_context *context, Arguments arguments) { trimmed(context, arg
 
 void replace(sqlite3_context *context, Arguments arguments)
 {
-    std::string text = textOf(arguments[0]);
+    const std::string text = textOf(arguments[0]);
     const std::string wanted = textOf(arguments[1]);
     const std::string with = arguments.size() > 2 ? textOf(arguments[2]) : std::string();
+    std::string replaced;
+    std::size_t begin = 0;
     for (std::size_t found = wanted.empty() ? std::string::npos : text.find(wanted); found != std::string::npos;
-         found = text.find(wanted, found + with.size())) {
-        text.replace(found, wanted.size(), with);
-        if (text.size() > 4000 * 1000)
+         found = text.find(wanted, begin)) {
+        replaced.append(text, begin, found - begin);
+        replaced += with;
+        begin = found + wanted.size();
+        if (replaced.size() > 4000 * 1000)
             throw OracleError("ORA-01489: 字符串连接的结果过长");
     }
-    setText(context, text);
+    replaced.append(text, begin);
+    setText(context, replaced);
 }
 
 bool isNumber(sqlite3_value *value) { return sqlite3_value_type(value) == SQLITE_INTEGER || sqlite3_value_type(value) == SQLITE_FLOAT; }
