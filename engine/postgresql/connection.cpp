@@ -17,6 +17,7 @@ using namespace std::chrono_literals;
 /// How soon a stop request is noticed while the server computes.
 constexpr auto stopInterval = 5ms;
 constexpr std::int64_t rowsBetweenChecks = 256;
+constexpr int firstToWatchClients = 14'00'00; ///< version
 
 } // namespace
 
@@ -65,7 +66,10 @@ void PostgresqlConnection::begin(const Job &job)
 {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(job.deadline - Clock::now());
     const auto limit = std::clamp<std::int64_t>(left.count(), 1, std::numeric_limits<int>::max());
-    const std::string command = "begin transaction read only; set local statement_timeout = " + std::to_string(limit);
+    std::string command = "begin transaction read only; set local statement_timeout = " + std::to_string(limit);
+    // A statement whose client was killed must not run on at the server.
+    if (PQserverVersion(m_connection.get()) >= firstToWatchClients)
+        command += "; set local client_connection_check_interval = 5000";
     Result result = execute(command);
     if (PQstatus(m_connection.get()) != CONNECTION_OK) {
         reset();
