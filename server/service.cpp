@@ -1,6 +1,7 @@
 #include "server/service.h"
 
 #include "server/json.h"
+#include "server/system.h"
 
 #include <algorithm>
 
@@ -11,21 +12,6 @@ namespace {
 std::int64_t secondsNow()
 {
     return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
-/// The server's own wall clock as seconds since 1970 without a time zone.
-std::int64_t localSecondsNow()
-{
-    const std::time_t now = std::time(nullptr);
-    std::tm local {};
-#ifdef _WIN32
-    localtime_s(&local, &now);
-#else
-    localtime_r(&now, &local);
-#endif
-    const std::chrono::year_month_day date(
-        std::chrono::year(local.tm_year + 1900), std::chrono::month(unsigned(local.tm_mon + 1)), std::chrono::day(unsigned(local.tm_mday)));
-    return std::chrono::sys_days(date).time_since_epoch().count() * 86400LL + local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
 }
 
 Response unauthorized()

@@ -8,8 +8,6 @@
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
-#include <cstdio>
-
 namespace server {
 
 namespace asio = boost::asio;
@@ -17,8 +15,6 @@ namespace asio = boost::asio;
 namespace {
 
 constexpr std::size_t largestBody = 66 * 1024; ///< the longest statement and a little, so that the gate can say what is wrong
-constexpr std::size_t sendSize = 256 * 1024;
-constexpr std::size_t mostReadAhead = 16 * 1024; ///< of the requests that follow
 constexpr std::size_t mostDiscarded = 1024 * 1024;
 constexpr auto farewellTime = std::chrono::seconds(2);
 constexpr auto never = std::numeric_limits<Session::Clock::rep>::max();
@@ -35,15 +31,6 @@ Response failureOf(int status)
     default:
         return errorResponse(400, "request", "请求不是正确的 HTTP/1.1，请检查客户端");
     }
-}
-
-/// What the log says of a result that the client did not get.
-Outcome brokenOutcome(const ResultQueue::Portion &last) { return last.outcome == Outcome::Complete ? Outcome::Cancelled : last.outcome; }
-
-std::string chunkHead(std::size_t size)
-{
-    char head[24];
-    return std::string(head, std::size_t(std::snprintf(head, sizeof head, "%zx\r\n", size)));
 }
 
 } // namespace
@@ -155,7 +142,7 @@ Session::Awaitable<bool> Session::serveRequest()
     else
         stays = co_await respond(co_await answerTo(request), request.keepAlive && mayStay(), request.method != "HEAD");
     m_isBusy = false;
-    co_return stays &&mayStay();
+    co_return (stays && mayStay());
 }
 
 /// False when the client ended, or sent nothing for too long.
@@ -216,91 +203,6 @@ Session::Awaitable<Response> Session::answerTo(const Request &request)
     co_return std::move(**answered);
 }
 
-Session::Awaitable<bool> Session::runQuery(const Request &request)
-{
-    const bool keepAlive = request.keepAlive && mayStay();
-    m_queryAddress = m_service.clientAddress(request, m_address);
-    auto begun = m_service.beginQuery(request, [weak = weak_from_this()] {
-        if (const auto self = weak.lock())
-            self->post(&Session::wake);
-    });
-    if (const auto *refusal = std::get_if<Response>(&begun))
-        co_return co_await respond(*refusal, keepAlive);
-    m_statement = std::get<std::shared_ptr<Statement>>(begun);
-    const bool isSent = co_await sendResult(*m_statement, keepAlive);
-    m_isWatching = false;
-    m_statement.reset();
-    co_return isSent &&keepAlive;
-}
-
-/// Sends the result as it comes, and sees to the statement's end. True when the client has got a complete answer.
-Session::Awaitable<bool> Session::sendResult(Statement &statement, bool keepAlive)
-{
-    bool hasBegun = false;
-    while (true) {
-        const ResultQueue::Portion portion = statement.take();
-        if (!m_isBroken && (portion.isLast || !portion.pieces.empty())) {
-            try {
-                co_await sendPortion(portion, keepAlive, hasBegun);
-            } catch (const boost::system::system_error &) {
-                m_isBroken = true;
-            }
-        }
-        if (portion.isLast) {
-            m_service.endQuery(statement, m_queryAddress, std::string(nameOf(m_isBroken ? brokenOutcome(portion) : portion.outcome)));
-            co_return !m_isBroken;
-        }
-        if (m_isBroken)
-            statement.abandon();
-        if (portion.pieces.empty())
-            co_await sleep();
-    }
-}
-
-/// A result of which a part has been sent when it fails is broken off, so that nobody takes the part for the whole.
-Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portion, bool keepAlive, bool &hasBegun)
-{
-    const bool isComplete = portion.isLast && portion.outcome == Outcome::Complete;
-    if (portion.isLast && !isComplete) {
-        m_isBroken = hasBegun;
-        if (!hasBegun)
-            co_await respond(responseTo(portion.outcome, portion.message), keepAlive);
-        co_return;
-    }
-    const bool isWhole = portion.isLast && !hasBegun;
-    std::size_t size = 0;
-    for (const std::string &piece : portion.pieces)
-        size += piece.size();
-    if (!hasBegun) {
-        m_service.metrics().countRequest(200);
-        m_stream.add(responseHead(200, contentType(m_statement->request().format), keepAlive)
-            + (isWhole ? "Content-Length: " + std::to_string(size) + "\r\n\r\n" : "Transfer-Encoding: chunked\r\n\r\n"));
-        hasBegun = true;
-    }
-    if (!isWhole && size > 0)
-        m_stream.add(chunkHead(size));
-    co_await sendPieces(portion.pieces);
-    if (!isWhole)
-        m_stream.add(std::string_view("\r\n0\r\n\r\n").substr(size > 0 ? 0 : 2, isComplete ? std::string_view::npos : 2));
-    co_await flush();
-}
-
-/// Encrypts and sends some of it at a time; the client has to take each part in time.
-Session::Awaitable<void> Session::sendPieces(const std::vector<std::string> &pieces)
-{
-    std::size_t waiting = 0;
-    for (const std::string &piece : pieces) {
-        for (std::size_t begin = 0; begin < piece.size(); begin += sendSize) {
-            const auto part = std::string_view(piece).substr(begin, sendSize);
-            m_stream.add(part);
-            if ((waiting += part.size()) < sendSize)
-                continue;
-            waiting = 0;
-            co_await flush();
-        }
-    }
-}
-
 Session::Awaitable<void> Session::flush()
 {
     setDeadline(m_service.configuration().writeTime);
@@ -319,43 +221,6 @@ Session::Awaitable<void> Session::closeGracefully()
         discarded += m_input.size();
         m_input.clear();
     }
-}
-
-void Session::beginWatching()
-{
-    if (!m_statement || m_isWatching)
-        return;
-    m_isWatching = true;
-    readAhead();
-}
-
-/// Reads on while a statement runs: what arrives are further requests, or the client's end, which cancels the statement.
-void Session::watch()
-{
-    if (m_watchPending || m_input.size() >= mostReadAhead)
-        return;
-    m_watchPending = true;
-    m_stream.socket().async_wait(TlsStream::Socket::wait_read, [self = shared_from_this()](const boost::system::error_code &error) {
-        self->m_watchPending = false;
-        if (!error && self->m_isWatching)
-            self->readAhead();
-    });
-}
-
-void Session::readAhead()
-{
-    try {
-        auto arrival = TlsStream::Arrival::Bytes;
-        while (arrival == TlsStream::Arrival::Bytes && m_input.size() < mostReadAhead)
-            arrival = m_stream.readArrived(m_input);
-        if (arrival != TlsStream::Arrival::End)
-            return watch();
-    } catch (const boost::system::system_error &) {
-    }
-    m_isBroken = true;
-    wake();
-    if (m_statement)
-        m_statement->abandon();
 }
 
 Session::Awaitable<void> Session::sleep()

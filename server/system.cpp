@@ -1,5 +1,7 @@
 #include "server/system.h"
 
+#include <chrono>
+#include <ctime>
 #include <iostream>
 #include <stdexcept>
 
@@ -84,6 +86,20 @@ std::string askPassword(const std::string &prompt)
     std::getline(std::cin, password);
     std::cerr << std::endl;
     return password;
+}
+
+std::int64_t localSecondsNow()
+{
+    const std::time_t now = std::time(nullptr);
+    std::tm local {};
+#ifdef _WIN32
+    localtime_s(&local, &now);
+#else
+    localtime_r(&now, &local);
+#endif
+    const std::chrono::year_month_day date(
+        std::chrono::year(local.tm_year + 1900), std::chrono::month(unsigned(local.tm_mon + 1)), std::chrono::day(unsigned(local.tm_mday)));
+    return std::chrono::sys_days(date).time_since_epoch().count() * 86400LL + local.tm_hour * 3600 + local.tm_min * 60 + local.tm_sec;
 }
 
 void raiseFileLimit()

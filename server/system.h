@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -12,6 +13,9 @@ void createPrivateFile(const std::filesystem::path &path);
 
 /// Asks at the terminal without showing what is typed. Throws std::runtime_error when there is no terminal.
 std::string askPassword(const std::string &prompt);
+
+/// The wall clock of this machine's place as seconds since 1970 without a time zone.
+std::int64_t localSecondsNow();
 
 /// Lets the program have as many connections and files open as the system allows it.
 void raiseFileLimit();

@@ -167,7 +167,7 @@ asio::awaitable<void> TlsStream::finish()
 
 void TlsStream::releaseBuffers()
 {
-    if (m_isFlushing || m_toSend.capacity() + m_sending.capacity() <= keptSize)
+    if (m_toSend.capacity() + m_sending.capacity() <= keptSize)
         return;
     m_toSend = {};
     m_sending = {};
@@ -175,16 +175,11 @@ void TlsStream::releaseBuffers()
 
 asio::awaitable<void> TlsStream::flush()
 {
-    if (m_isFlushing || m_toSend.empty())
-        co_return;
-    m_isFlushing = true;
     while (!m_toSend.empty()) {
         m_sending.clear();
         m_sending.swap(m_toSend);
         co_await asio::async_write(m_socket, asio::buffer(m_sending), asio::use_awaitable);
-        m_bytesSent += m_sending.size();
     }
-    m_isFlushing = false;
 }
 
 void TlsStream::fail()

@@ -37,7 +37,7 @@ public:
     boost::asio::awaitable<Arrival> read(std::string &to);
     /// Encrypts; the bytes wait in memory until flush().
     void add(std::string_view bytes);
-    /// Sends what waits. While another flush runs, that one takes it along.
+    /// Sends what waits, and what is added meanwhile.
     boost::asio::awaitable<void> flush();
     /// Says that no more is coming, so that the peer can tell an end from a break.
     boost::asio::awaitable<void> finish();
@@ -45,8 +45,6 @@ public:
     void releaseBuffers();
 
     Socket &socket() { return m_socket; }
-    /// Bytes sent so far, encrypted.
-    std::uint64_t bytesSent() const { return m_bytesSent; }
 
 private:
     struct FreeSsl {
@@ -67,8 +65,6 @@ private:
     bool m_ended = false; ///< the peer has closed its side
     std::vector<char> m_toSend {}; ///< encrypted
     std::vector<char> m_sending {};
-    bool m_isFlushing = false;
-    std::uint64_t m_bytesSent = 0;
 };
 
 } // namespace server
