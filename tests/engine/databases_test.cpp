@@ -8,10 +8,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#if defined(__SANITIZE_ADDRESS__) && __GNUC__ < 13
-// g++ 12 warns of its own std::regex under the address sanitizer (its bug 105562).
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#endif
 #include <regex>
 
 namespace {
