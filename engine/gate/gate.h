@@ -32,6 +32,7 @@ enum class Construct : std::uint8_t {
     SortKeyDescending, ///< likewise descending: nulls come first
     FromDual, ///< the whole "from dual"
     MinusWord, ///< the set operation
+    IntersectedArms, ///< what an intersect takes together, though it stands behind a union or minus: all before it
     SingleValue, ///< the column of a scalar subquery that must not give a second row
     UnnamedColumn, ///< a computed column of the result without an alias
     RowCondition, ///< a "rownum <= n" of a where clause's conjunction

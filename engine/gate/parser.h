@@ -53,7 +53,8 @@ private:
     void parseSortKey();
     void finishBlock(const Block &block, Place place);
     void finishArm(const Block &block);
-    bool acceptSetOperation();
+    bool isSetOperation() const;
+    void acceptSetOperation();
     bool acceptJoin(bool &conditional);
     bool acceptTableAlias();
 

@@ -38,9 +38,16 @@ Parser::Kind Parser::parseQuery(Place place)
     Block first = parseBlock(place);
     m_block = &first;
     bool onlyArm = true;
-    while (acceptSetOperation()) {
+    bool united = false;
+    while (isSetOperation()) {
+        const std::uint32_t end = lastEnd();
+        const bool intersects = at(Symbol::Intersect);
+        acceptSetOperation();
         if (onlyArm)
             finishArm(first);
+        if (intersects && united)
+            find(Construct::IntersectedArms, first.begin, end);
+        united = !intersects;
         onlyArm = false;
         if (!at(Symbol::Select))
             refuse("select");
@@ -58,15 +65,14 @@ Parser::Kind Parser::parseQuery(Place place)
     return first.firstItem.kind;
 }
 
-bool Parser::acceptSetOperation()
+bool Parser::isSetOperation() const { return at(Symbol::Union) || at(Symbol::MinusWord) || at(Symbol::Intersect); }
+
+void Parser::acceptSetOperation()
 {
-    if (accept(Symbol::Union)) {
-        accept(Symbol::All);
-        return true;
-    }
     if (at(Symbol::MinusWord))
         find(Construct::MinusWord, peek().begin, peek().end);
-    return accept(Symbol::MinusWord) || accept(Symbol::Intersect);
+    if (take().symbol == Symbol::Union)
+        accept(Symbol::All);
 }
 
 Parser::Block Parser::parseBlock(Place place)

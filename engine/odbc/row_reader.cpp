@@ -192,6 +192,7 @@ std::size_t RowReader::fetch()
 
 void RowReader::addRow(std::size_t row)
 try {
+    m_rowBytes = 0;
     for (std::size_t number = 0; number < m_columns.size(); ++number) {
         const Column &column = m_columns[number];
         if (!column.isBound || isCut(column, row))
@@ -202,12 +203,14 @@ try {
             addValue(number, column.values.data() + row * column.width, std::size_t(column.lengths[row]));
     }
     m_builder.endRow();
+    m_bytes.addRow(m_rowBytes);
 } catch (const std::logic_error &error) {
     throw Error(Failure::Database, error.what());
 }
 
 void RowReader::addValue(std::size_t column, const char *value, std::size_t size)
 {
+    m_rowBytes += size;
     switch (m_columns[column].source) {
     case Source::Text:
         return m_builder.addText(column, textOf(m_statement.encoding(), value, size, m_text));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/block_bytes.h"
 #include "engine/dialect.h"
 #include "engine/odbc/handle.h"
 #include "packet/builder.h"
@@ -51,8 +52,10 @@ private:
     const Handle &m_statement;
     std::vector<Column> m_columns;
     packet::Builder m_builder;
+    BlockBytes m_bytes {};
     SQLULEN m_rowsAtOnce = 1;
     SQLULEN m_fetched = 0;
+    std::size_t m_rowBytes = 0; ///< of the row at hand
     std::string m_text; ///< for conversions
 };
 

@@ -41,6 +41,8 @@ void write(DialectWriter &writer, const gate::Finding &finding)
     case Construct::ReservedName:
     case Construct::QuotedName:
         return writer.replace(finding, quoted(writer.partOf(finding)));
+    case Construct::IntersectedArms:
+        return writer.wrap(finding, "(", ")");
     case Construct::LikePattern:
         return writer.close(finding.end, " escape ''");
     case Construct::UnnamedTable:

@@ -146,8 +146,10 @@ PostgresqlRowReader::PostgresqlRowReader(const PGresult *result, packet::BlockSi
 
 void PostgresqlRowReader::addRow(const PGresult *row)
 try {
+    std::size_t bytes = 0;
     for (std::size_t column = 0; column < m_add.size(); ++column) {
         const auto size = std::size_t(PQgetlength(row, 0, int(column)));
+        bytes += size;
         // What has no bytes is null or the empty text, and that is null too.
         if (size == 0)
             m_builder.addNull(column);
@@ -155,6 +157,7 @@ try {
             m_add[column](m_builder, column, { PQgetvalue(row, 0, int(column)), size });
     }
     m_builder.endRow();
+    m_bytes.addRow(bytes);
 } catch (const std::logic_error &error) {
     throw Error(Failure::Database, error.what());
 }

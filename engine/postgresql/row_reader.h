@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/block_bytes.h"
 #include "packet/builder.h"
 
 #include <libpq-fe.h>
@@ -31,6 +32,7 @@ private:
 
     std::vector<Add> m_add; ///< one a column
     packet::Builder m_builder;
+    BlockBytes m_bytes {};
 };
 
 } // namespace engine

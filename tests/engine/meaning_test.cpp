@@ -194,6 +194,8 @@ TEST_P(Meaning, RowsComeAsOracleGivesThem)
         { "select (select max(FEE) from ROWS4 b where b.SITE=a.SITE) from ROWS4 a where ID=1", "1000000.7" },
         { "select * from (select ID from ROWS4 where SITE is not null and rownum=1)", "1" },
         { "select ID from ROWS4 minus select 3 from dual order by ID", "1,2,4" },
+        { "select ID from ROWS4 where ID<3 union select 3 from dual intersect select ID from ROWS4 where ID>1 order by ID", "2,3" },
+        { "select 1 from dual union select ID from ROWS4 where rownum<=2 minus select 2 from dual intersect select 1 from dual", "1" },
         { "select ID from ROWS4 where SITE=''", "" },
         { "select sum(FEE) from ROWS4", "1000001" },
         { "select sum(ID) from ROWS4", "10" },

@@ -108,6 +108,17 @@ TEST_P(Postgresql, LongTextsAreWhole)
     EXPECT_EQ(cell(packet, 2, 2999), "3000");
 }
 
+TEST_P(Postgresql, TextsDoNotFillTheMemory)
+{
+    m_server.run(m_name, "create table HUGE (NOTE varchar(8000))");
+    m_server.run(m_name, "insert into HUGE select repeat('x', 8000) from generate_series(1, 10)");
+    const auto engine = open();
+    const Outcome outcome = outcomeOf(*engine, "select a.NOTE a,a.NOTE b,a.NOTE c,a.NOTE d,a.NOTE e from HUGE a,BIG b,BIG c");
+    EXPECT_EQ(outcome.failure, Failure::Database);
+    EXPECT_THAT(outcome.message, HasSubstr("256 MB"));
+    EXPECT_EQ(valueOf(*engine, "select TEXT from T where N=2"), "two");
+}
+
 INSTANTIATE_TEST_SUITE_P(By, Postgresql, testing::Values(Kind::Postgresql, Kind::OdbcPostgresql), nameOf);
 
 TEST(PostgresqlTypes, ValuesOfEveryTypeAreRead)
