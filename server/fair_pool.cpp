@@ -1,6 +1,7 @@
 #include "server/fair_pool.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace server {
 
@@ -20,6 +21,9 @@ FairPool::~FairPool()
     m_changed.notify_all();
     for (std::thread &worker : m_workers)
         worker.join();
+    for (auto &[user, line] : m_lines)
+        for (const Ticket &ticket : line.waiting)
+            *ticket = nullptr;
 }
 
 FairPool::Ticket FairPool::submit(const std::string &user, Work work)
@@ -49,6 +53,7 @@ bool FairPool::withdraw(const std::string &user, const Ticket &ticket)
         return false;
     --m_waiting;
     forgetIfIdle(line);
+    *ticket = nullptr;
     return true;
 }
 
@@ -79,7 +84,7 @@ void FairPool::work()
         ++m_running;
         ++line->second.running; // keeps the line in its place
         lock.unlock();
-        (*ticket)();
+        std::exchange(*ticket, nullptr)();
         ticket.reset();
         lock.lock();
         --m_running;

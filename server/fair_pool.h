@@ -16,7 +16,7 @@ namespace server {
 class FairPool {
 public:
     using Work = std::function<void()>;
-    /// Names work that has been taken in.
+    /// Names work that has been taken in. What the work holds is let go of as soon as it is done or withdrawn.
     using Ticket = std::shared_ptr<Work>;
 
     struct Limits {
