@@ -28,6 +28,14 @@ std::shared_ptr<SSL_CTX> loadContext(const Configuration &configuration)
     return makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
 }
 
+/// An IPv4 address as such, also when the connection came in as IPv6.
+std::string textOf(const asio::ip::address &address)
+{
+    if (address.is_v6() && address.to_v6().is_v4_mapped())
+        return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6()).to_string();
+    return address.to_string();
+}
+
 } // namespace
 
 /// Takes connections and looks after them.
@@ -42,7 +50,7 @@ public:
         asio::co_spawn(m_io, accept(), asio::detached);
         asio::co_spawn(m_io, checkSessions(), asio::detached);
         for (std::size_t number = 0; number < configuration.ioThreads; ++number)
-            m_threads.emplace_back([this] { m_io.run(); });
+            m_threads.emplace_back([this] { run(); });
     }
 
     ~Listener()
@@ -80,6 +88,17 @@ public:
     }
 
 private:
+    void run()
+    {
+        while (!m_io.stopped()) {
+            try {
+                m_io.run();
+            } catch (const std::exception &error) {
+                logLine(std::string("服务出错，继续运行：") + error.what());
+            }
+        }
+    }
+
     void listen(const Configuration &configuration)
     {
         try {
@@ -109,7 +128,7 @@ private:
 
     void begin(tcp::socket socket)
     try {
-        std::string address = socket.remote_endpoint().address().to_string();
+        std::string address = textOf(socket.remote_endpoint().address());
         const std::lock_guard lock(m_mutex);
         std::size_t &ofAddress = m_addresses[address];
         const Configuration &configuration = m_service.configuration();
