@@ -7,6 +7,7 @@
 #include <boost/asio/detached.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/redirect_error.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/strand.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
@@ -58,7 +59,7 @@ public:
         m_io.stop();
         for (std::thread &thread : m_threads)
             thread.join();
-        forEachSession([](Session &session) { session.cancelAtOnce(); });
+        forEachSession([](Session &session) { session.endAtOnce(); });
     }
 
     std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
