@@ -2,6 +2,7 @@
 
 #include "server/json.h"
 #include "server/log.h"
+#include "server/system.h"
 
 #include "packet/packet.h"
 
@@ -44,7 +45,7 @@ AuditLog::AuditLog(std::filesystem::path path)
     if (m_path.empty())
         return;
     open();
-    if (!m_file)
+    if (!m_file.is_open())
         throw std::runtime_error("无法写入审计日志 " + m_path.string() + "，请检查目录和权限");
     m_thread = std::thread([this] { run(); });
 }
@@ -101,6 +102,12 @@ void AuditLog::open()
 {
     m_file.close();
     m_file.clear();
+    try {
+        if (!std::filesystem::exists(m_path))
+            createPrivateFile(m_path);
+    } catch (const std::exception &error) {
+        return logLine(error.what());
+    }
     m_file.open(m_path, std::ios::binary | std::ios::app);
 }
 
@@ -110,7 +117,7 @@ void AuditLog::writeWaiting(std::unique_lock<std::mutex> &lock)
     const std::string lines = std::exchange(m_waiting, {});
     lock.unlock();
     m_file << lines << std::flush;
-    if (!m_file) {
+    if (!m_file || !m_file.is_open()) {
         logLine("无法写入审计日志 " + m_path.string() + "，请检查磁盘空间和权限；没有写入的内容：\n" + lines);
         open();
     }

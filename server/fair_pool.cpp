@@ -17,8 +17,9 @@ FairPool::~FairPool()
     {
         const std::lock_guard lock(m_mutex);
         m_stopped = true;
+        while (!m_idle.empty())
+            wakeOne();
     }
-    m_changed.notify_all();
     for (std::thread &worker : m_workers)
         worker.join();
     for (auto &[user, line] : m_lines)
@@ -28,20 +29,19 @@ FairPool::~FairPool()
 
 FairPool::Ticket FairPool::submit(const std::string &user, Work work)
 {
-    auto ticket = std::make_shared<Work>(std::move(work));
-    {
-        const std::lock_guard lock(m_mutex);
-        const bool mustWait = m_running + m_waiting >= m_limits.workers;
-        const auto line = m_lines.try_emplace(user).first;
-        const bool userMustWait = line->second.running + line->second.waiting.size() >= m_limits.userRunning;
-        if ((mustWait && m_waiting >= m_limits.waiting) || (userMustWait && line->second.waiting.size() >= m_limits.userWaiting)) {
-            forgetIfIdle(line);
-            return nullptr;
-        }
-        line->second.waiting.push_back(ticket);
-        ++m_waiting;
+    const std::lock_guard lock(m_mutex);
+    const bool mustWait = m_running + m_waiting >= m_limits.workers;
+    const auto line = m_lines.try_emplace(user).first;
+    const bool userMustWait = line->second.running + line->second.waiting.size() >= m_limits.userRunning;
+    if ((mustWait && m_waiting >= m_limits.waiting) || (userMustWait && line->second.waiting.size() >= m_limits.userWaiting)) {
+        forgetIfIdle(line);
+        return nullptr;
     }
-    m_changed.notify_one();
+    auto ticket = std::make_shared<Work>(std::move(work));
+    line->second.waiting.push_back(ticket);
+    ++m_waiting;
+    if (!m_idle.empty())
+        wakeOne();
     return ticket;
 }
 
@@ -72,11 +72,14 @@ std::size_t FairPool::waiting() const
 void FairPool::work()
 {
     std::unique_lock lock(m_mutex);
-    while (true) {
-        auto line = m_lines.end();
-        m_changed.wait(lock, [&] { return m_stopped || (line = nextLine()) != m_lines.end(); });
-        if (m_stopped)
-            return;
+    while (!m_stopped) {
+        const auto line = nextLine();
+        if (line == m_lines.end()) {
+            Sleeper sleeper;
+            m_idle.push_back(&sleeper);
+            sleeper.wake.wait(lock, [&sleeper] { return sleeper.isWoken; });
+            continue;
+        }
         Ticket ticket = std::move(line->second.waiting.front());
         line->second.waiting.pop_front();
         m_lastServed = line->first;
@@ -92,6 +95,14 @@ void FairPool::work()
         forgetIfIdle(line);
         // Nobody else is told: whatever may run now, this worker takes.
     }
+}
+
+void FairPool::wakeOne()
+{
+    Sleeper &sleeper = *m_idle.back();
+    m_idle.pop_back();
+    sleeper.isWoken = true;
+    sleeper.wake.notify_one();
 }
 
 /// The user after the one served last, in alphabetical order, who has work waiting and may have more running.

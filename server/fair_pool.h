@@ -46,13 +46,20 @@ private:
     };
     using Lines = std::map<std::string, Line>;
 
+    /// A worker without work.
+    struct Sleeper {
+        std::condition_variable wake;
+        bool isWoken = false;
+    };
+
     void work();
+    void wakeOne();
     Lines::iterator nextLine();
     void forgetIfIdle(Lines::iterator line);
 
     const Limits m_limits;
     mutable std::mutex m_mutex;
-    std::condition_variable m_changed;
+    std::vector<Sleeper *> m_idle; ///< the one that worked last, whose memory is at hand, is woken first
     Lines m_lines;
     std::string m_lastServed;
     std::size_t m_running = 0;

@@ -28,7 +28,7 @@ void ResultQueue::push(std::span<const std::byte> bytes, const std::stop_token &
         const auto hasRoom = [&] { return m_size == 0 || m_size + piece.size() <= m_largestSize; };
         if (!hasRoom())
             m_wake();
-        if (!m_taken.wait_until(lock, stop, deadline, hasRoom)) {
+        if (!hasRoom() && !m_taken.wait_until(lock, stop, deadline, hasRoom)) {
             if (stop.stop_requested())
                 throw engine::Error(engine::Failure::Cancelled, "查询已取消");
             throw engine::Error(engine::Failure::TimeLimit, "查询和传送超过了规定的时间，请缩小查询范围");

@@ -7,6 +7,7 @@
 #include <boost/asio/detached.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/redirect_error.hpp>
+#include <boost/asio/steady_timer.hpp>
 #include <boost/asio/strand.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
@@ -28,6 +29,14 @@ std::shared_ptr<SSL_CTX> loadContext(const Configuration &configuration)
     return makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
 }
 
+/// An IPv4 address as such, also when the connection came in as IPv6.
+std::string textOf(const asio::ip::address &address)
+{
+    if (address.is_v6() && address.to_v6().is_v4_mapped())
+        return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6()).to_string();
+    return address.to_string();
+}
+
 } // namespace
 
 /// Takes connections and looks after them.
@@ -42,7 +51,7 @@ public:
         asio::co_spawn(m_io, accept(), asio::detached);
         asio::co_spawn(m_io, checkSessions(), asio::detached);
         for (std::size_t number = 0; number < configuration.ioThreads; ++number)
-            m_threads.emplace_back([this] { m_io.run(); });
+            m_threads.emplace_back([this] { run(); });
     }
 
     ~Listener()
@@ -50,7 +59,7 @@ public:
         m_io.stop();
         for (std::thread &thread : m_threads)
             thread.join();
-        forEachSession([](Session &session) { session.cancelAtOnce(); });
+        forEachSession([](Session &session) { session.endAtOnce(); });
     }
 
     std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
@@ -80,6 +89,17 @@ public:
     }
 
 private:
+    void run()
+    {
+        while (!m_io.stopped()) {
+            try {
+                m_io.run();
+            } catch (const std::exception &error) {
+                logLine(std::string("服务出错，继续运行：") + error.what());
+            }
+        }
+    }
+
     void listen(const Configuration &configuration)
     {
         try {
@@ -109,7 +129,7 @@ private:
 
     void begin(tcp::socket socket)
     try {
-        std::string address = socket.remote_endpoint().address().to_string();
+        std::string address = textOf(socket.remote_endpoint().address());
         const std::lock_guard lock(m_mutex);
         std::size_t &ofAddress = m_addresses[address];
         const Configuration &configuration = m_service.configuration();

@@ -5,7 +5,6 @@
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>
 #include <boost/asio/post.hpp>
-#include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
 namespace server {
@@ -40,10 +39,8 @@ Session::Session(TlsStream::Socket socket, std::shared_ptr<SSL_CTX> context, Ser
     , m_context(std::move(context))
     , m_address(std::move(address))
     , m_stream(std::move(socket), *m_context)
-    , m_alarm(m_stream.socket().get_executor())
     , m_deadline(never)
 {
-    m_alarm.expires_at(boost::asio::steady_timer::time_point::max());
 }
 
 void Session::start(std::function<void()> ended)
@@ -63,7 +60,7 @@ void Session::check(Clock::time_point now)
 }
 
 void Session::closeIfIdle() { post(&Session::doCloseIfIdle); }
-void Session::cancel() { post(&Session::cancelAtOnce); }
+void Session::cancel() { post(&Session::cancelNow); }
 
 void Session::post(void (Session::*action)())
 {
@@ -89,7 +86,13 @@ void Session::doCloseIfIdle()
     m_stream.socket().cancel(ignored);
 }
 
-void Session::cancelAtOnce()
+void Session::endAtOnce()
+{
+    cancelNow();
+    m_resume = nullptr;
+}
+
+void Session::cancelNow()
 {
     if (m_statement)
         m_statement->abandon();
@@ -225,17 +228,18 @@ Session::Awaitable<void> Session::closeGracefully()
 
 Session::Awaitable<void> Session::sleep()
 {
-    while (!m_isWoken) {
-        boost::system::error_code ignored;
-        co_await m_alarm.async_wait(asio::redirect_error(asio::use_awaitable, ignored));
-    }
+    const auto keep
+        = [this](auto handler) { m_resume = [kept = std::make_shared<decltype(handler)>(std::move(handler))] { std::move (*kept)(); }; };
+    if (!m_isWoken)
+        co_await asio::async_initiate<const asio::use_awaitable_t<> &, void()>(keep, asio::use_awaitable);
     m_isWoken = false;
 }
 
 void Session::wake()
 {
     m_isWoken = true;
-    m_alarm.cancel();
+    if (const auto resume = std::exchange(m_resume, nullptr))
+        resume();
 }
 
 } // namespace server

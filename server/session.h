@@ -4,8 +4,6 @@
 #include "server/tls_context.h"
 #include "server/tls_stream.h"
 
-#include <boost/asio/steady_timer.hpp>
-
 #include <atomic>
 
 namespace server {
@@ -26,8 +24,8 @@ public:
     void closeIfIdle();
     /// Cancels the statement that runs.
     void cancel();
-    /// The same when the executor has ended.
-    void cancelAtOnce();
+    /// Lets go of everything, when the executor has ended.
+    void endAtOnce();
     /// True from a complete request to the end of its answer.
     bool isBusy() const { return m_isBusy; }
     const std::string &address() const { return m_address; }
@@ -57,6 +55,7 @@ private:
     void wake();
     void post(void (Session::*action)());
     void expire();
+    void cancelNow();
     void doCloseIfIdle();
     void setDeadline(Milliseconds fromNow);
     void clearDeadline();
@@ -66,7 +65,7 @@ private:
     const std::shared_ptr<SSL_CTX> m_context;
     const std::string m_address;
     TlsStream m_stream;
-    boost::asio::steady_timer m_alarm;
+    std::function<void()> m_resume {}; ///< goes on with what sleeps
     std::atomic<Clock::rep> m_deadline;
     std::atomic<bool> m_isBusy { false };
     bool m_isWoken = false;

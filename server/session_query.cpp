@@ -141,9 +141,9 @@ void Session::readAhead()
     } catch (const boost::system::system_error &) {
     }
     m_isBroken = true;
-    wake();
     if (m_statement)
         m_statement->abandon();
+    wake();
 }
 
 } // namespace server

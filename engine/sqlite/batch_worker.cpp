@@ -4,7 +4,7 @@ namespace engine {
 
 namespace {
 
-constexpr std::size_t mostWaiting = 2;
+constexpr std::size_t mostWaiting = 16; ///< batches; so many that the reader need not wait while a block is written out
 
 } // namespace
 

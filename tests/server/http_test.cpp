@@ -154,7 +154,7 @@ TEST(Http, EndsConnectionsThatAreTooSlow)
     const TestServer server(
         [](Configuration &configuration) { configuration.headerTime = configuration.bodyTime = configuration.idleTime = 300ms; });
     std::vector<std::unique_ptr<HttpsClient>> slow;
-    for (int number = 0; number < 60; ++number) {
+    for (int number = 0; number < 300; ++number) {
         slow.push_back(std::make_unique<HttpsClient>(server.port()));
         if (number % 3 == 1)
             slow.back()->send("GET /hea");

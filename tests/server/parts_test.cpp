@@ -68,7 +68,6 @@ TEST(FairPool, ServesUsersInTurn)
     std::promise<void> gate;
     const auto opened = gate.get_future().share();
     std::string order;
-    std::promise<void> done;
     ASSERT_TRUE(pool.submit("a", [opened] { opened.wait(); }));
     ASSERT_TRUE(becomesTrue([&] { return pool.running() == 1; }));
     for (int number = 0; number < 4; ++number)
@@ -80,10 +79,7 @@ TEST(FairPool, ServesUsersInTurn)
     EXPECT_TRUE(pool.withdraw("b", withdrawn));
     EXPECT_FALSE(pool.withdraw("b", withdrawn));
     EXPECT_EQ(pool.waiting(), 7u);
-    pool.submit("z", [&] { done.set_value(); });
     gate.set_value();
-    done.get_future().wait();
-    EXPECT_EQ(order.substr(0, 2), "bc");
     EXPECT_TRUE(becomesTrue([&] { return pool.waiting() + pool.running() == 0; }));
     EXPECT_EQ(order, "bcabaaa");
 }
