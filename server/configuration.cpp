@@ -86,7 +86,7 @@ void setListen(const Place &place, std::string_view text)
 {
     const std::size_t colon = text.rfind(':');
     if (colon == std::string_view::npos || colon == 0)
-        throw Unfit { "“地址:端口”，如 0.0.0.0:8443" };
+        throw Unfit { "“地址:端口”，如 0.0.0.0:8866" };
     auto address = text.substr(0, colon);
     if (address.front() == '[' && address.back() == ']')
         address = address.substr(1, address.size() - 2);

@@ -28,7 +28,7 @@ struct DatabaseConfiguration {
 /// Everything that a server is told. The file's keys have the same names with underscores.
 struct Configuration {
     std::string address = "0.0.0.0";
-    std::uint16_t port = 8443; ///< 0: any free one
+    std::uint16_t port = 8866; ///< 0: any free one
     std::filesystem::path certificate {};
     std::filesystem::path privateKey {};
     std::filesystem::path users {};

@@ -19,7 +19,7 @@ const std::string_view helpText = R"(用法：
 选项：
   --password-stdin   密码从标准输入的第一行读取
   --database URL     演示用的数据库，如 sqlite:parcels.db；默认为数据目录中最新的 demo-*.db
-  --port N           演示用的端口，默认 8443；0 表示任选一个
+  --port N           演示用的端口，默认 8866；0 表示任选一个
   --data 目录        演示用的数据目录，默认 run-data
 
 信号：SIGTERM 停止接受新请求，等正在运行的查询完成后退出；SIGHUP 重新读取证书并重新打开审计日志。

@@ -17,7 +17,7 @@ struct Options {
     Mode mode = Mode::Serve;
     std::filesystem::path config {};
     std::string database {}; ///< of the demo; empty: the newest under the data folder
-    std::uint16_t port = 8443; ///< of the demo
+    std::uint16_t port = 8866; ///< of the demo
     std::filesystem::path data = "run-data"; ///< of the demo
 
     std::string userCommand {}; ///< add, passwd, remove or list

@@ -72,7 +72,7 @@ TEST_F(ConfigurationTest, ErrorsNameLineAndKey)
         { "connections = 1\nconnections = 2", "第 2 行：键“connections”写了两次" },
         { "colour = red", "键“colour”不存在" },
         { "url = sqlite:x", "键“url”不存在" },
-        { "listen = 8443", "“地址:端口”" },
+        { "listen = 8866", "“地址:端口”" },
         { "listen = 0.0.0.0:99999", "从 0 到 65535 的整数" },
         { "nonsense", "不是“键 = 值”" },
         { "[databas x]", "小节“[databas x]”无法识别" },
