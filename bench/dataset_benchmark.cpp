@@ -17,37 +17,6 @@ namespace {
 
 constexpr int rounds = 7;
 
-/// Steps through the rows and reads every value, which is the least that any reader does.
-void readBare(const Database &database)
-{
-    sqlite3_stmt *query = nullptr;
-    sqlite3_prepare_v2(database.handle(), allScans, -1, &query, nullptr);
-    const int columns = sqlite3_column_count(query);
-    volatile qint64 sink = 0;
-    int rows = 0;
-    for (; sqlite3_step(query) == SQLITE_ROW; ++rows) {
-        for (int column = 0; column < columns; ++column) {
-            sqlite3_value *const value = sqlite3_column_value(query, column);
-            switch (sqlite3_value_type(value)) {
-            case SQLITE_INTEGER:
-                sink = sink + sqlite3_value_int64(value);
-                break;
-            case SQLITE_FLOAT:
-                sink = sink + qint64(sqlite3_value_double(value));
-                break;
-            case SQLITE_TEXT:
-                sink = sink + *static_cast<const char *>(sqlite3_value_blob(value)) + sqlite3_value_bytes(value);
-                break;
-            default:
-                break;
-            }
-        }
-    }
-    sqlite3_finalize(query);
-    if (rows != scanCount)
-        failWith(QStringLiteral("read %1 rows").arg(rows));
-}
-
 void compareTimes(const QString &path)
 {
     Database bare(path);
@@ -56,7 +25,7 @@ void compareTimes(const QString &path)
     connection.setChannel(engineChannel(path));
     const QSqlDatabase database = openForModel(path);
     std::vector<Side> sides {
-        { "bare", [&] { readBare(bare); } },
+        { "bare", [&] { readScansBare(bare.handle()); } },
         { "dataset",
             [&] {
                 TClientDataSetEx dataSet;

@@ -1,5 +1,10 @@
 #include "bench/scan_table.h"
 
+#include <sqlite3.h>
+
+#include <cstdio>
+#include <cstdlib>
+
 namespace {
 
 constexpr auto createTable = R"(
@@ -42,3 +47,35 @@ from n;)";
 } // namespace
 
 std::string scanTableScript(int rows) { return createTable + (insertRows + std::to_string(rows)) + eachRow; }
+
+void readScansBare(sqlite3 *database)
+{
+    sqlite3_stmt *query = nullptr;
+    sqlite3_prepare_v2(database, allScans, -1, &query, nullptr);
+    const int columns = sqlite3_column_count(query);
+    volatile long long sink = 0;
+    int rows = 0;
+    for (; sqlite3_step(query) == SQLITE_ROW; ++rows) {
+        for (int column = 0; column < columns; ++column) {
+            sqlite3_value *const value = sqlite3_column_value(query, column);
+            switch (sqlite3_value_type(value)) {
+            case SQLITE_INTEGER:
+                sink = sink + sqlite3_value_int64(value);
+                break;
+            case SQLITE_FLOAT:
+                sink = sink + static_cast<long long>(sqlite3_value_double(value));
+                break;
+            case SQLITE_TEXT:
+                sink = sink + *static_cast<const char *>(sqlite3_value_blob(value)) + sqlite3_value_bytes(value);
+                break;
+            default:
+                break;
+            }
+        }
+    }
+    sqlite3_finalize(query);
+    if (rows == scanCount)
+        return;
+    std::fprintf(stderr, "read %d rows\n", rows);
+    std::exit(1);
+}

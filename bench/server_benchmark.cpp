@@ -58,37 +58,6 @@ void runScript(const std::string &path, const std::string &script)
     sqlite3_close(database);
 }
 
-/// Steps through the rows and reads every value, which is the least that any reader does.
-void readBare(sqlite3 *database)
-{
-    sqlite3_stmt *query = nullptr;
-    sqlite3_prepare_v2(database, allScans, -1, &query, nullptr);
-    const int columns = sqlite3_column_count(query);
-    volatile long long sink = 0;
-    int rows = 0;
-    for (; sqlite3_step(query) == SQLITE_ROW; ++rows) {
-        for (int column = 0; column < columns; ++column) {
-            sqlite3_value *const value = sqlite3_column_value(query, column);
-            switch (sqlite3_value_type(value)) {
-            case SQLITE_INTEGER:
-                sink = sink + sqlite3_value_int64(value);
-                break;
-            case SQLITE_FLOAT:
-                sink = sink + static_cast<long long>(sqlite3_value_double(value));
-                break;
-            case SQLITE_TEXT:
-                sink = sink + *static_cast<const char *>(sqlite3_value_blob(value)) + sqlite3_value_bytes(value);
-                break;
-            default:
-                break;
-            }
-        }
-    }
-    sqlite3_finalize(query);
-    if (rows != scanCount)
-        failWith("read " + std::to_string(rows) + " rows");
-}
-
 /// A server on a free port with the scans as its database.
 class BenchServer {
 public:
@@ -140,7 +109,7 @@ void compareLoads(const BenchServer &server, const std::string &path)
     sqlite3_exec(bare, "pragma cache_size=-65536", nullptr, nullptr, nullptr); // as the engine has it
     HttpsClient client(server.port());
     std::vector<Side> sides {
-        { "bare", [&] { readBare(bare); } },
+        { "bare", [&] { readScansBare(bare); } },
         { "through the server", [&] { loadThrough(client, server.headers()); } },
     };
     runInTurn(sides, rounds);
