@@ -9,8 +9,6 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
-#include <sqlite3.h>
-
 #include <cstdio>
 
 namespace {
