@@ -1,5 +1,7 @@
 #include "tests/server/test_server.h"
 
+#include "server/system.h"
+
 #include <gmock/gmock.h>
 
 #include <random>
@@ -122,6 +124,29 @@ TEST(Http, WrongPasswordsAreSlowedDownAndUnknownUsersLookTheSame)
     EXPECT_EQ(client.post("/v1/login", loginBody("bob", password)).status, 200) << "others are not slowed down";
 }
 
+TEST(Http, AHundredThousandWrongPasswordsCostAlmostNothing)
+{
+    constexpr int tries = 100'000;
+    constexpr int atOnce = 200;
+    const TestServer server;
+    HttpsClient client(server.port());
+    const std::string body = loginBody("ann", "falsch");
+    const std::string request = "POST /v1/login HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    std::string requests;
+    for (int number = 0; number < atOnce; ++number)
+        requests += request;
+    for (int sent = 0; sent < tries; sent += atOnce) {
+        client.send(requests);
+        for (int number = 0; number < atOnce; ++number) {
+            const int status = client.receive().status;
+            ASSERT_TRUE(status == 401 || status == 429) << status;
+        }
+    }
+    EXPECT_LE(server.metric("kelvara_password_checks_total"), 2 * LoginThrottle::freeTriesOfUser);
+    EXPECT_EQ(client.post("/v1/login", loginBody("bob", password)).status, 200) << "others are let in as ever";
+    EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200);
+}
+
 TEST(Http, AnswersRequestsInTheOrderInWhichTheyWereSent)
 {
     const TestServer server;
@@ -151,10 +176,14 @@ TEST(Http, AnswersRequestsInTheOrderInWhichTheyWereSent)
 
 TEST(Http, EndsConnectionsThatAreTooSlow)
 {
-    const TestServer server(
-        [](Configuration &configuration) { configuration.headerTime = configuration.bodyTime = configuration.idleTime = 300ms; });
+    constexpr int connections = 1000;
+    raiseFileLimit();
+    const TestServer server([](Configuration &configuration) {
+        configuration.headerTime = configuration.bodyTime = configuration.idleTime = 300ms;
+        configuration.connectionsPerAddress = 2 * connections;
+    });
     std::vector<std::unique_ptr<HttpsClient>> slow;
-    for (int number = 0; number < 300; ++number) {
+    for (int number = 0; number < connections; ++number) {
         slow.push_back(std::make_unique<HttpsClient>(server.port()));
         if (number % 3 == 1)
             slow.back()->send("GET /hea");
