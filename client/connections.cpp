@@ -5,7 +5,9 @@
 #include "client/server_channel.h"
 #include "platform/toolkit/long_work.h"
 
+#include <QCoreApplication>
 #include <QFile>
+#include <QPointer>
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
@@ -62,9 +64,15 @@ try {
 
 std::shared_ptr<remote::ServerSession> Connections::session(const QStringList &addresses, const Options &options)
 {
-    const auto watch = [this](const std::string &address) {
-        QMetaObject::invokeMethod(
-            this, [this, text = QString::fromStdString(address)] { Q_EMIT reached(text); }, Qt::QueuedConnection);
+    // A thread whose query was cancelled may outlive this object.
+    const auto watch = [connections = QPointer(this)](const std::string &address) {
+        const auto tell = [connections, text = QString::fromStdString(address)] {
+            if (!connections)
+                return;
+            connections->m_reachedAddress = text;
+            Q_EMIT connections->reached(text);
+        };
+        QMetaObject::invokeMethod(qApp, tell, Qt::QueuedConnection);
     };
     const remote::SessionOptions settings {
         .addresses = addressesOf(addresses), .authorities = authorities(options.serverCertificate), .compressed = options.compressed

@@ -31,6 +31,8 @@ public:
     const std::shared_ptr<StatementChannel> &second() const { return m_second; } ///< the same as host() unless another is named
     const QString &user() const { return m_user; } ///< who logged in; empty for a database
     const QString &place() const { return m_place; } ///< the database or the servers, as a person reads it
+    /// The server that the last statement got through to; "" when none does, or none is used.
+    const QString &reachedAddress() const { return m_reachedAddress; }
     /// Invalid unless a server told it.
     QDateTime serverTime() const;
 
@@ -46,6 +48,7 @@ private:
     std::vector<std::shared_ptr<remote::ServerSession>> m_sessions;
     QString m_user;
     QString m_place;
+    QString m_reachedAddress;
     QDateTime m_timeAtLogin;
     QElapsedTimer m_sinceLogin;
 };

@@ -37,6 +37,8 @@ MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> conn
     const QString user = m_connections->user();
     m_data.load(&m_host, user.isEmpty() ? options.user : user, options.loginSite, this);
     m_status->showLogin(m_data.employeeName(), options.loginSite);
+    if (!user.isEmpty())
+        m_status->showServer(m_connections->reachedAddress());
 
     Screen->registerCursor(crQueryBusy, Qt::BusyCursor);
     setWindowTitle(QApplication::applicationDisplayName() + u" - " + options.loginSite);
