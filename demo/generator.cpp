@@ -81,6 +81,9 @@ void generateFile(const Settings &settings, const Progress &progress)
 {
     if (!settings.replaces && fs::exists(pathOf(settings.path)))
         throw std::runtime_error("文件“" + settings.path + "”已经存在。要替换它，请加 --force。");
+    // Whether that works shows when the file is opened.
+    std::error_code ignored;
+    fs::create_directories(pathOf(settings.path).parent_path(), ignored);
     Draft draft(settings.path);
     {
         SqliteDatabase database(draft.path());

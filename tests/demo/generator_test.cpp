@@ -256,5 +256,6 @@ TEST_F(Generator, LeavesNothingBehindWhenItBreaksOff)
         generate(broken, [](std::string_view, std::uint64_t, std::uint64_t) { throw std::runtime_error("stop"); }), std::runtime_error);
     EXPECT_FALSE(fs::exists(broken.path));
     EXPECT_FALSE(fs::exists(broken.path + ".part"));
-    EXPECT_THROW(generate(settings("missing/broken.db", 1)), std::runtime_error);
+    std::ofstream(file("taken")) << "no folder";
+    EXPECT_THROW(generate(settings("taken/broken.db", 1)), std::runtime_error);
 }
