@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -22,7 +23,7 @@ public:
     }
     TextBuffer &operator+=(std::string_view text)
     {
-        std::memcpy(room(text.size()), text.data(), text.size());
+        std::copy_n(text.data(), text.size(), room(text.size()));
         m_size += text.size();
         return *this;
     }
