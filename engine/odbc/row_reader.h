@@ -52,7 +52,7 @@ private:
     const Handle &m_statement;
     std::vector<Column> m_columns;
     packet::Builder m_builder;
-    BlockBytes m_bytes {};
+    BlockBytes m_bytes { 256 };
     SQLULEN m_rowsAtOnce = 1;
     SQLULEN m_fetched = 0;
     std::size_t m_rowBytes = 0; ///< of the row at hand

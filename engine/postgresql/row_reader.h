@@ -32,7 +32,7 @@ private:
 
     std::vector<Add> m_add; ///< one a column
     packet::Builder m_builder;
-    BlockBytes m_bytes {};
+    BlockBytes m_bytes { 256 };
 };
 
 } // namespace engine

@@ -15,7 +15,6 @@ using packet::ColumnType;
 
 constexpr int widestInt64 = 18; ///< digits
 constexpr std::size_t batchBytes = 128 * 1024;
-constexpr std::size_t largestBlock = 128 * 1024 * 1024; ///< bytes
 
 /// "NUMBER(10,2)": whole numbers of up to 18 digits are Int64, all others Decimal.
 void declareNumber(packet::Builder::Column &column, std::string_view declared)
@@ -93,25 +92,13 @@ std::size_t SqliteRowReader::addRow()
             gather(value);
     }
     const std::size_t size = m_batch.size() - before;
-    checkBlock(size);
+    m_blockBytes.addRow(size);
     if (m_batch.size() >= batchBytes) {
         if (!m_worker)
             m_worker.emplace([this](const RowBatch &batch) { build(batch); });
         m_worker->exchange(m_batch);
     }
     return size;
-}
-
-/// Whoever multiplies texts in a statement must not fill the memory: a block is held until it is complete.
-void SqliteRowReader::checkBlock(std::size_t rowBytes)
-{
-    m_blockBytes += rowBytes;
-    if (m_blockBytes > largestBlock)
-        throw Error(Failure::Database, "结果中的文字太长，连续 8192 行超过了 128 MB，请减少列数或缩短文字");
-    if (++m_blockRows == packet::Packet::blockRows) {
-        m_blockRows = 0;
-        m_blockBytes = 0;
-    }
 }
 
 packet::PacketPtr SqliteRowReader::finish(bool truncated)

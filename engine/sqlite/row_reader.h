@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/block_bytes.h"
 #include "engine/sqlite/batch_worker.h"
 
 #include "packet/builder.h"
@@ -30,7 +31,6 @@ private:
     static Source sourceOf(const packet::Builder::Column &column);
     void gatherText(sqlite3_value *value);
     void gather(sqlite3_value *value);
-    void checkBlock(std::size_t rowBytes);
     void build(const RowBatch &batch);
     void addDouble(std::size_t column, double value);
 
@@ -38,8 +38,7 @@ private:
     std::vector<Source> m_sources;
     packet::Builder m_builder;
     RowBatch m_batch {};
-    std::uint32_t m_blockRows = 0; ///< gathered of the block at hand
-    std::size_t m_blockBytes = 0;
+    BlockBytes m_blockBytes { 128 };
     std::optional<BatchWorker> m_worker; ///< the last member: it stops before the builder goes
 };
 
