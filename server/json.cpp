@@ -1,8 +1,9 @@
 #include "server/json.h"
 
+#include "packet/utf8.h"
+
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
 #include <cstdint>
 #include <set>
 
@@ -19,13 +20,7 @@ std::size_t plainSize(std::string_view text)
     const std::size_t size = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : first < 0xF5 ? 4 : 0;
     if (size == 0 || size > text.size())
         return 0;
-    const auto isFollowing = [](char byte) { return (byte & 0xC0) == 0x80; };
-    if (!std::all_of(text.begin() + 1, text.begin() + std::ptrdiff_t(size), isFollowing))
-        return 0;
-    const auto second = std::uint8_t(text[1]);
-    const bool isBroken = (first == 0xE0 && second < 0xA0) || (first == 0xED && second >= 0xA0) || (first == 0xF0 && second < 0x90)
-        || (first == 0xF4 && second >= 0x90);
-    return isBroken ? 0 : size;
+    return packet::isUtf8(text.substr(0, size)) ? size : 0;
 }
 
 void appendEscape(char byte, std::string &out)
