@@ -91,7 +91,6 @@ struct CuttingProxy::State {
         acceptor.async_accept(line->client, [this, line](boost::system::error_code error) {
             if (error)
                 return;
-            ++accepted;
             lines.push_back(line);
             line->left = allowed;
             boost::system::error_code refused;
@@ -112,7 +111,6 @@ struct CuttingProxy::State {
     std::atomic<std::uint64_t> allowed = never;
     std::atomic<bool> resets = true;
     std::atomic<bool> frozen = false;
-    std::atomic<int> accepted = 0;
     std::vector<std::weak_ptr<Line>> lines;
     std::vector<std::shared_ptr<Line>> kept; ///< when frozen
     std::thread thread;
@@ -143,5 +141,3 @@ void CuttingProxy::cutAfter(std::uint64_t bytes, Cut how)
 }
 
 void CuttingProxy::freeze() { m_state->frozen = true; }
-
-int CuttingProxy::connections() const { return m_state->accepted; }

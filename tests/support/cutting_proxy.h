@@ -20,7 +20,6 @@ public:
     void cutAfter(std::uint64_t bytes, Cut how = Cut::Reset);
     /// Passes nothing on any more, without a word to either side; connections stay open.
     void freeze();
-    int connections() const; ///< accepted so far
 
 private:
     struct State;
