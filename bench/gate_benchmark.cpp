@@ -2,7 +2,7 @@
 // comes out; then the same with half of the numbers, to see that the time grows with the length alone.
 
 #include "bench/pairs.h"
-#include "engine/dialect.h"
+#include "engine/dialect/dialect.h"
 #include "engine/gate/gate.h"
 #include "engine/sqlite/oracle_functions.h"
 

@@ -4,7 +4,7 @@
 #include "bench/pairs.h"
 #include "packet/builder.h"
 #include "platform/dataset/client_data_set.h"
-#include "platform/grid/lookup_match.h"
+#include "platform/editors/lookup_match.h"
 
 #include <QCoreApplication>
 

@@ -3,7 +3,7 @@
 //     postgresql_benchmark postgresql://owner@host/parcels
 
 #include "bench/pairs.h"
-#include "engine/engine.h"
+#include "engine/pool/open_engine.h"
 
 #include <libpq-fe.h>
 

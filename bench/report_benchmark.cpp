@@ -4,8 +4,8 @@
 #include "bench/pairs.h"
 #include "packet/builder.h"
 #include "platform/dataset/client_data_set.h"
-#include "platform/report/export_filter.h"
-#include "platform/report/report_file.h"
+#include "platform/report/definition/report_file.h"
+#include "platform/report/output/export_filter.h"
 
 #include <QApplication>
 #include <QFile>

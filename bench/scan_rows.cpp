@@ -1,6 +1,6 @@
 #include "bench/scan_rows.h"
 
-#include "engine/engine.h"
+#include "engine/pool/open_engine.h"
 
 #include <QSqlError>
 

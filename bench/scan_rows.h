@@ -1,8 +1,8 @@
 #pragma once
 
 #include "bench/scan_table.h"
+#include "platform/connection/socket_connection.h"
 #include "platform/dataset/client_data_set.h"
-#include "platform/remote/socket_connection.h"
 
 #include <QSqlDatabase>
 #include <QSqlQueryModel>

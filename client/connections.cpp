@@ -3,6 +3,7 @@
 #include "client/embedded_channel.h"
 #include "client/options.h"
 #include "client/server_channel.h"
+#include "engine/pool/open_engine.h"
 #include "platform/toolkit/long_work.h"
 
 #include <QCoreApplication>
@@ -28,11 +29,11 @@ std::vector<std::string> authorities(const QString &file)
     return authorities;
 }
 
-std::vector<remote::ServerAddress> addressesOf(const QStringList &texts)
+std::vector<server_client::ServerAddress> addressesOf(const QStringList &texts)
 {
-    std::vector<remote::ServerAddress> addresses;
+    std::vector<server_client::ServerAddress> addresses;
     for (const QString &text : texts)
-        addresses.push_back(remote::ServerAddress::parse(text.toStdString()));
+        addresses.push_back(server_client::ServerAddress::parse(text.toStdString()));
     return addresses;
 }
 
@@ -62,7 +63,7 @@ try {
     throw Exception(QString::fromUtf8(exception.what()));
 }
 
-std::shared_ptr<remote::ServerSession> Connections::session(const QStringList &addresses, const Options &options)
+std::shared_ptr<server_client::ServerSession> Connections::session(const QStringList &addresses, const Options &options)
 {
     // A thread whose query was cancelled may outlive this object.
     const auto watch = [connections = QPointer(this)](const std::string &address) {
@@ -74,10 +75,10 @@ std::shared_ptr<remote::ServerSession> Connections::session(const QStringList &a
         };
         QMetaObject::invokeMethod(qApp, tell, Qt::QueuedConnection);
     };
-    const remote::SessionOptions settings {
+    const server_client::SessionOptions settings {
         .addresses = addressesOf(addresses), .authorities = authorities(options.serverCertificate), .compressed = options.compressed
     };
-    return m_sessions.emplace_back(std::make_shared<remote::ServerSession>(settings, watch));
+    return m_sessions.emplace_back(std::make_shared<server_client::ServerSession>(settings, watch));
 }
 
 void Connections::login(const QString &user, const QString &password)

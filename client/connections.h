@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/remote/socket_connection.h"
+#include "platform/connection/socket_connection.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QObject>
 
-namespace remote {
+namespace server_client {
 class ServerSession;
 }
 
@@ -41,11 +41,11 @@ Q_SIGNALS:
     void reached(const QString &address);
 
 private:
-    std::shared_ptr<remote::ServerSession> session(const QStringList &addresses, const Options &options);
+    std::shared_ptr<server_client::ServerSession> session(const QStringList &addresses, const Options &options);
 
     std::shared_ptr<StatementChannel> m_host;
     std::shared_ptr<StatementChannel> m_second;
-    std::vector<std::shared_ptr<remote::ServerSession>> m_sessions;
+    std::vector<std::shared_ptr<server_client::ServerSession>> m_sessions;
     QString m_user;
     QString m_place;
     QString m_reachedAddress;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/engine.h"
-#include "platform/remote/socket_connection.h"
+#include "platform/connection/socket_connection.h"
 
 /// Runs statements on an engine in the client's own process.
 class EmbeddedChannel : public StatementChannel {

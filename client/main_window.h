@@ -3,8 +3,8 @@
 #include "client/export/asked_conditions.h"
 #include "client/host_data.h"
 #include "client/options.h"
+#include "platform/connection/socket_connection.h"
 #include "platform/grid/db_grid.h"
-#include "platform/remote/socket_connection.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/library_loader.h"
 

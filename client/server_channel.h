@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/remote/socket_connection.h"
-#include "remote/server_session.h"
+#include "platform/connection/socket_connection.h"
+#include "server_client/server_session.h"
 
 /// Sends statements to application servers.
 class ServerChannel : public StatementChannel {
 public:
-    explicit ServerChannel(std::shared_ptr<remote::ServerSession> session)
+    explicit ServerChannel(std::shared_ptr<server_client::ServerSession> session)
         : m_session(std::move(session))
     {
     }
@@ -17,5 +17,5 @@ public:
     }
 
 private:
-    std::shared_ptr<remote::ServerSession> m_session;
+    std::shared_ptr<server_client::ServerSession> m_session;
 };

@@ -1,4 +1,4 @@
-# How every target of the project is made: one compiler policy, one output layout, levels checked at each link.
+# How every target of the project is made: one compiler policy, one output layout, levels checked at each link and include.
 
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
@@ -15,79 +15,99 @@ if(KELVARA_CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${KELVARA_CCACHE})
 endif()
 
-add_compile_options(-Wall -Wextra -Wpedantic -Werror -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 warns of overlaps in its own "literal" + std::string at -O3 (its bug 105651).
     add_compile_options(-Wno-restrict)
 endif()
 if(KELVARA_ASSERTIONS)
     add_compile_options(-UNDEBUG)
-    set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O2 -g1")
 endif()
 if(KELVARA_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-omit-frame-pointer)
-    # With the sanitizers g++ 12 takes an empty boost::optional for an uninitialised one.
-    add_compile_options(-Wno-maybe-uninitialized)
     add_link_options(-fsanitize=address,undefined)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        # With the sanitizers g++ 12 takes an empty boost::optional for an uninitialised one.
+        add_compile_options(-Wno-maybe-uninitialized)
+    endif()
 endif()
 if(KELVARA_LIBFUZZER)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 add_compile_definitions(QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII QT_NO_KEYWORDS QT_USE_QSTRINGBUILDER)
 
-# Links `target` to `ARGN` after checking that each of our own targets among them has a lower level.
-function(kelvara_link target)
-    foreach(library IN LISTS ARGN)
-        if(DEFINED KELVARA_LEVEL_${library} AND DEFINED KELVARA_LEVEL_${target}
-           AND NOT KELVARA_LEVEL_${library} LESS KELVARA_LEVEL_${target})
-            message(FATAL_ERROR "${target} must not link ${library}: its level is not lower")
-        endif()
-    endforeach()
-    target_link_libraries(${target} PUBLIC ${ARGN})
-endfunction()
+include(cmake/KelvaraLevels.cmake)
 
-function(kelvara_configure target)
-    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
+# kelvara_configure(target folder level [QT] SOURCES ... LINKS ...): sources are relative to `folder`; `level` is the folder on whose
+# level the target stands.
+function(kelvara_configure target folder level)
     cmake_parse_arguments(ARG "QT" "" "SOURCES;LINKS" ${ARGN})
+    list(TRANSFORM ARG_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/${folder}/ REGEX "^[^/]")
+    target_include_directories(${target} PUBLIC ${PROJECT_SOURCE_DIR})
     target_sources(${target} PRIVATE ${ARG_SOURCES})
-    kelvara_link(${target} ${ARG_LINKS})
+    kelvara_link(${target} ${level} ${ARG_LINKS})
     if(ARG_QT)
         set_target_properties(${target} PROPERTIES AUTOMOC ON)
     endif()
 endfunction()
 
-# kelvara_static(name [QT] SOURCES ... LINKS ...)
-function(kelvara_static target)
-    add_library(${target} STATIC)
-    kelvara_configure(${target} ${ARGN})
+# The folder of the CMake file at work, from the top of the project.
+macro(kelvara_this_folder folder)
+    file(RELATIVE_PATH ${folder} ${PROJECT_SOURCE_DIR} ${CMAKE_CURRENT_SOURCE_DIR})
+endmacro()
+
+# kelvara_part(folder [OBJECTS] [HIDDEN] [QT] SOURCES ... LINKS ...): the part that is the folder, a library named like it with _ for
+# /. OBJECTS for parts of a shared library, HIDDEN for those of a module that exports nothing of them.
+function(kelvara_part folder)
+    cmake_parse_arguments(PART "OBJECTS;HIDDEN" "" "" ${ARGN})
+    string(REPLACE / _ target ${folder})
+    if(PART_OBJECTS)
+        add_library(${target} OBJECT)
+    else()
+        add_library(${target} STATIC)
+    endif()
+    kelvara_configure(${target} ${folder} ${folder} ${PART_UNPARSED_ARGUMENTS})
+    kelvara_check_includes(${target} ${folder})
+    if(PART_HIDDEN)
+        kelvara_hide(${target})
+    endif()
 endfunction()
 
-function(kelvara_shared target)
-    add_library(${target} SHARED)
-    kelvara_configure(${target} ${ARGN})
+# No symbol of the target can be seen from outside the library that it ends up in, and the library can be unloaded.
+function(kelvara_hide target)
+    set_target_properties(${target} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    if(NOT WIN32)
+        target_compile_options(${target} PRIVATE -fno-gnu-unique)
+    endif()
 endfunction()
 
 # A library that is only ever loaded at run time, under its given name, and exports the symbols of its version script alone.
 function(kelvara_module target exports)
+    kelvara_this_folder(folder)
     add_library(${target} MODULE)
-    kelvara_configure(${target} ${ARGN})
-    set_target_properties(${target} PROPERTIES PREFIX "" CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
+    kelvara_configure(${target} ${folder} programs ${ARGN})
+    kelvara_hide(${target})
+    set_target_properties(${target} PROPERTIES PREFIX "")
     if(NOT WIN32)
-        target_compile_options(${target} PRIVATE -fno-gnu-unique)
         target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
         set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
     endif()
 endfunction()
 
+# A program stands above all parts, but for those of the tests and tools.
 function(kelvara_program target)
+    kelvara_this_folder(folder)
+    set(level programs)
+    if(folder MATCHES "^(tests|bench|tools)")
+        set(level ${folder})
+    endif()
     add_executable(${target})
-    kelvara_configure(${target} ${ARGN})
+    kelvara_configure(${target} ${folder} ${level} ${ARGN})
 endfunction()
 
 # One test program; ctest runs it off-screen.
 function(kelvara_test target)
-    add_executable(${target})
-    kelvara_configure(${target} ${ARGN})
+    kelvara_program(${target} ${ARGN})
     if("QT" IN_LIST ARGN)
         target_link_libraries(${target} PRIVATE Qt6::Widgets Qt6::Test)
     endif()

@@ -1,12 +1,11 @@
 #pragma once
 
+#include "engine/error.h"
 #include "packet/block_sink.h"
 
 #include <chrono>
 #include <functional>
 #include <limits>
-#include <memory>
-#include <stdexcept>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -14,28 +13,6 @@
 
 /// Runs one Oracle SELECT at a time against a database and brings its rows as a packet.
 namespace engine {
-
-enum class Failure {
-    Refused, ///< the gate did not let the statement through
-    Database, ///< the database refused or broke it off
-    Cancelled,
-    TimeLimit,
-    Unavailable, ///< the database cannot be opened or is gone
-};
-
-/// what() is Chinese and carries the database's own words.
-class Error : public std::runtime_error {
-public:
-    Error(Failure failure, const std::string &message)
-        : std::runtime_error(message)
-        , m_failure(failure)
-    {
-    }
-    Failure failure() const { return m_failure; }
-
-private:
-    Failure m_failure;
-};
 
 struct QueryOptions {
     std::stop_token stop {}; ///< a stop request ends the statement within milliseconds, as Failure::Cancelled
@@ -59,9 +36,5 @@ public:
     /// std::logic_error as Error(Database).
     virtual void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options = {}) = 0;
 };
-
-/// Opens "sqlite:path", "postgresql://user@host/database" or "odbc:" with a connection string ("DSN=...", "DRIVER=...;...").
-/// Throws Error(Unavailable) when the database is missing or is no database.
-std::unique_ptr<Engine> openEngine(std::string_view url, const EngineOptions &options = {});
 
 } // namespace engine

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "guest/track.h"
-#include "platform/dataset/remote_server.h"
+#include "platform/connection/remote_server.h"
 
 /// The waybill numbers of a list, without blanks and repetitions, in the list's order.
 struct WantedNumbers {

@@ -1,5 +1,6 @@
 #include "server/database.h"
 
+#include "engine/pool/open_engine.h"
 #include "server/log.h"
 
 namespace server {

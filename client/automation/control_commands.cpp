@@ -2,7 +2,7 @@
 
 #include "client/automation/person.h"
 #include "platform/dataset/data_set.h"
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/page_control.h"
 #include "platform/toolkit/radio_group.h"

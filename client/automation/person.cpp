@@ -1,6 +1,6 @@
 #include "client/automation/person.h"
 
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/radio_group.h"

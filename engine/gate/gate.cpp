@@ -1,6 +1,6 @@
 #include "engine/gate/gate.h"
 
-#include "engine/engine.h"
+#include "engine/error.h"
 #include "engine/gate/lexer.h"
 #include "engine/gate/parser.h"
 

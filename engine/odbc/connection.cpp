@@ -1,9 +1,9 @@
 #include "engine/odbc/connection.h"
 
+#include "engine/dialect/postgresql_catalogue.h"
 #include "engine/odbc/canceller.h"
 #include "engine/odbc/row_reader.h"
 #include "engine/odbc/wide_text.h"
-#include "engine/postgresql/catalogue.h"
 
 #include <algorithm>
 

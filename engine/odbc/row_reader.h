@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/block_bytes.h"
-#include "engine/dialect.h"
+#include "engine/dialect/dialect.h"
 #include "engine/odbc/handle.h"
 #include "packet/builder.h"
 

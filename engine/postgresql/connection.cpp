@@ -1,6 +1,6 @@
 #include "engine/postgresql/connection.h"
 
-#include "engine/postgresql/catalogue.h"
+#include "engine/dialect/postgresql_catalogue.h"
 #include "engine/postgresql/row_reader.h"
 #include "engine/postgresql/session.h"
 #include "engine/postgresql/socket_wait.h"

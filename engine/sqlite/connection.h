@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/connection.h"
+#include "engine/dialect/connection.h"
 
 #include <sqlite3.h>
 

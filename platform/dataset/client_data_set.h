@@ -1,8 +1,8 @@
 #pragma once
 
 #include "packet/packet.h"
+#include "platform/connection/remote_server.h"
 #include "platform/dataset/data_set.h"
-#include "platform/dataset/remote_server.h"
 
 #include <QPointer>
 #include <QStringList>

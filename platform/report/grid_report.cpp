@@ -1,8 +1,8 @@
 #include "platform/report/grid_report.h"
 
 #include "platform/dataset/data_set.h"
-#include "platform/report/template.h"
-#include "platform/report/text_face.h"
+#include "platform/report/definition/template.h"
+#include "platform/report/layout/text_face.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/report/definition.h"
+#include "platform/report/definition/definition.h"
 #include "platform/report/print_db_grid.h"
 
 namespace report {

@@ -1,8 +1,8 @@
 #include "platform/report/print_db_grid.h"
 
-#include "platform/report/data_exports.h"
 #include "platform/report/grid_report.h"
 #include "platform/report/grid_rows.h"
+#include "platform/report/output/data_exports.h"
 #include "platform/report/report.h"
 
 using namespace report;

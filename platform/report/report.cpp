@@ -1,8 +1,8 @@
 #include "platform/report/report.h"
 
-#include "platform/report/preview_window.h"
-#include "platform/report/printing.h"
-#include "platform/report/report_file.h"
+#include "platform/report/definition/report_file.h"
+#include "platform/report/output/printing.h"
+#include "platform/report/preview/preview_window.h"
 
 using namespace report;
 

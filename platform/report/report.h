@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/dataset/data_set.h"
-#include "platform/report/export_filter.h"
+#include "platform/report/output/export_filter.h"
+#include "platform/report/preview/preview_buttons.h"
 
-#include <QFlags>
 #include <QPointer>
 
 /// Joins a report to a dataset that may be exchanged.
@@ -18,12 +18,6 @@ public:
 private:
     QPointer<TDataSet> m_dataSet;
 };
-
-enum class PreviewButton { Zoom = 1, Load = 2, Save = 4, Print = 8, Find = 16, Exit = 32, Export = 64 };
-Q_DECLARE_FLAGS(PreviewButtons, PreviewButton)
-Q_DECLARE_OPERATORS_FOR_FLAGS(PreviewButtons)
-constexpr PreviewButtons allPreviewButtons { PreviewButton::Zoom, PreviewButton::Load, PreviewButton::Save, PreviewButton::Print,
-    PreviewButton::Find, PreviewButton::Exit, PreviewButton::Export };
 
 /// One object of a loaded report; lives until the report is loaded anew.
 class ReportObject {

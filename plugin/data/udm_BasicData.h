@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/connection/socket_connection.h"
 #include "platform/dataset/client_data_set.h"
-#include "platform/remote/socket_connection.h"
 #include "platform/toolkit/form.h"
 
 /// The shared command datasets and the host's connection, over which every statement of the plug-in runs.

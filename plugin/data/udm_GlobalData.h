@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/connection/remote_server.h"
 #include "platform/dataset/client_data_set.h"
 #include "platform/dataset/data_source.h"
-#include "platform/dataset/remote_server.h"
 #include "platform/toolkit/form.h"
 
 /// The host's code tables, each through a data source to which the screens bind their lookup combos. The datasets are the

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/dataset/data_set.h"
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 
 /// What every query screen uses while it reads its conditions and composes its statement.
 

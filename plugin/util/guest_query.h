@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dataset/remote_server.h"
+#include "platform/connection/remote_server.h"
 
 #include <QList>
 

@@ -2,9 +2,9 @@
 
 #include "platform/dataset/data_source.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_columns.h"
 #include "platform/report/print_db_grid.h"
 #include "platform/toolkit/form.h"
-#include "plugin/view/grid_columns.h"
 
 #include <QLabel>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/report/add_in.h"
-#include "platform/report/data_exports.h"
+#include "platform/report/layout/add_in.h"
+#include "platform/report/output/data_exports.h"
 #include "platform/report/report.h"
 #include "platform/toolkit/form.h"
 

@@ -1,8 +1,8 @@
 #include "client/export/asked_conditions.h"
 #include "client/export/screen_conditions.h"
 
+#include "platform/editors/editors.h"
 #include "platform/grid/db_grid.h"
-#include "platform/grid/editors.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/page_control.h"

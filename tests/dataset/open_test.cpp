@@ -1,4 +1,4 @@
-#include "platform/remote/socket_connection.h"
+#include "platform/connection/socket_connection.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/long_work.h"
 #include "tests/dataset/rows.h"

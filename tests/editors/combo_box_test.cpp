@@ -1,6 +1,6 @@
 #include "entry_form.h"
 
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 
 #include <gmock/gmock.h>
 

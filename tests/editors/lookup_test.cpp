@@ -1,7 +1,7 @@
 #include "entry_form.h"
 
 #include "platform/dataset/client_data_set.h"
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 #include "tests/support/packets.h"
 
 #include <gmock/gmock.h>

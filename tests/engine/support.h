@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/engine.h"
+#include "engine/pool/open_engine.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 // Reads a statement as the gate does, and writes it out for SQLite when it passes.
 
-#include "engine/dialect.h"
+#include "engine/dialect/dialect.h"
 #include "engine/engine.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)

@@ -1,10 +1,10 @@
 // Reads a text as a report file and, when it is one, lays out its first pages.
 
-#include "platform/report/report_file.h"
+#include "platform/report/definition/report_file.h"
 #include "packet/builder.h"
 #include "platform/dataset/client_data_set.h"
-#include "platform/report/add_in.h"
-#include "platform/report/prepared_report.h"
+#include "platform/report/layout/add_in.h"
+#include "platform/report/layout/prepared_report.h"
 
 #include <QApplication>
 

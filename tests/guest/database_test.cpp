@@ -1,6 +1,7 @@
 #include "client/embedded_channel.h"
 #include "demo/schema.h"
 #include "demo/sqlite_database.h"
+#include "engine/pool/open_engine.h"
 #include "guest/track_query.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "platform/remote/socket_connection.h"
+#include "platform/connection/socket_connection.h"
 #include "platform/toolkit/library_loader.h"
 #include "platform/toolkit/screen.h"
 #include "tests/plugin/fake_host.h"

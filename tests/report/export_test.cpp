@@ -1,6 +1,6 @@
 #include "tests/report/report_rows.h"
 
-#include "platform/report/data_exports.h"
+#include "platform/report/output/data_exports.h"
 #include "platform/toolkit/long_work.h"
 
 #include <QDir>

@@ -1,8 +1,9 @@
 #include "tests/report/report_rows.h"
 
-#include "platform/report/page_view.h"
-#include "platform/report/preview_window.h"
-#include "platform/report/printing.h"
+#include "platform/report/output/printing.h"
+#include "platform/report/preview/page_view.h"
+#include "platform/report/preview/preview_window.h"
+#include "platform/report/report.h"
 
 #include <QLabel>
 #include <QPrinter>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/dataset/client_data_set.h"
-#include "platform/report/prepared_report.h"
-#include "platform/report/report_file.h"
+#include "platform/report/definition/report_file.h"
+#include "platform/report/layout/prepared_report.h"
 #include "tests/support/packets.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "tests/screens/client_process.h"
 
-#include "engine/engine.h"
+#include "engine/pool/open_engine.h"
 #include "tests/screens/screen_test.h"
 
 #include <gtest/gtest.h>

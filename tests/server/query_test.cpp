@@ -1,3 +1,4 @@
+#include "engine/pool/open_engine.h"
 #include "tests/server/test_server.h"
 
 #include "packet/stream_reader.h"

@@ -1,6 +1,6 @@
 #include "plugin/forms/base/condition_layout.h"
 
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 #include "plugin/forms/base/frame_Panel.h"
 
 #include <QAbstractButton>

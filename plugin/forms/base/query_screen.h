@@ -4,7 +4,7 @@
 #include "plugin/forms/base/frame_Panel.h"
 #include "plugin/forms/base/ufrm_BasicBoot.h"
 
-#include "platform/grid/editors.h"
+#include "platform/editors/editors.h"
 #include "platform/toolkit/handler.h"
 
 #include <QCheckBox>

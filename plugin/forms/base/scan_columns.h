@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugin/view/grid_columns.h"
+#include "platform/grid/grid_columns.h"
 
 /// The columns of a scan from the waybill's number to its express type; `station` titles the station before or behind, `courier`
 /// the one who picks up or delivers.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugin/view/grid_columns.h"
+#include "platform/grid/grid_columns.h"
 
 /// The split of a site's arrivals by the class of their shift: road, air, rail, and all others, each with waybills, weight and fee,
 /// and their total. The digit behind the first "6" of a column's field is the code of its class.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugin/view/grid_columns.h"
+#include "platform/grid/grid_columns.h"
 
 /// The columns of entered waybills; `destination` is the column of the site they are sent to.
 GridColumns billColumns(const GridColumn &destination);

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "engine/dialect/dialect.h"
+#include "engine/engine.h"
+
+namespace engine {
+
+using Clock = std::chrono::steady_clock;
+
+/// A statement in the words of the database, its limits and where its rows go.
+struct Job {
+    /// How many rows lie between two calls of the progress function.
+    static constexpr std::int64_t rowsBetweenReports = 8192;
+
+    std::string sql;
+    const QueryOptions &options;
+    Clock::time_point deadline;
+    packet::BlockSink *sink = nullptr; ///< null: into a packet
+
+    bool mustStop() const { return options.stop.stop_requested() || Clock::now() >= deadline; }
+    /// Throws Error(Cancelled) or Error(TimeLimit) when the statement must stop.
+    void throwIfStopped() const;
+    void report(std::int64_t rows) const
+    {
+        if (options.progress)
+            options.progress(rows);
+    }
+};
+
+/// One connection to a database, read-only. It runs one statement at a time and keeps nothing of it afterwards.
+class Connection {
+public:
+    virtual ~Connection() = default;
+    virtual Dialect dialect() const = 0;
+    /// The names of the tables and views that it may read, in capitals.
+    virtual gate::TableSet readTables() = 0;
+    /// From here on only these tables may be read.
+    virtual void restrictTo(const gate::TableSet &) { }
+    /// The rows; null when they went to a sink. Throws Error.
+    virtual packet::PacketPtr run(const Job &job) = 0;
+    /// False when it is to be thrown away after a statement.
+    virtual bool isUsable() const { return true; }
+};
+
+} // namespace engine

@@ -1,0 +1,102 @@
+#include "engine/pool/pooled_engine.h"
+
+#include <algorithm>
+
+namespace engine {
+
+namespace {
+
+Clock::time_point deadlineIn(std::chrono::milliseconds limit)
+{
+    const auto now = Clock::now();
+    return limit < Clock::time_point::max() - now ? now + limit : Clock::time_point::max();
+}
+
+} // namespace
+
+/// Gives its connection back to the pool, whatever happens.
+class PooledEngine::Lease {
+public:
+    Lease(PooledEngine &engine, const std::stop_token &stop, Clock::time_point deadline)
+        : m_engine(engine)
+        , m_connection(engine.acquire(stop, deadline))
+    {
+    }
+    Lease(const Lease &) = delete;
+    ~Lease() { m_engine.release(std::move(m_connection)); }
+    Connection *operator->() const { return m_connection.get(); }
+
+private:
+    PooledEngine &m_engine;
+    std::unique_ptr<Connection> m_connection;
+};
+
+PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
+    : m_open(std::move(open))
+    , m_limit(std::max<std::size_t>(options.connections, 1))
+{
+    auto first = m_open();
+    m_dialect = first->dialect();
+    m_tables = first->readTables();
+    if (!options.tables.empty()) {
+        m_tables.clear();
+        for (const std::string &table : options.tables)
+            m_tables.insert(gate::upperCase(table));
+    }
+    first->restrictTo(m_tables);
+    m_idle.push_back(std::move(first));
+}
+
+packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
+{
+    std::string text = textFor(m_dialect, sql, gate::check(sql, m_tables));
+    // One row more than wanted, so that a cut is known.
+    if (m_dialect == Dialect::Postgresql && options.rowLimit < std::numeric_limits<std::int64_t>::max())
+        text = postgresqlFirstRows(text, options.rowLimit + 1);
+    const Job job { std::move(text), options, deadlineIn(options.timeLimit), sink };
+    return Lease(*this, options.stop, job.deadline)->run(job);
+}
+
+std::unique_ptr<Connection> PooledEngine::acquire(const std::stop_token &stop, Clock::time_point deadline)
+{
+    std::unique_lock lock(m_mutex);
+    const auto free = [this] { return m_busy < m_limit; };
+    if (!m_released.wait_until(lock, stop, deadline, free)) {
+        if (stop.stop_requested())
+            throw Error(Failure::Cancelled, "查询已取消");
+        throw Error(Failure::TimeLimit, "等待空闲的数据库连接超过了规定的时间，请稍后再试");
+    }
+    ++m_busy;
+    if (!m_idle.empty()) {
+        auto connection = std::move(m_idle.back());
+        m_idle.pop_back();
+        return connection;
+    }
+    lock.unlock();
+    try {
+        return openAnother();
+    } catch (...) {
+        release(nullptr);
+        throw;
+    }
+}
+
+std::unique_ptr<Connection> PooledEngine::openAnother()
+{
+    auto connection = m_open();
+    connection->restrictTo(m_tables);
+    return connection;
+}
+
+void PooledEngine::release(std::unique_ptr<Connection> connection)
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        --m_busy;
+        if (connection && connection->isUsable())
+            m_idle.push_back(std::move(connection));
+    }
+    m_released.notify_one();
+}
+
+} // namespace engine

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "engine/dialect/connection.h"
+
+#include <condition_variable>
+#include <mutex>
+
+namespace engine {
+
+/// A pool of connections to one database: the gate, the dialect, then the first free connection.
+class PooledEngine : public Engine {
+public:
+    /// Makes a connection or throws Error(Unavailable).
+    using Opener = std::function<std::unique_ptr<Connection>()>;
+
+    PooledEngine(Opener open, const EngineOptions &options);
+    packet::PacketPtr query(std::string_view sql, const QueryOptions &options) override { return run(sql, options, nullptr); }
+    void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options) override { run(sql, options, &sink); }
+
+private:
+    class Lease;
+
+    packet::PacketPtr run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink);
+    std::unique_ptr<Connection> acquire(const std::stop_token &stop, Clock::time_point deadline);
+    std::unique_ptr<Connection> openAnother();
+    void release(std::unique_ptr<Connection> connection);
+
+    Opener m_open;
+    std::size_t m_limit;
+    Dialect m_dialect {};
+    gate::TableSet m_tables;
+    std::mutex m_mutex;
+    std::condition_variable_any m_released;
+    std::vector<std::unique_ptr<Connection>> m_idle;
+    std::size_t m_busy = 0;
+};
+
+} // namespace engine

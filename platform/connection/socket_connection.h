@@ -1,0 +1,39 @@
+#pragma once
+
+#include "platform/connection/remote_server.h"
+
+#include <functional>
+#include <memory>
+#include <stop_token>
+
+/// What carries a statement to a database and brings its rows back; called from threads other than the interface's.
+class StatementChannel {
+public:
+    virtual ~StatementChannel() = default;
+    /// Throws std::exception with a message for the user. Ends soon after a stop request; `progress` may be called with the rows so far.
+    virtual packet::PacketPtr run(const std::string &statement, std::stop_token stop, const std::function<void(std::int64_t)> &progress)
+        = 0;
+};
+
+/// The connection of the host to an application server, or to an engine in its own process: its channel decides.
+class TSocketConnectionEx : public TCustomRemoteServer {
+    Q_OBJECT
+
+public:
+    using TCustomRemoteServer::TCustomRemoteServer;
+
+    /// The settings under which the connection was designed; the channel of an embedded connection has no use for them.
+    QString serverGuid;
+    QString serverName;
+    int port = 0;
+    QString loginUser;
+    QString loginPassword;
+
+    bool connected() const { return m_channel != nullptr; }
+    void setChannel(std::shared_ptr<StatementChannel> channel) { m_channel = std::move(channel); }
+
+    packet::PacketPtr runStatement(const QString &statement) override;
+
+private:
+    std::shared_ptr<StatementChannel> m_channel;
+};

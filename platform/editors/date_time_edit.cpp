@@ -1,0 +1,129 @@
+#include "platform/editors/date_time_edit.h"
+
+#include "platform/toolkit/clock.h"
+#include "platform/toolkit/handler.h"
+
+#include <QCalendarWidget>
+#include <QFrame>
+#include <QKeyEvent>
+#include <QVBoxLayout>
+
+namespace {
+
+/// Where a part stands in "yyyy-mm-dd hh:mm:ss".
+struct Place {
+    int start;
+    int length;
+};
+constexpr Place places[] = { { 0, 4 }, { 5, 2 }, { 8, 2 }, { 11, 2 }, { 14, 2 }, { 17, 2 } };
+
+QCalendarWidget *makeCalendar(QWidget *parent, QDate day)
+{
+    auto *calendar = new QCalendarWidget(parent);
+    calendar->setLocale(QLocale(QLocale::Chinese, QLocale::China));
+    calendar->setFirstDayOfWeek(Qt::Monday);
+    calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
+    calendar->setGridVisible(false);
+    calendar->setSelectedDate(day);
+    QTextCharFormat today;
+    today.setFontWeight(QFont::Bold);
+    calendar->setDateTextFormat(Clock::today(), today);
+    return calendar;
+}
+
+} // namespace
+
+TDBDateTimeEditEh::TDBDateTimeEditEh(QWidget *parent)
+    : DropDownEdit(parent)
+{
+    setInputMethodHints(Qt::ImhPreferNumbers | Qt::ImhPreferLatin);
+    setDropDownToolTip(QStringLiteral("选择日期 (F4)"));
+}
+
+void TDBDateTimeEditEh::setDateOnly(bool dateOnly)
+{
+    const QString shown = dateTimeText();
+    m_dateOnly = dateOnly;
+    setDateTimeText(shown);
+}
+
+QString TDBDateTimeEditEh::dateTimeText() const
+{
+    const std::optional<QDateTime> time = read(text());
+    return time ? dateTimeToText(*time) : text();
+}
+
+void TDBDateTimeEditEh::setDateTimeText(const QString &text)
+{
+    if (const std::optional<QDateTime> time = read(text))
+        show(*time);
+    else if (text != this->text())
+        setText(text);
+}
+
+std::optional<QDateTime> TDBDateTimeEditEh::read(const QString &text) const
+{
+    const std::optional<DateEntry> entry = readDateEntry(text);
+    if (!entry)
+        return std::nullopt;
+    return QDateTime(entry->date, entry->time.value_or(m_dateOnly ? m_keptTime : QTime(0, 0)), Qt::UTC);
+}
+
+void TDBDateTimeEditEh::show(const QDateTime &time)
+{
+    m_keptTime = time.time();
+    const QString shown = m_dateOnly ? dateToText(time.date()) : dateTimeToText(time);
+    if (shown != text())
+        setText(shown);
+}
+
+bool TDBDateTimeEditEh::step(DatePart part, int steps)
+{
+    const std::optional<QDateTime> time = read(text());
+    const QDateTime stepped = time ? stepDatePart(*time, part, steps) : QDateTime();
+    if (!stepped.isValid())
+        return false;
+    show(stepped);
+    const Place place = places[int(part)];
+    setSelection(place.start, place.length);
+    return true;
+}
+
+bool TDBDateTimeEditEh::stepByKey(const QKeyEvent &event)
+{
+    if (event.text() == u"+" || event.text() == u"-")
+        return step(DatePart::Day, event.text() == u"+" ? 1 : -1);
+    const bool vertical = event.key() == Qt::Key_Up || event.key() == Qt::Key_Down;
+    if (!vertical || (event.modifiers() & ~Qt::KeypadModifier))
+        return false;
+    const int position = hasSelectedText() ? selectionStart() : cursorPosition();
+    const DatePart part = datePartAt(text(), position);
+    return step(m_dateOnly ? qMin(part, DatePart::Day) : part, event.key() == Qt::Key_Up ? 1 : -1);
+}
+
+void TDBDateTimeEditEh::keyPressEvent(QKeyEvent *event)
+{
+    if (!stepByKey(*event))
+        DropDownEdit::keyPressEvent(event);
+}
+
+void TDBDateTimeEditEh::dropDown()
+{
+    const QDateTime time = read(text()).value_or(QDateTime(Clock::today(), m_dateOnly ? m_keptTime : QTime(0, 0), Qt::UTC));
+    auto *popup = new QFrame(this, Qt::Popup);
+    popup->setAttribute(Qt::WA_DeleteOnClose);
+    popup->setFrameStyle(QFrame::StyledPanel);
+    auto *layout = new QVBoxLayout(popup);
+    layout->setContentsMargins(0, 0, 0, 0);
+    QCalendarWidget *calendar = makeCalendar(popup, time.date());
+    layout->addWidget(calendar);
+    const auto take = [this, popup, time](QDate day) {
+        show(QDateTime(day, time.time(), Qt::UTC));
+        popup->close();
+    };
+    handle(calendar, &QCalendarWidget::clicked, this, take);
+    handle(calendar, &QCalendarWidget::activated, this, take);
+    popup->setGeometry(dropDownGeometry(popup->sizeHint()));
+    popup->show();
+    calendar->setFocus(Qt::PopupFocusReason);
+}

@@ -1,0 +1,175 @@
+#include "platform/editors/lookup_combobox.h"
+
+#include "platform/editors/lookup_list.h"
+#include "platform/editors/lookup_match.h"
+#include "platform/toolkit/handler.h"
+
+#include <QKeyEvent>
+#include <QToolButton>
+
+#include <numeric>
+
+TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent)
+    : DropDownEdit(parent)
+{
+    setDropDownToolTip(QStringLiteral("打开列表 (F4)"));
+    handle(addButton(QStringLiteral("…"), QStringLiteral("显示全部")), &QToolButton::clicked, this, &TDBLookupComboboxEh::openWholeList);
+    handle(this, &QLineEdit::textEdited, this, &TDBLookupComboboxEh::narrowList);
+}
+
+void TDBLookupComboboxEh::setFields(const QString &keyField, const QString &listField, const QString &indexField)
+{
+    m_keyField = keyField;
+    m_listField = listField;
+    m_indexField = indexField;
+}
+
+void TDBLookupComboboxEh::setDropDownColumns(const QList<LookupColumn> &columns)
+{
+    m_columns = columns;
+    if (m_list)
+        m_list->setColumns(columns);
+}
+
+TDataSet *TDBLookupComboboxEh::listDataSet() const
+{
+    TDataSet *dataSet = m_listSource ? m_listSource->dataSet() : nullptr;
+    return dataSet && dataSet->active() ? dataSet : nullptr;
+}
+
+bool TDBLookupComboboxEh::isListOpen() const { return m_list && m_list->isVisible(); }
+
+LookupMatches TDBLookupComboboxEh::matches(const TDataSet &dataSet) const
+{
+    LookupFields fields { -1, { dataSet.fieldByName(m_listField)->index() } };
+    if (!m_indexField.isEmpty())
+        fields.code = dataSet.fieldByName(m_indexField)->index();
+    if (m_keyField.compare(m_listField, Qt::CaseInsensitive) != 0)
+        fields.names.append(dataSet.fieldByName(m_keyField)->index());
+    return text().trimmed().isEmpty() ? LookupMatches() : lookUp(dataSet, fields, text());
+}
+
+void TDBLookupComboboxEh::openList()
+{
+    TDataSet *dataSet = listDataSet();
+    if (!dataSet)
+        return;
+    LookupMatches found = matches(*dataSet);
+    if (found.rows.empty() || found.exact)
+        return openWholeList();
+    const int best = found.rows.front();
+    showList(dataSet, std::move(found.rows), best);
+}
+
+void TDBLookupComboboxEh::openWholeList()
+{
+    TDataSet *dataSet = listDataSet();
+    if (!dataSet)
+        return;
+    const LookupMatches found = matches(*dataSet);
+    std::vector<int> rows(std::size_t(dataSet->recordCount()));
+    std::iota(rows.begin(), rows.end(), 0);
+    sortByReading(*dataSet, dataSet->fieldByName(m_listField)->index(), rows);
+    showList(dataSet, std::move(rows), found.rows.empty() ? -1 : found.rows.front());
+}
+
+void TDBLookupComboboxEh::narrowList()
+{
+    TDataSet *dataSet = listDataSet();
+    LookupMatches found = dataSet ? matches(*dataSet) : LookupMatches();
+    if (found.rows.empty())
+        return closeList(false);
+    const int best = found.rows.front();
+    showList(dataSet, std::move(found.rows), best);
+}
+
+void TDBLookupComboboxEh::showList(TDataSet *dataSet, std::vector<int> rows, int currentRow)
+{
+    if (!m_list) {
+        m_list = new LookupList(this);
+        m_list->setColumns(m_columns);
+        handle(m_list, &LookupList::rowClicked, this, [this] { closeList(true); });
+    }
+    m_list->showRows(dataSet, std::move(rows), currentRow);
+    m_list->setGeometry(dropDownGeometry(m_list->contentSize().expandedTo(QSize(width(), 0))));
+    m_list->show();
+}
+
+void TDBLookupComboboxEh::closeList(bool accept)
+{
+    if (!isListOpen())
+        return;
+    const int row = m_list->currentRecord();
+    m_list->hide();
+    TDataSet *dataSet = listDataSet();
+    if (accept && dataSet && row >= 0)
+        setText(dataSet->text(dataSet->fieldByName(m_keyField)->index(), row));
+}
+
+/// Whether the open list takes the key; it may close then.
+bool TDBLookupComboboxEh::actOnList(QKeyEvent *event)
+{
+    if (isDropDownKey(*event) || event->key() == Qt::Key_Escape) {
+        closeList(false);
+        return true;
+    }
+    switch (event->key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_PageUp:
+    case Qt::Key_PageDown:
+        m_list->walk(event);
+        return true;
+    case Qt::Key_Return:
+    case Qt::Key_Enter: {
+        const bool taken = m_list->currentRecord() >= 0;
+        closeList(taken);
+        return taken;
+    }
+    default:
+        return false;
+    }
+}
+
+bool TDBLookupComboboxEh::event(QEvent *event)
+{
+    if (isListOpen() && !isComposing() && actBeforeKey(event))
+        return true;
+    return DropDownEdit::event(event);
+}
+
+/// What the open list has to do with events that come before a key press or are no key at all; true: nobody else gets it.
+bool TDBLookupComboboxEh::actBeforeKey(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::FocusOut:
+        // The toolkit takes the focus away for a popup, but what is typed over this one goes here.
+        return static_cast<QFocusEvent *>(event)->reason() == Qt::PopupFocusReason;
+    case QEvent::ShortcutOverride: {
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        event->setAccepted(key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F4);
+        return event->isAccepted();
+    }
+    case QEvent::KeyPress: {
+        // Tab moves the focus before it could be a key press.
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
+            guarded([this] { closeList(m_list->isWalked()); });
+        return false;
+    }
+    default:
+        return false;
+    }
+}
+
+void TDBLookupComboboxEh::keyPressEvent(QKeyEvent *event)
+{
+    guarded([&] {
+        if (isListOpen() && actOnList(event)) {
+            event->accept();
+            return;
+        }
+        Q_EMIT keyPressed(event->key());
+        DropDownEdit::keyPressEvent(event);
+    });
+}

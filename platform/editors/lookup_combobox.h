@@ -1,0 +1,70 @@
+#pragma once
+
+#include "platform/dataset/data_source.h"
+#include "platform/editors/drop_down_edit.h"
+
+class LookupList;
+struct LookupMatches;
+
+/// A column of a lookup's drop-down list.
+struct LookupColumn {
+    QString fieldName;
+    QString caption;
+    int width; ///< pixels
+};
+
+/// A line of text in which one looks up a row of another dataset: free typing, a drop-down list with columns that narrows while
+/// one types, an ellipsis button. Its value is its text; what code assigns opens no list. It never moves the list dataset's current row.
+class TDBLookupComboboxEh : public DropDownEdit {
+    Q_OBJECT
+
+public:
+    explicit TDBLookupComboboxEh(QWidget *parent = nullptr);
+
+    TDataSource *listSource() const { return m_listSource; }
+    void setListSource(TDataSource *source) { m_listSource = source; }
+    /// Null on query screens: nothing is edited through them.
+    TDataSource *dataSource() const { return m_dataSource; }
+    void setDataSource(TDataSource *source) { m_dataSource = source; }
+
+    /// The field whose value the text becomes, the one that is listed, and the code by which it can also be typed ("" when none).
+    void setFields(const QString &keyField, const QString &listField, const QString &indexField);
+    const QString &keyField() const { return m_keyField; }
+    const QString &listField() const { return m_listField; }
+    const QString &indexField() const { return m_indexField; }
+    void setDropDownColumns(const QList<LookupColumn> &columns);
+    const QList<LookupColumn> &dropDownColumns() const { return m_columns; }
+
+    bool isListOpen() const;
+    /// Opens the list on the rows that the text means, or on all rows when it means none or exactly one that is there already.
+    /// Does nothing while the list dataset is closed.
+    void openList();
+    /// `accept` takes the list's current row, if there is one, into the text.
+    void closeList(bool accept);
+
+Q_SIGNALS:
+    void keyPressed(int key); ///< before the key acts; not for keys of the open list, not while an input method composes
+
+protected:
+    void dropDown() override { openList(); }
+    void finishEntry() override { closeList(false); }
+    bool event(QEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    TDataSet *listDataSet() const; ///< null unless it is open
+    LookupMatches matches(const TDataSet &dataSet) const; ///< of the text; none for a blank one
+    void openWholeList();
+    void narrowList();
+    void showList(TDataSet *dataSet, std::vector<int> rows, int currentRow);
+    bool actBeforeKey(QEvent *event);
+    bool actOnList(QKeyEvent *event);
+
+    QPointer<TDataSource> m_listSource;
+    QPointer<TDataSource> m_dataSource;
+    QString m_keyField;
+    QString m_listField;
+    QString m_indexField;
+    QList<LookupColumn> m_columns;
+    LookupList *m_list = nullptr; ///< a child, made when first needed
+};

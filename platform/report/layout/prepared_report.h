@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/report/layout/page_builder.h"
+
+#include <functional>
+#include <memory>
+
+/// A report as pages. Pages are laid out when somebody wants them, so that the first one is there at once; those that are laid out
+/// are kept packed and no longer need the dataset. Used in the interface thread.
+class PreparedReport {
+public:
+    /// Told how many pages there are and how many of the rows are done; false breaks off.
+    using Progress = std::function<bool(int pages, int rowsDone, int rows)>;
+
+    /// Throws Exception when the definition does not fit the dataset. The dataset must stay open and unchanged until isComplete().
+    PreparedReport(
+        report::Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns = {}, report::StyleEvent styleEvent = {});
+    virtual ~PreparedReport();
+    PreparedReport(const PreparedReport &) = delete;
+
+    const QString &title() const { return m_title; }
+    QSize paper() const { return m_paper; } ///< in hundredths of a millimetre
+    const report::Resources &resources() const { return m_resources; }
+
+    bool isComplete() const { return m_builder == nullptr; }
+    /// Pages laid out so far.
+    int pageCount() const { return int(m_pages.size()); }
+    /// Lays out one more; false when there are no more. Throws Exception.
+    bool layNextPage();
+    /// Lays out all; false when `progress` broke off. What is laid out stays.
+    bool layAllPages(const Progress &progress = {});
+    int rowsDone() const;
+    int rowCount() const;
+
+    /// A page that is laid out, from 0. Where the number of pages stands, "?" until isComplete().
+    report::Page page(int index) const;
+    /// The texts on a page, in the order in which they stand in the report file.
+    QStringList texts(int page) const;
+    /// The first text of every object that has a name, pages laid out as far as they are.
+    QMap<QString, QString> namedTexts() const;
+
+    /// Writes all pages to a file that load() reads, laying out the rest first; throws Exception and leaves no file when it cannot.
+    void save(const QString &fileName, const Progress &progress = {});
+    /// Throws Exception when the file is none of ours, or is broken or cut.
+    static std::unique_ptr<PreparedReport> load(const QString &fileName);
+
+private:
+    PreparedReport() = default;
+    QByteArray packed() const;
+    void unpack(const QByteArray &bytes);
+
+    QString m_title;
+    QSize m_paper;
+    report::Resources m_resources;
+    std::unique_ptr<report::PageBuilder> m_builder; ///< null when all pages are there
+    int m_rowCount = 0;
+    std::vector<QByteArray> m_pages;
+};

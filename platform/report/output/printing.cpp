@@ -1,0 +1,74 @@
+#include "platform/report/output/printing.h"
+
+#include "platform/report/layout/prepared_report.h"
+#include "platform/report/output/page_painter.h"
+#include "platform/toolkit/long_work.h"
+
+#include <QPainter>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QProgressDialog>
+
+using namespace report;
+
+void setReportPaper(QPrinter &printer, const PreparedReport &report)
+{
+    const QSize paper = report.paper();
+    const bool landscape = paper.width() > paper.height();
+    const QSizeF upright = QSizeF(landscape ? paper.transposed() : paper) / millimetre;
+    printer.setPageSize(QPageSize(upright, QPageSize::Millimeter));
+    printer.setPageOrientation(landscape ? QPageLayout::Landscape : QPageLayout::Portrait);
+    printer.setFullPage(true);
+}
+
+void printPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int)> &goesOn)
+{
+    QPainter painter;
+    if (!painter.begin(&printer))
+        throw Exception(QStringLiteral("打印机“%1”不能使用，请检查打印机。").arg(printer.printerName()));
+    const qreal scale = printer.resolution() / (25.4 * millimetre);
+    PagePainter pages(report.resources());
+    for (int page = from; page <= to; ++page) {
+        if (page > from && !printer.newPage())
+            throw Exception(QStringLiteral("打印机“%1”停止了打印。").arg(printer.printerName()));
+        painter.resetTransform();
+        painter.scale(scale, scale);
+        pages.paint(painter, report.page(page - 1));
+        if (goesOn && !goesOn(page - from + 1)) {
+            printer.abort();
+            return;
+        }
+    }
+}
+
+bool printReport(PreparedReport &report, QWidget *parent)
+{
+    QPrinter printer(QPrinter::HighResolution);
+    setReportPaper(printer, report);
+    printer.setDocName(report.title());
+    QPrintDialog dialog(&printer, parent);
+    dialog.setWindowTitle(QStringLiteral("打印"));
+    dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange | QAbstractPrintDialog::PrintCollateCopies);
+    if (dialog.exec() != QDialog::Accepted)
+        return false;
+    setReportPaper(printer, report);
+    QProgressDialog progress(QStringLiteral("正在打印…"), QStringLiteral("取消"), 0, 0, parent);
+    progress.setWindowTitle(QStringLiteral("打印"));
+    progress.setWindowModality(Qt::WindowModal);
+    const bool laid = report.layAllPages([&progress](int, int, int) {
+        progress.setValue(0);
+        return !progress.wasCanceled();
+    });
+    if (!laid)
+        return true;
+    const bool range = dialog.printRange() == QAbstractPrintDialog::PageRange;
+    const int last = report.pageCount();
+    const int from = range ? std::clamp(printer.fromPage(), 1, last) : 1;
+    const int to = range ? std::clamp(printer.toPage(), 1, last) : last;
+    progress.setMaximum(std::max(1, to - from + 1));
+    printPages(report, printer, from, to, [&progress](int done) {
+        progress.setValue(done);
+        return !progress.wasCanceled();
+    });
+    return true;
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include "platform/report/output/export_filter.h"
+#include "platform/report/preview/preview_buttons.h"
+
+#include <QDialog>
+#include <QTimer>
+
+class PageView;
+class QAction;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QListView;
+class QProgressBar;
+class QPushButton;
+class QSpinBox;
+class QToolBar;
+class ThumbnailModel;
+
+/// The print preview: the first page at once, the others as they are laid out while the user looks.
+class PreviewWindow : public QDialog {
+    Q_OBJECT
+
+public:
+    /// The report must outlive the window.
+    PreviewWindow(PreparedReport &report, QList<ExportFilter *> filters, PreviewButtons buttons, QWidget *parent = nullptr);
+    ~PreviewWindow() override;
+
+    int pageCount() const { return m_report->pageCount(); }
+    /// Looks for the text from the marked place on; lays out further pages on the way. False when it stands nowhere.
+    bool find(const QString &text, bool forward = true);
+    PageView *view() const { return m_view; }
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    void buildTools();
+    void buildFindBar();
+    QWidget *buildStatus();
+    QAction *addTool(const QString &text, const QString &tip, const QKeySequence &key, void (PreviewWindow::*work)());
+    void setReport(PreparedReport *report);
+    void layInIdleTime();
+    void cancelLaying();
+    void pagesAdded();
+    void showPosition();
+    void goTo(int page);
+    void chooseZoom(const QString &text);
+    void showZoom();
+    void openSaved();
+    void save();
+    void printAll();
+    void exportAll();
+    void goFirst() { goTo(0); }
+    void goBack();
+    void goOn();
+    void goLast();
+    void showFindBar();
+    void findNext();
+    void findPrevious();
+    void toggleThumbnails();
+
+    PreparedReport *m_report = nullptr;
+    std::unique_ptr<PreparedReport> m_loaded; ///< opened from a file
+    QList<ExportFilter *> m_filters;
+    std::unique_ptr<PdfExport> m_pdf;
+    PreviewButtons m_buttons;
+    QToolBar *m_tools;
+    QToolBar *m_findBar;
+    QLineEdit *m_findText;
+    QLabel *m_findResult;
+    PageView *m_view;
+    QListView *m_thumbnails;
+    ThumbnailModel *m_thumbnailModel;
+    QSpinBox *m_pageBox;
+    QLabel *m_pageCount;
+    QComboBox *m_zoomBox;
+    QLabel *m_status;
+    QProgressBar *m_progress;
+    QPushButton *m_cancel;
+    QTimer m_idle;
+    int m_foundPage = -1;
+    qsizetype m_foundPlace = -1; ///< on that page
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "packet/packet.h"
+#include "server_client/server_connection.h"
+
+#include <mutex>
+
+namespace server_client {
+
+struct SessionOptions {
+    std::vector<ServerAddress> addresses; ///< at least one; the first is asked first
+    std::vector<std::string> authorities {}; ///< PEM
+    bool compressed = false; ///< for slow lines
+    Timeouts timeouts {};
+};
+
+/// A user's session with servers that answer alike: when one is gone the next is asked. Safe to use from several threads at once;
+/// each statement has a connection of its own.
+class ServerSession {
+public:
+    /// Told where statements go from now on, or "" when no server can be reached; on the thread that found out.
+    using Watch = std::function<void(const std::string &address)>;
+
+    /// Throws Error(Certificate).
+    explicit ServerSession(SessionOptions options, Watch watch = {});
+    ServerSession(const ServerSession &) = delete;
+    ~ServerSession();
+
+    /// Throws Error: Login when user or password are wrong, Unreachable when no server answers.
+    void login(const std::string &user, const std::string &password);
+    /// Runs exactly one SELECT. A statement whose connection is lost is sent once more, to the next server that answers; what came
+    /// of it before is forgotten. Throws Error.
+    packet::PacketPtr query(const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress);
+    /// The servers' clock, in seconds since 1970 of their own time zone.
+    std::int64_t serverTime();
+
+private:
+    struct Answer {
+        int status = 0;
+        std::string text {}; ///< of an error, or of a small reply
+    };
+    /// Sends a request to the server at hand, and to the others in turn while they cannot be reached.
+    template <class Ask>
+    auto withServer(const Ask &ask);
+    Answer call(std::size_t server, const Request &request, const std::stop_token &stop, const ServerConnection::Receive &receiveRows);
+    std::string token(std::size_t server, const std::stop_token &stop);
+    template <class Send>
+    Answer authorized(std::size_t server, const std::stop_token &stop, const Send &send);
+    packet::PacketPtr queryAt(
+        std::size_t server, const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress);
+    void tell(const std::string &address);
+
+    const SessionOptions m_options;
+    const Watch m_watch;
+    const std::shared_ptr<const Trust> m_trust;
+    std::mutex m_mutex; ///< for what follows
+    std::string m_user;
+    std::string m_password;
+    std::string m_token;
+    std::size_t m_server = 0;
+    std::optional<std::string> m_told;
+    std::vector<std::vector<std::unique_ptr<ServerConnection>>> m_idle; ///< by server
+};
+
+} // namespace server_client
