@@ -18,23 +18,27 @@ void guarded(Work &&work)
     }
 }
 
+/// Calls a member of `receiver`, or any callable, with the arguments of a signal, or without those that it does not take.
+template <class Receiver, class Handler, class... Arguments>
+void callHandler(Receiver *receiver, const Handler &handler, Arguments &&...arguments)
+{
+    if constexpr (std::is_member_function_pointer_v<Handler>) {
+        if constexpr (std::is_invocable_v<Handler, Receiver *, Arguments...>)
+            std::invoke(handler, receiver, arguments...);
+        else
+            std::invoke(handler, receiver);
+    } else if constexpr (std::is_invocable_v<Handler, Arguments...>) {
+        handler(arguments...);
+    } else {
+        handler();
+    }
+}
+
 /// Connects a signal to a handler (a member of `receiver`, or any callable) in such a way that no exception crosses the
 /// toolkit. Every handler of the platform, the plug-ins and the client is connected through this.
 template <class Sender, class Signal, class Receiver, class Handler>
 QMetaObject::Connection handle(Sender *sender, Signal signal, Receiver *receiver, Handler handler)
 {
-    return QObject::connect(sender, signal, receiver, [receiver, handler](auto &&...arguments) {
-        guarded([&] {
-            if constexpr (std::is_member_function_pointer_v<Handler>) {
-                if constexpr (std::is_invocable_v<Handler, Receiver *, decltype(arguments)...>)
-                    std::invoke(handler, receiver, arguments...);
-                else
-                    std::invoke(handler, receiver);
-            } else if constexpr (std::is_invocable_v<Handler, decltype(arguments)...>) {
-                handler(arguments...);
-            } else {
-                handler();
-            }
-        });
-    });
+    return QObject::connect(sender, signal, receiver,
+        [receiver, handler](auto &&...arguments) { guarded([&] { callHandler(receiver, handler, arguments...); }); });
 }
