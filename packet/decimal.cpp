@@ -89,29 +89,46 @@ std::optional<int> parseExponent(std::string_view text)
     return exponent;
 }
 
-std::string digitsOf(UInt128 units)
+UInt128 sizeOf(Int128 units) { return units < 0 ? -UInt128(units) : UInt128(units); }
+
+char *putDigits(std::uint64_t value, char *out) { return std::to_chars(out, out + 20, value).ptr; }
+
+char *putDigits(UInt128 value, char *out)
 {
-    std::array<char, 40> buffer;
-    auto *begin = buffer.data() + buffer.size();
-    for (; units > UInt128(UINT64_MAX); units /= 10)
-        *--begin = char('0' + int(units % 10));
-    for (auto low = std::uint64_t(units); low != 0 || begin == buffer.data() + buffer.size(); low /= 10)
-        *--begin = char('0' + low % 10);
-    return std::string(begin, buffer.data() + buffer.size());
+    constexpr std::uint64_t half = 10'000'000'000'000'000'000u;
+    if (value <= UINT64_MAX)
+        return putDigits(std::uint64_t(value), out);
+    out = putDigits(std::uint64_t(value / half), out);
+    auto low = std::uint64_t(value % half);
+    for (char *digit = out + 19; digit-- > out; low /= 10)
+        *digit = char('0' + low % 10);
+    return out + 19;
 }
 
 /// The digits with a point before the last `scale` of them.
+char *putPlain(UInt128 units, int scale, char *out)
+{
+    char *end = putDigits(units, out);
+    if (scale == 0)
+        return end;
+    if (const auto missing = scale + 1 - (end - out); missing > 0) {
+        std::copy_backward(out, end, end + missing);
+        std::fill_n(out, missing, '0');
+        end += missing;
+    }
+    std::copy_backward(end - scale, end, end + 1);
+    end[-scale] = '.';
+    return end + 1;
+}
+
+/// The same with its sign.
 std::string plainNotation(Int128 units, int scale)
 {
-    std::string digits = digitsOf(units < 0 ? -UInt128(units) : UInt128(units));
-    if (scale > 0) {
-        if (digits.size() <= std::size_t(scale))
-            digits.insert(0, std::size_t(scale) + 1 - digits.size(), '0');
-        digits.insert(digits.size() - std::size_t(scale), 1, '.');
-    }
+    std::array<char, Decimal::longestText> buffer;
+    char *begin = buffer.data();
     if (units < 0)
-        digits.insert(0, 1, '-');
-    return digits;
+        *begin++ = '-';
+    return std::string(buffer.data(), putPlain(sizeOf(units), scale, begin));
 }
 
 } // namespace
@@ -158,13 +175,25 @@ std::optional<Decimal> Decimal::fromDouble(double value)
 
 std::string Decimal::toString() const
 {
-    std::string text = plainNotation(units, scale);
-    if (scale > 0) {
-        text.resize(text.find_last_not_of('0') + 1);
-        if (text.back() == '.')
-            text.pop_back();
+    std::array<char, longestText> buffer;
+    return std::string(buffer.data(), put(buffer.data()));
+}
+
+char *Decimal::put(char *out) const
+{
+    UInt128 size = sizeOf(units);
+    int digits = scale;
+    for (; digits > 0 && size > UINT64_MAX && size % 10 == 0; --digits)
+        size /= 10;
+    // Most numbers fit the processor's own division.
+    if (auto low = std::uint64_t(size); low == size) {
+        for (; digits > 0 && low % 10 == 0; --digits)
+            low /= 10;
+        size = low;
     }
-    return text;
+    if (units < 0)
+        *out++ = '-';
+    return putPlain(size, digits, out);
 }
 
 std::string Decimal::toFixed(int digits) const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,6 +23,9 @@ struct Decimal {
 
     /// Plain notation without trailing zeros after the point: "12.5", "-0.05", "1200".
     std::string toString() const;
+    /// Writes toString() at `out`, where there is room for `longestText` bytes, and returns its end.
+    char *put(char *out) const;
+    static constexpr std::size_t longestText = 48;
     /// Plain notation with exactly `digits` digits after the point, rounded half away from zero.
     std::string toFixed(int digits) const;
     double toDouble() const;

@@ -32,6 +32,11 @@ std::size_t characterSize(const unsigned char *bytes, std::size_t left)
 
 } // namespace
 
+std::size_t characterSize(std::string_view text)
+{
+    return text.empty() ? 0 : characterSize(reinterpret_cast<const unsigned char *>(text.data()), text.size());
+}
+
 bool isUtf8(std::string_view text)
 {
     const auto *bytes = reinterpret_cast<const unsigned char *>(text.data());

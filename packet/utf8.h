@@ -1,11 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <string_view>
 
 namespace packet {
 
 /// True when all of it is UTF-8: no overlong forms, no surrogates, nothing beyond U+10FFFF, no character cut off.
 bool isUtf8(std::string_view bytes);
+
+/// The bytes of the character that the text begins with; 0 when it begins with none that is valid and whole, or is empty.
+std::size_t characterSize(std::string_view text);
 
 /// True when a character begins with this byte of valid UTF-8.
 constexpr bool beginsCharacter(char byte) { return (byte & 0xC0) != 0x80; }

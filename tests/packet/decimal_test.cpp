@@ -5,10 +5,12 @@
 #include <cmath>
 #include <limits>
 #include <stdexcept>
+#include <tuple>
 
 namespace {
 
 using packet::Decimal;
+using packet::Int128;
 
 std::string parsed(std::string_view text)
 {
@@ -45,6 +47,25 @@ TEST(Decimal, ReadsWhatPeopleAndProgramsWrite)
     };
     for (const auto &[text, expected] : cases)
         EXPECT_EQ(parsed(text), expected) << text;
+}
+
+TEST(Decimal, TheTextHoldsEveryDigitAtEveryWidth)
+{
+    const Int128 nines = Int128(10'000'000'000'000'000'000u) * 10'000'000'000'000'000'000u - 1;
+    const std::tuple<Int128, int, const char *> cases[] = {
+        { INT64_MIN, 0, "-9223372036854775808" },
+        { INT64_MIN, 19, "-0.9223372036854775808" },
+        { Int128(UINT64_MAX) + 1, 0, "18446744073709551616" },
+        { Int128(UINT64_MAX) + 1, 38, "0.00000000000000000018446744073709551616" },
+        { nines, 38, "0.99999999999999999999999999999999999999" },
+        { -nines, 1, "-9999999999999999999999999999999999999.9" },
+        { Int128(10'000'000'000'000'000'000u) * 10, 0, "100000000000000000000" },
+        { Int128(10'000'000'000'000'000'000u) * 10, 20, "1" },
+        { Int128(10'000'000'000'000'000'000u) * 10'000'007, 3, "100000070000000000000000" },
+        { 0, 5, "0" },
+    };
+    for (const auto &[units, scale, expected] : cases)
+        EXPECT_EQ((Decimal { units, scale }.toString()), expected);
 }
 
 TEST(Decimal, ADoubleIsTheShortestNumberThatReadsBackAsIt)
