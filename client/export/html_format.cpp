@@ -1,8 +1,9 @@
 #include "client/export/table_format.h"
 
+#include "platform/files/cell_text.h"
+
 namespace {
 
-// The number formats are what keeps a spreadsheet from reading codes as numbers.
 constexpr std::string_view styles = R"(<style>
 body { font-family: "Noto Sans CJK SC", "Microsoft YaHei", sans-serif; font-size: 10pt }
 table { border-collapse: collapse; margin-bottom: 1em }
@@ -10,10 +11,7 @@ th, td { border: 1px solid #c0c8d0; padding: 2px 6px; white-space: pre-wrap }
 th { background: #eef2f6 }
 tfoot td { font-weight: bold; background: #f6f8fa }
 .notes th { text-align: left }
-.t { mso-number-format: "\@" }
-.d { mso-number-format: "yyyy\-mm\-dd hh\:mm\:ss"; white-space: nowrap }
 .n { text-align: right }
-</style>
 )";
 
 std::string escaped(const QString &text) { return text.toHtmlEscaped().toStdString(); }
@@ -44,7 +42,8 @@ public:
     {
         const std::string title = escaped(table.title);
         out += "<!DOCTYPE html>\n<html lang=\"zh-CN\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title + "</title>\n";
-        (((out += styles) += "</head>\n<body>\n<h1>") += title) += "</h1>\n";
+        out += std::string(styles) + ".t { " + files::textCellStyle + " }\n.d { " + files::timeCellStyle + "; white-space: nowrap }\n";
+        out += "</style>\n</head>\n<body>\n<h1>" + title + "</h1>\n";
         out += notesTable(table.notes) + "<table>\n<thead><tr>";
         for (const ExportColumn &column : table.columns)
             out += "<th>" + escaped(column.title) + "</th>";
@@ -69,21 +68,7 @@ public:
     {
         return std::string(column > 0 ? "</td>" : "").append("<td class=\"").append(classOf(table.columns[column].kind)).append("\">");
     }
-    void appendText(TextBuffer &out, std::string_view text) const override
-    {
-        for (const char letter : text) {
-            if (letter == '<')
-                out += "&lt;";
-            else if (letter == '>')
-                out += "&gt;";
-            else if (letter == '&')
-                out += "&amp;";
-            else if (letter == '"')
-                out += "&quot;";
-            else
-                out += letter;
-        }
-    }
+    void appendText(TextBuffer &out, std::string_view text) const override { files::appendHtmlText(out, text); }
 };
 
 } // namespace

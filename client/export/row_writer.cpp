@@ -1,8 +1,6 @@
 #include "client/export/row_writer.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstring>
 
 using packet::Chunk;
 
@@ -118,31 +116,8 @@ public:
         if (null)
             out += m_format.noNumber();
         else
-            appendUnits(out, numbers.values.as<std::int64_t>()[line], numbers.scale);
-    }
-
-private:
-    static void appendUnits(TextBuffer &out, std::int64_t units, int scale)
-    {
-        for (; scale > 0 && units % 10 == 0; --scale)
-            units /= 10;
-        char *digits = out.room(64);
-        if (units < 0)
-            *digits++ = '-';
-        char *end = std::to_chars(digits, digits + 24, units < 0 ? 0 - std::uint64_t(units) : std::uint64_t(units)).ptr;
-        out.advance(scale > 0 ? insertPoint(digits, end, scale) : end);
-    }
-    static char *insertPoint(char *digits, char *end, int scale)
-    {
-        const int missing = scale + 1 - int(end - digits);
-        if (missing > 0) {
-            std::memmove(digits + missing, digits, std::size_t(end - digits));
-            std::memset(digits, '0', std::size_t(missing));
-            end += missing;
-        }
-        std::memmove(end - scale + 1, end - scale, std::size_t(scale));
-        end[-scale] = '.';
-        return end + 1;
+            out.advance(
+                packet::Decimal { numbers.values.as<std::int64_t>()[line], numbers.scale }.put(out.room(packet::Decimal::longestText)));
     }
 };
 

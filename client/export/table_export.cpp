@@ -1,8 +1,8 @@
 #include "client/export/table_export.h"
 
-#include "client/export/export_file.h"
 #include "client/export/row_writer.h"
-#include "client/export/workbook.h"
+#include "client/export/table_workbook.h"
+#include "platform/files/safe_file.h"
 #include "platform/toolkit/long_work.h"
 
 #include <QFileInfo>
@@ -52,7 +52,7 @@ public:
             throw Exception(QStringLiteral("这台电脑的系统组件不支持 GB18030 编码，请导出为 UTF-8 的 .csv，或导出为 .xlsx。"));
     }
 
-    void write(const ExportTable &table, ExportFile &file, const Progress &progress)
+    void write(const ExportTable &table, files::SafeFile &file, const Progress &progress)
     {
         if (table.columns.empty())
             throw Exception(QStringLiteral("表格没有可以导出的列。"));
@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    void writeText(const ExportTable &table, ExportFile &file, const Progress &progress)
+    void writeText(const ExportTable &table, files::SafeFile &file, const Progress &progress)
     {
         TextBuffer out;
         m_format->appendHead(out, table);
@@ -78,12 +78,12 @@ private:
         m_format->appendTail(out, table);
         flush(out, file);
     }
-    void flush(TextBuffer &out, ExportFile &file)
+    void flush(TextBuffer &out, files::SafeFile &file)
     {
         if (m_encoder) {
             const QString text = QString::fromUtf8(out.view().data(), qsizetype(out.size())); // drops the byte-order mark
             const QByteArray encoded = m_encoder->encode(text);
-            file.write({ encoded.constData(), std::size_t(encoded.size()) });
+            file.write(encoded);
         } else {
             file.write(out.view());
         }
@@ -100,7 +100,7 @@ private:
 void writeTable(const ExportTable &table, const ExportTarget &target, const Progress &progress)
 {
     Writer writer(target);
-    ExportFile file(target.fileName);
+    files::SafeFile file(target.fileName);
     writer.write(table, file, progress);
     file.commit();
 }
@@ -109,10 +109,10 @@ int exportGrid(const TDBGridEh &grid, const ExportTarget &target, const QString 
 {
     struct Export {
         Writer writer;
-        ExportFile file;
+        files::SafeFile file;
         ExportTable table;
     };
-    const std::shared_ptr<Export> work(new Export { Writer(target), ExportFile(target.fileName), exportTable(grid, title, notes) });
+    const std::shared_ptr<Export> work(new Export { Writer(target), files::SafeFile(target.fileName), exportTable(grid, title, notes) });
     runLongWork(QStringLiteral("正在导出…"), QStringLiteral("导出已取消"), [work](WorkProgress &progress) {
         progress.total = std::int64_t(work->table.rows.rowCount());
         work->writer.write(work->table, work->file, [&progress](std::int64_t rows) {
@@ -120,6 +120,7 @@ int exportGrid(const TDBGridEh &grid, const ExportTarget &target, const QString 
             if (progress.stop.stop_requested())
                 throw Abort(QStringLiteral("导出已取消"));
         });
+        work->file.close();
     });
     // Here, so that a cancelled export never takes its place.
     work->file.commit();

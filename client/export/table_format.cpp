@@ -1,35 +1,18 @@
 #include "client/export/table_format.h"
 
+#include "packet/text.h"
+#include "platform/files/cell_text.h"
+
 #include <QFileInfo>
 
-#include <algorithm>
-#include <array>
-
 namespace {
-
-bool isDigit(char letter) { return letter >= '0' && letter <= '9'; }
-
-/// Sign, digits, at most one point: what a spreadsheet reads as a number however it begins.
-bool isPlainNumber(std::string_view text)
-{
-    if (text.starts_with('-') || text.starts_with('+'))
-        text.remove_prefix(1);
-    return std::ranges::any_of(text, isDigit) && std::ranges::count(text, '.') <= 1
-        && std::ranges::all_of(text, [](char letter) { return isDigit(letter) || letter == '.'; });
-}
-
-bool runsAsFormula(std::string_view text)
-{
-    return !text.empty() && std::string_view("=+-@\t\r\n").find(text.front()) != std::string_view::npos && !isPlainNumber(text);
-}
 
 class SeparatedFormat : public TableFormat {
 public:
     explicit SeparatedFormat(char separator)
         : m_separator(separator)
+        , m_cells(separator)
     {
-        for (const char letter : { '"', '\n', '\r', separator })
-            m_special[static_cast<unsigned char>(letter)] = true;
     }
 
     void appendHead(TextBuffer &out, const ExportTable &table) const override
@@ -42,25 +25,11 @@ public:
     std::string_view beforeRow(bool) const override { return {}; }
     std::string_view afterRow() const override { return "\r\n"; }
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return std::string(column > 0 ? 1 : 0, m_separator); }
-    void appendText(TextBuffer &out, std::string_view text) const override
-    {
-        const bool guarded = runsAsFormula(text);
-        if (!guarded && std::ranges::none_of(text, [this](char letter) { return m_special[static_cast<unsigned char>(letter)]; })) {
-            out += text;
-            return;
-        }
-        out += guarded ? "\"\t" : "\"";
-        for (const char letter : text) {
-            if (letter == '"')
-                out += '"';
-            out += letter;
-        }
-        out += '"';
-    }
+    void appendText(TextBuffer &out, std::string_view text) const override { m_cells.append(out, text); }
 
 private:
     char m_separator;
-    std::array<bool, 256> m_special {}; ///< letters for which a cell is quoted
+    files::SeparatedCells m_cells;
 };
 
 class JsonFormat : public TableFormat {
@@ -80,21 +49,7 @@ public:
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return column > 0 ? "," : ""; }
     std::string_view quote() const override { return "\""; }
     std::string_view noNumber() const override { return "null"; }
-    void appendText(TextBuffer &out, std::string_view text) const override
-    {
-        static constexpr char digits[] = "0123456789abcdef";
-        out += '"';
-        for (const char letter : text) {
-            const auto code = static_cast<unsigned char>(letter);
-            if (letter == '"' || letter == '\\')
-                (out += '\\') += letter;
-            else if (code < ' ')
-                ((out += "\\u00") += digits[code >> 4]) += digits[code & 15];
-            else
-                out += letter;
-        }
-        out += '"';
-    }
+    void appendText(TextBuffer &out, std::string_view text) const override { packet::appendJsonText(text, out); }
 };
 
 } // namespace

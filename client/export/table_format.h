@@ -1,9 +1,11 @@
 #pragma once
 
 #include "client/export/export_table.h"
-#include "client/export/text_buffer.h"
+#include "platform/files/text_buffer.h"
 
 #include <memory>
+
+using files::TextBuffer;
 
 /// A text form of a table, in UTF-8: a head, rows of cells, and a tail.
 class TableFormat {

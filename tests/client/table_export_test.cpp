@@ -74,7 +74,7 @@ TEST_F(TableExport, HtmlHoldsNotesTitlesRowsAndFooters)
     const QString page
         = QString::fromUtf8(written(QStringLiteral("a.html"), {}, { { QStringLiteral("扫描网点"), QStringLiteral("<北京>") } }));
     EXPECT_TRUE(page.startsWith(u"<!DOCTYPE html>") && page.endsWith(u"</html>\n"));
-    for (const char16_t *part : { u"<meta charset=\"utf-8\">", u".t { mso-number-format: \"\\@\" }", u"<h1>月发件清单</h1>",
+    for (const char16_t *part : { u"<meta charset=\"utf-8\">", u".t { mso-number-format:\"\\@\" }", u"<h1>月发件清单</h1>",
              u"<tr><th>扫描网点</th><td class=\"t\">&lt;北京&gt;</td></tr>", u"<tr><th>行数</th><td class=\"t\">4</td></tr>",
              u"<thead><tr><th>序号</th><th>发件 运单编号</th>", u"<tbody>\n<tr><td class=\"t\">1</td><td class=\"t\">012345678901</td>",
              u"<td class=\"d\">2026-02-28 23:59:59</td><td class=\"n\">12</td><td class=\"n\">1234.5</td>",

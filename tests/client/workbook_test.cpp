@@ -1,6 +1,6 @@
-#include "client/export/workbook.h"
+#include "client/export/table_workbook.h"
 
-#include "client/export/export_file.h"
+#include "platform/files/safe_file.h"
 #include "tests/client/export_fixture.h"
 
 #include <QProcess>
@@ -222,7 +222,7 @@ TEST_F(WorkbookTest, TheSecondSheetTellsTheConditions)
 TEST_F(WorkbookTest, AFullSheetIsFollowedByAnother)
 {
     const ExportTable table = exportTable(m_grid, QStringLiteral("明细"), {});
-    ExportFile file(path(QStringLiteral("a.xlsx")));
+    files::SafeFile file(path(QStringLiteral("a.xlsx")));
     writeWorkbook(
         table, file, [](std::int64_t) {}, 3);
     file.commit();

@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+namespace files {
+
 /// Bytes that grow at their end and are emptied now and then; short pieces are taken without a call.
 class TextBuffer {
 public:
@@ -48,3 +50,5 @@ private:
     std::vector<char> m_bytes;
     std::size_t m_size = 0;
 };
+
+} // namespace files
