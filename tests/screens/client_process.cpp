@@ -11,7 +11,11 @@ namespace {
 
 constexpr int patience = 60'000; // milliseconds; only a hanging client takes as long
 
-QString program(const char *name) { return QStringLiteral(KELVARA_BIN "/") + QString::fromLatin1(name); }
+/// The programs of this build, or of the one that the environment names.
+QString program(const char *name)
+{
+    return qEnvironmentVariable("KELVARA_BIN", QStringLiteral(KELVARA_BIN)) + u'/' + QString::fromLatin1(name);
+}
 
 } // namespace
 
