@@ -1,6 +1,7 @@
 #include "platform/dataset/client_data_set.h"
 
 #include "platform/dataset/cell_matcher.h"
+#include "platform/dataset/column_sum.h"
 #include "platform/dataset/data_set_provider.h"
 #include "platform/dataset/filter_expression.h"
 #include "platform/dataset/row_order.h"
@@ -9,7 +10,6 @@
 #include "platform/toolkit/component.h"
 
 #include <algorithm>
-#include <array>
 #include <numeric>
 
 using packet::ColumnType;
@@ -32,44 +32,6 @@ FieldType fieldType(ColumnType type)
     }
     return FieldType::Text;
 }
-
-/// Adds numbers that lie in 64 bits at various scales without aligning each of them.
-class SumByScale {
-public:
-    void add(const packet::Chunk &chunk, std::size_t row)
-    {
-        if (chunk.isNull(row))
-            return;
-        if (chunk.width == sizeof(qint64))
-            m_units[std::size_t(chunk.scale)] += chunk.values.as<qint64>()[row];
-        else
-            m_wide = m_wide + packet::Decimal { chunk.units(row), chunk.scale };
-    }
-    void addBlock(const packet::Chunk &chunk, std::size_t rows)
-    {
-        const auto *values = chunk.values.as<qint64>();
-        const auto *validity = chunk.validity.as<quint8>();
-        packet::Int128 units = 0;
-        for (std::size_t row = 0; row < rows; ++row) {
-            if (chunk.width != sizeof(qint64))
-                add(chunk, row);
-            else
-                units += validity ? values[row] * (validity[row >> 3] >> (row & 7) & 1) : values[row];
-        }
-        m_units[std::size_t(chunk.scale)] += units;
-    }
-    packet::Decimal total() const
-    {
-        packet::Decimal total = m_wide;
-        for (int scale = 0; scale < int(m_units.size()); ++scale)
-            total = total + packet::Decimal { m_units[std::size_t(scale)], scale };
-        return total;
-    }
-
-private:
-    std::array<packet::Int128, 39> m_units {};
-    packet::Decimal m_wide;
-};
 
 packet::PacketPtr withoutRows(const packet::Packet &packet)
 {
@@ -115,17 +77,17 @@ void TCustomClientDataSet::emptyDataSet()
 {
     requireActive();
     m_overlay = std::make_unique<RowOverlay>(withoutRows(m_overlay->packet()));
-    m_filterExpression = compiled(m_filter, m_filtered);
+    m_filterExpression = m_filtered ? compiled(m_filter) : nullptr;
     rebuildRows();
     setState(DataSetState::Browse);
-    setRecord(-1, true);
+    setRecord(-1, Announce::Rows);
 }
 
 void TCustomClientDataSet::load(packet::PacketPtr packet)
 {
     m_overlay = std::make_unique<RowOverlay>(std::move(packet));
     try {
-        m_filterExpression = compiled(m_filter, m_filtered);
+        m_filterExpression = m_filtered ? compiled(m_filter) : nullptr;
     } catch (...) {
         m_overlay.reset();
         throw;
@@ -231,28 +193,9 @@ packet::Decimal TCustomClientDataSet::sum(int field) const
         return {};
     const auto column = std::size_t(field);
     const ColumnType type = m_overlay->packet().schema()[column].type;
-    if (m_overlay->isPlain() && (type == ColumnType::Int64 || type == ColumnType::Decimal))
-        return sumOfPacket(column);
-    packet::Decimal total;
-    for (int row = 0; row < recordCount(); ++row) {
-        if (const auto value = number(field, row))
-            total = total + *value;
-    }
-    return total;
-}
-
-packet::Decimal TCustomClientDataSet::sumOfPacket(std::size_t column) const
-{
-    const packet::Packet &packet = m_overlay->packet();
-    SumByScale sum;
-    if (m_allRows) {
-        for (const packet::Block &block : packet.blocks())
-            sum.addBlock(block.columns[column], block.rows);
-    } else {
-        for (const quint32 row : m_rows)
-            sum.add(packet.chunk(column, row), row % packet::Packet::blockRows);
-    }
-    return sum.total();
+    if (!m_overlay->isPlain() || (type != ColumnType::Int64 && type != ColumnType::Decimal))
+        return TDataSet::sum(field);
+    return m_allRows ? sumOfColumn(m_overlay->packet(), column) : sumOfColumn(m_overlay->packet(), column, m_rows);
 }
 
 bool TCustomClientDataSet::locate(const QString &fields, const QStringList &values, LocateOption option)
@@ -305,7 +248,7 @@ void TCustomClientDataSet::append()
     if (!m_allRows)
         m_rows.push_back(m_overlay->rowCount() - 1);
     setState(DataSetState::Insert);
-    setRecord(recordCount() - 1, true);
+    setRecord(recordCount() - 1, Announce::Rows);
 }
 
 void TCustomClientDataSet::setCell(int field, const QString &text)
@@ -332,7 +275,7 @@ void TCustomClientDataSet::doPost()
     setState(DataSetState::Browse);
     if (!mayMove)
         return announceRow(row);
-    setRecord(row >= 0 ? row : recordIndex(), true);
+    setRecord(row >= 0 ? row : recordIndex(), Announce::Rows);
 }
 
 void TCustomClientDataSet::cancel()
@@ -346,7 +289,7 @@ void TCustomClientDataSet::cancel()
     setState(DataSetState::Browse);
     if (!appended)
         return announceRow(recordIndex());
-    setRecord(m_rowBeforeAppend, true);
+    setRecord(m_rowBeforeAppend, Announce::Rows);
 }
 
 void TCustomClientDataSet::deleteRow()
@@ -363,7 +306,7 @@ void TCustomClientDataSet::deleteRow()
         rebuildRows();
     else
         m_rows.erase(m_rows.begin() + row);
-    setRecord(row, true);
+    setRecord(row, Announce::Rows);
 }
 
 int TCustomClientDataSet::changeCount() const { return m_overlay ? m_overlay->changeCount() : 0; }
@@ -375,16 +318,16 @@ void TCustomClientDataSet::mergeChangeLog()
     m_overlay->mergeChangeLog();
 }
 
-std::unique_ptr<FilterExpression> TCustomClientDataSet::compiled(const QString &filter, bool filtered) const
+std::unique_ptr<FilterExpression> TCustomClientDataSet::compiled(const QString &filter) const
 {
-    if (!m_overlay || !filtered || filter.trimmed().isEmpty())
+    if (!m_overlay || filter.trimmed().isEmpty())
         return {};
     return std::make_unique<FilterExpression>(filter, m_overlay->packet());
 }
 
 void TCustomClientDataSet::setFilter(const QString &filter)
 {
-    auto expression = compiled(filter, m_filtered);
+    auto expression = m_filtered ? compiled(filter) : nullptr;
     postPending();
     m_filter = filter;
     if (!m_filtered)
@@ -395,7 +338,7 @@ void TCustomClientDataSet::setFilter(const QString &filter)
 
 void TCustomClientDataSet::setFiltered(bool filtered)
 {
-    auto expression = compiled(m_filter, filtered);
+    auto expression = filtered ? compiled(m_filter) : nullptr;
     Application->record(QStringLiteral("filter"),
         { { QStringLiteral("dataset"), objectName() }, { QStringLiteral("text"), m_filter }, { QStringLiteral("on"), filtered } });
     if (filtered == m_filtered)
@@ -481,7 +424,7 @@ void TCustomClientDataSet::showAgain()
     const auto current = bookmark();
     rebuildRows();
     const int row = current ? shownRow(*current) : -1;
-    setRecord(std::max(row, 0), true);
+    setRecord(std::max(row, 0), Announce::Rows);
 }
 
 void TClientDataSetEx::setRemoteServer(TCustomRemoteServer *server) { m_remoteServer = server; }

@@ -55,12 +55,11 @@ public:
     QString text(int field, int row) const override;
     std::optional<packet::Decimal> number(int field, int row) const override;
     RowTest textTest(int field, const TextPattern &pattern) const override;
-    /// The exact sum of a field over the shown rows; nulls and texts that are no numbers are skipped.
-    packet::Decimal sum(int field) const;
+    packet::Decimal sum(int field) const override;
 
     /// Makes the first shown row current whose fields (names joined with ";") equal `values`; false when there is none.
     /// "" equals null. An edit under way is posted first.
-    bool locate(const QString &fields, const QStringList &values, LocateOption option = LocateOption::Exact);
+    [[nodiscard]] bool locate(const QString &fields, const QStringList &values, LocateOption option = LocateOption::Exact);
 
     /// Without rows, edit() appends one. While an edit is under way it goes on.
     void edit();
@@ -97,10 +96,9 @@ private:
     int shownRow(quint32 source) const; ///< -1 when it is not shown
     void requireWritable() const;
     std::vector<OrderKey> orderKeys() const;
-    std::unique_ptr<FilterExpression> compiled(const QString &filter, bool filtered) const;
+    std::unique_ptr<FilterExpression> compiled(const QString &filter) const; ///< null while closed and for a blank filter
     void rebuildRows();
     void showAgain();
-    packet::Decimal sumOfPacket(std::size_t column) const;
 
     std::unique_ptr<RowOverlay> m_overlay; ///< the packet and its edits; null while closed
     std::unique_ptr<FilterExpression> m_filterExpression; ///< null while nothing is filtered

@@ -40,8 +40,7 @@ void TDataSet::setActive(bool active)
     m_fieldsByName.clear();
     doClose();
     setState(DataSetState::Inactive);
-    place(-1, true, true, true);
-    Q_EMIT afterClose();
+    makeCurrent(-1, { .bof = true, .eof = true }, Announce::Rows);
 }
 
 void TDataSet::finishOpen()
@@ -50,7 +49,7 @@ void TDataSet::finishOpen()
     for (const auto &field : m_fields)
         m_fieldsByName.emplace(field->fieldName().toUpper(), field.get());
     setState(DataSetState::Browse);
-    place(isEmpty() ? -1 : 0, true, isEmpty(), true);
+    makeCurrent(isEmpty() ? -1 : 0, { .bof = true, .eof = isEmpty() }, Announce::Rows);
     Q_EMIT afterOpen();
 }
 
@@ -66,13 +65,13 @@ TField *TDataSet::fieldByName(QStringView name) const
 void TDataSet::first()
 {
     postPending();
-    place(isEmpty() ? -1 : 0, true, isEmpty());
+    makeCurrent(isEmpty() ? -1 : 0, { .bof = true, .eof = isEmpty() });
 }
 
 void TDataSet::last()
 {
     postPending();
-    place(recordCount() - 1, isEmpty(), true);
+    makeCurrent(recordCount() - 1, { .bof = isEmpty(), .eof = true });
 }
 
 int TDataSet::moveBy(int rows)
@@ -84,7 +83,7 @@ int TDataSet::moveBy(int rows)
     const qint64 wanted = qint64(m_recordIndex) + rows;
     const int target = int(std::clamp<qint64>(wanted, 0, count - 1));
     const int moved = target - m_recordIndex;
-    place(target, wanted < 0, wanted >= count);
+    makeCurrent(target, { .bof = wanted < 0, .eof = wanted >= count });
     return moved;
 }
 
@@ -94,23 +93,30 @@ void TDataSet::moveTo(int row)
     setRecord(row);
 }
 
-void TDataSet::setRecord(int row, bool rowsToo)
+void TDataSet::setRecord(int row, Announce announce)
 {
     const int count = recordCount();
-    place(std::clamp(row, std::min(0, count - 1), count - 1), count == 0, count == 0, rowsToo);
+    makeCurrent(std::clamp(row, std::min(0, count - 1), count - 1), { .bof = count == 0, .eof = count == 0 }, announce);
 }
 
-void TDataSet::place(int row, bool bof, bool eof, bool rowsToo)
+void TDataSet::makeCurrent(int row, Ends ends, Announce announce)
 {
-    m_bof = bof;
-    m_eof = eof;
+    m_ends = ends;
     const bool moved = std::exchange(m_recordIndex, row) != row;
-    if (rowsToo)
+    if (announce == Announce::Rows)
         announceRows();
     if (moved && controlsDisabled())
         m_heldMove = true;
     else if (moved)
         Q_EMIT recordMoved(m_recordIndex);
+}
+
+packet::Decimal TDataSet::sum(int field) const
+{
+    packet::Decimal total;
+    for (int row = 0; row < recordCount(); ++row)
+        total = total + number(field, row).value_or(packet::Decimal {});
+    return total;
 }
 
 TDataSet::RowTest TDataSet::textTest(int field, const TextPattern &pattern) const

@@ -75,8 +75,8 @@ public:
     virtual int recordCount() const = 0; ///< shown rows
     bool isEmpty() const { return recordCount() == 0; }
     int recordIndex() const { return m_recordIndex; } ///< the current row, -1 without rows
-    bool bof() const { return m_bof; }
-    bool eof() const { return m_eof; }
+    bool bof() const { return m_ends.bof; }
+    bool eof() const { return m_ends.eof; }
     void first();
     void last();
     void next() { moveBy(1); }
@@ -95,6 +95,8 @@ public:
     virtual QString text(int field, int row) const = 0;
     /// The cell as a number; nothing for null and for text that is no number.
     virtual std::optional<packet::Decimal> number(int field, int row) const = 0;
+    /// The exact sum of a field over the shown rows; nulls and texts that are no numbers are skipped. Reads every row.
+    virtual packet::Decimal sum(int field) const;
     /// Tells of shown rows whether the text of a field fits; good until the rows change.
     using RowTest = std::function<bool(int row)>;
     virtual RowTest textTest(int field, const TextPattern &pattern) const;
@@ -107,7 +109,6 @@ public:
 
 Q_SIGNALS:
     void afterOpen();
-    void afterClose();
     void stateChanged();
     void rowsChanged(); ///< opened, closed, sorted, filtered, rows added or removed
     void rowEdited(int row); ///< values of one row changed
@@ -126,20 +127,24 @@ protected:
     void setState(DataSetState state);
     void announceRows();
     void announceRow(int row);
-    /// Makes a row current, or the nearest one there is; with `rowsToo` after announcing that the rows have changed.
-    void setRecord(int row, bool rowsToo = false);
+    enum class Announce { Move, Rows }; ///< Rows: that the rows have changed, before the move
+    /// Makes a row current, or the nearest one there is.
+    void setRecord(int row, Announce announce = Announce::Move);
 
     std::vector<std::unique_ptr<TField>> m_fields;
 
 private:
     friend class TField;
-    void place(int row, bool bof, bool eof, bool rowsToo = false);
+    struct Ends {
+        bool bof;
+        bool eof;
+    };
+    void makeCurrent(int row, Ends ends, Announce announce = Announce::Move);
 
     QHash<QString, TField *> m_fieldsByName; ///< by name in upper case
     DataSetState m_state = DataSetState::Inactive;
     int m_recordIndex = -1;
-    bool m_bof = true;
-    bool m_eof = true;
+    Ends m_ends { .bof = true, .eof = true };
     int m_disabled = 0;
     bool m_heldRows = false;
     bool m_heldMove = false;

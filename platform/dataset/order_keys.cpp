@@ -27,27 +27,27 @@ void sortWords(std::vector<std::uint64_t> &words, int low, int high)
 
 } // namespace
 
-/// Each place rides with as many bits of its key as one word holds.
-Places OrderKeys::sortedPlaces() const
+/// Each row number rides with as many bits of its key as one word holds.
+Permutation OrderKeys::sortPermutation() const
 {
-    Places places(values.size());
-    std::iota(places.begin(), places.end(), 0U);
+    Permutation permutation(values.size());
+    std::iota(permutation.begin(), permutation.end(), 0U);
     if (std::ranges::is_sorted(values))
-        return places;
-    const int placeBits = std::bit_width(places.size());
-    const int room = 64 - placeBits;
-    std::vector<std::uint64_t> words(places.size());
+        return permutation;
+    const int rowBits = std::bit_width(permutation.size());
+    const int room = 64 - rowBits;
+    std::vector<std::uint64_t> words(permutation.size());
     for (int shift = 0; shift < bits; shift += room) {
         for (std::size_t at = 0; at < words.size(); ++at)
-            words[at] = values[places[at]] >> shift << placeBits | places[at];
-        sortWords(words, placeBits, placeBits + std::min(room, bits - shift));
+            words[at] = values[permutation[at]] >> shift << rowBits | permutation[at];
+        sortWords(words, rowBits, rowBits + std::min(room, bits - shift));
         for (std::size_t at = 0; at < words.size(); ++at)
-            places[at] = std::uint32_t(words[at] & ((std::uint64_t(1) << placeBits) - 1));
+            permutation[at] = std::uint32_t(words[at] & ((std::uint64_t(1) << rowBits) - 1));
     }
-    return places;
+    return permutation;
 }
 
-void OrderKeys::squeeze()
+void OrderKeys::dropCommonBits()
 {
     std::uint64_t differing = 0;
     for (const std::uint64_t value : values)
@@ -58,11 +58,11 @@ void OrderKeys::squeeze()
         std::uint64_t mask;
     };
     std::vector<Run> runs; ///< what a run of differing bits loses below it, and where it lies then
-    for (int bit = 0, place = 0; bit < 64;) {
+    for (int bit = 0, target = 0; bit < 64;) {
         const int length = std::countr_one(differing >> bit);
         if (length > 0)
-            runs.push_back({ bit - place, (length == 64 ? ~std::uint64_t(0) : (std::uint64_t(1) << length) - 1) << place });
-        place += length;
+            runs.push_back({ bit - target, (length == 64 ? ~std::uint64_t(0) : (std::uint64_t(1) << length) - 1) << target });
+        target += length;
         bit += std::max(length, 1);
     }
     for (std::uint64_t &value : values) {
@@ -93,15 +93,15 @@ void OrderKeys::reverse()
         value ^= mask;
 }
 
-/// Dense ranks, which need no more bits than the number of keys, take the place of the keys.
+/// Replaces the keys by dense ranks, which need no more bits than the number of keys.
 void OrderKeys::useRanks()
 {
-    const Places places = sortedPlaces();
-    std::vector<std::uint64_t> ranks(places.size());
+    const Permutation permutation = sortPermutation();
+    std::vector<std::uint64_t> ranks(permutation.size());
     std::uint64_t rank = 0;
-    for (std::size_t at = 0; at < places.size(); ++at) {
-        rank += at > 0 && values[places[at]] != values[places[at - 1]];
-        ranks[places[at]] = rank;
+    for (std::size_t at = 0; at < permutation.size(); ++at) {
+        rank += at > 0 && values[permutation[at]] != values[permutation[at - 1]];
+        ranks[permutation[at]] = rank;
     }
     *this = { std::move(ranks), int(std::bit_width(rank)) };
 }

@@ -12,7 +12,7 @@ using packet::ColumnType;
 
 namespace {
 
-std::vector<std::string_view> textsOf(const RowOverlay &rows, std::size_t column, const Places &order)
+std::vector<std::string_view> textsOf(const RowOverlay &rows, std::size_t column, const std::vector<std::uint32_t> &order)
 {
     std::vector<std::string_view> texts;
     texts.reserve(order.size());
@@ -47,7 +47,7 @@ std::optional<std::int64_t> unitsAt(packet::Decimal number, int scale)
 /// Makes keys that order like the values of rows in one column, 0 for null.
 class ColumnKeys {
 public:
-    ColumnKeys(const RowOverlay &rows, std::size_t column, const Places &order)
+    ColumnKeys(const RowOverlay &rows, std::size_t column, const std::vector<std::uint32_t> &order)
         : m_rows(rows)
         , m_column(column)
         , m_order(order)
@@ -139,41 +139,42 @@ private:
         std::vector<packet::Decimal> numbers(m_order.size());
         for (std::size_t at = 0; at < numbers.size(); ++at)
             numbers[at] = m_rows.decimal(m_column, m_order[at]);
-        Places places(numbers.size());
-        std::iota(places.begin(), places.end(), 0U);
-        std::ranges::stable_sort(places, {}, [&](std::uint32_t place) { return numbers[place]; });
+        Permutation permutation(numbers.size());
+        std::iota(permutation.begin(), permutation.end(), 0U);
+        std::ranges::stable_sort(permutation, {}, [&](std::uint32_t at) { return numbers[at]; });
         std::uint64_t rank = 1;
-        for (std::size_t at = 0; at < places.size(); ++at) {
-            rank += at > 0 && numbers[places[at]] != numbers[places[at - 1]];
-            m_keys.values[places[at]] = m_rows.isNull(m_column, m_order[places[at]]) ? 0 : rank;
+        for (std::size_t at = 0; at < permutation.size(); ++at) {
+            rank += at > 0 && numbers[permutation[at]] != numbers[permutation[at - 1]];
+            m_keys.values[permutation[at]] = m_rows.isNull(m_column, m_order[permutation[at]]) ? 0 : rank;
         }
     }
 
     const RowOverlay &m_rows;
     std::size_t m_column;
-    const Places &m_order;
+    const std::vector<std::uint32_t> &m_order;
     OrderKeys m_keys;
 };
 
 /// The order of rows by the plain texts of one column, without ranks in between.
-Places placesByText(const RowOverlay &rows, const OrderKey &key, const Places &order)
+Permutation permutationByText(const RowOverlay &rows, const OrderKey &key, const std::vector<std::uint32_t> &order)
 {
     const auto texts = textsOf(rows, key.column, order);
     TextOrder sorted(texts);
     if (!key.descending)
-        return std::move(sorted.places);
-    Places descending;
+        return std::move(sorted.permutation);
+    Permutation descending;
     descending.reserve(order.size());
     for (std::size_t end = order.size(), begin = end; end > 0; end = begin) {
         do
             --begin;
         while (begin > 0 && !sorted.isNew[begin]);
-        descending.insert(descending.end(), sorted.places.begin() + std::ptrdiff_t(begin), sorted.places.begin() + std::ptrdiff_t(end));
+        descending.insert(
+            descending.end(), sorted.permutation.begin() + std::ptrdiff_t(begin), sorted.permutation.begin() + std::ptrdiff_t(end));
     }
     return descending;
 }
 
-Places placesByKeys(const RowOverlay &rows, std::span<const OrderKey> keys, const Places &order)
+Permutation permutationByKeys(const RowOverlay &rows, std::span<const OrderKey> keys, const std::vector<std::uint32_t> &order)
 {
     OrderKeys combined { std::vector<std::uint64_t>(order.size()), 0 };
     for (const OrderKey &key : keys) {
@@ -185,7 +186,7 @@ Places placesByKeys(const RowOverlay &rows, std::span<const OrderKey> keys, cons
         else
             combined.refine(std::move(next));
     }
-    return combined.sortedPlaces();
+    return combined.sortPermutation();
 }
 
 } // namespace
@@ -193,11 +194,11 @@ Places placesByKeys(const RowOverlay &rows, std::span<const OrderKey> keys, cons
 std::vector<std::uint32_t> rankTexts(std::span<const std::string_view> texts)
 {
     const TextOrder order(texts);
-    Places ranks(texts.size());
+    std::vector<std::uint32_t> ranks(texts.size());
     std::uint32_t rank = 0;
     for (std::size_t at = 0; at < ranks.size(); ++at) {
         rank += at > 0 && order.isNew[at];
-        ranks[order.places[at]] = rank;
+        ranks[order.permutation[at]] = rank;
     }
     return ranks;
 }
@@ -208,8 +209,8 @@ void orderRows(const RowOverlay &rows, std::span<const OrderKey> keys, std::vect
         return;
     const packet::Field &first = rows.packet().schema()[keys.front().column];
     const bool byText = keys.size() == 1 && first.type == ColumnType::Text && !(first.dictionary && rows.isPlain());
-    Places places = byText ? placesByText(rows, keys.front(), order) : placesByKeys(rows, keys, order);
-    for (std::uint32_t &place : places)
-        place = order[place];
-    order = std::move(places);
+    Permutation permutation = byText ? permutationByText(rows, keys.front(), order) : permutationByKeys(rows, keys, order);
+    for (std::uint32_t &row : permutation)
+        row = order[row];
+    order = std::move(permutation);
 }

@@ -9,7 +9,7 @@ struct OrderKey {
     bool descending = false;
 };
 
-/// The place of each text among the distinct ones in reading order, from 0; equal texts share theirs. This function alone
+/// The rank of each text among the distinct ones in reading order, from 0; equal texts share theirs. This function alone
 /// decides how texts are ordered.
 std::vector<std::uint32_t> rankTexts(std::span<const std::string_view> texts);
 

@@ -59,9 +59,9 @@ private:
 /// Orders texts by their bytes.
 class TextSorter {
 public:
-    TextSorter(std::span<const std::string_view> texts, Places &places, std::vector<std::uint8_t> &isNew)
+    TextSorter(std::span<const std::string_view> texts, Permutation &permutation, std::vector<std::uint8_t> &isNew)
         : m_texts(texts)
-        , m_places(places)
+        , m_permutation(permutation)
         , m_isNew(isNew)
     {
     }
@@ -75,7 +75,7 @@ public:
         OrderKeys keys { std::vector<std::uint64_t>(end - begin) };
         for (std::size_t at = begin; at < end; ++at)
             keys.values[at - begin] = prefixKey(text(at), skip);
-        keys.squeeze();
+        keys.dropCommonBits();
         const std::vector<std::uint64_t> sorted = moveInOrder(begin, keys);
         for (std::size_t start = begin, next = begin; start < end; start = next) {
             for (next = start + 1; next < end && sorted[next - begin] == sorted[start - begin]; ++next)
@@ -87,7 +87,7 @@ public:
     }
 
 private:
-    std::string_view text(std::size_t at) const { return m_texts[m_places[at]]; }
+    std::string_view text(std::size_t at) const { return m_texts[m_permutation[at]]; }
 
     std::size_t commonPrefix(std::size_t begin, std::size_t end) const
     {
@@ -120,7 +120,7 @@ private:
 
     void sortFew(std::size_t begin, std::size_t end)
     {
-        const auto run = std::ranges::subrange(m_places.begin() + std::ptrdiff_t(begin), m_places.begin() + std::ptrdiff_t(end));
+        const auto run = std::ranges::subrange(m_permutation.begin() + std::ptrdiff_t(begin), m_permutation.begin() + std::ptrdiff_t(end));
         std::ranges::stable_sort(run, {}, [&](std::uint32_t item) { return m_texts[item]; });
         for (std::size_t at = begin; at < end; ++at)
             m_isNew[at] = at == begin || text(at) != text(at - 1);
@@ -129,29 +129,29 @@ private:
     /// Moves the run that starts at `begin` into the order of its keys, and returns these in theirs.
     std::vector<std::uint64_t> moveInOrder(std::size_t begin, const OrderKeys &keys)
     {
-        const Places order = keys.sortedPlaces();
-        const auto run = m_places.begin() + std::ptrdiff_t(begin);
-        const Places before(run, run + std::ptrdiff_t(order.size()));
+        const Permutation order = keys.sortPermutation();
+        const auto run = m_permutation.begin() + std::ptrdiff_t(begin);
+        const std::vector<std::uint32_t> before(run, run + std::ptrdiff_t(order.size()));
         std::vector<std::uint64_t> sorted(order.size());
         for (std::size_t at = 0; at < order.size(); ++at) {
-            m_places[begin + at] = before[order[at]];
+            m_permutation[begin + at] = before[order[at]];
             sorted[at] = keys.values[order[at]];
         }
         return sorted;
     }
 
     std::span<const std::string_view> m_texts;
-    Places &m_places;
+    Permutation &m_permutation;
     std::vector<std::uint8_t> &m_isNew;
 };
 
 } // namespace
 
 TextOrder::TextOrder(std::span<const std::string_view> texts)
-    : places(texts.size())
+    : permutation(texts.size())
     , isNew(texts.size())
 {
-    std::iota(places.begin(), places.end(), 0U);
+    std::iota(permutation.begin(), permutation.end(), 0U);
     const SortKeys keys(texts);
-    TextSorter(keys.all(), places, isNew).sort(0, places.size(), 0);
+    TextSorter(keys.all(), permutation, isNew).sort(0, permutation.size(), 0);
 }

@@ -9,6 +9,6 @@
 struct TextOrder {
     explicit TextOrder(std::span<const std::string_view> texts);
 
-    Places places; ///< the texts in their order, equal ones as they came
-    std::vector<std::uint8_t> isNew; ///< for each place whether its text differs from the one before
+    Permutation permutation; ///< the texts in their order, equal ones as they came
+    std::vector<std::uint8_t> isNew; ///< for each text in order whether it differs from the one before
 };

@@ -160,7 +160,7 @@ void sortByReading(const TDataSet &dataSet, int field, std::vector<int> &rows)
     std::vector<int> sorted;
     sorted.reserve(rows.size());
     const TextOrder order(texts);
-    for (const std::uint32_t place : order.places)
+    for (const std::uint32_t place : order.permutation)
         sorted.push_back(rows[place]);
     rows.swap(sorted);
 }

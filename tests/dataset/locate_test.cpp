@@ -78,10 +78,10 @@ TEST(Locate, SeesEditedValuesOnly)
 TEST(Locate, WrongQuestionsAreRefused)
 {
     TCustomClientDataSet dataSet;
-    EXPECT_NE(errorOf([&] { dataSet.locate(QStringLiteral("FEE"), { QStringLiteral("3") }); }), QString());
+    EXPECT_NE(errorOf([&] { (void)dataSet.locate(QStringLiteral("FEE"), { QStringLiteral("3") }); }), QString());
     dataSet.setData(packetOf(sites));
-    EXPECT_NE(errorOf([&] { dataSet.locate(QStringLiteral("NONE"), { QStringLiteral("3") }); }), QString());
-    EXPECT_NE(errorOf([&] { dataSet.locate(QStringLiteral("FEE;AT"), { QStringLiteral("3") }); }), QString());
+    EXPECT_NE(errorOf([&] { (void)dataSet.locate(QStringLiteral("NONE"), { QStringLiteral("3") }); }), QString());
+    EXPECT_NE(errorOf([&] { (void)dataSet.locate(QStringLiteral("FEE;AT"), { QStringLiteral("3") }); }), QString());
 }
 
 } // namespace
