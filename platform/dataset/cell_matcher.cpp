@@ -8,7 +8,7 @@ namespace {
 
 TextPattern patternOf(const QString &value, LocateOption option)
 {
-    return TextPattern(value, option == LocateOption::Partial ? TextPattern::Place::Beginning : TextPattern::Place::Whole,
+    return TextPattern(value, option == LocateOption::Partial ? TextPattern::Match::Beginning : TextPattern::Match::Whole,
         option == LocateOption::CaseInsensitive ? Qt::CaseInsensitive : Qt::CaseSensitive);
 }
 

@@ -18,10 +18,10 @@ constexpr auto sameButCase = [](char inText, char lowered) { return lower(inText
 
 } // namespace
 
-TextPattern::TextPattern(const QString &text, Place place, Qt::CaseSensitivity sensitivity)
+TextPattern::TextPattern(const QString &text, Match match, Qt::CaseSensitivity sensitivity)
     : m_text(text)
     , m_bytes(text.toStdString())
-    , m_place(place)
+    , m_match(match)
 {
     if (sensitivity == Qt::CaseSensitive || text.toLower() == text.toUpper())
         return;
@@ -36,13 +36,13 @@ bool TextPattern::matches(std::string_view text) const
         return false;
     switch (m_compare) {
     case Compare::Bytes:
-        return m_place == Place::Whole    ? text == m_bytes
-            : m_place == Place::Beginning ? text.starts_with(m_bytes)
+        return m_match == Match::Whole    ? text == m_bytes
+            : m_match == Match::Beginning ? text.starts_with(m_bytes)
                                           : text.find(m_bytes) != std::string_view::npos;
     case Compare::AsciiCase:
-        if (m_place == Place::Anywhere)
+        if (m_match == Match::Anywhere)
             return std::search(text.begin(), text.end(), m_bytes.begin(), m_bytes.end(), sameButCase) != text.end();
-        return (m_place == Place::Beginning || text.size() == m_bytes.size())
+        return (m_match == Match::Beginning || text.size() == m_bytes.size())
             && std::equal(m_bytes.begin(), m_bytes.end(), text.begin(), [](char lowered, char inText) { return lower(inText) == lowered; });
     case Compare::AnyCase:
         return matches(QString::fromUtf8(text.data(), qsizetype(text.size())));
@@ -53,12 +53,12 @@ bool TextPattern::matches(std::string_view text) const
 qsizetype TextPattern::find(const QString &text) const
 {
     const Qt::CaseSensitivity sensitivity = m_compare == Compare::Bytes ? Qt::CaseSensitive : Qt::CaseInsensitive;
-    switch (m_place) {
-    case Place::Whole:
+    switch (m_match) {
+    case Match::Whole:
         return text.compare(m_text, sensitivity) == 0 ? 0 : -1;
-    case Place::Beginning:
+    case Match::Beginning:
         return text.startsWith(m_text, sensitivity) ? 0 : -1;
-    case Place::Anywhere:
+    case Match::Anywhere:
         break;
     }
     return text.indexOf(m_text, 0, sensitivity);

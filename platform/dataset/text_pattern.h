@@ -8,9 +8,9 @@
 /// A text to look for in others: as the whole of them, as their beginning or as any part.
 class TextPattern {
 public:
-    enum class Place { Whole, Beginning, Anywhere };
+    enum class Match { Whole, Beginning, Anywhere };
 
-    explicit TextPattern(const QString &text, Place place = Place::Anywhere, Qt::CaseSensitivity sensitivity = Qt::CaseInsensitive);
+    explicit TextPattern(const QString &text, Match match = Match::Anywhere, Qt::CaseSensitivity sensitivity = Qt::CaseInsensitive);
 
     bool isEmpty() const { return m_bytes.empty(); }
     bool matches(std::string_view text) const; ///< UTF-8
@@ -23,6 +23,6 @@ private:
 
     QString m_text;
     std::string m_bytes; ///< in lower case when Latin case does not count
-    Place m_place;
+    Match m_match;
     Compare m_compare = Compare::Bytes;
 };

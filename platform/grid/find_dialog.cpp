@@ -26,7 +26,7 @@ FindDialog::FindDialog(TDBGridEh &grid, GridFinder &finder)
     , m_finder(finder)
     , m_text(new QComboBox)
     , m_columns(new QComboBox)
-    , m_place(new QComboBox)
+    , m_match(new QComboBox)
     , m_case(new QCheckBox(QStringLiteral("区分大小写(&M)")))
     , m_titles(new QCheckBox(QStringLiteral("也查找列标题(&T)")))
     , m_result(new QLabel)
@@ -37,14 +37,14 @@ FindDialog::FindDialog(TDBGridEh &grid, GridFinder &finder)
     m_text->setMaxCount(rememberedTexts);
     m_text->setInsertPolicy(QComboBox::NoInsert);
     m_columns->addItems({ QStringLiteral("全部列"), QStringLiteral("当前列") });
-    m_place->addItems({ QStringLiteral("整个内容"), QStringLiteral("开头"), QStringLiteral("任意部分") });
-    m_place->setCurrentIndex(int(TextPattern::Place::Anywhere));
+    m_match->addItems({ QStringLiteral("整个内容"), QStringLiteral("开头"), QStringLiteral("任意部分") });
+    m_match->setCurrentIndex(int(TextPattern::Match::Anywhere));
     m_titles->setChecked(true);
 
     auto *form = new QFormLayout;
     form->addRow(QStringLiteral("查找内容(&N)："), m_text);
     form->addRow(QStringLiteral("范围(&L)："), m_columns);
-    form->addRow(QStringLiteral("匹配(&H)："), m_place);
+    form->addRow(QStringLiteral("匹配(&H)："), m_match);
     auto *switches = new QHBoxLayout;
     switches->addWidget(m_case);
     switches->addWidget(m_titles);
@@ -84,7 +84,7 @@ GridSearch FindDialog::search() const
 {
     return {
         .text = m_text->currentText(),
-        .place = TextPattern::Place(m_place->currentIndex()),
+        .match = TextPattern::Match(m_match->currentIndex()),
         .sensitivity = m_case->isChecked() ? Qt::CaseSensitive : Qt::CaseInsensitive,
         .column = m_columns->currentIndex() == 0 ? -1 : m_grid.currentColumn(),
         .titles = m_titles->isChecked(),

@@ -25,7 +25,7 @@ private:
     GridFinder &m_finder;
     QComboBox *m_text;
     QComboBox *m_columns;
-    QComboBox *m_place;
+    QComboBox *m_match;
     QCheckBox *m_case;
     QCheckBox *m_titles;
     QLabel *m_result;

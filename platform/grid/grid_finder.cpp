@@ -114,7 +114,7 @@ GridFinder::Place GridFinder::foundPlace(int column, const QString &text) const
     const bool wanted = isTyping() || (m_dialog && m_dialog->isVisible());
     if (!wanted || m_last.text.isEmpty() || (m_last.column >= 0 && m_last.column != column))
         return {};
-    return { TextPattern(m_last.text, m_last.place, m_last.sensitivity).find(text), m_last.text.size() };
+    return { TextPattern(m_last.text, m_last.match, m_last.sensitivity).find(text), m_last.text.size() };
 }
 
 void GridFinder::showTyped(const QString &text, bool found)

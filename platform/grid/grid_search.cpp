@@ -9,7 +9,7 @@ class SearchedCells {
 public:
     SearchedCells(const TDBGridEh &grid, const GridSearch &search)
         : m_grid(grid)
-        , m_pattern(search.text, search.place, search.sensitivity)
+        , m_pattern(search.text, search.match, search.sensitivity)
         , m_titles(search.titles)
     {
         for (int column = 0; column < grid.columnCount(); ++column) {

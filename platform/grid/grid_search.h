@@ -11,7 +11,7 @@ class TDBGridEh;
 /// What to look for in a grid, and where.
 struct GridSearch {
     QString text;
-    TextPattern::Place place = TextPattern::Place::Anywhere;
+    TextPattern::Match match = TextPattern::Match::Anywhere;
     Qt::CaseSensitivity sensitivity = Qt::CaseInsensitive;
     int column = -1; ///< -1: every visible column
     bool titles = false; ///< the column titles too

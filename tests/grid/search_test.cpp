@@ -34,7 +34,7 @@ TEST_F(Search, GoesRowByRowThroughTheVisibleColumnsAndAroundTheEnd)
         bool forward;
         QPoint found; ///< `from` when there is none
     };
-    using enum TextPattern::Place;
+    using enum TextPattern::Match;
     const Case cases[] = {
         { { 0, 0 }, { .text = QStringLiteral("海") }, true, { 1, 1 } },
         { { 1, 1 }, { .text = QStringLiteral("007") }, true, { 0, 0 } },
@@ -42,8 +42,8 @@ TEST_F(Search, GoesRowByRowThroughTheVisibleColumnsAndAroundTheEnd)
         { { 0, 0 }, { .text = QStringLiteral("1") }, true, { 2, 0 } }, // a number, as it is shown
         { { 2, 0 }, { .text = QStringLiteral("1") }, true, { 3, 0 } },
         { { 2, 0 }, { .text = QStringLiteral("1"), .column = 2 }, true, { 2, 2 } },
-        { { 0, 0 }, { .text = QStringLiteral("2"), .place = Beginning }, true, { 3, 1 } },
-        { { 0, 0 }, { .text = QStringLiteral("2"), .place = Whole }, false, { 3, 1 } },
+        { { 0, 0 }, { .text = QStringLiteral("2"), .match = Beginning }, true, { 3, 1 } },
+        { { 0, 0 }, { .text = QStringLiteral("2"), .match = Whole }, false, { 3, 1 } },
         { { 0, 1 }, { .text = QStringLiteral("008") }, true, { 0, 1 } }, // the only one is the current one
         { { 1, 1 }, { .text = QStringLiteral("深圳") }, true, { 1, 1 } },
         { { 1, 1 }, { .text = QStringLiteral("网点") }, true, { 1, 1 } }, // a title, not wanted
