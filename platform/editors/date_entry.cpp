@@ -4,6 +4,8 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
+
 namespace {
 
 QString narrow(QString text)
@@ -45,7 +47,7 @@ DatePart datePartAt(const QString &text, int position)
     if (std::none_of(text.begin(), text.end(), isSeparator))
         return DatePart::Day;
     const auto before = std::count_if(text.begin(), text.begin() + position, isSeparator);
-    return DatePart(qMin(int(before), int(DatePart::Second)));
+    return DatePart(std::min(int(before), int(DatePart::Second)));
 }
 
 QDateTime stepDatePart(const QDateTime &time, DatePart part, int steps)

@@ -8,14 +8,16 @@
 #include <QKeyEvent>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 /// Where a part stands in "yyyy-mm-dd hh:mm:ss".
-struct Place {
+struct TextRange {
     int start;
     int length;
 };
-constexpr Place places[] = { { 0, 4 }, { 5, 2 }, { 8, 2 }, { 11, 2 }, { 14, 2 }, { 17, 2 } };
+constexpr TextRange partRanges[] = { { 0, 4 }, { 5, 2 }, { 8, 2 }, { 11, 2 }, { 14, 2 }, { 17, 2 } };
 
 QCalendarWidget *makeCalendar(QWidget *parent, QDate day)
 {
@@ -84,8 +86,8 @@ bool TDBDateTimeEditEh::step(DatePart part, int steps)
     if (!stepped.isValid())
         return false;
     show(stepped);
-    const Place place = places[int(part)];
-    setSelection(place.start, place.length);
+    const auto [start, length] = partRanges[int(part)];
+    setSelection(start, length);
     return true;
 }
 
@@ -98,7 +100,7 @@ bool TDBDateTimeEditEh::stepByKey(const QKeyEvent &event)
         return false;
     const int position = hasSelectedText() ? selectionStart() : cursorPosition();
     const DatePart part = datePartAt(text(), position);
-    return step(m_dateOnly ? qMin(part, DatePart::Day) : part, event.key() == Qt::Key_Up ? 1 : -1);
+    return step(m_dateOnly ? std::min(part, DatePart::Day) : part, event.key() == Qt::Key_Up ? 1 : -1);
 }
 
 void TDBDateTimeEditEh::keyPressEvent(QKeyEvent *event)

@@ -9,6 +9,8 @@
 #include <QToolButton>
 #include <QtMath>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int buttonWidth = 18;
@@ -85,7 +87,7 @@ QSize DropDownEdit::minimumSizeHint() const { return { QLineEdit::minimumSizeHin
 int DropDownEdit::comboHeight() const
 {
     const QStyleOptionComboBox option = editableCombo(this);
-    const QSize contents(0, qMax(qCeil(QFontMetricsF(font()).height()), 14) + 2);
+    const QSize contents(0, std::max(qCeil(QFontMetricsF(font()).height()), 14) + 2);
     return style()->sizeFromContents(QStyle::CT_ComboBox, &option, contents, this).height();
 }
 
@@ -117,8 +119,8 @@ QRect DropDownEdit::dropDownGeometry(const QSize &size) const
     const int below = room.bottom() - line.bottom();
     const int above = line.top() - room.top();
     const bool up = size.height() > below && above > below;
-    const QSize fitting(qMin(size.width(), room.width()), qMin(size.height(), up ? above : below));
-    const int left = qBound(room.left(), line.left(), room.right() + 1 - fitting.width());
+    const QSize fitting(std::min(size.width(), room.width()), std::min(size.height(), up ? above : below));
+    const int left = std::clamp(line.left(), room.left(), room.right() + 1 - fitting.width());
     return { QPoint(left, up ? line.top() - fitting.height() : line.bottom() + 1), fitting };
 }
 

@@ -33,7 +33,6 @@ public:
     const QString &listField() const { return m_listField; }
     const QString &indexField() const { return m_indexField; }
     void setDropDownColumns(const QList<LookupColumn> &columns);
-    const QList<LookupColumn> &dropDownColumns() const { return m_columns; }
 
     bool isListOpen() const;
     /// Opens the list on the rows that the text means, or on all rows when it means none or exactly one that is there already.

@@ -9,6 +9,8 @@
 #include <QTableView>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int mostVisibleRows = 12;
@@ -130,7 +132,7 @@ QSize LookupList::contentSize() const
     int width = m_table->verticalScrollBar()->sizeHint().width();
     for (int column = 0; column < m_rows->columnCount(); ++column)
         width += m_table->columnWidth(column);
-    const int rows = qBound(1, m_rows->rowCount(), mostVisibleRows);
+    const int rows = std::clamp(m_rows->rowCount(), 1, mostVisibleRows);
     const int height = header->sizeHint().height() + rows * m_table->verticalHeader()->defaultSectionSize();
     return QSize(width, height) + QSize(2 * frameWidth(), 2 * frameWidth());
 }

@@ -105,7 +105,7 @@ void TDataView::LoadLayout(const QString &iniFileName)
     for (qsizetype position = 0; position < names.size(); ++position) {
         const int index = DataViewGrid->columnIndex(names[position], true);
         if (index >= 0)
-            DataViewGrid->moveColumn(index, qMin(int(position), last));
+            DataViewGrid->moveColumn(index, std::min(int(position), last));
     }
 }
 
