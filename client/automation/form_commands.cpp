@@ -15,7 +15,9 @@ QJsonObject Automation::open(const QJsonObject &arguments)
 {
     m_window->openScreen(arguments[u"screen"].toString());
     const TForm *active = m_window->activeForm();
-    return { { QStringLiteral("form"), active ? QJsonValue(active->objectName()) : QJsonValue() } };
+    if (!active)
+        return { { QStringLiteral("form"), QJsonValue() } };
+    return { { QStringLiteral("form"), active->objectName() }, { QStringLiteral("caption"), active->caption() } };
 }
 
 QJsonObject Automation::forms(const QJsonObject &)

@@ -1,4 +1,6 @@
+#include "client/screen_list.h"
 #include "tests/screens/client_process.h"
+#include "tests/support/print_qstring.h"
 
 #include <gtest/gtest.h>
 
@@ -18,6 +20,21 @@ TEST(StartUp, NamesThatAreNoScreenGetTheEntrysErrorBox)
         EXPECT_EQ(messages[0][u"title"].toString(), QStringLiteral("DLL调用"));
         EXPECT_EQ(messages[0][u"flags"].toInt(), 16);
     }
+    EXPECT_EQ(client.quit(), 0);
+}
+
+TEST(StartUp, EveryScreenOpensUnderTheCaptionOfItsMenu)
+{
+    ClientProcess client;
+    for (const ScreenGroup &group : screenGroups) {
+        for (const ScreenItem &screen : group.screens) {
+            const QJsonObject reply
+                = client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(screen.name + menuRights) } });
+            EXPECT_EQ(reply[u"form"].toString(), screen.name);
+            EXPECT_EQ(reply[u"caption"].toString(), screen.caption);
+        }
+    }
+    EXPECT_TRUE(client.events(QStringLiteral("error")).isEmpty());
     EXPECT_EQ(client.quit(), 0);
 }
 
