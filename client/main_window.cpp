@@ -7,20 +7,13 @@
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDir>
 #include <QMdiArea>
-
-namespace {
-
-using ExecFunction = void (*)(TApplication *, TScreen *, QObject *const *, int, const char *);
-
-enum HostMessage { formActivated = 1124, formClosed = 1125, formCreating = 1127 };
-
-} // namespace
 
 MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> connections)
     : m_options(options)
@@ -89,10 +82,10 @@ qintptr MainWindow::perform(int message, quintptr formAddress, qintptr)
     const auto *form = reinterpret_cast<const TForm *>(formAddress);
     Application->record(
         QStringLiteral("perform"), { { QStringLiteral("message"), message }, { QStringLiteral("form"), form->objectName() } });
-    if (message == formClosed)
+    if (message == hostFormClosed)
         useGrid(nullptr);
     // The form is still being made, or already on its way out; what depends on it waits for the next turn.
-    if (message == formCreating || message == formActivated || message == formClosed)
+    if (message == hostFormCreating || message == hostFormActivated || message == hostFormClosed)
         QMetaObject::invokeMethod(this, &MainWindow::updateCommands, Qt::QueuedConnection);
     return 0;
 }
@@ -122,7 +115,7 @@ void MainWindow::useGrid(TDBGridEh *grid)
 QObject *MainWindow::queryButton() const
 {
     const TForm *form = activeForm();
-    return form ? form->property("QueryButton").value<QObject *>() : nullptr;
+    return form ? form->property(published_by_screen::queryButton).value<QObject *>() : nullptr;
 }
 
 QDateTime MainWindow::serverTime() const
@@ -133,12 +126,7 @@ QDateTime MainWindow::serverTime() const
     return told.isValid() ? told : Clock::now();
 }
 
-double MainWindow::serverDateTime() const
-{
-    constexpr double millisecondsPerDay = 86'400'000.0;
-    const QDateTime time = serverTime();
-    return double(QDate(1899, 12, 30).daysTo(time.date())) + double(time.time().msecsSinceStartOfDay()) / millisecondsPerDay;
-}
+double MainWindow::serverDateTime() const { return daysOf(serverTime()); }
 
 void MainWindow::closeEvent(QCloseEvent *event)
 {

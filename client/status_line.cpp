@@ -3,6 +3,7 @@
 #include "platform/dataset/client_data_set.h"
 #include "platform/grid/db_grid.h"
 #include "platform/toolkit/form.h"
+#include "platform/toolkit/plugin_interface.h"
 
 #include <QLabel>
 #include <QLocale>
@@ -141,7 +142,7 @@ void StatusLine::showSelection(const TDBGridEh *grid) { fill(m_selection, grid ?
 void StatusLine::showRights(const TForm *form)
 {
     QString rights;
-    for (const char *name : { "Right1", "Right2", "Right3" })
+    for (const char *name : published_by_screen::rights)
         rights += form && form->property(name).toBool() ? u'1' : u'0';
     fill(m_rights, form ? QStringLiteral("权限：%1").arg(rights) : QString());
 }

@@ -3,18 +3,11 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 
 #include <algorithm>
 #include <memory>
-
-#if defined(_WIN32)
-#define KELVARA_EXPORT extern "C" __declspec(dllexport)
-#define KELVARA_CALL __stdcall
-#else
-#define KELVARA_EXPORT extern "C" __attribute__((visibility("default")))
-#define KELVARA_CALL
-#endif
 
 namespace {
 
@@ -55,7 +48,6 @@ KELVARA_EXPORT void KELVARA_CALL ShowQuestQuery(
             Application = application;
         if (screen)
             Screen = screen;
-        const QList<TCustomRemoteServer *> servers(connections, connections + (connections ? highest + 1 : 0));
-        openWindow(bills ? *bills : QStringList(), servers);
+        openWindow(bills ? *bills : QStringList(), openArray(connections, highest));
     });
 }

@@ -3,7 +3,10 @@
 #include "guest/bill_fields.h"
 #include "guest/track_query.h"
 #include "packet/builder.h"
+#include "platform/grid/grid_colors.h"
+#include "platform/grid/grid_columns.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/published.h"
 #include "platform/toolkit/screen.h"
 
@@ -18,21 +21,11 @@
 
 namespace {
 
-enum HostMessage : int { hostFormActivated = 1124, hostFormClosed = 1125, hostFormCreating = 1127 };
-
-constexpr QRgb oddRowColor = 0xffc4c4ff;
-constexpr QRgb evenRowColor = 0xffddddff;
 constexpr QRgb alarmRowColor = 0xffffc8c8;
 constexpr QRgb alarmTextColor = 0xffb00000;
 constexpr int fieldsPerLine = 4;
 
 QList<TrackWindow *> windows;
-
-struct BusyCursor {
-    BusyCursor() { Screen->setCursor(crQueryBusy); }
-    BusyCursor(const BusyCursor &) = delete;
-    ~BusyCursor() { Screen->setCursor(crDefault); }
-};
 
 QString captionOf(const QStringList &numbers)
 {
@@ -81,14 +74,12 @@ packet::PacketPtr packetOf(const QList<Track> &tracks)
     return builder.finish();
 }
 
-Column column(const char *field, QStringView caption, int width, Qt::Alignment alignment = Qt::AlignLeft)
+Column rowNumbers() { return number("", u"序号", 40); }
+
+Column columnOf(const TrackColumn &track)
 {
-    return { .fieldName = QString::fromLatin1(field), .caption = caption.toString(), .width = width, .alignment = alignment };
+    return (track.type == TrackColumn::Number ? number : text)(track.field, track.caption, track.width);
 }
-
-Column rowNumbers() { return column("", u"序号", 40, Qt::AlignRight); }
-
-QColor stripe(int row) { return QColor::fromRgba(row % 2 == 0 ? oddRowColor : evenRowColor); }
 
 void raiseAlarm(CellParameters &parameters)
 {
@@ -96,7 +87,7 @@ void raiseAlarm(CellParameters &parameters)
     parameters.textColor = QColor::fromRgba(alarmTextColor);
 }
 
-void design(TDBGridEh *grid, TDataSource *source, TDataSet *dataSet, const QList<Column> &columns)
+void design(TDBGridEh *grid, TDataSource *source, TDataSet *dataSet, const GridColumns &columns)
 {
     grid->setColumns(columns);
     grid->setFrozenColumns(1);
@@ -198,15 +189,15 @@ void TrackWindow::designGrids()
     cdsBills->setReadOnly(true);
     cdsTrack->setReadOnly(true);
     design(billsGrid, m_billsSource, cdsBills,
-        { rowNumbers(), column("BILL_CODE", u"运单编号", 110), column("STATE", u"状态", 64), column("GAPS", u"未到", 40, Qt::AlignRight) });
+        { rowNumbers(), text("BILL_CODE", u"运单编号", 110), text("STATE", u"状态", 64), number("GAPS", u"未到", 40) });
     billsGrid->onGetCellParams = [this](int row, int, CellParameters &parameters) {
-        parameters.background = stripe(row);
+        parameters.background = rowStripe(row + 1);
         if (!cdsBills->isNull(2, row))
             raiseAlarm(parameters);
     };
-    QList<Column> columns { rowNumbers() };
+    GridColumns columns { rowNumbers() };
     for (const TrackColumn &track : trackColumns())
-        columns.append(column(track.field, track.caption, track.width, track.type == TrackColumn::Number ? Qt::AlignRight : Qt::AlignLeft));
+        columns.append(columnOf(track));
     design(trackGrid, m_trackSource, cdsTrack, columns);
     trackGrid->onGetCellParams = [this](int row, int, CellParameters &parameters) { colourTrackCell(row, parameters); };
 }
@@ -262,7 +253,7 @@ void TrackWindow::showTrack()
 
 void TrackWindow::colourTrackCell(int row, CellParameters &parameters) const
 {
-    parameters.background = stripe(row);
+    parameters.background = rowStripe(row + 1);
     const Track *track = currentTrack();
     if (track && row < track->events.size() && !track->events[row].alarm.isEmpty())
         raiseAlarm(parameters);
@@ -276,21 +267,21 @@ void TrackWindow::copyTrack() const
 
 void TrackWindow::FormShow()
 {
-    notifyHost(hostFormCreating);
+    notifyHost(this, hostFormCreating);
     trackGrid->setFocus();
 }
 
 void TrackWindow::FormActivate()
 {
-    notifyHost(hostFormActivated);
-    const PublishedMethod resetSearch(Application->mainForm(), "ResetSearch");
+    notifyHost(this, hostFormActivated);
+    const PublishedMethod resetSearch(Application->mainForm(), published_by_host::resetSearch);
     if (!resetSearch.isNull())
         resetSearch.call(trackGrid);
 }
 
 void TrackWindow::FormClose(TCloseAction &action)
 {
-    notifyHost(hostFormClosed);
+    notifyHost(this, hostFormClosed);
     action = TCloseAction::Free;
 }
 
@@ -298,11 +289,6 @@ void TrackWindow::FormKeyDown(int key, Qt::KeyboardModifiers modifiers)
 {
     if (key == Qt::Key_F5 && modifiers == Qt::NoModifier)
         refreshButton->click();
-}
-
-void TrackWindow::notifyHost(int message)
-{
-    Application->mainForm()->perform(message, reinterpret_cast<quintptr>(static_cast<TForm *>(this)), 0);
 }
 
 void closeTrackWindows()

@@ -52,7 +52,6 @@ private:
     void showTrack();
     const Track *currentTrack() const;
     void colourTrackCell(int row, CellParameters &parameters) const;
-    void notifyHost(int message);
 
     const QStringList m_numbers;
     QList<QPointer<TCustomRemoteServer>> m_servers;

@@ -21,6 +21,8 @@ QColor GridColors::currentRow(const QColor &background) const { return blend(bac
 
 QColor GridColors::selected(const QColor &background) const { return blend(background, accent, 0.38); }
 
+QColor rowStripe(int number) { return QColor::fromRgb(number % 2 == 1 ? 0xc4c4ff : 0xddddff); }
+
 QColor blend(const QColor &under, const QColor &over, qreal share)
 {
     const auto mixed = [share](int low, int high) { return qRound(low + (high - low) * share); };

@@ -25,6 +25,9 @@ struct GridColors {
     QColor selected(const QColor &background) const;
 };
 
+/// The background of a result's row, by its number from 1: every other row has the darker one.
+QColor rowStripe(int number);
+
 /// `share` of `over` (0 to 1) painted on `under`.
 QColor blend(const QColor &under, const QColor &over, qreal share);
 /// Black or white, whichever can be read on `background`.

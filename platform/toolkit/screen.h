@@ -33,5 +33,14 @@ private:
 /// The current screen object; see Application.
 extern TScreen *Screen;
 
+/// Shows the busy cursor of a query as long as it lives, whatever happens meanwhile.
+class BusyCursor {
+public:
+    BusyCursor() { Screen->setCursor(crQueryBusy); }
+    BusyCursor(const BusyCursor &) = delete;
+    BusyCursor &operator=(const BusyCursor &) = delete;
+    ~BusyCursor() { Screen->setCursor(crDefault); }
+};
+
 /// Moves the keyboard focus on behalf of code (not of a person): the control that loses it runs its exit handler first.
 void focusControl(QWidget *control);

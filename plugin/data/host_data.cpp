@@ -3,6 +3,7 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/form.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/published.h"
 
 namespace {
@@ -40,17 +41,11 @@ private:
 RememberedSearch dataSets;
 RememberedSearch values;
 
-/// A date-time as days since 1899-12-30 with the time of day as fraction.
-QDateTime dateTimeOfDays(double days)
-{
-    return QDateTime(QDate(1899, 12, 30), QTime(0, 0), Qt::UTC).addMSecs(qRound64(days * 86'400'000.0));
-}
-
 } // namespace
 
 TClientDataSetEx *GlobalCdsAddr(const QString &Name)
 {
-    const TList &list = publishedList(Application->mainForm(), "GlobalCdsAddr");
+    const TList &list = publishedList(Application->mainForm(), published_by_host::dataSets);
     auto *dataSet = qobject_cast<TClientDataSetEx *>(dataSets.find(list, Name));
     if (!dataSet)
         throw Exception(QStringLiteral("全局数据集\"%1\"不存在！").arg(Name));
@@ -59,13 +54,13 @@ TClientDataSetEx *GlobalCdsAddr(const QString &Name)
 
 QString GlobalValueAddr(const QString &Name)
 {
-    const QObject *value = values.find(publishedList(Application->mainForm(), "GlobalValueAddr"), Name);
+    const QObject *value = values.find(publishedList(Application->mainForm(), published_by_host::values), Name);
     return value ? value->property("text").toString() : QString();
 }
 
 QDateTime GetServerDateTime()
 {
-    const QDateTime server = dateTimeOfDays(publishedProperty(Application->mainForm(), "ServerDateTime").toDouble());
+    const QDateTime server = dateTimeOfDays(publishedProperty(Application->mainForm(), published_by_host::serverTime).toDouble());
     const QString minute = server.toString(u"yyyy-MM-dd HH:mm");
     return textToDateTime(minute + u':' + QString::number(Clock::now().time().second()));
 }

@@ -1,16 +1,9 @@
 #include "platform/toolkit/application.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/entry/screens.h"
-
-#if defined(_WIN32)
-#define KELVARA_EXPORT extern "C" __declspec(dllexport)
-#define KELVARA_CALL __stdcall
-#else
-#define KELVARA_EXPORT extern "C" __attribute__((visibility("default")))
-#define KELVARA_CALL
-#endif
 
 namespace {
 
@@ -18,11 +11,13 @@ constexpr qsizetype rightsLength = 3;
 
 void useConnections(const QList<QObject *> &connections)
 {
+    if (connections.isEmpty())
+        throw Exception(QStringLiteral("没有给出数据库连接！"));
     auto *host = qobject_cast<TCustomRemoteServer *>(connections[0]);
     if (host == dm_BasicData->HostConnection)
         return;
     dm_BasicData->HostConnection = host;
-    dm_GlobalData->SecondConnection = qobject_cast<TCustomRemoteServer *>(connections[1]);
+    dm_GlobalData->SecondConnection = qobject_cast<TCustomRemoteServer *>(connections.value(1));
     for (TClientDataSetEx *dataSet : { dm_BasicData->comm, dm_BasicData->comm1, dm_BasicData->comm2 })
         dataSet->setRemoteServer(host);
 }
@@ -41,7 +36,7 @@ void openScreen(const ScreenEntry &entry, const QString &rights)
 } // namespace
 
 /// Opens a screen of the library as a child of the host's main window, or brings it to the front. `Connections` holds the host's
-/// connection and the second one; `last` is the index of the array's last element. `FormName` (UTF-8) is the screen's name
+/// connection and perhaps the second one; `last` is the index of the array's last element. `FormName` (UTF-8) is the screen's name
 /// followed by three characters of rights. Whatever goes wrong with the screen is shown to the user, not thrown.
 KELVARA_EXPORT void KELVARA_CALL exec(TApplication *App, TScreen *Scr, QObject *const *Connections, int last, const char *FormName)
 {
@@ -49,17 +44,16 @@ KELVARA_EXPORT void KELVARA_CALL exec(TApplication *App, TScreen *Scr, QObject *
         Application = App;
     if (Scr != Screen)
         Screen = Scr;
-    useConnections(QList<QObject *>(Connections, Connections + last + 1));
 
-    const QString name = QString::fromUtf8(FormName);
-    const ScreenEntry *entry = findScreen(QStringView(name).chopped(std::min(rightsLength, name.size())));
-    if (!entry) {
-        Application->messageBox(QStringLiteral("详细：此窗体不存在！"), QStringLiteral("DLL调用"), mbIconError);
-        return;
-    }
+    const auto refuse = [](const QString &text) { Application->messageBox(u"详细：" + text, QStringLiteral("DLL调用"), mbIconError); };
     try {
-        openScreen(*entry, name.right(rightsLength));
+        useConnections(openArray(Connections, last));
+        const QString name = QString::fromUtf8(FormName);
+        if (const ScreenEntry *entry = findScreen(QStringView(name).chopped(std::min(rightsLength, name.size()))))
+            openScreen(*entry, name.right(rightsLength));
+        else
+            refuse(QStringLiteral("此窗体不存在！"));
     } catch (...) {
-        Application->messageBox(u"详细：因为" + currentExceptionMessage() + u"调用失败！", QStringLiteral("DLL调用"), mbIconError);
+        refuse(u"因为" + currentExceptionMessage() + u"调用失败！");
     }
 }

@@ -2,23 +2,14 @@
 
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 
 #include <QStringList>
 
 #include <memory>
 
-#if defined(_WIN32)
-#define KELVARA_CALL __stdcall
-#else
-#define KELVARA_CALL
-#endif
-
 namespace {
-
-/// The waybills, the application and the screen object, then an open array of connections: its first element and highest index.
-using GuestFunction = void(KELVARA_CALL *)(
-    QStringList *bills, TApplication *application, TScreen *screen, TCustomRemoteServer *const *connections, int highest);
 
 std::unique_ptr<TLibrary> guest;
 
@@ -36,7 +27,7 @@ void ShowQuestQuery(const QString &billCode, const QList<TCustomRemoteServer *> 
 {
     if (!guest)
         guest = std::make_unique<TLibrary>(Application->pluginDirectory() + QStringLiteral("/Guest"));
-    const auto show = reinterpret_cast<GuestFunction>(guest->resolve("ShowQuestQuery"));
+    const auto show = reinterpret_cast<QuestQueryFunction>(guest->resolve("ShowQuestQuery"));
     record(billCode, connections);
     QStringList bills = billCode.split(u'\n');
     show(&bills, Application, Screen, connections.data(), int(connections.size()) - 1);

@@ -1,5 +1,6 @@
 #include "plugin/view/frame_DataView.h"
 
+#include "platform/grid/grid_colors.h"
 #include "platform/toolkit/handler.h"
 #include "plugin/view/layout_file.h"
 #include "plugin/view/layout_storage.h"
@@ -11,8 +12,6 @@
 namespace {
 
 constexpr QRgb footerColor = 0xffddddff;
-constexpr QRgb oddRowColor = 0xffc4c4ff;
-constexpr QRgb evenRowColor = 0xffddddff;
 const QString fieldIndexKey = QStringLiteral("FieldIndex");
 // What a person arranged beyond order and widths stands in a section of its own.
 const QString arrangementSuffix = QStringLiteral(".Arrangement");
@@ -159,7 +158,7 @@ void TDataView::saveArrangement(LayoutFile &file) const
 void TDataView::DataViewGridGetCellParams(int row, CellParameters &parameters) const
 {
     if (Striped)
-        parameters.background = QColor::fromRgba(DataViewGrid->recordNumber(row) % 2 == 1 ? oddRowColor : evenRowColor);
+        parameters.background = rowStripe(DataViewGrid->recordNumber(row));
 }
 
 QString TDataView::DataViewGridDrawColumnCell(int row, int column) const

@@ -5,6 +5,7 @@
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/published.h"
 #include "platform/toolkit/screen.h"
 
@@ -25,7 +26,7 @@ public:
     AnyScreen(const QString &name, const QString &rights)
         : TForm(Application, name, u"窗口 " + name)
     {
-        notifyHost(1127);
+        notifyHost(this, hostFormCreating);
         setProperty("QueryButton", QVariant::fromValue<QObject *>(Button1));
         setProperty("Right1", rights[0] == u'1');
         setProperty("Right2", rights[1] == u'1');
@@ -43,7 +44,7 @@ public:
 protected:
     void FormActivate() override
     {
-        notifyHost(1124);
+        notifyHost(this, hostFormActivated);
         PublishedMethod(Application->mainForm(), "ResetSearch").call(DataViewGrid);
     }
     void FormClose(TCloseAction &action) override
@@ -51,11 +52,10 @@ protected:
         const bool stays = objectName() == u"frm_Stubborn" && Application->messageBox(QStringLiteral("?"), caption(), 289) == idCancel;
         action = stays ? TCloseAction::None : TCloseAction::Free;
         if (!stays)
-            notifyHost(1125);
+            notifyHost(this, hostFormClosed);
     }
 
 private:
-    void notifyHost(int message) { Application->mainForm()->perform(message, reinterpret_cast<quintptr>(static_cast<TForm *>(this)), 0); }
     void query()
     {
         packet::Builder rows({ { "CODE", packet::ColumnType::Text } });
@@ -74,7 +74,7 @@ private:
 
 } // namespace
 
-extern "C" void exec(TApplication *, TScreen *, QObject *const *, int, const char *formName)
+KELVARA_EXPORT void KELVARA_CALL exec(TApplication *, TScreen *, QObject *const *, int, const char *formName)
 {
     const QString name = QString::fromUtf8(formName);
     (new AnyScreen(name.chopped(3), name.right(3)))->showForm();

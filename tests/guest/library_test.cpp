@@ -1,6 +1,7 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 #include "tests/guest/fake_server.h"
 
@@ -10,14 +11,12 @@
 
 namespace {
 
-using GuestFunction = void (*)(QStringList *, TApplication *, TScreen *, TCustomRemoteServer *const *, int);
-
 /// The real library in a bare main window.
 class Library : public testing::Test {
 protected:
     Library()
         : m_library(std::make_unique<TLibrary>(QStringLiteral(KELVARA_GUEST)))
-        , m_show(reinterpret_cast<GuestFunction>(m_library->resolve("ShowQuestQuery")))
+        , m_show(reinterpret_cast<QuestQueryFunction>(m_library->resolve("ShowQuestQuery")))
     {
         Application->setMainForm(&m_host);
         Application->setMessageResponder([this](const MessageRequest &request) {
@@ -47,7 +46,7 @@ protected:
     FakeServer m_second;
     QStringList m_log;
     std::unique_ptr<TLibrary> m_library;
-    GuestFunction m_show;
+    QuestQueryFunction m_show;
 };
 
 const QStringList one { QStringLiteral("268") };

@@ -1,5 +1,6 @@
 #include "platform/connection/socket_connection.h"
 #include "platform/toolkit/library_loader.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 #include "tests/plugin/fake_host.h"
 
@@ -11,8 +12,6 @@
 #include <QTemporaryDir>
 
 namespace {
-
-using ExecFunction = void (*)(TApplication *, TScreen *, QObject *const *, int, const char *);
 
 /// The real library, loaded into a host with small code tables.
 class Entry : public testing::Test {
@@ -64,6 +63,21 @@ TEST_F(Entry, UnknownNamesGetTheErrorBoxAndNothingElse)
     const QStringList refusal(QStringLiteral("message 详细：此窗体不存在！|DLL调用|16"));
     for (const char *name : { "FRM_SCANCONTRAST101", "frm_ScanContrast", "frm_Nobody111", "101", "10", "" })
         EXPECT_EQ(exec(name), refusal) << name;
+}
+
+TEST_F(Entry, OneConnectionIsEnoughAndNoneIsSaid)
+{
+    load();
+    // Behind the end of the list lies what no one may read.
+    QObject *const connections[] = { &m_first, reinterpret_cast<QObject *>(1) };
+    m_exec(Application, Screen, connections, 0, "frm_ManCome111");
+    EXPECT_EQ(m_host.forms().size(), 1);
+    for (QObject *const *none : { static_cast<QObject *const *>(nullptr), std::data(connections) }) {
+        m_host.log.clear();
+        m_exec(Application, Screen, none, -1, "frm_ManSend111");
+        EXPECT_EQ(m_host.log, QStringList(QStringLiteral("message 详细：因为没有给出数据库连接！调用失败！|DLL调用|16")));
+    }
+    EXPECT_EQ(m_host.forms().size(), 1);
 }
 
 TEST_F(Entry, ASecondCallBringsTheScreenForwardWithItsFirstRights)

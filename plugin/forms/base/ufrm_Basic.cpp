@@ -1,6 +1,7 @@
 #include "plugin/forms/base/ufrm_Basic.h"
 
 #include "platform/toolkit/application.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "plugin/data/udm_BasicData.h"
 
 namespace {
@@ -21,14 +22,14 @@ Tfrm_Basic::~Tfrm_Basic() { FormDestroy(); }
 
 void Tfrm_Basic::FormCreate()
 {
-    notifyHost(hostFormCreating);
+    notifyHost(this, hostFormCreating);
     SuppressHostNotify = false;
     CurrentView = nullptr;
     CurrentDataSet = nullptr;
     QueryButton = nullptr;
     CurrentExtra = nullptr;
     Right1 = Right2 = Right3 = false;
-    ResetSearch = PublishedMethod(Application->mainForm(), "ResetSearch");
+    ResetSearch = PublishedMethod(Application->mainForm(), published_by_host::resetSearch);
     for (TClientDataSetEx *dataSet : ownedComponents<TClientDataSetEx>(*this))
         dataSet->setRemoteServer(dm_BasicData->HostConnection);
 }
@@ -36,7 +37,7 @@ void Tfrm_Basic::FormCreate()
 void Tfrm_Basic::FormActivate()
 {
     if (!SuppressHostNotify)
-        notifyHost(hostFormActivated);
+        notifyHost(this, hostFormActivated);
     resetSearch();
 }
 
@@ -54,7 +55,7 @@ void Tfrm_Basic::FormClose(TCloseAction &action)
     }
     for (TClientDataSetEx *dataSet : dataSets)
         dataSet->close();
-    notifyHost(hostFormClosed);
+    notifyHost(this, hostFormClosed);
     if (FormVariable)
         *FormVariable = nullptr;
     action = TCloseAction::Free;
@@ -97,5 +98,3 @@ void Tfrm_Basic::SetCurrentView(TDataView *view)
 }
 
 void Tfrm_Basic::resetSearch() const { ResetSearch.call(CurrentView ? CurrentView->DataViewGrid : nullptr); }
-
-void Tfrm_Basic::notifyHost(HostMessage message) { Application->mainForm()->perform(message, reinterpret_cast<quintptr>(this), 0); }

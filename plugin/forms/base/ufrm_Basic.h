@@ -7,9 +7,6 @@
 
 #include <QAbstractButton>
 
-/// Messages that a screen sends to the host's main window, with itself as the first parameter.
-enum HostMessage : int { hostFormActivated = 1124, hostFormClosed = 1125, hostFormCreating = 1127 };
-
 /// The contract between a screen and the host: tells it when the screen is created, activated and closed, what is current on it,
 /// and guards unsaved edits. Every client dataset of a screen runs over the host's connection.
 class Tfrm_Basic : public TForm {
@@ -45,7 +42,6 @@ private:
     QObject *queryButton() const { return QueryButton; }
     void SetCurrentView(TDataView *view);
     void resetSearch() const;
-    void notifyHost(HostMessage message);
     void FormDestroy();
 
     bool SuppressHostNotify = false;
