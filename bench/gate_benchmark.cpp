@@ -55,10 +55,15 @@ int main()
     sqlite3_exec(opened, createTables, nullptr, nullptr, nullptr);
     engine::registerOracleFunctions(opened);
 
-    const engine::gate::TableSet tables { "TAB_SCAN_COME", "TAB_BILL" };
+    const engine::gate::Schema schema {
+        { "TAB_SCAN_COME",
+            { "BILL_CODE", "SUB_BILL_CODE", "OWNER_BAG_NO", "SCAN_TYPE", "SCAN_SITE", "SCAN_DATE", "SCAN_MAN", "PIECE", "WEIGHT",
+                "CLASS" } },
+        { "TAB_BILL", { "BILL_CODE", "TOPAYMENT" } },
+    };
     const std::string whole = statement(800);
     const std::string half = statement(400);
-    const auto read = [&tables](const std::string &sql) { return engine::sqliteText(sql, engine::gate::check(sql, tables)); };
+    const auto read = [&schema](const std::string &sql) { return engine::sqliteText(sql, engine::gate::check(sql, schema)); };
     const std::string written = read(whole);
     std::size_t bytes = 0; // keeps the work from being left out
     const auto repeat = [](auto work) {

@@ -27,15 +27,19 @@ struct Job {
     }
 };
 
+/// Whether a table is among these names; no names: all are wanted.
+bool isWanted(std::string_view table, const std::vector<std::string> &names);
+
 /// One connection to a database, read-only. It runs one statement at a time and keeps nothing of it afterwards.
 class Connection {
 public:
     virtual ~Connection() = default;
     virtual Dialect dialect() const = 0;
-    /// The names of the tables and views that it may read, in capitals.
-    virtual gate::TableSet readTables() = 0;
-    /// From here on only these tables may be read.
-    virtual void restrictTo(const gate::TableSet &) { }
+    /// The tables and views with these names, or all of its own schema when there are none, with their columns; what it may not
+    /// read is left out. Throws Error(Unavailable).
+    virtual gate::Schema readTables(const std::vector<std::string> &names) = 0;
+    /// From here on only these tables may be read; they live as long as the connection.
+    virtual void restrictTo(const gate::Schema &) { }
     /// The rows; null when they went to a sink. Throws Error.
     virtual packet::PacketPtr run(const Job &job) = 0;
     /// False when it is to be thrown away after a statement.

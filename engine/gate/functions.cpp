@@ -1,5 +1,7 @@
 #include "engine/gate/functions.h"
 
+#include "engine/gate/schema.h"
+
 #include <algorithm>
 
 namespace engine::gate {
@@ -44,14 +46,12 @@ constexpr Function functions[] = {
     { "UPPER", FunctionResult::Text, 1, 1 },
 };
 
-constexpr char upper(char letter) { return letter >= 'a' && letter <= 'z' ? char(letter - 32) : letter; }
-
 /// Compares a name in capitals with one in any case.
 int compared(std::string_view capitals, std::string_view name)
 {
     const std::size_t common = std::min(capitals.size(), name.size());
     for (std::size_t position = 0; position < common; ++position) {
-        if (const int difference = capitals[position] - upper(name[position]))
+        if (const int difference = capitals[position] - capital(name[position]))
             return difference;
     }
     return int(capitals.size()) - int(name.size());

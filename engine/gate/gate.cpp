@@ -25,7 +25,7 @@ std::string placeOf(std::string_view text, std::size_t position)
 
 } // namespace
 
-std::vector<Finding> check(std::string_view sql, const TableSet &tables)
+std::vector<Finding> check(std::string_view sql, const Schema &schema)
 {
     if (sql.size() > largestStatement)
         refuse("长度 " + std::to_string(sql.size()) + " 字节，超过 65536 字节的上限，请减少条件或单号");
@@ -33,7 +33,7 @@ std::vector<Finding> check(std::string_view sql, const TableSet &tables)
         const std::vector<Token> tokens = tokensOf(sql);
         if (tokens.size() == 1)
             refuse("语句是空的，请先给出一条查询语句");
-        return Parser(sql, tokens, tables).run();
+        return Parser(sql, tokens, schema).run();
     } catch (const Refusal &refusal) {
         refuse(placeOf(sql, refusal.position()) + refusal.what());
     }
@@ -42,8 +42,7 @@ std::vector<Finding> check(std::string_view sql, const TableSet &tables)
 std::string upperCase(std::string_view text)
 {
     std::string upper(text);
-    std::transform(
-        upper.begin(), upper.end(), upper.begin(), [](char letter) { return letter >= 'a' && letter <= 'z' ? char(letter - 32) : letter; });
+    std::transform(upper.begin(), upper.end(), upper.begin(), capital);
     return upper;
 }
 

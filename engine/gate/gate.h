@@ -1,9 +1,10 @@
 #pragma once
 
+#include "engine/gate/schema.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 #include <vector>
 
 /// The one authority over statements: nothing reaches a database that has not been read here from end to end.
@@ -48,12 +49,9 @@ struct Finding {
     std::int64_t limit = 0;
 };
 
-/// Names of tables, in capitals.
-using TableSet = std::unordered_set<std::string>;
-
-/// Reads exactly one Oracle SELECT over the given tables. Takes time in proportion to its length.
+/// Reads exactly one Oracle SELECT over the given tables and their columns. Takes time in proportion to its length.
 /// Throws engine::Error(Refused), which says what is wrong and where.
-std::vector<Finding> check(std::string_view sql, const TableSet &tables);
+std::vector<Finding> check(std::string_view sql, const Schema &schema);
 
 std::string upperCase(std::string_view text);
 

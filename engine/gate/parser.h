@@ -3,6 +3,7 @@
 #include "engine/gate/functions.h"
 #include "engine/gate/gate.h"
 #include "engine/gate/lexer.h"
+#include "engine/gate/scopes.h"
 
 #include <algorithm>
 
@@ -11,7 +12,7 @@ namespace engine::gate {
 /// A recursive-descent parser of the Oracle SELECT subset. Recursion grows with nesting alone, never with length.
 class Parser {
 public:
-    Parser(std::string_view text, const std::vector<Token> &tokens, const TableSet &tables);
+    Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema);
     /// Throws Refusal.
     std::vector<Finding> run();
 
@@ -28,8 +29,10 @@ private:
 
     /// One select, from "select" to what stands before the next set operation.
     struct Block {
+        Scopes::Number scope = Scopes::none;
         std::uint32_t begin = 0;
         std::uint32_t end = 0;
+        Scopes::Clause clause = Scopes::Clause::Expression; ///< being read
         Operand firstItem {};
         int items = 0;
         int rownums = 0; ///< not yet understood as a limit
@@ -42,7 +45,7 @@ private:
     // queries
     Operand parseSubquery(Place place);
     Kind parseQuery(Place place);
-    Block parseBlock(Place place);
+    Block parseBlock(Place place, Scopes::Number parent);
     void parseSelectList(Block &block, Place place);
     void parseItem(Block &block, Place place);
     void parseFrom();
@@ -50,13 +53,14 @@ private:
     void parseJoinedTable();
     void parseTable();
     void parseOrderBy();
+    void parseGroupBy();
     void parseSortKey();
     void finishBlock(const Block &block, Place place);
     void finishArm(const Block &block);
     bool isSetOperation() const;
     void acceptSetOperation();
     bool acceptJoin(bool &conditional);
-    bool acceptTableAlias();
+    std::string_view acceptTableAlias();
 
     // conditions and expressions
     Operand parseCondition(bool conjunction = false);
@@ -72,6 +76,7 @@ private:
     Operand parseParenthesis();
     Operand parseCase();
     Operand parseName();
+    Operand parseColumnName();
     Operand parseCall(const Token &name);
     Kind parseArguments(const Function &function, const Token &name);
     Operand added(const Operand &left, const Token &sign, const Operand &right);
@@ -88,12 +93,14 @@ private:
     bool isName(Symbol symbol) const;
     const Token &takeName(std::string_view description);
     std::string_view textOf(const Token &token) const { return m_text.substr(token.begin, token.end - token.begin); }
+    std::string_view nameOf(const Token &token) const; ///< without quotes
     void find(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit = 0);
     [[noreturn]] void refuse(std::string_view expected) const;
 
     std::string_view m_text;
     const std::vector<Token> &m_tokens;
-    const TableSet &m_tables;
+    const Schema &m_schema;
+    Scopes m_scopes {};
     std::size_t m_next = 0;
     int m_depth = 0;
     Block *m_block = nullptr;

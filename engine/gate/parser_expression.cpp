@@ -252,14 +252,20 @@ Parser::Operand Parser::parseCase()
 
 Parser::Operand Parser::parseName()
 {
-    const Token &name = takeName("列名、数值或表达式");
-    if (at(Symbol::LeftParenthesis))
-        return parseCall(name);
-    if (accept(Symbol::Dot))
-        takeName("列名");
+    if (peek(1).symbol == Symbol::LeftParenthesis)
+        return parseCall(takeName("列名、数值或表达式"));
+    return parseColumnName();
+}
+
+Parser::Operand Parser::parseColumnName()
+{
+    const Token &first = takeName("列名、数值或表达式");
+    const bool qualified = accept(Symbol::Dot);
+    const Token &column = qualified ? takeName("列名") : first;
     if (at(Symbol::Dot) || at(Symbol::LeftParenthesis))
         refuse("“表.列”形式的列名");
-    return { name.begin, lastEnd(), Kind::Unknown, false };
+    m_scopes.use({ qualified ? nameOf(first) : std::string_view(), nameOf(column), first.begin, m_block->scope, m_block->clause });
+    return { first.begin, lastEnd(), Kind::Unknown, false };
 }
 
 Parser::Operand Parser::parseCall(const Token &name)

@@ -2,10 +2,10 @@
 
 namespace engine::gate {
 
-Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const TableSet &tables)
+Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema)
     : m_text(text)
     , m_tokens(tokens)
-    , m_tables(tables)
+    , m_schema(schema)
 {
     m_findings.reserve(64);
 }
@@ -17,6 +17,7 @@ std::vector<Finding> Parser::run()
     parseQuery(Place::Top);
     if (!at(Symbol::End))
         refuse("语句到此结束");
+    m_scopes.resolve(m_tokens.size());
     return std::move(m_findings);
 }
 
@@ -35,7 +36,10 @@ Parser::Operand Parser::parseSubquery(Place place)
 Parser::Kind Parser::parseQuery(Place place)
 {
     Block *const outer = m_block;
-    Block first = parseBlock(place);
+    // What stands beside a subquery in a from clause is not visible in it.
+    const Scopes::Number around = outer ? outer->scope : Scopes::none;
+    const Scopes::Number parent = place == Place::Derived ? m_scopes.parentOf(around) : around;
+    Block first = parseBlock(place, parent);
     m_block = &first;
     bool onlyArm = true;
     bool united = false;
@@ -51,7 +55,9 @@ Parser::Kind Parser::parseQuery(Place place)
         onlyArm = false;
         if (!at(Symbol::Select))
             refuse("select");
-        finishArm(parseBlock(Place::Derived));
+        const Block arm = parseBlock(Place::Derived, parent);
+        m_scopes.addArm(first.scope, arm.scope);
+        finishArm(arm);
     }
     const int rownums = first.rownums;
     if (accept(Symbol::Order))
@@ -75,9 +81,9 @@ void Parser::acceptSetOperation()
         accept(Symbol::All);
 }
 
-Parser::Block Parser::parseBlock(Place place)
+Parser::Block Parser::parseBlock(Place place, Scopes::Number parent)
 {
-    Block block { .begin = take().begin };
+    Block block { .scope = m_scopes.open(parent), .begin = take().begin };
     Block *const outer = m_block;
     m_block = &block;
     block.merged = accept(Symbol::Distinct);
@@ -89,16 +95,14 @@ Parser::Block Parser::parseBlock(Place place)
         parseCondition(true);
     if (accept(Symbol::Group)) {
         block.merged = true;
-        expect(Symbol::By, "by");
-        do {
-            parseSum();
-        } while (accept(Symbol::Comma));
+        parseGroupBy();
     }
     if (accept(Symbol::Having)) {
         block.merged = true;
         parseCondition();
     }
     block.end = lastEnd();
+    m_scopes.close(block.scope, !block.merged && !block.aggregate);
     m_block = outer;
     return block;
 }
@@ -116,6 +120,7 @@ void Parser::parseItem(Block &block, Place place)
     const bool qualified = isName(peek().symbol) && peek(1).symbol == Symbol::Dot && peek(2).symbol == Symbol::Star;
     if (at(Symbol::Star) || qualified) {
         ++block.items; // A star stands for any number of columns.
+        m_scopes.addStar(block.scope, qualified ? nameOf(peek()) : std::string_view(), peek().begin);
         if (qualified) {
             takeName("名称");
             take();
@@ -123,19 +128,24 @@ void Parser::parseItem(Block &block, Place place)
         take();
         return;
     }
+    const std::size_t firstToken = m_next;
+    const std::uint32_t firstUse = m_scopes.usesSoFar();
     const Operand item = parseSum();
+    const std::size_t tokens = m_next - firstToken;
     if (block.items == 1)
         block.firstItem = item;
+    std::string_view name = item.computed ? std::string_view() : nameOf(m_tokens[m_next - 1]);
     if (accept(Symbol::As) || isName(peek().symbol))
-        takeName("列的别名");
+        name = nameOf(takeName("列的别名"));
     else if (place == Place::Top && item.computed)
         find(Construct::UnnamedColumn, item.begin, item.end);
+    m_scopes.addColumn(block.scope, name, firstUse, tokens);
 }
 
 void Parser::parseFrom()
 {
     const Token &from = expect(Symbol::From, "from");
-    const bool dual = at(Symbol::Name) && upperCase(textOf(peek())) == "DUAL" && !m_tables.contains("DUAL");
+    const bool dual = at(Symbol::Name) && NameEqual()(textOf(peek()), "DUAL") && !m_schema.contains("DUAL");
     if (!dual)
         return parseTableList();
     take();
@@ -165,7 +175,7 @@ void Parser::parseJoinedTable()
             expect(Symbol::Using, "on 或 using");
             expect(Symbol::LeftParenthesis, "左括号");
             do {
-                takeName("列名");
+                parseColumnName();
             } while (accept(Symbol::Comma));
             expect(Symbol::RightParenthesis, "右括号");
         }
@@ -194,9 +204,12 @@ bool Parser::acceptJoin(bool &conditional)
 void Parser::parseTable()
 {
     if (at(Symbol::LeftParenthesis) && peek(1).symbol == Symbol::Select) {
+        const Scopes::Number derived = m_scopes.next();
         const Operand table = parseSubquery(Place::Derived);
-        if (!acceptTableAlias())
+        const std::string_view alias = acceptTableAlias();
+        if (alias.empty())
             find(Construct::UnnamedTable, table.begin, table.end);
+        m_scopes.addDerived(m_block->scope, alias, derived, table.begin);
         return;
     }
     if (at(Symbol::LeftParenthesis)) {
@@ -207,28 +220,39 @@ void Parser::parseTable()
         return;
     }
     const Token &name = takeName("表名");
-    std::string table = upperCase(textOf(name));
-    if (name.symbol == Symbol::QuotedName)
-        table = table.substr(1, table.size() - 2);
-    if (!m_tables.contains(table))
-        throw Refusal(name.begin, "的表“" + table + "”不在允许查询的表之列");
-    acceptTableAlias();
+    const auto table = m_schema.find(nameOf(name));
+    if (table == m_schema.end())
+        throw Refusal(name.begin, "的表“" + upperCase(nameOf(name)) + "”不在允许查询的表之列");
+    const std::string_view alias = acceptTableAlias();
+    m_scopes.addTable(m_block->scope, alias.empty() ? nameOf(name) : alias, table->second, name.begin);
 }
 
-bool Parser::acceptTableAlias()
+/// Empty when there is none.
+std::string_view Parser::acceptTableAlias()
 {
     if (!accept(Symbol::As) && !isName(peek().symbol))
-        return false;
-    takeName("表的别名");
-    return true;
+        return {};
+    return nameOf(takeName("表的别名"));
+}
+
+void Parser::parseGroupBy()
+{
+    expect(Symbol::By, "by");
+    m_block->clause = Scopes::Clause::Key;
+    do {
+        parseSum();
+    } while (accept(Symbol::Comma));
+    m_block->clause = Scopes::Clause::Expression;
 }
 
 void Parser::parseOrderBy()
 {
     expect(Symbol::By, "by");
+    m_block->clause = Scopes::Clause::Key;
     do {
         parseSortKey();
     } while (accept(Symbol::Comma));
+    m_block->clause = Scopes::Clause::Expression;
 }
 
 void Parser::parseSortKey()
@@ -313,6 +337,12 @@ const Token &Parser::takeName(std::string_view description)
     else if (at(Symbol::QuotedName))
         find(Construct::QuotedName, peek().begin, peek().end);
     return take();
+}
+
+std::string_view Parser::nameOf(const Token &token) const
+{
+    const std::string_view text = textOf(token);
+    return token.symbol == Symbol::QuotedName ? text.substr(1, text.size() - 2) : text;
 }
 
 void Parser::find(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit)

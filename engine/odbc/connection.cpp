@@ -25,6 +25,17 @@ void setTimeLimit(const Handle &statement, Clock::time_point deadline)
         SQLSetStmtAttr(statement, SQL_ATTR_QUERY_TIMEOUT, attribute(SQLULEN(std::max<std::int64_t>(left, 1))), 0);
 }
 
+/// A short text of the row at hand; empty for null.
+std::string valueOf(const Handle &statement, SQLUSMALLINT column)
+{
+    char value[512] = {};
+    SQLLEN bytes = 0;
+    std::string buffer;
+    if (!SQL_SUCCEEDED(SQLGetData(statement, column, statement.textType(), value, sizeof value, &bytes)) || bytes <= 0)
+        return {};
+    return std::string(odbc::textOf(statement.encoding(), value, std::min(std::size_t(bytes), sizeof value), buffer));
+}
+
 } // namespace
 
 OdbcConnection::OdbcConnection(const std::string &parameters)
@@ -107,40 +118,59 @@ std::string OdbcConnection::information(SQLUSMALLINT type) const
     return text;
 }
 
-gate::TableSet OdbcConnection::readTables()
+gate::Schema OdbcConnection::readTables(const std::vector<std::string> &names)
 {
-    const Handle statement = newStatement();
-    const SQLUSMALLINT nameColumn = listTables(statement);
-    gate::TableSet tables;
-    while (SQL_SUCCEEDED(SQLFetch(statement))) {
-        char value[512] = {};
-        SQLLEN bytes = 0;
-        std::string buffer;
-        if (SQL_SUCCEEDED(SQLGetData(statement, nameColumn, statement.textType(), value, sizeof value, &bytes)) && bytes > 0)
-            tables.insert(gate::upperCase(odbc::textOf(m_encoding, value, std::min(std::size_t(bytes), sizeof value), buffer)));
+    gate::Schema schema;
+    if (m_dialect == Dialect::Postgresql) {
+        const Handle statement = newStatement();
+        if (!odbc::execute(statement, postgresqlColumns))
+            odbc::fail(statement);
+        while (SQL_SUCCEEDED(SQLFetch(statement))) {
+            const std::string table = gate::upperCase(valueOf(statement, 1));
+            if (isWanted(table, names))
+                schema[table].insert(gate::upperCase(valueOf(statement, 2)));
+        }
+    } else {
+        for (const std::string &name : names.empty() ? listTables() : names) {
+            const std::string table = gate::upperCase(name);
+            if (gate::ColumnSet columns = readColumns(table); !columns.empty())
+                schema.emplace(table, std::move(columns));
+        }
     }
     rollBack();
     m_hasWaited = true;
-    return tables;
+    return schema;
 }
 
-/// Asks for the tables and returns the column with their names. In an Oracle-class database they are the account's own: the
-/// catalogue lists those of the system beside them.
-SQLUSMALLINT OdbcConnection::listTables(const Handle &statement) const
+/// The names of the tables. In an Oracle-class database they are the account's own: the catalogue lists those of the system
+/// beside them.
+std::vector<std::string> OdbcConnection::listTables() const
 {
     constexpr SQLUSMALLINT nameOfTable = 3;
-    if (m_dialect == Dialect::Postgresql) {
-        if (!odbc::execute(statement, postgresqlTables))
-            odbc::fail(statement);
-        return 1;
-    }
+    const Handle statement = newStatement();
     auto schema = odbc::wideOf(gate::upperCase(information(SQL_USER_NAME)));
     auto name = odbc::wideOf("%");
     auto types = odbc::wideOf("TABLE,VIEW");
     if (!SQL_SUCCEEDED(SQLTablesW(statement, nullptr, 0, m_dialect == Dialect::Oracle ? schema.data() : nullptr, SQL_NTS, name.data(),
             SQL_NTS, types.data(), SQL_NTS)))
         odbc::fail(statement);
-    return nameOfTable;
+    std::vector<std::string> tables;
+    while (SQL_SUCCEEDED(SQLFetch(statement)))
+        tables.push_back(valueOf(statement, nameOfTable));
+    return tables;
+}
+
+/// None of a table that is not there or may not be read. A synonym has them too, though no catalogue lists them under its name.
+gate::ColumnSet OdbcConnection::readColumns(const std::string &table) const
+{
+    const Handle statement = newStatement();
+    gate::ColumnSet columns;
+    SQLSMALLINT count = 0;
+    if (table.find('"') == std::string::npos && odbc::execute(statement, "select * from \"" + table + "\" where 1=0"))
+        SQLNumResultCols(statement, &count);
+    for (SQLSMALLINT column = 1; column <= count; ++column)
+        columns.insert(odbc::describe(statement, SQLUSMALLINT(column)).name);
+    return columns;
 }
 
 packet::PacketPtr OdbcConnection::run(const Job &job)

@@ -14,7 +14,7 @@ public:
 
     /// By the name of the database system; what is neither PostgreSQL nor SQLite gets Oracle's words.
     Dialect dialect() const override { return m_dialect; }
-    gate::TableSet readTables() override;
+    gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;
     bool isUsable() const override { return m_usable; }
 
@@ -25,7 +25,8 @@ private:
     void findEncoding();
     odbc::Handle newStatement() const;
     std::string information(SQLUSMALLINT type) const;
-    SQLUSMALLINT listTables(const odbc::Handle &statement) const;
+    std::vector<std::string> listTables() const;
+    gate::ColumnSet readColumns(const std::string &table) const;
     packet::PacketPtr execute(const Job &job);
     bool answers() const;
     bool isLost(const Error &error) const;

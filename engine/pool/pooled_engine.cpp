@@ -37,19 +37,14 @@ PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
 {
     auto first = m_open();
     m_dialect = first->dialect();
-    m_tables = first->readTables();
-    if (!options.tables.empty()) {
-        m_tables.clear();
-        for (const std::string &table : options.tables)
-            m_tables.insert(gate::upperCase(table));
-    }
-    first->restrictTo(m_tables);
+    m_schema = first->readTables(options.tables);
+    first->restrictTo(m_schema);
     m_idle.push_back(std::move(first));
 }
 
 packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
 {
-    std::string text = textFor(m_dialect, sql, gate::check(sql, m_tables));
+    std::string text = textFor(m_dialect, sql, gate::check(sql, m_schema));
     // One row more than wanted, so that a cut is known.
     if (m_dialect == Dialect::Postgresql && options.rowLimit < std::numeric_limits<std::int64_t>::max())
         text = postgresqlFirstRows(text, options.rowLimit + 1);
@@ -84,7 +79,7 @@ std::unique_ptr<Connection> PooledEngine::acquire(const std::stop_token &stop, C
 std::unique_ptr<Connection> PooledEngine::openAnother()
 {
     auto connection = m_open();
-    connection->restrictTo(m_tables);
+    connection->restrictTo(m_schema);
     return connection;
 }
 

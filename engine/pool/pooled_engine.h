@@ -28,7 +28,7 @@ private:
     Opener m_open;
     std::size_t m_limit;
     Dialect m_dialect {};
-    gate::TableSet m_tables;
+    gate::Schema m_schema;
     std::mutex m_mutex;
     std::condition_variable_any m_released;
     std::vector<std::unique_ptr<Connection>> m_idle;

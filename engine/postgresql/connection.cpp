@@ -28,15 +28,18 @@ PostgresqlConnection::PostgresqlConnection(const std::string &url)
         failUnavailable("无法连接数据库");
 }
 
-gate::TableSet PostgresqlConnection::readTables()
+gate::Schema PostgresqlConnection::readTables(const std::vector<std::string> &names)
 {
-    const Result result = execute(std::string(postgresqlTables));
+    const Result result = execute(std::string(postgresqlColumns));
     if (PQresultStatus(result.get()) != PGRES_TUPLES_OK)
         failUnavailable("无法读取数据库的表");
-    gate::TableSet tables;
-    for (int row = 0; row < PQntuples(result.get()); ++row)
-        tables.insert(gate::upperCase(PQgetvalue(result.get(), row, 0)));
-    return tables;
+    gate::Schema schema;
+    for (int row = 0; row < PQntuples(result.get()); ++row) {
+        const char *const table = PQgetvalue(result.get(), row, 0);
+        if (isWanted(table, names))
+            schema[gate::upperCase(table)].insert(gate::upperCase(PQgetvalue(result.get(), row, 1)));
+    }
+    return schema;
 }
 
 packet::PacketPtr PostgresqlConnection::run(const Job &job)

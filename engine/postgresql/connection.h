@@ -14,7 +14,7 @@ public:
     explicit PostgresqlConnection(const std::string &url);
 
     Dialect dialect() const override { return Dialect::Postgresql; }
-    gate::TableSet readTables() override;
+    gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;
     bool isUsable() const override { return m_usable; }
 

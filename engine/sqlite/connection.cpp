@@ -64,22 +64,40 @@ void SqliteConnection::configure()
     sqlite3_progress_handler(database, stepsBetweenChecks, onProgress, this);
 }
 
-gate::TableSet SqliteConnection::readTables()
+gate::Schema SqliteConnection::readTables(const std::vector<std::string> &names)
 {
-    gate::TableSet tables;
-    const auto addTable = [](void *set, int, char **values, char **) {
-        static_cast<gate::TableSet *>(set)->insert(gate::upperCase(values[0]));
+    std::vector<std::string> tables;
+    const auto addTable = [](void *found, int, char **values, char **) {
+        static_cast<std::vector<std::string> *>(found)->push_back(gate::upperCase(values[0]));
         return 0;
     };
     const char *const sql = "select name from sqlite_schema where type in ('table','view') and name not like 'sqlite!_%' escape '!'";
     if (sqlite3_exec(m_database.get(), sql, addTable, &tables, nullptr) != SQLITE_OK)
         throw Error(Failure::Unavailable, "文件 " + m_path + " 不是可用的数据库：" + sqlite3_errmsg(m_database.get()) + "；请检查文件");
-    return tables;
+    gate::Schema schema;
+    for (const std::string &table : tables) {
+        if (isWanted(table, names))
+            schema.emplace(table, readColumns(table));
+    }
+    return schema;
 }
 
-void SqliteConnection::restrictTo(const gate::TableSet &tables)
+/// None for a view whose tables are gone.
+gate::ColumnSet SqliteConnection::readColumns(const std::string &table)
 {
-    m_tables = &tables;
+    sqlite3_stmt *prepared = nullptr;
+    sqlite3_prepare_v2(m_database.get(), "select name from pragma_table_xinfo(?) where hidden<>1", -1, &prepared, nullptr);
+    const Statement statement(prepared);
+    sqlite3_bind_text(prepared, 1, table.c_str(), -1, SQLITE_TRANSIENT);
+    gate::ColumnSet columns;
+    while (sqlite3_step(prepared) == SQLITE_ROW)
+        columns.insert(gate::upperCase(reinterpret_cast<const char *>(sqlite3_column_text(prepared, 0))));
+    return columns;
+}
+
+void SqliteConnection::restrictTo(const gate::Schema &schema)
+{
+    m_schema = &schema;
     sqlite3_set_authorizer(m_database.get(), authorize, this);
 }
 
@@ -139,6 +157,10 @@ void SqliteConnection::fail()
     const std::string words = sqlite3_errmsg(m_database.get());
     if (code == SQLITE_NOTADB || code == SQLITE_CORRUPT || code == SQLITE_CANTOPEN || code == SQLITE_IOERR)
         throw Error(Failure::Unavailable, "数据库 " + m_path + " 无法读取：" + words);
+    // Its parser counts everything that is still open, so how deep it gets depends on what stands around.
+    if (words == "parser stack overflow" || words.starts_with("Expression tree is too large"))
+        throw Error(
+            Failure::Refused, "语句被拒绝：括号、函数或子查询嵌套太深，或一串条件、运算超过 1000 项，这个数据库读不了，请拆开或减少");
     throw Error(Failure::Database, "数据库报告错误：" + words);
 }
 
@@ -160,8 +182,11 @@ int SqliteConnection::authorizeAction(int action, const char *first, const char 
 {
     if (action == SQLITE_SELECT)
         return SQLITE_OK;
-    if (action == SQLITE_READ)
-        return m_tables->contains(gate::upperCase(first)) ? SQLITE_OK : SQLITE_DENY;
+    if (action == SQLITE_READ) {
+        // Without a column the rows are counted.
+        const auto table = m_schema->find(std::string_view(first));
+        return table != m_schema->end() && (!*second || table->second.contains(std::string_view(second))) ? SQLITE_OK : SQLITE_DENY;
+    }
     if (action == SQLITE_FUNCTION) {
         const auto isNamed = [second](std::string_view helper) { return helper == second; };
         const bool helper = std::any_of(std::begin(helperFunctions), std::end(helperFunctions), isNamed);

@@ -17,8 +17,8 @@ public:
     ~SqliteConnection() override;
 
     Dialect dialect() const override { return Dialect::Sqlite; }
-    gate::TableSet readTables() override;
-    void restrictTo(const gate::TableSet &tables) override;
+    gate::Schema readTables(const std::vector<std::string> &names) override;
+    void restrictTo(const gate::Schema &schema) override;
     packet::PacketPtr run(const Job &job) override;
 
 private:
@@ -31,6 +31,7 @@ private:
     using Statement = std::unique_ptr<sqlite3_stmt, FinalizeStatement>;
 
     void configure();
+    gate::ColumnSet readColumns(const std::string &table);
     Statement prepare(const std::string &sql);
     packet::PacketPtr readRows(sqlite3_stmt *statement);
     int step(sqlite3_stmt *statement);
@@ -43,7 +44,7 @@ private:
 
     std::string m_path;
     std::unique_ptr<sqlite3, CloseDatabase> m_database;
-    const gate::TableSet *m_tables = nullptr;
+    const gate::Schema *m_schema = nullptr;
     const Job *m_job = nullptr; ///< that of run(), while it runs
 };
 
