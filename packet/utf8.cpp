@@ -1,5 +1,6 @@
 #include "packet/utf8.h"
 
+#include <algorithm>
 #include <bit>
 #include <cstdint>
 #include <cstring>
@@ -35,6 +36,23 @@ std::size_t characterSize(const unsigned char *bytes, std::size_t left)
 std::size_t characterSize(std::string_view text)
 {
     return text.empty() ? 0 : characterSize(reinterpret_cast<const unsigned char *>(text.data()), text.size());
+}
+
+std::string_view characterAt(std::string_view text, std::size_t position)
+{
+    const std::string_view rest = text.substr(position);
+    return rest.substr(0, std::max<std::size_t>(characterSize(rest), 1));
+}
+
+char32_t codePointOf(std::string_view character)
+{
+    const auto first = std::uint8_t(character.front());
+    if (character.size() == 1)
+        return first;
+    char32_t code = first & (0x7Fu >> character.size());
+    for (const char following : character.substr(1))
+        code = code << 6 | (std::uint8_t(following) & 0x3F);
+    return code;
 }
 
 bool isUtf8(std::string_view text)
