@@ -8,23 +8,27 @@ namespace engine {
 /// fill the memory.
 class BlockBytes {
 public:
-    explicit BlockBytes(std::size_t mostMegabytes)
-        : m_mostMegabytes(mostMegabytes)
+    /// `memoryLimit`: of the statement. A block is held several times: as it arrives, as it is built and as it is sent.
+    explicit BlockBytes(std::size_t memoryLimit)
+        : m_most(memoryLimit / 4)
     {
     }
+    std::size_t bytes() const { return m_bytes; }
     /// Throws Error(Database) when the block becomes too large.
     void addRow(std::size_t bytes)
     {
         m_bytes += bytes;
-        if (m_bytes > m_mostMegabytes * 1024 * 1024)
+        if (m_bytes > m_most)
             throw Error(
-                Failure::Database, "结果中的文字太长，连续 8192 行超过了 " + std::to_string(m_mostMegabytes) + " MB，请减少列数或缩短文字");
-        if (++m_rows == packet::Packet::blockRows)
-            *this = BlockBytes(m_mostMegabytes);
+                Failure::Database, "结果中的文字太长，连续 8192 行超过了 " + std::to_string(m_most >> 20) + " MB，请减少列数或缩短文字");
+        if (++m_rows == packet::Packet::blockRows) {
+            m_rows = 0;
+            m_bytes = 0;
+        }
     }
 
 private:
-    std::size_t m_mostMegabytes;
+    std::size_t m_most;
     std::uint32_t m_rows = 0; ///< of the block at hand
     std::size_t m_bytes = 0;
 };

@@ -17,6 +17,7 @@ namespace engine {
 struct QueryOptions {
     std::stop_token stop {}; ///< a stop request ends the statement within milliseconds, as Failure::Cancelled
     std::chrono::milliseconds timeLimit = std::chrono::minutes(10);
+    std::size_t memoryLimit = 256 * 1024 * 1024; ///< bytes in this process; a statement that needs more ends as Failure::Database
     std::int64_t rowLimit = std::numeric_limits<std::int64_t>::max(); ///< further rows are cut and the packet says so
     std::function<void(std::int64_t rows)> progress {}; ///< called now and then on the querying thread
 };

@@ -31,7 +31,7 @@ void write(DialectWriter &writer, const gate::Finding &finding)
 {
     switch (finding.construct) {
     case Construct::Concat:
-        return writer.wrap(finding, "nullif(concat(kelvara.oracle_text(", ")),'')");
+        return writer.wrap(finding, "nullif(concat(kelvara.oracle_text(", "))::kelvara.varchar2,'')");
     case Construct::ConcatSign:
         return writer.replace(finding, "),kelvara.oracle_text(");
     case Construct::FunctionName:

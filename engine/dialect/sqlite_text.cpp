@@ -14,6 +14,12 @@ std::string functionName(std::string_view name)
     return gate::upperCase(name) == "NVL" ? "ifnull" : std::string(name);
 }
 
+/// A number as it is written, such as 100 or 1.5, that is not zero.
+bool isPlainNumber(std::string_view text)
+{
+    return text.find_first_not_of("0123456789.") == std::string_view::npos && text.find_first_not_of("0.") != std::string_view::npos;
+}
+
 void write(DialectWriter &writer, const gate::Finding &finding)
 {
     switch (finding.construct) {
@@ -27,6 +33,10 @@ void write(DialectWriter &writer, const gate::Finding &finding)
         return writer.replace(finding, "datetime('now','localtime')");
     case Construct::ReservedName:
         return writer.wrap(finding, "\"", "\"");
+    case Construct::Divisor:
+        if (!isPlainNumber(writer.partOf(finding)))
+            writer.wrap(finding, "oracle_divisor(", ")");
+        return;
     case Construct::SortKey:
         return writer.close(finding.end, " nulls last");
     case Construct::SortKeyDescending:

@@ -20,6 +20,7 @@ enum class Construct : std::uint8_t {
     Concat, ///< a whole a||b||...; `||` treats null as the empty text
     ConcatSign, ///< one || of it
     Division, ///< the sign; whole numbers divide to fractions
+    Divisor, ///< what it divides by; zero is an error
     DatePlus, ///< a whole sum of a date and days
     DateMinus, ///< a whole difference of a date and days, or of two dates
     DateSign, ///< its + or -

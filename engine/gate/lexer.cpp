@@ -1,6 +1,7 @@
 #include "engine/gate/lexer.h"
 
 #include "engine/gate/utf8.h"
+#include "packet/utf8.h"
 
 #include <array>
 #include <cstring>
@@ -104,6 +105,11 @@ private:
 bool isLetter(char character) { return (character >= 'a' && character <= 'z') || (character >= 'A' && character <= 'Z'); }
 bool isDigit(char character) { return character >= '0' && character <= '9'; }
 
+bool isHan(char32_t code)
+{
+    return (code >= 0x4E00 && code <= 0x9FFF) || (code >= 0x3400 && code <= 0x4DBF) || (code >= 0x20000 && code <= 0x3134F);
+}
+
 class Lexer {
 public:
     explicit Lexer(std::string_view text)
@@ -193,9 +199,10 @@ private:
             if (isLetter(character) || isDigit(character) || character == '_') {
                 ++position;
             } else if (std::uint8_t(character) >= 0x80) {
-                if (!isHan(codePointAt(m_text, position)))
-                    throw Refusal(position, "的字符“" + std::string(characterAt(m_text, position)) + "”不能出现在引号之外");
-                position += characterAt(m_text, position).size();
+                const std::string_view wide = packet::characterAt(m_text, position);
+                if (!isHan(packet::codePointOf(wide)))
+                    throw Refusal(position, "的字符“" + std::string(wide) + "”不能出现在引号之外");
+                position += wide.size();
             } else {
                 break;
             }

@@ -167,9 +167,12 @@ Parser::Operand Parser::parseProduct()
     Operand left = parseSign();
     while (at(Symbol::Star) || at(Symbol::Slash)) {
         const Token &sign = take();
-        if (sign.symbol == Symbol::Slash)
+        const Operand right = parseSign();
+        if (sign.symbol == Symbol::Slash) {
             find(Construct::Division, sign.begin, sign.end);
-        left = { left.begin, parseSign().end, Kind::Number };
+            find(Construct::Divisor, right.begin, right.end);
+        }
+        left = { left.begin, right.end, Kind::Number };
     }
     return left;
 }

@@ -1,6 +1,7 @@
 #include "engine/gate/utf8.h"
 
 #include "engine/gate/lexer.h"
+#include "packet/utf8.h"
 
 #include <cstring>
 
@@ -19,55 +20,7 @@ bool plain(const char *bytes)
     return ((word | (word + repeated(0x01)) | (word - repeated(0x20))) & high) == 0;
 }
 
-/// The bytes of the character that a first byte announces; 0 when none can begin so.
-std::size_t announcedSize(std::uint8_t first)
-{
-    if (first < 0x80)
-        return 1;
-    if (first >= 0xC2 && first <= 0xDF)
-        return 2;
-    if (first >= 0xE0 && first <= 0xEF)
-        return 3;
-    return first >= 0xF0 && first <= 0xF4 ? 4 : 0;
-}
-
-bool isValid(std::string_view text, std::size_t position)
-{
-    const std::size_t size = announcedSize(std::uint8_t(text[position]));
-    if (size == 0 || position + size > text.size())
-        return false;
-    for (std::size_t following = 1; following < size; ++following) {
-        if ((std::uint8_t(text[position + following]) & 0xC0) != 0x80)
-            return false;
-    }
-    const char32_t code = codePointAt(text, position);
-    constexpr char32_t smallest[] = { 0, 0, 0x80, 0x800, 0x10000 };
-    return code >= smallest[size] && code <= 0x10FFFF && (code < 0xD800 || code > 0xDFFF);
-}
-
 } // namespace
-
-std::string_view characterAt(std::string_view text, std::size_t position)
-{
-    return text.substr(position, announcedSize(std::uint8_t(text[position])));
-}
-
-char32_t codePointAt(std::string_view text, std::size_t position)
-{
-    const std::string_view character = characterAt(text, position);
-    const auto first = std::uint8_t(character[0]);
-    if (character.size() == 1)
-        return first;
-    char32_t code = first & (0x7Fu >> character.size());
-    for (const char following : character.substr(1))
-        code = code << 6 | (std::uint8_t(following) & 0x3F);
-    return code;
-}
-
-bool isHan(char32_t code)
-{
-    return (code >= 0x4E00 && code <= 0x9FFF) || (code >= 0x3400 && code <= 0x4DBF) || (code >= 0x20000 && code <= 0x3134F);
-}
 
 void checkCharacters(std::string_view text)
 {
@@ -80,12 +33,13 @@ void checkCharacters(std::string_view text)
         const auto first = std::uint8_t(text[position]);
         if ((first < 0x20 && first != '\t' && first != '\n' && first != '\r') || first == 0x7F)
             throw Refusal(position, "有控制字符");
-        if (!isValid(text, position))
+        const std::string_view character = packet::characterAt(text, position);
+        if (!packet::isUtf8(character))
             throw Refusal(position, "不是有效的 UTF-8 编码");
-        const char32_t code = codePointAt(text, position);
+        const char32_t code = packet::codePointOf(character);
         if (code >= 0x80 && code < 0xA0)
             throw Refusal(position, "有控制字符");
-        position += announcedSize(first);
+        position += character.size();
     }
 }
 

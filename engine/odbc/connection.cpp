@@ -222,7 +222,7 @@ packet::PacketPtr OdbcConnection::execute(const Job &job)
 
 packet::PacketPtr OdbcConnection::readRows(const Job &job, const Handle &statement)
 {
-    odbc::RowReader reader(statement, m_dialect, job.sink);
+    odbc::RowReader reader(statement, m_dialect, job);
     std::int64_t rows = 0;
     while (const std::size_t fetched = reader.fetch()) {
         job.throwIfStopped();

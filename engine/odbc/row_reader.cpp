@@ -1,6 +1,6 @@
 #include "engine/odbc/row_reader.h"
 
-#include "engine/engine.h"
+#include "engine/calendar.h"
 
 #include <algorithm>
 #include <chrono>
@@ -26,7 +26,7 @@ std::int64_t secondsOf(const SQL_TIMESTAMP_STRUCT &time)
 {
     using namespace std::chrono;
     const sys_days date = year(time.year) / month(time.month) / day(time.day);
-    return duration_cast<seconds>(date.time_since_epoch()).count() + (time.hour * 60 + time.minute) * 60 + time.second;
+    return inCalendar(duration_cast<seconds>(date.time_since_epoch()).count() + (time.hour * 60 + time.minute) * 60 + time.second);
 }
 
 template <class Value>
@@ -39,10 +39,11 @@ Value valueAt(const char *bytes)
 
 } // namespace
 
-RowReader::RowReader(const Handle &statement, Dialect dialect, packet::BlockSink *sink)
+RowReader::RowReader(const Handle &statement, Dialect dialect, const Job &job)
     : m_statement(statement)
     , m_columns(columnsOf(statement, dialect))
-    , m_builder(fieldsOf(m_columns), sink)
+    , m_builder(fieldsOf(m_columns), job.sink)
+    , m_bytes(job.options.memoryLimit)
 {
     bind();
 }

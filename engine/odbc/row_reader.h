@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/block_bytes.h"
-#include "engine/dialect/dialect.h"
+#include "engine/dialect/connection.h"
 #include "engine/odbc/handle.h"
 #include "packet/builder.h"
 
@@ -13,8 +13,8 @@ namespace engine::odbc {
 /// driver has announced: then the rest is asked for, and where the driver cannot give it the statement fails. Nothing is cut.
 class RowReader {
 public:
-    /// With a sink the rows go there.
-    RowReader(const Handle &statement, Dialect dialect, packet::BlockSink *sink);
+    /// The rows go where the job says.
+    RowReader(const Handle &statement, Dialect dialect, const Job &job);
     RowReader(const RowReader &) = delete;
     ~RowReader();
 
@@ -52,7 +52,7 @@ private:
     const Handle &m_statement;
     std::vector<Column> m_columns;
     packet::Builder m_builder;
-    BlockBytes m_bytes { 256 };
+    BlockBytes m_bytes;
     SQLULEN m_rowsAtOnce = 1;
     SQLULEN m_fetched = 0;
     std::size_t m_rowBytes = 0; ///< of the row at hand

@@ -1,6 +1,6 @@
 #include "engine/odbc/wide_text.h"
 
-#include "engine/gate/utf8.h"
+#include "packet/utf8.h"
 
 namespace engine::odbc {
 
@@ -39,9 +39,9 @@ std::vector<SQLWCHAR> wideOf(std::string_view text)
     std::vector<SQLWCHAR> wide;
     wide.reserve(text.size() + 1);
     for (std::size_t position = 0; position < text.size();) {
-        const std::string_view character = gate::characterAt(text, position);
-        const char32_t code = character.empty() ? replacement : gate::codePointAt(text, position);
-        position += character.empty() ? 1 : character.size();
+        const std::string_view character = packet::characterAt(text, position);
+        const char32_t code = packet::isUtf8(character) ? packet::codePointOf(character) : replacement;
+        position += character.size();
         if (code >= 0x10000) {
             wide.push_back(SQLWCHAR(0xD800 + ((code - 0x10000) >> 10)));
             wide.push_back(SQLWCHAR(0xDC00 + (code & 0x3FF)));

@@ -1,7 +1,8 @@
 #include "engine/postgresql/binary_value.h"
 
+#include "engine/calendar.h"
+
 #include <algorithm>
-#include <limits>
 #include <stdexcept>
 
 namespace engine::binary {
@@ -52,22 +53,14 @@ struct Numeric {
 
 std::int64_t timestampSeconds(std::int64_t microseconds)
 {
-    constexpr auto limits = std::numeric_limits<std::int64_t>();
-    if (microseconds == limits.max() || microseconds == limits.min())
-        throw std::invalid_argument("ORA-01841: (全) 年度值必须介于 1 和 9999 之间");
     std::int64_t seconds = microseconds / microsecondsPerSecond;
     if (microseconds % microsecondsPerSecond < 0)
         --seconds;
-    return seconds + epoch;
+    // Infinity lies outside too; adding the epoch to it does not overflow after the division.
+    return inCalendar(seconds + epoch);
 }
 
-std::int64_t dateSeconds(std::int32_t days)
-{
-    constexpr auto limits = std::numeric_limits<std::int32_t>();
-    if (days == limits.max() || days == limits.min())
-        throw std::invalid_argument("ORA-01841: (全) 年度值必须介于 1 和 9999 之间");
-    return days * secondsPerDay + epoch;
-}
+std::int64_t dateSeconds(std::int32_t days) { return inCalendar(days * secondsPerDay + epoch); }
 
 packet::Decimal decimalAt(const char *bytes, std::size_t size)
 {

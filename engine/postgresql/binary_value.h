@@ -20,7 +20,7 @@ inline float floatAt(const char *bytes) { return std::bit_cast<float>(integerAt<
 inline double doubleAt(const char *bytes) { return std::bit_cast<double>(integerAt<std::int64_t>(bytes)); }
 
 /// A timestamp (microseconds since 2000-01-01) in whole seconds since 1970; fractions are dropped as in Oracle's DATE.
-/// Throws std::invalid_argument for infinity, which no column can hold.
+/// Throws std::invalid_argument for what lies outside of the calendar, infinity too.
 std::int64_t timestampSeconds(std::int64_t microseconds);
 /// A date (days since 2000-01-01) likewise.
 std::int64_t dateSeconds(std::int32_t days);

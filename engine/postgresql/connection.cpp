@@ -26,6 +26,14 @@ PostgresqlConnection::PostgresqlConnection(const std::string &url)
 {
     if (PQstatus(m_connection.get()) != CONNECTION_OK)
         failUnavailable("无法连接数据库");
+    m_boundsFiles = mayBoundFiles();
+}
+
+bool PostgresqlConnection::mayBoundFiles()
+{
+    const Result result = execute("select pg_catalog.has_parameter_privilege('temp_file_limit', 'set')"
+                                  " and pg_catalog.current_setting('temp_file_limit') = '-1'");
+    return PQntuples(result.get()) == 1 && *PQgetvalue(result.get(), 0, 0) == 't';
 }
 
 gate::Schema PostgresqlConnection::readTables(const std::vector<std::string> &names)
@@ -73,6 +81,8 @@ void PostgresqlConnection::begin(const Job &job)
     // A statement whose client was killed must not run on at the server.
     if (PQserverVersion(m_connection.get()) >= firstToWatchClients)
         command += "; set local client_connection_check_interval = 5000";
+    if (m_boundsFiles)
+        command += "; set local temp_file_limit = '1GB'";
     Result result = execute(command);
     if (PQstatus(m_connection.get()) != CONNECTION_OK) {
         reset();
@@ -100,7 +110,7 @@ PostgresqlConnection::Result PostgresqlConnection::start(const Job &job, Form fo
 
 packet::PacketPtr PostgresqlConnection::readRows(const Job &job, Result row)
 {
-    PostgresqlRowReader reader(row.get(), job.sink);
+    PostgresqlRowReader reader(row.get(), job);
     std::int64_t rows = 0;
     bool truncated = false;
     for (; PQntuples(row.get()) > 0; row = next(job)) {
@@ -123,9 +133,18 @@ packet::PacketPtr PostgresqlConnection::readRows(const Job &job, Result row)
 PostgresqlConnection::Result PostgresqlConnection::next(const Job &job)
 {
     PGconn *const connection = m_connection.get();
+    const int socket = PQsocket(connection);
+    // The library holds a row several times over before it gives it away, and tells nobody how long it is.
+    const std::size_t longestRow = job.options.memoryLimit / 4;
+    std::size_t arrived = 0;
     while (PQisBusy(connection)) {
         job.throwIfStopped();
-        if (waitReadable(PQsocket(connection), stopInterval) && !PQconsumeInput(connection))
+        if (!waitReadable(socket, stopInterval))
+            continue;
+        arrived += readableBytes(socket);
+        if (arrived > longestRow)
+            throw Error(Failure::Database, "结果中有一行超过了 " + std::to_string(longestRow >> 20) + " MB，请减少列数或缩短文字");
+        if (!PQconsumeInput(connection))
             failUnavailable("数据库连接中断");
     }
     Result result(PQgetResult(connection));
@@ -163,7 +182,9 @@ void PostgresqlConnection::fail(const Job &job, const PGresult *result)
     constexpr std::string_view cancelled = "57014";
     const char *const code = PQresultErrorField(result, PG_DIAG_SQLSTATE);
     const char *const primary = PQresultErrorField(result, PG_DIAG_MESSAGE_PRIMARY);
-    const std::string words = primary != nullptr ? primary : trimmedMessage(PQresultErrorMessage(result));
+    // Our own bounds are constraints, whose names say what is wrong.
+    const char *const constraint = PQresultErrorField(result, PG_DIAG_CONSTRAINT_NAME);
+    const std::string words = constraint ? constraint : primary ? primary : trimmedMessage(PQresultErrorMessage(result));
     const bool isCancelled = code != nullptr && code == cancelled;
     while (Result(PQgetResult(m_connection.get()))) { }
     if (PQstatus(m_connection.get()) != CONNECTION_OK)

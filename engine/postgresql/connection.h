@@ -28,6 +28,7 @@ private:
     using Result = std::unique_ptr<PGresult, Clear>;
     enum class Form : int { Text, Binary };
 
+    bool mayBoundFiles();
     void begin(const Job &job);
     void end();
     Result start(const Job &job, Form form);
@@ -41,6 +42,7 @@ private:
 
     std::unique_ptr<PGconn, Finish> m_connection;
     bool m_usable = true;
+    bool m_boundsFiles = false; ///< temporary files of a statement, which the server leaves unbounded
 };
 
 } // namespace engine

@@ -16,6 +16,18 @@ create extension if not exists orafce;
 create schema if not exists kelvara;
 set local search_path = pg_catalog;
 
+-- What Oracle bounds: texts that functions make, and dates. The name of a constraint is what a person reads.
+do $make$
+begin
+    if to_regtype('kelvara.varchar2') is null then
+        create domain kelvara.varchar2 as text
+            constraint "ORA-01489: 字符串连接的结果过长，最多 4000 字节" check (octet_length(value) <= 4000);
+        create domain kelvara.moment as timestamp
+            constraint "ORA-01841: (全) 年度值必须介于 1 和 9999 之间" check (value >= '0001-01-01' and value < '10000-01-01');
+    end if;
+end
+$make$;
+
 -- Numbers and dates as Oracle writes them: .5 for 0.50.
 create or replace function kelvara.oracle_text(text) returns text
     language sql immutable parallel safe as $$ select $1 $$;
@@ -26,11 +38,11 @@ create or replace function kelvara.oracle_text(timestamp) returns text
 
 -- Sums and differences with dates; a number is days.
 create or replace function kelvara.oracle_date_plus(timestamp, numeric) returns timestamp
-    language sql immutable parallel safe as $$ select ($1 + $2::float8 * interval '1 day')::timestamp(0) $$;
+    language sql immutable parallel safe as $$ select ($1 + $2::float8 * interval '1 day')::timestamp(0)::kelvara.moment $$;
 create or replace function kelvara.oracle_date_plus(numeric, timestamp) returns timestamp
-    language sql immutable parallel safe as $$ select ($2 + $1::float8 * interval '1 day')::timestamp(0) $$;
+    language sql immutable parallel safe as $$ select ($2 + $1::float8 * interval '1 day')::timestamp(0)::kelvara.moment $$;
 create or replace function kelvara.oracle_date_minus(timestamp, numeric) returns timestamp
-    language sql immutable parallel safe as $$ select ($1 - $2::float8 * interval '1 day')::timestamp(0) $$;
+    language sql immutable parallel safe as $$ select ($1 - $2::float8 * interval '1 day')::timestamp(0)::kelvara.moment $$;
 create or replace function kelvara.oracle_date_minus(timestamp, timestamp) returns numeric
     language sql immutable parallel safe as $$ select trim_scale(extract(epoch from $1 - $2) / 86400) $$;
 
@@ -96,7 +108,7 @@ create or replace function kelvara.ltrim(text, text default ' ') returns text
 create or replace function kelvara.rtrim(text, text default ' ') returns text
     language sql immutable parallel safe as $$ select nullif(rtrim($1, nullif($2, '')), '') $$;
 create or replace function kelvara.replace(text, text, text default null) returns text
-    language sql immutable parallel safe as $$ select nullif(replace($1, coalesce($2, ''), coalesce($3, '')), '') $$;
+    language sql immutable parallel safe as $$ select nullif(replace($1, coalesce($2, ''), coalesce($3, ''))::kelvara.varchar2, '') $$;
 create or replace function kelvara.regexp_instr(text, text, numeric default 1, numeric default 1, numeric default 0, text default 'c')
     returns int language sql immutable parallel safe
     as $$ select oracle.regexp_instr(nullif($1, ''), nullif($2, ''), $3::int, $4::int, $5::int, $6) $$;
@@ -132,9 +144,9 @@ create or replace function kelvara.to_char(numeric) returns text
 create or replace function kelvara.to_char(timestamp) returns text
     language sql stable parallel safe as $$ select kelvara.oracle_text($1) $$;
 create or replace function kelvara.to_char(timestamp, text) returns text
-    language sql stable parallel safe as $$ select nullif(to_char($1, $2), '') $$;
+    language sql stable parallel safe as $$ select nullif(to_char($1, $2)::kelvara.varchar2, '') $$;
 create or replace function kelvara.to_char(numeric, text) returns text
-    language sql immutable parallel safe as $$ select to_char($1, $2) $$;
+    language sql immutable parallel safe as $$ select to_char($1, $2)::kelvara.varchar2 $$;
 create or replace function kelvara.trunc(timestamp, text default 'dd') returns timestamp
     language sql immutable parallel safe
     as $$ select date_trunc(case lower($2) when 'dd' then 'day' when 'mm' then 'month' when 'yyyy' then 'year' when 'hh' then 'hour'
@@ -151,6 +163,8 @@ begin
 end
 $make$;
 alter role kelvara_reader set default_transaction_read_only = on;
+-- Sessions bound the temporary files of a statement, where the server does not.
+grant set on parameter temp_file_limit to kelvara_reader;
 grant usage on schema public, kelvara, oracle to kelvara_reader;
 grant select on all tables in schema public to kelvara_reader;
 alter default privileges in schema public grant select on tables to kelvara_reader;

@@ -130,8 +130,9 @@ std::vector<Builder::Column> PostgresqlRowReader::columnsOf(const PGresult *resu
     return columns;
 }
 
-PostgresqlRowReader::PostgresqlRowReader(const PGresult *result, packet::BlockSink *sink)
-    : m_builder(columnsOf(result), sink)
+PostgresqlRowReader::PostgresqlRowReader(const PGresult *result, const Job &job)
+    : m_builder(columnsOf(result), job.sink)
+    , m_bytes(job.options.memoryLimit)
 {
     for (int column = 0; column < PQnfields(result); ++column) {
         const bool isTimestamp = columnOf(result, column).type == ColumnType::Timestamp;

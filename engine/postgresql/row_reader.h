@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/block_bytes.h"
+#include "engine/dialect/connection.h"
 #include "packet/builder.h"
 
 #include <libpq-fe.h>
@@ -15,8 +16,8 @@ public:
     /// Whether every column of the result is of a type that can be read in binary form. If not, ask for text.
     static bool readsBinary(const PGresult *result);
 
-    /// Takes the columns and the form of the values from any result of the statement. With a sink the rows go there.
-    PostgresqlRowReader(const PGresult *result, packet::BlockSink *sink);
+    /// Takes the columns and the form of the values from any result of the statement. The rows go where the job says.
+    PostgresqlRowReader(const PGresult *result, const Job &job);
     /// The only row of the result. Throws Error(Database) when a value cannot be represented.
     void addRow(const PGresult *row);
     packet::PacketPtr finish(bool truncated);
@@ -32,7 +33,7 @@ private:
 
     std::vector<Add> m_add; ///< one a column
     packet::Builder m_builder;
-    BlockBytes m_bytes { 256 };
+    BlockBytes m_bytes;
 };
 
 } // namespace engine

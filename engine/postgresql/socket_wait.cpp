@@ -4,6 +4,7 @@
 #include <winsock2.h>
 #else
 #include <poll.h>
+#include <sys/ioctl.h>
 #endif
 
 namespace engine {
@@ -18,6 +19,18 @@ bool waitReadable(int socket, std::chrono::milliseconds time)
     pollfd entry { socket, POLLIN, 0 };
     return poll(&entry, 1, int(time.count())) > 0;
 #endif
+}
+
+std::size_t readableBytes(int socket)
+{
+#ifdef _WIN32
+    u_long bytes = 0;
+    ioctlsocket(SOCKET(socket), FIONREAD, &bytes);
+#else
+    int bytes = 0;
+    ioctl(socket, FIONREAD, &bytes);
+#endif
+    return std::size_t(bytes);
 }
 
 } // namespace engine

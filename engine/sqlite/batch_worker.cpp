@@ -5,6 +5,7 @@ namespace engine {
 namespace {
 
 constexpr std::size_t mostWaiting = 16; ///< batches; so many that the reader need not wait while a block is written out
+constexpr std::size_t mostWaitingBytes = 4 * 1024 * 1024; ///< of rows with long texts
 
 } // namespace
 
@@ -28,8 +29,9 @@ void BatchWorker::exchange(RowBatch &batch)
 {
     {
         std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_waiting.size() < mostWaiting || m_error; });
+        m_changed.wait(lock, [this] { return (m_waiting.size() < mostWaiting && m_waitingBytes < mostWaitingBytes) || m_error; });
         rethrow();
+        m_waitingBytes += batch.size();
         m_waiting.push_back(std::move(batch));
         batch = {};
         if (!m_empty.empty()) {
@@ -62,6 +64,7 @@ void BatchWorker::run()
             return;
         RowBatch batch = std::move(m_waiting.front());
         m_waiting.pop_front();
+        m_waitingBytes -= batch.size();
         m_working = true;
         lock.unlock();
         std::exception_ptr error;
@@ -70,7 +73,11 @@ void BatchWorker::run()
         } catch (...) {
             error = std::current_exception();
         }
-        batch.clear();
+        // A huge one is not kept.
+        if (batch.size() < mostWaitingBytes / mostWaiting)
+            batch.clear();
+        else
+            batch = {};
         lock.lock();
         m_working = false;
         m_empty.push_back(std::move(batch));

@@ -31,6 +31,7 @@ private:
     std::function<void(const RowBatch &)> m_work;
     std::mutex m_mutex;
     std::condition_variable m_changed;
+    std::size_t m_waitingBytes = 0;
     std::deque<RowBatch> m_waiting;
     std::vector<RowBatch> m_empty;
     std::exception_ptr m_error;

@@ -11,12 +11,12 @@ namespace engine {
 
 namespace {
 
-constexpr int stepsBetweenChecks = 1000;
+constexpr int stepsBetweenChecks = 200;
 constexpr std::size_t longRow = 16 * 1024; ///< bytes
 
 /// Functions that the dialect writes and a statement cannot name.
 constexpr std::string_view helperFunctions[]
-    = { "oracle_concat", "oracle_date_plus", "oracle_date_minus", "oracle_single", "ifnull", "datetime", "like" };
+    = { "oracle_concat", "oracle_date_plus", "oracle_date_minus", "oracle_divisor", "oracle_single", "ifnull", "datetime", "like" };
 
 void lowerLimits(sqlite3 *database)
 {
@@ -34,7 +34,7 @@ SqliteConnection::SqliteConnection(const std::string &path)
     : m_path(path)
 {
     sqlite3 *database = nullptr;
-    const int result = sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, nullptr);
+    const int result = sqlite3_open_v2(path.c_str(), &database, SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX, StatementBudget::fileSystem());
     m_database.reset(database);
     if (result != SQLITE_OK)
         throw Error(Failure::Unavailable,
@@ -56,7 +56,8 @@ void SqliteConnection::configure()
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     // No memory mapping: a file that shrinks or a drive that goes away would then end the program instead of the statement.
-    constexpr auto settings = "pragma query_only=1; pragma case_sensitive_like=1; pragma mmap_size=0; pragma cache_size=-65536;";
+    // A cache of this size is what is sorted in one go too, and nothing interrupts that.
+    constexpr auto settings = "pragma query_only=1; pragma mmap_size=0; pragma cache_size=-32768;";
     sqlite3_exec(database, settings, nullptr, nullptr, nullptr);
     lowerLimits(database);
     registerOracleFunctions(database);
@@ -105,8 +106,9 @@ packet::PacketPtr SqliteConnection::run(const Job &job)
 {
     job.throwIfStopped();
     m_job = &job;
+    StatementBudget budget(job, m_keptBytes);
     const Statement statement = prepare(job.sql);
-    return readRows(statement.get());
+    return readRows(statement.get(), budget);
 }
 
 SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
@@ -124,9 +126,9 @@ SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
     return statement;
 }
 
-packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement)
+packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, StatementBudget &budget)
 {
-    SqliteRowReader reader(statement, m_job->sink);
+    SqliteRowReader reader(statement, *m_job);
     std::int64_t rows = 0;
     while (step(statement) == SQLITE_ROW) {
         if (rows == m_job->options.rowLimit)
@@ -134,9 +136,11 @@ packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement)
         // Few steps may have made a row of long texts.
         if (reader.addRow() > longRow && mustStop())
             fail();
+        budget.setGathered(reader.gatheredBytes());
         if (++rows % Job::rowsBetweenReports == 0)
             m_job->report(rows);
     }
+    m_job->throwIfStopped();
     m_job->report(rows);
     return reader.finish(false);
 }
@@ -153,7 +157,10 @@ int SqliteConnection::step(sqlite3_stmt *statement)
 void SqliteConnection::fail()
 {
     m_job->throwIfStopped();
-    const int code = sqlite3_errcode(m_database.get()) & 0xFF;
+    const int extended = sqlite3_extended_errcode(m_database.get());
+    const int code = extended & 0xFF;
+    if (code == SQLITE_NOMEM || code == SQLITE_FULL || extended == SQLITE_IOERR_NOMEM)
+        StatementBudget::current()->throwIfExhausted();
     const std::string words = sqlite3_errmsg(m_database.get());
     if (code == SQLITE_NOTADB || code == SQLITE_CORRUPT || code == SQLITE_CANTOPEN || code == SQLITE_IOERR)
         throw Error(Failure::Unavailable, "数据库 " + m_path + " 无法读取：" + words);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/dialect/connection.h"
+#include "engine/sqlite/statement_budget.h"
 
 #include <sqlite3.h>
 
@@ -33,7 +33,7 @@ private:
     void configure();
     gate::ColumnSet readColumns(const std::string &table);
     Statement prepare(const std::string &sql);
-    packet::PacketPtr readRows(sqlite3_stmt *statement);
+    packet::PacketPtr readRows(sqlite3_stmt *statement, StatementBudget &budget);
     int step(sqlite3_stmt *statement);
     [[noreturn]] void fail();
     bool mustStop() const { return m_job != nullptr && m_job->mustStop(); }
@@ -43,6 +43,7 @@ private:
     int authorizeAction(int action, const char *first, const char *second) const;
 
     std::string m_path;
+    std::int64_t m_keptBytes = 0; ///< by SQLite between statements, for pages above all
     std::unique_ptr<sqlite3, CloseDatabase> m_database;
     const gate::Schema *m_schema = nullptr;
     const Job *m_job = nullptr; ///< that of run(), while it runs

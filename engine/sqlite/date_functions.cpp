@@ -1,3 +1,4 @@
+#include "engine/calendar.h"
 #include "engine/sqlite/date_mask.h"
 #include "engine/sqlite/function_support.h"
 
@@ -81,12 +82,9 @@ void trunc(sqlite3_context *context, Arguments arguments)
 std::string shifted(std::int64_t date, sqlite3_value *days, int direction)
 {
     const double moved = numberOf(days).toDouble() * double(secondsPerDay) * direction;
-    if (std::fabs(moved) > 4e11)
-        throw OracleError("ORA-01841: (全) 年度值必须介于 1 和 9999 之间");
-    const std::int64_t seconds = date + std::llround(moved);
-    if (seconds < -62135596800 || seconds > 253402300799)
-        throw OracleError("ORA-01841: (全) 年度值必须介于 1 和 9999 之间");
-    return storedText(seconds);
+    // Whatever is further away than all dates are from each other is out of the calendar too.
+    constexpr double furthest = 4e11;
+    return storedText(inCalendar(date + std::llround(std::clamp(moved, -furthest, furthest))));
 }
 
 void datePlus(sqlite3_context *context, Arguments arguments)

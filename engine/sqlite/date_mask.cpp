@@ -200,6 +200,7 @@ std::string formatDate(std::int64_t seconds, std::string_view mask)
             out.append(std::size_t(element.digits) - std::min(digits.size(), std::size_t(element.digits)), '0');
             out += digits;
         }
+        checkMadeText(out.size());
     }
     return out;
 }

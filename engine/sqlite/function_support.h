@@ -34,6 +34,10 @@ std::int64_t integerOf(sqlite3_value *value);
 
 /// The empty text is null.
 void setText(sqlite3_context *context, std::string_view text);
+/// The most bytes of a text that a function has made longer than its arguments: those of Oracle's VARCHAR2.
+constexpr std::size_t longestMadeText = 4000;
+/// Throws OracleError for more bytes than that.
+void checkMadeText(std::size_t bytes);
 void setCharacters(sqlite3_context *context, std::u32string_view characters);
 void setNumber(sqlite3_context *context, const packet::Decimal &number);
 
@@ -57,6 +61,7 @@ void guarded(sqlite3_context *context, Work &&work)
 packet::Decimal truncated(const packet::Decimal &number, int digits);
 
 void addTextFunctions(sqlite3 *database);
+void addLikeFunction(sqlite3 *database);
 void addNumberFunctions(sqlite3 *database);
 void addDateFunctions(sqlite3 *database);
 void addRegexpFunctions(sqlite3 *database);

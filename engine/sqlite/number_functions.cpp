@@ -99,6 +99,13 @@ void mod(sqlite3_context *context, Arguments arguments)
     setNumber(context, { dividend.rescaled(scale).units % divisor.rescaled(scale).units, scale });
 }
 
+void divisor(sqlite3_context *context, Arguments arguments)
+{
+    if (!isNull(arguments[0]) && numberOf(arguments[0]).units == 0)
+        throw OracleError("ORA-01476: 除数为 0");
+    sqlite3_result_value(context, arguments[0]);
+}
+
 void toNumber(sqlite3_context *context, Arguments arguments)
 {
     if (!isNull(arguments[0]))
@@ -119,6 +126,7 @@ void addNumberFunctions(sqlite3 *database)
     add(database, "floor", 1, floor);
     add(database, "mod", 2, mod);
     add(database, "to_number", 1, toNumber);
+    add(database, "oracle_divisor", 1, divisor);
 }
 
 } // namespace engine::functions

@@ -2,7 +2,8 @@
 
 #include "engine/sqlite/function_support.h"
 
-#include "engine/gate/utf8.h"
+#include "engine/sqlite/statement_budget.h"
+#include "packet/utf8.h"
 
 namespace engine {
 
@@ -10,10 +11,15 @@ namespace functions {
 
 namespace {
 
+constexpr std::size_t workOfCall = 32;
+
 void call(sqlite3_context *context, int count, sqlite3_value **values)
 {
     const auto body = reinterpret_cast<Body>(sqlite3_user_data(context));
-    guarded(context, [&] { body(context, Arguments(values, std::size_t(count))); });
+    guarded(context, [&] {
+        StatementBudget::work(workOfCall);
+        body(context, Arguments(values, std::size_t(count)));
+    });
 }
 
 void appendUtf8(std::string &out, char32_t code)
@@ -65,13 +71,13 @@ std::u32string charactersOf(sqlite3_value *value)
     const std::string text = textOf(value);
     std::u32string characters;
     characters.reserve(text.size());
+    // Stored bytes that are no UTF-8 stand for themselves.
     for (std::size_t position = 0; position < text.size();) {
-        // Stored bytes that are no UTF-8 stand for themselves.
-        const std::string_view character = gate::characterAt(text, position);
-        const bool whole = !character.empty();
-        characters += whole ? gate::codePointAt(text, position) : char32_t(std::uint8_t(text[position]));
-        position += whole ? character.size() : 1;
+        const std::string_view character = packet::characterAt(text, position);
+        characters += packet::codePointOf(character);
+        position += character.size();
     }
+    StatementBudget::work(text.size());
     return characters;
 }
 
@@ -105,6 +111,12 @@ std::int64_t integerOf(sqlite3_value *value)
     return std::int64_t(units);
 }
 
+void checkMadeText(std::size_t bytes)
+{
+    if (bytes > longestMadeText)
+        throw OracleError("ORA-01489: 字符串连接的结果过长，最多 4000 字节");
+}
+
 void setText(sqlite3_context *context, std::string_view text)
 {
     if (text.empty())
@@ -135,6 +147,7 @@ void setNumber(sqlite3_context *context, const packet::Decimal &number)
 void registerOracleFunctions(sqlite3 *database)
 {
     functions::addTextFunctions(database);
+    functions::addLikeFunction(database);
     functions::addNumberFunctions(database);
     functions::addDateFunctions(database);
     functions::addRegexpFunctions(database);

@@ -121,10 +121,12 @@ public:
     {
     }
 
-    std::optional<Regexp::Match> find(std::size_t from)
+    std::optional<Regexp::Match> find(std::size_t from, Work work)
     {
         for (std::size_t position = from; position <= m_text.size(); ++position) {
             ++m_round;
+            if (work)
+                work(m_threads.size() + 1);
             m_next.clear();
             for (const Thread thread : m_threads) {
                 if (position > from && m_regexp.accepts(m_regexp.m_program[thread.instruction], m_text[position - 1]))
@@ -191,6 +193,9 @@ private:
     std::optional<Regexp::Match> m_match;
 };
 
-std::optional<Regexp::Match> Regexp::find(std::u32string_view text, std::size_t from) const { return Run(*this, text).find(from); }
+std::optional<Regexp::Match> Regexp::find(std::u32string_view text, std::size_t from, Work work) const
+{
+    return Run(*this, text).find(from, work);
+}
 
 } // namespace engine

@@ -20,7 +20,9 @@ public:
 
     /// Throws std::invalid_argument, in Oracle's words.
     Regexp(std::u32string_view pattern, bool ignoreCase);
-    std::optional<Match> find(std::u32string_view text, std::size_t from) const;
+    /// `work` is called with the number of steps that were made since its last call; it may throw.
+    using Work = void (*)(std::size_t steps);
+    std::optional<Match> find(std::u32string_view text, std::size_t from, Work work = nullptr) const;
 
 private:
     struct Range {

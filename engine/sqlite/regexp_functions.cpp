@@ -1,5 +1,6 @@
 #include "engine/sqlite/function_support.h"
 #include "engine/sqlite/regexp.h"
+#include "engine/sqlite/statement_budget.h"
 
 #include <memory>
 
@@ -45,7 +46,7 @@ void regexpInstr(sqlite3_context *context, Arguments arguments)
         throw OracleError("ORA-01428: regexp_instr 的参数超出范围");
     auto from = std::size_t(position - 1);
     for (std::int64_t found = 1; from <= text.size(); ++found) {
-        const auto match = regexp.find(text, from);
+        const auto match = regexp.find(text, from, StatementBudget::work);
         if (!match)
             break;
         if (found == occurrence)

@@ -72,9 +72,10 @@ SqliteRowReader::Source SqliteRowReader::sourceOf(const packet::Builder::Column 
     return *column.type == ColumnType::Text || *column.type == ColumnType::Timestamp ? Source::Text : Source::Number;
 }
 
-SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sink)
+SqliteRowReader::SqliteRowReader(sqlite3_stmt *statement, const Job &job)
     : m_statement(statement)
-    , m_builder(columnsOf(statement), sink)
+    , m_builder(columnsOf(statement), job.sink)
+    , m_blockBytes(job.options.memoryLimit)
 {
     for (const packet::Builder::Column &column : columnsOf(statement))
         m_sources.push_back(sourceOf(column));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/block_bytes.h"
+#include "engine/dialect/connection.h"
 #include "engine/sqlite/batch_worker.h"
 
 #include "packet/builder.h"
@@ -15,12 +16,14 @@ namespace engine {
 /// SQLite takes more time for a row than the packet does; results of more than a batch are therefore built on a second thread.
 class SqliteRowReader {
 public:
-    /// With a sink the rows go there.
-    explicit SqliteRowReader(sqlite3_stmt *statement, packet::BlockSink *sink = nullptr);
+    /// The rows go where the job says.
+    SqliteRowReader(sqlite3_stmt *statement, const Job &job);
     /// The row that the statement stands on; returns its bytes. Throws Error(Database) when a value of this or of an earlier row does not
     /// fit the type of its column.
     std::size_t addRow();
     packet::PacketPtr finish(bool truncated);
+    /// An estimate of what the rows of the block at hand take.
+    std::size_t gatheredBytes() const { return 2 * m_blockBytes.bytes(); }
 
 private:
     enum class Source : std::uint8_t {
@@ -38,7 +41,7 @@ private:
     std::vector<Source> m_sources;
     packet::Builder m_builder;
     RowBatch m_batch {};
-    BlockBytes m_blockBytes { 128 };
+    BlockBytes m_blockBytes;
     std::optional<BatchWorker> m_worker; ///< the last member: it stops before the builder goes
 };
 

@@ -1,4 +1,6 @@
 #include "engine/sqlite/function_support.h"
+#include "engine/sqlite/statement_budget.h"
+#include "engine/sqlite/text_search.h"
 
 #include <algorithm>
 
@@ -11,8 +13,10 @@ bool anyNull(Arguments arguments) { return std::any_of(arguments.begin(), argume
 void concat(sqlite3_context *context, Arguments arguments)
 {
     std::string text;
-    for (sqlite3_value *value : arguments)
+    for (sqlite3_value *value : arguments) {
         text += textOf(value);
+        checkMadeText(text.size());
+    }
     setText(context, text);
 }
 
@@ -29,6 +33,27 @@ void substr(sqlite3_context *context, Arguments arguments)
         setCharacters(context, std::u32string_view(text).substr(std::size_t(begin), std::size_t(count)));
 }
 
+/// The place of an occurrence that begins at `start` or behind it, counted from 1; 0: none.
+std::int64_t placeOf(std::u32string_view text, std::u32string_view part, std::int64_t start, std::int64_t occurrence)
+{
+    TextSearch<char32_t> search(text, part);
+    for (std::size_t found = search.next(); found != text.npos; found = search.next()) {
+        if (std::int64_t(found) >= start - 1 && --occurrence == 0)
+            return std::int64_t(found) + 1;
+    }
+    return 0;
+}
+
+/// Likewise, but searches backwards from the character that stands `start` places from the end.
+std::int64_t placeFromEnd(std::u32string text, std::u32string part, std::int64_t start, std::int64_t occurrence)
+{
+    std::reverse(text.begin(), text.end());
+    std::reverse(part.begin(), part.end());
+    const auto size = std::int64_t(part.size());
+    const std::int64_t place = placeOf(text, part, std::max<std::int64_t>(start - size + 1, 1), occurrence);
+    return place == 0 ? 0 : std::int64_t(text.size()) - (place - 1) - size + 1;
+}
+
 /// Oracle counts from the end when the position is negative, and then searches backwards.
 void instr(sqlite3_context *context, Arguments arguments)
 {
@@ -37,16 +62,13 @@ void instr(sqlite3_context *context, Arguments arguments)
     const std::u32string text = charactersOf(arguments[0]);
     const std::u32string part = charactersOf(arguments[1]);
     const std::int64_t start = arguments.size() > 2 ? integerOf(arguments[2]) : 1;
-    std::int64_t occurrence = arguments.size() > 3 ? integerOf(arguments[3]) : 1;
+    const std::int64_t occurrence = arguments.size() > 3 ? integerOf(arguments[3]) : 1;
     if (occurrence < 1)
         throw OracleError("ORA-01428: 参数 " + std::to_string(occurrence) + " 超出范围");
-    const auto size = std::int64_t(text.size());
-    const std::int64_t step = start < 0 ? -1 : 1;
-    for (std::int64_t position = start < 0 ? size + start : start - 1; start != 0 && position >= 0 && position < size; position += step) {
-        if (text.compare(std::size_t(position), part.size(), part) == 0 && --occurrence == 0)
-            return sqlite3_result_int64(context, position + 1);
-    }
-    sqlite3_result_int64(context, 0);
+    sqlite3_result_int64(context,
+        start == 0      ? 0
+            : start > 0 ? placeOf(text, part, start, occurrence)
+                        : placeFromEnd(text, part, -start, occurrence));
 }
 
 void trimmed(sqlite3_context *context, Arguments arguments, bool left, bool right)
@@ -55,10 +77,14 @@ void trimmed(sqlite3_context *context, Arguments arguments, bool left, bool righ
         return;
     const std::u32string text = charactersOf(arguments[0]);
     const std::u32string set = arguments.size() > 1 ? charactersOf(arguments[1]) : U" ";
+    const auto isInSet = [&set](char32_t character) {
+        StatementBudget::work(set.size());
+        return set.find(character) != std::u32string::npos;
+    };
     std::u32string_view kept = text;
-    while (left && !kept.empty() && set.find(kept.front()) != std::u32string::npos)
+    while (left && !kept.empty() && isInSet(kept.front()))
         kept.remove_prefix(1);
-    while (right && !kept.empty() && set.find(kept.back()) != std::u32string::npos)
+    while (right && !kept.empty() && isInSet(kept.back()))
         kept.remove_suffix(1);
     setCharacters(context, kept);
 }
@@ -72,17 +98,20 @@ void replace(sqlite3_context *context, Arguments arguments)
     const std::string text = textOf(arguments[0]);
     const std::string wanted = textOf(arguments[1]);
     const std::string with = arguments.size() > 2 ? textOf(arguments[2]) : std::string();
+    if (wanted.empty())
+        return setText(context, text);
     std::string replaced;
     std::size_t begin = 0;
-    for (std::size_t found = wanted.empty() ? std::string::npos : text.find(wanted); found != std::string::npos;
-         found = text.find(wanted, begin)) {
-        replaced.append(text, begin, found - begin);
-        replaced += with;
+    TextSearch<char> search(text, wanted);
+    for (std::size_t found = search.next(); found != std::string::npos; found = search.next()) {
+        if (found < begin)
+            continue;
+        replaced.append(text, begin, found - begin).append(with);
         begin = found + wanted.size();
-        if (replaced.size() > 4000 * 1000)
-            throw OracleError("ORA-01489: 字符串连接的结果过长");
+        checkMadeText(replaced.size());
     }
     replaced.append(text, begin);
+    checkMadeText(replaced.size());
     setText(context, replaced);
 }
 

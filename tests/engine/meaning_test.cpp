@@ -100,6 +100,11 @@ TEST_P(Meaning, ExpressionsGiveWhatOracleGives)
         { "instr('abcabc','bc',1,2)", "5" },
         { "instr('abcabc','bc',-1)", "5" },
         { "instr('abc','x')", "0" },
+        { "instr('aaaa','aa',2,2)", "3" },
+        { "instr('aaaa','aa',-2,2)", "2" },
+        { "instr('aaaa','aa',-1)", "3" },
+        { "replace('aaaa','aa','b')", "bb" },
+        { "replace('abcabd','abd','x')", "abcx" },
         { "instr('abc','')", "null" },
         { "length(NAME)", "5" },
         { "length('')", "null" },
@@ -112,6 +117,12 @@ TEST_P(Meaning, ExpressionsGiveWhatOracleGives)
         { "replace('aaa','a','')", "null" },
         { "case when 'A' like 'a' then 'same' else 'different' end", "different" },
         { "case when 'a%b' like 'a!%_' escape '!' then 1 else 0 end", "1" },
+        { "case when '北京市' like '_京%' then 1 else 0 end", "1" },
+        { "case when 'abcbcd' like 'a%bc_' then 1 else 0 end", "1" },
+        { "case when 'abc' like '%b' then 1 else 0 end", "0" },
+        { "case when BLANK like '%' then 1 else 0 end", "0" },
+        { "case when 'ab' like '%%_%_%' then 1 else 0 end", "1" },
+        { "case when 'ab' not like 'a\\b' then 1 else 0 end", "1" },
         // dates
         { "to_date('2024-03-05','yyyy-mm-dd hh24:mi:ss')", "2024-03-05 00:00:00" },
         { "to_date('2024/3/5 7:8','yyyy-mm-dd hh24:mi')", "2024-03-05 07:08:00" },
@@ -136,6 +147,10 @@ TEST_P(Meaning, ExpressionsGiveWhatOracleGives)
         { "regexp_instr('',  'x')", "null" },
         { "regexp_instr('北京海淀北京','北京',2)", "5" },
         { "regexp_instr('abab','b',1,2)", "4" },
+        { "case when PIECE>0 then 6/PIECE else 1/(PIECE-PIECE) end", "2" },
+        { "case when 1=1 then 1 else 1/0 end", "1" },
+        { "PIECE/null", "null" },
+        { "12/-4/.5", "-6" },
         { "regexp_instr('abab','b',1,1,1)", "3" },
         { "regexp_instr('ABC','b',1,1,0,'i')", "2" },
         // names that are reserved words elsewhere, hints, comments
@@ -153,7 +168,7 @@ TEST_P(Meaning, ExpressionsGiveWhatOracleGives)
 
 TEST_P(Meaning, ErrorsAreErrorsAndCarryOraclesNumbersInSqlite)
 {
-    const std::pair<const char *, const char *> cases[] = {
+    const std::pair<std::string, const char *> cases[] = {
         { "to_date('2024-13-01','yyyy-mm-dd')", "ORA-01843" },
         { "to_date('2024-02-30','yyyy-mm-dd')", "ORA-01839" },
         { "to_date('2024-01-32','yyyy-mm-dd')", "ORA-01847" },
@@ -167,6 +182,14 @@ TEST_P(Meaning, ErrorsAreErrorsAndCarryOraclesNumbersInSqlite)
         { "case when nvl(WEIGHT,0)>='五' then 1 end", "ORA-01722" },
         { "regexp_instr('a','(')", "ORA-12725" },
         { "(select ID from ROWS4)", "ORA-01427" },
+        { "1/0", "ORA-01476" },
+        { "WEIGHT/(PIECE-3)", "ORA-01476" },
+        { "PIECE/0.0", "ORA-01476" },
+        { "to_date('9999-12-31','yyyy-mm-dd')+1", "ORA-01841" },
+        { "to_char(to_date('0001-01-01','yyyy-mm-dd')-1,'yyyy')", "ORA-01841" },
+        { "to_date('2024-01-01','yyyy-mm-dd')+99999999", "ORA-01841" },
+        { "length(replace('" + std::string(100, 'a') + "','a','" + std::string(41, 'b') + "'))", "ORA-01489" },
+        { "length('" + std::string(2000, 'a') + "'||'" + std::string(2001, 'b') + "')", "ORA-01489" },
         { "to_date('2024-01-01','yyyy-mm-dd')+to_date('2024-01-01','yyyy-mm-dd')", "ORA-00975" },
     };
     // PostgreSQL passes over what its to_date does not expect.
