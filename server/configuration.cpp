@@ -1,8 +1,8 @@
 #include "server/configuration.h"
 
-#include "server/tls_context.h"
-#include "server/token.h"
-#include "server/user_file.h"
+#include "server/tls/tls_context.h"
+#include "server/users/token.h"
+#include "server/users/user_file.h"
 
 #include <charconv>
 #include <fstream>

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/statements/database_configuration.h"
+
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -9,21 +11,6 @@
 #include <vector>
 
 namespace server {
-
-/// One database that clients may choose by its name.
-struct DatabaseConfiguration {
-    std::string name;
-    std::string url;
-    std::vector<std::string> tables {}; ///< empty: all of the database's own
-    std::size_t workers = 8; ///< statements that run at a time
-    std::size_t queue = 200; ///< statements that wait, of all users
-    std::size_t userStatements = 4; ///< of one user that run at a time
-    std::size_t userQueue = 50; ///< of one user that wait
-    std::chrono::milliseconds statementTime = std::chrono::minutes(10); ///< waiting and sending included
-    std::int64_t rows = 2'000'000; ///< of one result
-    std::uint64_t resultBytes = std::uint64_t(1) << 30; ///< of one result, before compression and encryption
-    std::size_t sendBuffer = 4 << 20; ///< bytes of a result that wait to be sent
-};
 
 /// Everything that a server is told. The file's keys have the same names with underscores.
 struct Configuration {

@@ -1,9 +1,9 @@
 #include "server/demo_server.h"
 
-#include "server/certificate.h"
-#include "server/password.h"
-#include "server/token.h"
-#include "server/user_file.h"
+#include "server/tls/certificate.h"
+#include "server/users/password.h"
+#include "server/users/token.h"
+#include "server/users/user_file.h"
 
 #include <algorithm>
 

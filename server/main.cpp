@@ -1,9 +1,9 @@
+#include "server/base/log.h"
+#include "server/base/signals.h"
+#include "server/base/system.h"
 #include "server/demo_server.h"
-#include "server/log.h"
 #include "server/options.h"
 #include "server/server.h"
-#include "server/signals.h"
-#include "server/system.h"
 #include "server/user_command.h"
 
 #include <iostream>

@@ -1,6 +1,6 @@
 #include "server/server.h"
 
-#include "server/log.h"
+#include "server/base/log.h"
 #include "server/session.h"
 
 #include <boost/asio/co_spawn.hpp>

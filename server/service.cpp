@@ -1,7 +1,7 @@
 #include "server/service.h"
 
-#include "server/json.h"
-#include "server/system.h"
+#include "server/base/json.h"
+#include "server/base/system.h"
 
 #include <algorithm>
 

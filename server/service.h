@@ -1,9 +1,10 @@
 #pragma once
 
-#include "server/audit_log.h"
-#include "server/logins.h"
-#include "server/request.h"
-#include "server/statement.h"
+#include "server/base/audit_log.h"
+#include "server/configuration.h"
+#include "server/http/request.h"
+#include "server/statements/statement.h"
+#include "server/users/logins.h"
 
 #include <variant>
 

@@ -1,6 +1,6 @@
 #include "server/session.h"
 
-#include "server/log.h"
+#include "server/base/log.h"
 
 #include <boost/asio/co_spawn.hpp>
 #include <boost/asio/detached.hpp>

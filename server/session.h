@@ -1,8 +1,8 @@
 #pragma once
 
 #include "server/service.h"
-#include "server/tls_context.h"
-#include "server/tls_stream.h"
+#include "server/tls/tls_context.h"
+#include "server/tls/tls_stream.h"
 
 #include <atomic>
 

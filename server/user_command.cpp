@@ -1,8 +1,8 @@
 #include "server/user_command.h"
 
-#include "server/password.h"
-#include "server/system.h"
-#include "server/user_file.h"
+#include "server/base/system.h"
+#include "server/users/password.h"
+#include "server/users/user_file.h"
 
 #include <iostream>
 #include <stdexcept>

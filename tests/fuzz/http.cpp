@@ -1,9 +1,9 @@
 // What a client can send before it has shown a password: the bytes of a request in two pieces, and the parts of it that are read further.
 
-#include "server/json.h"
-#include "server/request.h"
-#include "server/result_format.h"
-#include "server/token.h"
+#include "server/base/json.h"
+#include "server/http/request.h"
+#include "server/statements/result_format.h"
+#include "server/users/token.h"
 
 #include <cstdlib>
 #include <span>

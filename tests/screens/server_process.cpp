@@ -1,8 +1,8 @@
 #include "tests/screens/server_process.h"
 
-#include "server/certificate.h"
-#include "server/password.h"
-#include "server/user_file.h"
+#include "server/tls/certificate.h"
+#include "server/users/password.h"
+#include "server/users/user_file.h"
 #include "tests/screens/client_process.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 #include "tests/server/test_server.h"
 
-#include "server/system.h"
+#include "server/base/system.h"
 
 #include <gmock/gmock.h>
 

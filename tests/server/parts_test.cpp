@@ -1,11 +1,11 @@
-#include "server/fair_pool.h"
-#include "server/json.h"
-#include "server/login_throttle.h"
-#include "server/password.h"
-#include "server/result_format.h"
-#include "server/token.h"
+#include "server/base/fair_pool.h"
+#include "server/base/json.h"
+#include "server/statements/result_format.h"
 #include "server/user_command.h"
-#include "server/user_file.h"
+#include "server/users/login_throttle.h"
+#include "server/users/password.h"
+#include "server/users/token.h"
+#include "server/users/user_file.h"
 #include "tests/server/test_server.h"
 
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "engine/pool/open_engine.h"
 #include "server_client/server_session.h"
 
-#include "server/certificate.h"
+#include "server/tls/certificate.h"
 #include "tests/server/test_server.h"
 #include "tests/support/cutting_proxy.h"
 

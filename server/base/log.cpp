@@ -1,4 +1,4 @@
-#include "server/log.h"
+#include "server/base/log.h"
 
 #include <iostream>
 #include <string>

@@ -1,7 +1,7 @@
-#include "server/result_format.h"
+#include "server/statements/result_format.h"
 
 #include "packet/stream_writer.h"
-#include "server/text_sink.h"
+#include "server/statements/text_sink.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,6 +1,6 @@
-#include "server/text_sink.h"
+#include "server/statements/text_sink.h"
 
-#include "server/json.h"
+#include "server/base/json.h"
 
 #include <charconv>
 #include <cmath>

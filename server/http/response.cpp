@@ -1,7 +1,7 @@
-#include "server/response.h"
+#include "server/http/response.h"
 
 #include "packet/packet.h"
-#include "server/json.h"
+#include "server/base/json.h"
 
 #include <chrono>
 

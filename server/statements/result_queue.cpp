@@ -1,4 +1,4 @@
-#include "server/result_queue.h"
+#include "server/statements/result_queue.h"
 
 #include "engine/engine.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/database.h"
-#include "server/result_format.h"
-#include "server/result_queue.h"
+#include "server/statements/database.h"
+#include "server/statements/result_format.h"
+#include "server/statements/result_queue.h"
 
 #include <atomic>
 

@@ -1,4 +1,4 @@
-#include "server/tls_stream.h"
+#include "server/tls/tls_stream.h"
 
 #include <boost/asio/redirect_error.hpp>
 #include <boost/asio/use_awaitable.hpp>

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "engine/engine.h"
-#include "server/configuration.h"
-#include "server/fair_pool.h"
+#include "server/base/fair_pool.h"
+#include "server/statements/database_configuration.h"
+
+#include <mutex>
 
 namespace server {
 

@@ -1,4 +1,4 @@
-#include "server/request.h"
+#include "server/http/request.h"
 
 #include <boost/asio/buffer.hpp>
 #include <boost/beast/http/error.hpp>

@@ -1,4 +1,4 @@
-#include "server/tls_context.h"
+#include "server/tls/tls_context.h"
 
 #include <openssl/err.h>
 

@@ -1,4 +1,4 @@
-#include "server/login_throttle.h"
+#include "server/users/login_throttle.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
-#include "server/user_file.h"
+#include "server/users/user_file.h"
 
-#include "server/log.h"
-#include "server/system.h"
+#include "server/base/log.h"
+#include "server/base/system.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,4 +1,4 @@
-#include "server/json.h"
+#include "server/base/json.h"
 
 #include "packet/utf8.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/result_format.h"
+#include "server/statements/result_format.h"
 
 namespace server {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "server/fair_pool.h"
-#include "server/login_throttle.h"
-#include "server/metrics.h"
-#include "server/response.h"
-#include "server/token.h"
-#include "server/user_file.h"
+#include "server/base/fair_pool.h"
+#include "server/base/metrics.h"
+#include "server/http/response.h"
+#include "server/users/login_throttle.h"
+#include "server/users/token.h"
+#include "server/users/user_file.h"
 
 #include <functional>
 

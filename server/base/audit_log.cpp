@@ -1,8 +1,8 @@
-#include "server/audit_log.h"
+#include "server/base/audit_log.h"
 
-#include "server/json.h"
-#include "server/log.h"
-#include "server/system.h"
+#include "server/base/json.h"
+#include "server/base/log.h"
+#include "server/base/system.h"
 
 #include "packet/packet.h"
 

@@ -1,8 +1,8 @@
-#include "server/logins.h"
+#include "server/users/logins.h"
 
-#include "server/json.h"
-#include "server/log.h"
-#include "server/password.h"
+#include "server/base/json.h"
+#include "server/base/log.h"
+#include "server/users/password.h"
 
 namespace server {
 

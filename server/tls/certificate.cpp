@@ -1,6 +1,6 @@
-#include "server/certificate.h"
+#include "server/tls/certificate.h"
 
-#include "server/system.h"
+#include "server/base/system.h"
 
 #include <openssl/bio.h>
 #include <openssl/ec.h>

@@ -1,4 +1,4 @@
-#include "server/statement.h"
+#include "server/statements/statement.h"
 
 #include <new>
 

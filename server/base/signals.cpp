@@ -1,4 +1,4 @@
-#include "server/signals.h"
+#include "server/base/signals.h"
 
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/signal_set.hpp>

@@ -1,4 +1,4 @@
-#include "server/token.h"
+#include "server/users/token.h"
 
 #include <openssl/crypto.h>
 #include <openssl/evp.h>

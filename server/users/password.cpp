@@ -1,4 +1,4 @@
-#include "server/password.h"
+#include "server/users/password.h"
 
 #include <argon2.h>
 #include <openssl/rand.h>

@@ -1,6 +1,6 @@
-#include "server/metrics.h"
+#include "server/base/metrics.h"
 
-#include "server/json.h"
+#include "server/base/json.h"
 
 #include <algorithm>
 #include <sstream>

@@ -1,4 +1,4 @@
-#include "server/fair_pool.h"
+#include "server/base/fair_pool.h"
 
 #include <algorithm>
 #include <utility>

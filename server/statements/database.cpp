@@ -1,7 +1,7 @@
-#include "server/database.h"
+#include "server/statements/database.h"
 
 #include "engine/pool/open_engine.h"
-#include "server/log.h"
+#include "server/base/log.h"
 
 namespace server {
 

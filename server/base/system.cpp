@@ -1,4 +1,4 @@
-#include "server/system.h"
+#include "server/base/system.h"
 
 #include <chrono>
 #include <ctime>
