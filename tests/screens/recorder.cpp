@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QJsonDocument>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace {
@@ -32,6 +33,9 @@ public:
         act(QStringLiteral("open"), { { QStringLiteral("screen"), QString(screen + menuRights) } });
         for (const QJsonValue &control : m_client.obey(QStringLiteral("controls"))[u"controls"].toArray())
             m_controls.append(control.toObject());
+        // Where a component is declared does not count.
+        std::sort(m_controls.begin(), m_controls.end(),
+            [](const QJsonObject &one, const QJsonObject &other) { return one[u"name"].toString() < other[u"name"].toString(); });
     }
 
     void recordAll()
@@ -70,7 +74,7 @@ private:
         write(QStringLiteral("  reply"), m_client.ask(command));
         for (const QJsonValue &event : m_client.events()) {
             QJsonObject said = event.toObject();
-            if (QJsonObject memos = said[u"memos"].toObject(); !memos.isEmpty()) {
+            if (QJsonObject memos = said.value(u"memos").toObject(); !memos.isEmpty()) {
                 memos.remove(u"PrintDateTime"); // the clock runs
                 said[u"memos"] = memos;
             }
