@@ -21,13 +21,16 @@
 
 #include <algorithm>
 #include <iterator>
+#include <memory>
 
 namespace {
 
 template <class Screen>
 Tfrm_Basic *create(TComponentOwner *owner)
 {
-    return new Screen(owner);
+    auto screen = std::make_unique<Screen>(owner);
+    screen->FormCreate();
+    return screen.release();
 }
 
 const ScreenEntry screens[] = {
@@ -57,5 +60,5 @@ const ScreenEntry *findScreen(QStringView name)
 {
     const auto found
         = std::find_if(std::begin(screens), std::end(screens), [name](const ScreenEntry &entry) { return entry.name == name; });
-    return found != std::end(screens) && found->create ? found : nullptr;
+    return found != std::end(screens) ? found : nullptr;
 }

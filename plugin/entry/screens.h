@@ -9,8 +9,8 @@ enum class Rights { FromName, None };
 struct ScreenEntry {
     QStringView name; ///< as the host passes it, without the rights
     Rights rights;
-    Tfrm_Basic **variable = nullptr; ///< the single instance; a row without one is a screen yet to be built, unknown to the host
-    Tfrm_Basic *(*create)(TComponentOwner *owner) = nullptr;
+    Tfrm_Basic **variable; ///< the single instance, null until it is created
+    Tfrm_Basic *(*create)(TComponentOwner *owner);
 };
 
 /// The entry of that name (case counts), or null when the library has no such screen.

@@ -1,6 +1,5 @@
 #include "plugin/util/conditions.h"
 
-#include "platform/dataset/client_data_set.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/screen.h"
@@ -25,21 +24,23 @@ std::optional<Range> readRange(const QString &startText, const QString &endText)
 
 } // namespace
 
+bool refuse(QStringView reason, const QString &title)
+{
+    Application->messageBox(u"详细：" + reason, title, mbIconWarning);
+    return true;
+}
+
 bool CheckDateRange(const QString &StartText, const QString &EndText, int MaxDays, bool ShowMessage)
 {
-    const auto refuse = [ShowMessage](const QString &text, const QString &title) {
-        if (ShowMessage)
-            Application->messageBox(text, title, mbIconWarning);
-        return true;
-    };
+    const auto unacceptable = [ShowMessage](const QString &reason, const QString &title) { return !ShowMessage || refuse(reason, title); };
     const std::optional<Range> range = readRange(StartText, EndText);
     if (!range)
-        return refuse(QStringLiteral("详细：您所输入的日期时间错误！"), QStringLiteral("日期时间格式"));
+        return unacceptable(QStringLiteral("您所输入的日期时间错误！"), QStringLiteral("日期时间格式"));
     if (range->start > range->end)
-        return refuse(QStringLiteral("详细：结束日期不能比开始日期还早！"), QStringLiteral("日期时间错误"));
+        return unacceptable(QStringLiteral("结束日期不能比开始日期还早！"), QStringLiteral("日期时间错误"));
     const int mostSeconds = MaxDays * secondsOfDay;
     if (range->start.secsTo(range->end) > mostSeconds)
-        return refuse(QStringLiteral("详细：结束日期不能超过开始日期\"%1\"天！").arg(MaxDays), QStringLiteral("日期时间错误"));
+        return unacceptable(QStringLiteral("结束日期不能超过开始日期\"%1\"天！").arg(MaxDays), QStringLiteral("日期时间错误"));
     return false;
 }
 
@@ -91,4 +92,36 @@ void LookupComboTextExit(TDBLookupComboboxEh *Combo)
     }
     focusControl(Combo);
     Combo->clear();
+}
+
+QString toDate(const QString &text) { return u"to_date('" + text + u"','yyyy-mm-dd hh24:mi:ss')"; }
+
+QString whereBetween(QStringView column, const TDBDateTimeEditEh *start, const TDBDateTimeEditEh *end)
+{
+    return u"where " + column + u" between " + toDate(start->text()) + u" and " + toDate(end->text());
+}
+
+QString unlessEmpty(QStringView before, const QLineEdit *edit, QStringView after)
+{
+    return edit->text().isEmpty() ? QString() : QString(before + edit->text() + after);
+}
+
+QString unlessAll(QStringView before, const TDBComboBoxEh *list, QStringView after)
+{
+    return list->text() == allItems ? QString() : QString(before + list->text() + after);
+}
+
+QString siteList(TDataSet *sites)
+{
+    QString names;
+    DataSetFieldToText(sites, QStringLiteral("site_name"), QStringLiteral("','"), names);
+    return u"('" + names + u"')";
+}
+
+void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag)
+{
+    dataSet->close();
+    dataSet->setCommandText(statement);
+    dataSet->setTag(tag);
+    dataSet->open();
 }

@@ -1,6 +1,7 @@
 #include "plugin/view/frame_InputList.h"
 
 #include "platform/toolkit/handler.h"
+#include "plugin/util/conditions.h"
 
 #include <QHBoxLayout>
 #include <QMimeData>
@@ -21,8 +22,6 @@ QString trimmed(const QString &text)
     const auto last = std::find_if(text.rbegin(), std::make_reverse_iterator(first), counts).base();
     return text.mid(first - text.begin(), last - first);
 }
-
-void refuse(const QString &text) { Application->messageBox(text, QStringLiteral("详细："), mbIconWarning); }
 
 /// Whether a character parts two numbers on one line of a sheet or of a message.
 bool isSeparator(QChar character) { return QStringView(u"\t ,;，；、　").contains(character) || character == QChar::Nbsp; }
@@ -103,11 +102,16 @@ TInputList::TInputList()
 void TInputList::GetBillList(QString &BillList)
 {
     BillList.clear();
-    if (trimmed(Memo1->toPlainText()).isEmpty())
-        return refuse(QStringLiteral("详细：没有输入任何运单编号！"));
+    const QString title = QStringLiteral("详细：");
+    if (trimmed(Memo1->toPlainText()).isEmpty()) {
+        refuse(u"没有输入任何运单编号！", title);
+        return;
+    }
     const QStringList lines = Memo1->lines();
-    if (lines.size() > mostLines)
-        return refuse(QStringLiteral("详细：您输入了\"%1\"个单号，最多只能输入\"%2\"个单号！").arg(lines.size()).arg(mostLines));
+    if (lines.size() > mostLines) {
+        refuse(QStringLiteral("您输入了\"%1\"个单号，最多只能输入\"%2\"个单号！").arg(lines.size()).arg(mostLines), title);
+        return;
+    }
     QStringList numbers;
     for (const QString &line : lines)
         numbers.prepend(trimmed(line));

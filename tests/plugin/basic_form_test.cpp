@@ -22,7 +22,6 @@ public:
         auto *layout = new QVBoxLayout(this);
         layout->addWidget(Edit1);
         layout->addWidget(Edit2);
-        FormCreate();
     }
 
     PUBLISHED(QLineEdit, Edit1);
@@ -38,6 +37,7 @@ protected:
         dm_BasicData = &m_basicData;
         m_host.show();
         m_variable = m_screen = new Screen1(Application);
+        m_screen->FormCreate();
         m_screen->SetFormVariable(&m_variable);
         m_screen->showForm();
     }
@@ -103,6 +103,7 @@ TEST_F(BasicForm, SuppressedItNeitherReportsActivationNorAsks)
     m_screen->SetSuppressHostNotify();
     change(m_screen->cds);
     auto *other = new Screen1(Application);
+    other->FormCreate();
     other->showForm();
     m_host.log.clear();
     m_screen->showForm();
@@ -144,6 +145,7 @@ TEST_F(BasicForm, EveryClientDataSetRunsOverTheHostsConnection)
     TSocketConnectionEx host;
     m_basicData.HostConnection = &host;
     auto *screen = new Screen1(Application);
+    screen->FormCreate();
     EXPECT_EQ(screen->cds->remoteServer(), &host);
     EXPECT_EQ(screen->cds1->remoteServer(), &host);
     delete screen;

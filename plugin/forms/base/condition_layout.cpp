@@ -8,6 +8,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
+#include <algorithm>
+
 namespace {
 
 constexpr int fieldWidth = 150;
@@ -25,24 +27,25 @@ void setFieldWidth(QWidget *control)
     }
 }
 
+QLabel *makeLabel(TComponentOwner *owner, const ConditionRow &row)
+{
+    auto *label = new QLabel(row.label);
+    label->setBuddy(row.control);
+    return row.labelName ? owner->own(label, row.labelName) : label;
+}
+
 /// Places label and control of each row; `columns` pairs side by side.
-void fill(QGridLayout *grid, const QList<ConditionRow> &rows, int columns, QWidget *&previous)
+void fill(QGridLayout *grid, TComponentOwner *owner, const QList<ConditionRow> &rows, int columns)
 {
     for (qsizetype index = 0; index < rows.size(); ++index) {
         const ConditionRow &row = rows[index];
         const int line = int(index) / columns;
         const int column = int(index) % columns * 2;
-        if (!row.label.isEmpty()) {
-            auto *label = new QLabel(row.label);
-            label->setBuddy(row.control);
-            grid->addWidget(label, line, column, Qt::AlignRight | Qt::AlignVCenter);
-        }
+        if (!row.label.isEmpty())
+            grid->addWidget(makeLabel(owner, row), line, column, Qt::AlignRight | Qt::AlignVCenter);
         setFieldWidth(row.control);
         grid->addWidget(row.control, line, column + 1);
         grid->setColumnStretch(column + 1, 1);
-        if (previous)
-            QWidget::setTabOrder(previous, row.control);
-        previous = row.control;
     }
 }
 
@@ -54,23 +57,24 @@ QGridLayout *conditionGrid()
     return grid;
 }
 
+void place(const ConditionItem &item, QHBoxLayout *line, TComponentOwner *owner)
+{
+    QGridLayout *grid = conditionGrid();
+    const auto *boxed = std::get_if<ConditionBox>(&item);
+    if (boxed)
+        fill(grid, owner, boxed->rows, boxed->columns);
+    else
+        fill(grid, owner, { std::get<ConditionRow>(item) }, 1);
+    if (boxed && boxed->box) {
+        boxed->box->setTitle(boxed->caption);
+        boxed->box->setLayout(grid);
+        line->addWidget(boxed->box);
+    } else {
+        line->addLayout(grid);
+    }
+}
+
 } // namespace
-
-ConditionRow row(QStringView label, QWidget *control) { return { label.toString(), control }; }
-
-ConditionRow row(QWidget *control) { return { {}, control }; }
-
-ConditionBox box(QGroupBox *groupBox, QStringView caption, int columns, const QList<ConditionRow> &rows)
-{
-    return { groupBox, caption.toString(), columns, rows };
-}
-
-ConditionBox block(int columns, const QList<ConditionRow> &rows) { return { nullptr, {}, columns, rows }; }
-
-ConditionBox range(QGroupBox *groupBox, QStringView caption, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end)
-{
-    return box(groupBox, caption, 1, { row(u"开始", start), row(u"结束", end) });
-}
 
 QLabel *labelOf(const QWidget *control)
 {
@@ -87,33 +91,37 @@ void setConditionVisible(QWidget *control, bool visible)
     labelOf(control)->setVisible(visible);
 }
 
-void arrange(QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines)
+void forEachRow(const QList<ConditionLine> &lines, const std::function<void(const ConditionRow &)> &visit)
+{
+    for (const ConditionLine &items : lines) {
+        for (const ConditionItem &item : items) {
+            if (const auto *single = std::get_if<ConditionRow>(&item))
+                visit(*single);
+            else
+                std::for_each(std::get<ConditionBox>(item).rows.begin(), std::get<ConditionBox>(item).rows.end(), visit);
+        }
+    }
+}
+
+void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines)
 {
     auto *layout = new QVBoxLayout(panel);
     layout->setContentsMargins(gap, gap, gap, 0);
     layout->setSpacing(gap);
-    QWidget *previous = nullptr;
     for (const ConditionLine &items : lines) {
         auto *line = new QHBoxLayout;
         line->setSpacing(gap * 2);
-        for (const ConditionItem &item : items) {
-            QGridLayout *grid = conditionGrid();
-            const auto *boxed = std::get_if<ConditionBox>(&item);
-            if (boxed)
-                fill(grid, boxed->rows, boxed->columns, previous);
-            else
-                fill(grid, { std::get<ConditionRow>(item) }, 1, previous);
-            if (boxed && boxed->box) {
-                boxed->box->setTitle(boxed->caption);
-                boxed->box->setLayout(grid);
-                line->addWidget(boxed->box);
-            } else {
-                line->addLayout(grid);
-            }
-        }
+        for (const ConditionItem &item : items)
+            place(item, line, owner);
         line->addStretch(1);
         layout->addLayout(line);
     }
     layout->addWidget(workPanel, 0, Qt::AlignHCenter);
     panel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    QWidget *previous = nullptr;
+    forEachRow(lines, [&previous](const ConditionRow &row) {
+        if (previous)
+            QWidget::setTabOrder(previous, row.control);
+        previous = row.control;
+    });
 }

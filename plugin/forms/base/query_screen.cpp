@@ -1,10 +1,6 @@
 #include "plugin/forms/base/query_screen.h"
 
-#include "platform/toolkit/application.h"
-#include "platform/toolkit/clock.h"
 #include "platform/toolkit/screen.h"
-#include "plugin/data/host_data.h"
-#include "plugin/util/conditions.h"
 
 QueryScreen::QueryScreen(TComponentOwner *owner, const QString &name, QStringView caption)
     : Tfrm_BasicBoot(owner, name, caption.toString())
@@ -31,38 +27,49 @@ void QueryScreen::result(TDataView *view, TClientDataSetEx *dataSet, const GridC
     m_dataSet = dataSet;
 }
 
+void QueryScreen::arrange(const QList<ConditionLine> &lines)
+{
+    ::arrange(this, Panel1, WorkPanel1, lines);
+    forEachRow(lines, [this](const ConditionRow &row) { m_onCreate += row.onCreate; });
+}
+
+void QueryScreen::placeLeft(TInputList *list)
+{
+    m_row->insertWidget(0, list);
+    askByList(list);
+}
+
+void QueryScreen::FormCreate()
+{
+    Tfrm_BasicBoot::FormCreate();
+    for (const auto &fill : m_onCreate)
+        fill();
+}
+
 void QueryScreen::FormShow() { SetWorkContext(m_view, m_dataSet, Button1, nullptr); }
 
-bool QueryScreen::refuse(const QString &text, QWidget *control)
+void QueryScreen::Button1Click()
 {
-    Application->messageBox(text, caption(), mbIconWarning);
+    const QueryRun run(this);
+    if (!m_list || !m_list->CheckBox1->isChecked())
+        return queryByConditions();
+    QString bills;
+    m_list->GetBillList(bills);
+    if (!bills.isEmpty())
+        queryByList(bills);
+}
+
+bool QueryScreen::refuse(QStringView reason, QWidget *control)
+{
+    ::refuse(reason, caption());
     if (control)
         focusControl(control);
     return true;
 }
 
-void QueryScreen::completeOnExit(const QList<TDBLookupComboboxEh *> &combos)
-{
-    for (TDBLookupComboboxEh *combo : combos)
-        handle(combo, &TDBLookupComboboxEh::exited, this, [combo] { LookupComboTextExit(combo); });
-}
+bool QueryScreen::refuseEmpty(TDBLookupComboboxEh *combo, QStringView reason) { return combo->text().isEmpty() && refuse(reason, combo); }
 
-void QueryScreen::completeOnEnter(const QList<TDBLookupComboboxEh *> &combos)
-{
-    for (TDBLookupComboboxEh *combo : combos)
-        handle(combo, &TDBLookupComboboxEh::keyPressed, this, [combo](int key) {
-            if (key == Qt::Key_Return || key == Qt::Key_Enter)
-                LookupComboTextExit(combo);
-        });
-}
-
-void QueryScreen::loginSiteOnExit(TDBLookupComboboxEh *combo)
-{
-    handle(combo, &TDBLookupComboboxEh::exited, this, [combo] {
-        if (combo->text().trimmed().isEmpty())
-            combo->setText(GlobalValueAddr(QStringLiteral("site")));
-    });
-}
+bool QueryScreen::refuseRange(int mostDays) { return CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), mostDays, true); }
 
 QueryRun::QueryRun(QueryScreen *screen)
     : m_screen(screen)
@@ -75,111 +82,4 @@ QueryRun::~QueryRun()
 {
     m_screen->showFirstPage();
     Screen->setCursor(crDefault);
-}
-
-void fillFromHost(const QList<TDBComboBoxEh *> &combos, const QString &hostDataSet, const QString &field)
-{
-    fillFrom(combos, GlobalCdsAddr(hostDataSet), field);
-}
-
-void fillScanLists(TDBComboBoxEh *goodsType, TDBComboBoxEh *fastType, TDBComboBoxEh *shift)
-{
-    fillFromHost({ goodsType }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
-    fillFromHost({ fastType }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
-    fillFromHost({ shift }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
-}
-
-void fillFrom(const QList<TDBComboBoxEh *> &combos, TDataSet *dataSet, const QString &field)
-{
-    QString values;
-    DataSetFieldToText(dataSet, field, QStringLiteral("\r"), values);
-    for (TDBComboBoxEh *combo : combos) {
-        combo->setItemsText(allItems + u'\r' + values);
-        combo->setKeyItemsText(allItems + u'\r' + values);
-        combo->setItemIndex(0);
-    }
-}
-
-namespace {
-
-void setDay(const QDate &day, TDBDateTimeEditEh *start, TDBDateTimeEditEh *end)
-{
-    start->setDateTimeText(dateToText(day) + u" 00:00:00");
-    end->setDateTimeText(dateToText(day) + u" 23:59:59");
-}
-
-void setLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source, const QString &keyField, const QString &codeField,
-    const QList<LookupColumn> &columns)
-{
-    for (TDBLookupComboboxEh *combo : combos) {
-        combo->setFields(keyField, keyField, codeField);
-        combo->setDropDownColumns(columns);
-        combo->setListSource(source);
-    }
-}
-
-} // namespace
-
-void setYesterday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end) { setDay(Clock::today().addDays(-1), start, end); }
-
-void setToday(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end) { setDay(Clock::today(), start, end); }
-
-void setSiteLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
-{
-    setLookup(combos, source, QStringLiteral("SITE_NAME"), QStringLiteral("SITE_CODE"),
-        { { QStringLiteral("SITE_CODE"), QStringLiteral("网点编号"), 80 }, { QStringLiteral("SITE_NAME"), QStringLiteral("网点名称"), 120 },
-            { QStringLiteral("SUPERIOR_SITE"), QStringLiteral("所属网点"), 120 } });
-}
-
-void setScanTypeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
-{
-    setLookup(combos, source, QStringLiteral("TYPE_NAME"), QStringLiteral("TYPE_CODE"),
-        { { QStringLiteral("TYPE_CODE"), QStringLiteral("类型编号"), 80 },
-            { QStringLiteral("TYPE_NAME"), QStringLiteral("类型名称"), 120 } });
-}
-
-void setEmployeeLookup(const QList<TDBLookupComboboxEh *> &combos, TDataSource *source)
-{
-    setLookup(combos, source, QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("EMPLOYEE_CODE"),
-        { { QStringLiteral("EMPLOYEE_CODE"), QStringLiteral("员工编号"), 60 },
-            { QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("员工姓名"), 60 },
-            { QStringLiteral("OWNER_SITE"), QStringLiteral("所属网点"), 120 },
-            { QStringLiteral("DEPT_NAME"), QStringLiteral("所属部门"), 60 } });
-}
-
-QString siteList(TDataSet *sites)
-{
-    QString names;
-    DataSetFieldToText(sites, QStringLiteral("site_name"), QStringLiteral("','"), names);
-    return u"('" + names + u"')";
-}
-
-QString selectedField(const TDataView *view)
-{
-    const TDBGridEh *grid = view->DataViewGrid;
-    return grid->currentColumn() < 0 ? QString() : grid->column(grid->currentColumn()).fieldName;
-}
-
-void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag)
-{
-    dataSet->close();
-    dataSet->setCommandText(statement);
-    dataSet->setTag(tag);
-    dataSet->open();
-}
-
-QString unlessEmpty(QStringView condition, const TDBLookupComboboxEh *combo)
-{
-    return combo->text().isEmpty() ? QString() : QString(condition + combo->text() + u'\'');
-}
-
-QString unlessAll(QStringView condition, const TDBComboBoxEh *combo)
-{
-    return combo->text() == allItems ? QString() : QString(condition + combo->text() + u'\'');
-}
-
-QString whereBetween(QStringView column, const TDBDateTimeEditEh *start, const TDBDateTimeEditEh *end)
-{
-    return u"where " + column + u" between to_date('" + start->text() + u"','yyyy-mm-dd hh24:mi:ss') and to_date('" + end->text()
-        + u"','yyyy-mm-dd hh24:mi:ss')";
 }

@@ -11,12 +11,19 @@ void SummaryDetailScreen::summaryAndDetail(const ResultPage &summary, const Resu
     for (const ResultPage &shown : { summary, detail })
         page(shown.sheet, shown.caption, shown.view, shown.dataSet, shown.columns, shown.frozen);
     m_summary = summary.dataSet;
+    m_summaryView = summary.view;
     m_detail = detail.dataSet;
     m_detailSheet = detail.sheet;
     m_detailView = detail.view;
     handle(m_summary, &TDataSet::afterOpen, this, [this, sentinel] { FDetailKey = sentinel; });
     handle(m_detailSheet, &TTabSheet::shown, this, &SummaryDetailScreen::loadDetail);
     handle(summary.view->DataViewGrid, &TDBGridEh::cellDoubleClicked, this, &SummaryDetailScreen::showDetailSheet);
+}
+
+QString SummaryDetailScreen::selectedField() const
+{
+    const TDBGridEh *grid = m_summaryView->DataViewGrid;
+    return grid->currentColumn() < 0 ? QString() : grid->column(grid->currentColumn()).fieldName;
 }
 
 void SummaryDetailScreen::showDetailSheet()

@@ -38,6 +38,8 @@ protected:
     virtual Detail detail() const = 0;
     /// A field of the current summary row, as text.
     QString summaryText(QStringView field) const { return m_summary->fieldByName(field)->asString(); }
+    /// The field of the cell that is current in the summary; "" when none is.
+    QString selectedField() const;
 
 private:
     void showDetailSheet();
@@ -46,6 +48,7 @@ private:
 
     TClientDataSetEx *m_summary = nullptr;
     TClientDataSetEx *m_detail = nullptr;
+    TDataView *m_summaryView = nullptr;
     TTabSheet *m_detailSheet = nullptr;
     TDataView *m_detailView = nullptr;
     QString FDetailKey;

@@ -30,8 +30,10 @@ public:
     void SetRights(const QString &text);
     void SetWorkContext(TDataView *view, TClientDataSetEx *dataSet, QAbstractButton *button, QObject *extra);
 
+    /// Runs once, right after the screen has been constructed: tells the host and gives everything its first value.
+    virtual void FormCreate();
+
 protected:
-    void FormCreate();
     void FormActivate() override;
     void FormClose(TCloseAction &action) override;
     void FormKeyDown(int key, Qt::KeyboardModifiers modifiers) override;

@@ -13,6 +13,5 @@ public:
 
     PUBLISHED(TPropStorageEh, Prop);
 
-protected:
-    void FormCreate();
+    void FormCreate() override;
 };

@@ -1,9 +1,7 @@
 #include "plugin/forms/report/month_list.h"
 
-#include "platform/toolkit/clock.h"
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
-#include "plugin/util/conditions.h"
 #include "plugin/view/udm_Print.h"
 
 #include <QScopeGuard>
@@ -11,53 +9,41 @@
 void MonthList::design(
     const QList<ConditionRow> &rows, const QList<ConditionRow> &buttons, const GridColumns &summary, const GridColumns &detail)
 {
-    arrange({ { range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2), block(3, rows), block(1, buttons) } });
+    arrange({ { range(u"扫描时间范围(31天以内)").lastMonth(), block(3, rows), block(1, buttons) } });
     placeLeft(InputList1);
     summaryAndDetail(
         { TabSheet1, u"汇总数据", DataView2, cdsSum, summary }, { TabSheet2, u"明细数据", DataView1, cds, detail, 1 }, QString());
-    completeOnExit({ DBLookupComboboxEh1, DBLookupComboboxEh2, DBLookupComboboxEh3, DBLookupComboboxEh4, DBLookupComboboxEh5 });
 }
 
-void MonthList::FormCreate(TDBLookupComboboxEh *scanSite)
+LookupRow MonthList::siteRow(TDBLookupComboboxEh *scanSite)
 {
-    Tfrm_BasicBoot::FormCreate();
     m_scanSite = scanSite;
-    setPreviousMonth();
-    fillScanLists(DBComboBoxEh1, DBComboBoxEh2, DBComboBoxEh4);
-    setSiteLookup({ DBLookupComboboxEh1, DBLookupComboboxEh4 }, dm_GlobalData->ds_site);
-    setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
-    setSiteLookup({ scanSite }, dm_GlobalData->ds_loginSiteOwner);
-    scanSite->setText(GlobalValueAddr(QStringLiteral("site")));
+    return row(u"扫描网点", scanSite).sites(dm_GlobalData->ds_loginSiteOwner).loginSite().completes();
 }
 
-void MonthList::setPreviousMonth()
+LookupRow MonthList::manRow() { return row(u"扫描人", DBLookupComboboxEh2).employees().completes(); }
+
+ListRow MonthList::goodsTypeRow() { return row(u"物品类别", DBComboBoxEh1).goodsTypes(); }
+
+ListRow MonthList::fastTypeRow() { return row(u"快件类型", DBComboBoxEh2).fastTypes(); }
+
+LookupRow MonthList::senderRow() { return row(u"寄件网点", DBLookupComboboxEh1).sites(dm_GlobalData->ds_site).completes(); }
+
+LookupRow MonthList::destinationRow() { return row(u"目的网点", DBLookupComboboxEh4).sites(dm_GlobalData->ds_site).completes(); }
+
+ListRow MonthList::shiftRow() { return row(u"班次", DBComboBoxEh4).shifts(); }
+
+void MonthList::queryByList(const QString &bills)
 {
-    const QDate today = Clock::today();
-    const QDate thisMonth(today.year(), today.month(), 1);
-    DBDateTimeEditEh1->setDateTimeText(dateToText(thisMonth.addMonths(-1)) + u" 00:00:00");
-    DBDateTimeEditEh2->setDateTimeText(dateToText(thisMonth.addDays(-1)) + u" 23:59:59");
+    // The site is always the one that is logged in; the other conditions do not count.
+    open(u"where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'', ByList);
 }
 
-void MonthList::Button1Click()
+void MonthList::queryByConditions()
 {
-    const QueryRun run(this);
-    if (InputList1->CheckBox1->isChecked()) {
-        QString bills;
-        InputList1->GetBillList(bills);
-        // The site is always the one that is logged in; the other conditions do not count.
-        if (!bills.isEmpty())
-            open(u"where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'', ByList);
+    if (refuseEmpty(m_scanSite, u"扫描网点必须选择！") || refuseRange(31))
         return;
-    }
-    if (m_scanSite->text().isEmpty()) {
-        refuse(QStringLiteral("详细：扫描网点必须选择！"), m_scanSite);
-        return;
-    }
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true))
-        return;
-    open(whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + u" and a.scan_site='" + m_scanSite->text() + u'\''
-            + conditions(),
-        ByDate);
+    open(whereInRange(u"a.scan_date") + u" and a.scan_site='" + m_scanSite->text() + u'\'' + conditions(), ByDate);
 }
 
 void MonthList::open(const QString &where, Selection selection)

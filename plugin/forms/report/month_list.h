@@ -1,7 +1,6 @@
 #pragma once
 
 #include "plugin/forms/base/summary_detail_screen.h"
-#include "plugin/view/frame_InputList.h"
 
 /// A month's list: sums of a site's scans and, behind each, the scans, which are printed; by a list of waybills or by conditions.
 class MonthList : public SummaryDetailScreen {
@@ -9,9 +8,6 @@ class MonthList : public SummaryDetailScreen {
 
 public:
     PUBLISHED(TInputList, InputList1);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh3);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
@@ -33,8 +29,15 @@ protected:
 
     /// Lays the screen out and connects it; `rows` and `buttons` stand beside the range.
     void design(const QList<ConditionRow> &rows, const QList<ConditionRow> &buttons, const GridColumns &summary, const GridColumns &detail);
-    void FormCreate(TDBLookupComboboxEh *scanSite);
-    void Button1Click() override;
+    LookupRow siteRow(TDBLookupComboboxEh *scanSite);
+    LookupRow manRow();
+    ListRow goodsTypeRow();
+    ListRow fastTypeRow();
+    LookupRow senderRow();
+    LookupRow destinationRow();
+    ListRow shiftRow();
+    void queryByConditions() override;
+    void queryByList(const QString &bills) override;
 
     /// The index by which the last summary found its scans: that of the waybills, or that of the dates.
     QString index(QStringView table) const { return table + QStringView(cdsSum->tag() == ByList ? u"_I" : u"_I3"); }
@@ -48,7 +51,6 @@ protected:
     QString FWhereSql; ///< of the last summary
 
 private:
-    void setPreviousMonth();
     void open(const QString &where, Selection selection);
 
     TDBLookupComboboxEh *m_scanSite = nullptr; ///< the scanning site, required by date

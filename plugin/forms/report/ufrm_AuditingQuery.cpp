@@ -2,7 +2,6 @@
 
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_AuditingQuery = nullptr;
 
@@ -68,76 +67,40 @@ constexpr QStringView detailByList
 Tfrm_AuditingQuery::Tfrm_AuditingQuery(TComponentOwner *owner)
     : SummaryDetailScreen(owner, QStringLiteral("frm_AuditingQuery"), u"审核中转费查询")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_AuditingQuery::design()
-{
     arrange({ {
-        range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
+        range(u"扫描时间范围(31天以内)").yesterday(),
         block(3,
             {
-                row(u"上一站", DBLookupComboboxEh5),
-                row(u"班次", DBComboBoxEh4),
-                row(u"扫描人", DBLookupComboboxEh2),
-                row(u"物品类别", DBComboBoxEh1),
-                row(u"快件类型", DBComboBoxEh2),
-                row(u"寄件网点", DBLookupComboboxEh1),
-                row(u"目的网点", DBLookupComboboxEh4),
-                row(u"扫描网点", DBLookupComboboxEh3),
+                row(u"上一站", DBLookupComboboxEh5).sites(dm_GlobalData->ds_site).completes(),
+                row(u"班次", DBComboBoxEh4).shifts(),
+                row(u"扫描人", DBLookupComboboxEh2).employees(),
+                row(u"物品类别", DBComboBoxEh1).goodsTypes(),
+                row(u"快件类型", DBComboBoxEh2).fastTypes(),
+                row(u"寄件网点", DBLookupComboboxEh1).sites(dm_GlobalData->ds_site),
+                row(u"目的网点", DBLookupComboboxEh4).sites(dm_GlobalData->ds_site),
+                row(u"扫描网点", DBLookupComboboxEh3).sites(dm_GlobalData->ds_loginSiteOwner).loginSite().returnsToLoginSite(),
             }),
     } });
     placeLeft(InputList1);
     summaryAndDetail(
         { TabSheet1, u"汇总", DataView2, cdssum, summaryColumns }, { TabSheet2, u"明细", DataView1, cds, detailColumns }, QString());
-    completeOnExit({ DBLookupComboboxEh5 });
-    loginSiteOnExit(DBLookupComboboxEh3);
 }
 
-void Tfrm_AuditingQuery::FormCreate()
+void Tfrm_AuditingQuery::queryByList(const QString &bills)
 {
-    Tfrm_BasicBoot::FormCreate();
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    fillScanLists(DBComboBoxEh1, DBComboBoxEh2, DBComboBoxEh4);
-    setSiteLookup({ DBLookupComboboxEh1, DBLookupComboboxEh4, DBLookupComboboxEh5 }, dm_GlobalData->ds_site);
-    setSiteLookup({ DBLookupComboboxEh3 }, dm_GlobalData->ds_loginSiteOwner);
-    setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
-    DBLookupComboboxEh3->setText(GlobalValueAddr(QStringLiteral("site")));
-}
-
-void Tfrm_AuditingQuery::Button1Click()
-{
-    const QueryRun run(this);
-    if (InputList1->CheckBox1->isChecked())
-        queryByList();
-    else
-        queryByDate();
-}
-
-void Tfrm_AuditingQuery::queryByList()
-{
-    QString bills;
-    InputList1->GetBillList(bills);
-    if (bills.isEmpty())
-        return;
     FWhereSql = u" where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'';
     openSummary(u"select /*+index(a,TAB_SCAN_COME_I)*/a.PRE_OR_NEXT_STATION,   ", ByList);
 }
 
-void Tfrm_AuditingQuery::queryByDate()
+void Tfrm_AuditingQuery::queryByConditions()
 {
-    if (DBLookupComboboxEh3->text().isEmpty()) {
-        refuse(QStringLiteral("详细：扫描网点必须选择！"), DBLookupComboboxEh3);
+    if (refuseEmpty(DBLookupComboboxEh3, u"扫描网点必须选择！") || refuseRange(31))
         return;
-    }
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true))
-        return;
-    FWhereSql = u' ' + whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + u" and a.scan_site='"
-        + DBLookupComboboxEh3->text() + u'\'' + unlessEmpty(u" and a.PRE_OR_NEXT_STATION='", DBLookupComboboxEh5)
-        + unlessEmpty(u" and a.scan_man='", DBLookupComboboxEh2) + unlessAll(u" and a.class='", DBComboBoxEh4)
-        + unlessAll(u" and a.GOODS_TYPE='", DBComboBoxEh1) + unlessAll(u" and a.FAST_TYPE='", DBComboBoxEh2)
-        + unlessEmpty(u" and a.SEND_SITE='", DBLookupComboboxEh1) + unlessEmpty(u" and a.DISPATCH_SITE='", DBLookupComboboxEh4);
+    FWhereSql = u' ' + whereInRange(u"a.scan_date") + u" and a.scan_site='" + DBLookupComboboxEh3->text() + u'\''
+        + unlessEmpty(u" and a.PRE_OR_NEXT_STATION='", DBLookupComboboxEh5) + unlessEmpty(u" and a.scan_man='", DBLookupComboboxEh2)
+        + unlessAll(u" and a.class='", DBComboBoxEh4) + unlessAll(u" and a.GOODS_TYPE='", DBComboBoxEh1)
+        + unlessAll(u" and a.FAST_TYPE='", DBComboBoxEh2) + unlessEmpty(u" and a.SEND_SITE='", DBLookupComboboxEh1)
+        + unlessEmpty(u" and a.DISPATCH_SITE='", DBLookupComboboxEh4);
     openSummary(u"select /*+index(a,TAB_SCAN_COME_P)*/a.PRE_OR_NEXT_STATION,  ", ByDate);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "plugin/forms/base/summary_detail_screen.h"
-#include "plugin/view/frame_InputList.h"
 
 /// Compares the transfer fees of a site's arrivals with the audited ones, by previous station.
 class Tfrm_AuditingQuery : public SummaryDetailScreen {
@@ -11,9 +10,6 @@ public:
     explicit Tfrm_AuditingQuery(TComponentOwner *owner);
 
     PUBLISHED(TInputList, InputList1);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh2);
@@ -30,11 +26,8 @@ public:
     PUBLISHED(TClientDataSetEx, cds);
 
 private:
-    void design();
-    void FormCreate();
-    void Button1Click() override;
-    void queryByList();
-    void queryByDate();
+    void queryByConditions() override;
+    void queryByList(const QString &bills) override;
     void openSummary(QStringView head, int tag);
     Detail detail() const override;
 

@@ -2,7 +2,6 @@
 
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_BJDispFee = nullptr;
 
@@ -69,66 +68,53 @@ const QString earliestPickUpLower = QStringLiteral(" and b.scan_date=  ( select 
 Tfrm_BJDispFee::Tfrm_BJDispFee(TComponentOwner *owner)
     : SummaryDetailScreen(owner, QStringLiteral("frm_BJDispFee"), u"北京市内收派费查询")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_BJDispFee::design()
-{
-    DBDateTimeEditEh1->setDateOnly(true);
-    DBDateTimeEditEh2->setDateOnly(true);
     arrange({ {
-        range(GroupBox1, u"签收时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
-        block(1, { row(u"站点", DBLookupComboboxEh1), row(u"业务员", DBLookupComboboxEh6) }),
+        range(u"签收时间范围(31天以内)").daysOnly().yesterday(),
+        block(1,
+            { row(u"站点", DBLookupComboboxEh1).sites(ds_site).loginSite(), row(u"业务员", DBLookupComboboxEh6).employees().completes() }),
     } });
     summaryAndDetail({ TabSheet1, u"汇总数据", DataView1, cds1, summaryColumns },
         { TabSheet2, u"明细数据", DataView2, cds2, detailColumns }, QStringLiteral("~!@#$%"));
     handle(DBLookupComboboxEh1, &TDBLookupComboboxEh::exited, this, &Tfrm_BJDispFee::DBLookupComboboxEh1Exit);
-    completeOnExit({ DBLookupComboboxEh6 });
 }
 
 void Tfrm_BJDispFee::FormCreate()
 {
-    Tfrm_BasicBoot::FormCreate();
-    FLoginSite = GlobalValueAddr(QStringLiteral("site"));
-    DBLookupComboboxEh1->setText(FLoginSite);
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
+    SummaryDetailScreen::FormCreate();
+    FLoginSite = DBLookupComboboxEh1->text();
     const TClientDataSetEx *loginSite = GlobalCdsAddr(QStringLiteral("loginsite"));
     FProvince = loginSite->fieldByName(u"PROVINCE")->asString();
     ds_site->setDataSet(cds_site);
     ds_owneremployee->setDataSet(cds_owneremployee);
     openStatement(cds_site, u"select a.site_name,a.SITE_CODE,a.SUPERIOR_SITE from tab_site a where a.PROVINCE='" + FProvince + u'\'');
     FProvinceSiteList = siteList(cds_site);
-    setSiteLookup({ DBLookupComboboxEh1 }, ds_site);
     // Only a centre may ask for other sites.
     DBLookupComboboxEh1->setEnabled(loginSite->fieldByName(u"type")->asString() == u"中心");
-    setEmployeeLookup({ DBLookupComboboxEh6 }, dm_GlobalData->ds_employee);
 }
 
 void Tfrm_BJDispFee::DBLookupComboboxEh1Exit()
 {
     LookupComboTextExit(DBLookupComboboxEh1);
-    if (DBLookupComboboxEh1->text().isEmpty())
+    const QString site = DBLookupComboboxEh1->text();
+    if (site.isEmpty())
         return;
     openStatement(cds_owneremployee,
         u"select /*+index(a,TAB_EMPLOYEE_I)*/a.EMPLOYEE_CODE,a.EMPLOYEE_NAME, a.OWNER_SITE,a.DEPT_NAME from tab_employee a where "
         "a.OWNER_SITE='"
-            + DBLookupComboboxEh1->text() + u"' and a.DEPT_NAME='业务部'");
+            + site + u"' and a.DEPT_NAME='业务部'");
     DBLookupComboboxEh6->setListSource(ds_owneremployee);
 }
 
-void Tfrm_BJDispFee::Button1Click()
+void Tfrm_BJDispFee::queryByConditions()
 {
-    const QueryRun run(this);
-    if (CheckDateRange(DBDateTimeEditEh1->dateTimeText(), DBDateTimeEditEh2->dateTimeText(), 31, true))
+    // The days stand for the whole of them: the times that are not shown are part of the range.
+    const QString start = DBDateTimeEditEh1->dateTimeText();
+    const QString end = DBDateTimeEditEh2->dateTimeText();
+    if (CheckDateRange(start, end, 31, true) || refuseEmpty(DBLookupComboboxEh1, u"站点必须选择!"))
         return;
-    if (DBLookupComboboxEh1->text().isEmpty()) {
-        refuse(QStringLiteral("详细：站点必须选择!"), DBLookupComboboxEh1);
-        return;
-    }
-    const QString signedFor = u"a.sign_date between to_date('" + DBDateTimeEditEh1->dateTimeText()
-        + u"','yyyy-mm-dd hh24:mi:ss')  and  to_date('" + DBDateTimeEditEh2->dateTimeText()
-        + u"','yyyy-mm-dd hh24:mi:ss')  and a.SIGN_SITE_CENTER='北京'";
+    const QString signedFor = u"a.sign_date between " + toDate(start) + u"  and  " + toDate(end) + u"  and a.SIGN_SITE_CENTER='北京'";
+    const QString site = DBLookupComboboxEh1->text();
+    const QString courier = DBLookupComboboxEh6->text();
     FDateWhere = u" where " + signedFor;
     openStatement(cds1,
         u"select a.scan_site1,a.dispatch_or_send_man,a.bill_count2,a.bill_count1,  -a.dispatch_fee2 as dispatch_fee2,  "
@@ -136,23 +122,20 @@ void Tfrm_BJDispFee::Button1Click()
         "sum((case when flag=1 then 1 else 0 end )) as bill_count2, sum((case when flag=1 then a.dispatch_fee else 0 end )) as "
         "dispatch_fee2, sum((case when flag=0 then 1 else 0 end )) as bill_count1, sum((case when flag=0 then a.dispatch_fee else 0 end "
         ")) as dispatch_fee1  from ("
-            + delivered(signedFor) + u" union all " + pickedUp(signedFor) + u") a group by a.scan_site1,a.dispatch_or_send_man) a ");
+            + delivered(signedFor, site, courier) + u" union all " + pickedUp(signedFor, site, courier)
+            + u") a group by a.scan_site1,a.dispatch_or_send_man) a ");
 }
 
-QString Tfrm_BJDispFee::delivered(const QString &signedFor) const
+QString Tfrm_BJDispFee::delivered(const QString &signedFor, const QString &site, const QString &courier) const
 {
-    const QString site = DBLookupComboboxEh1->text();
-    const QString courier = DBLookupComboboxEh6->text();
     return courierOfDelivery + u'\'' + site + u"' as scan_site1,  1 as flag, a.dispatch_fee from tab_sign a where  " + signedFor
         + latestDeliveryOf + u" and b.scan_site='" + site + u"')"
         + (courier.isEmpty() ? QString() : QString(latestDeliveryOf + u" and b.dispatch_or_send_man='" + courier + u"')"))
         + u" and a.REC_SITE_CENTER=a.SIGN_SITE_CENTER";
 }
 
-QString Tfrm_BJDispFee::pickedUp(const QString &signedFor) const
+QString Tfrm_BJDispFee::pickedUp(const QString &signedFor, const QString &site, const QString &courier) const
 {
-    const QString site = DBLookupComboboxEh1->text();
-    const QString courier = DBLookupComboboxEh6->text();
     return courierOfPickUp + u'\'' + site + u"' as scan_site1,  0 as flag, a.dispatch_fee from tab_sign a where  " + signedFor
         + u" and exists(select /*+index(a,TAB_SCAN_DISP_I)*/ 1 from tab_scan_disp b  left join tab_site c on c.site_name=b.scan_site   "
           "where b.bill_code=a.bill_code and c.PROVINCE='"
@@ -164,7 +147,7 @@ Detail Tfrm_BJDispFee::detail() const
 {
     const QString site = summaryText(u"scan_site1");
     const QString courier = summaryText(u"dispatch_or_send_man");
-    const QString column = selectedField(DataView1);
+    const QString column = selectedField();
     const QString key = site + courier + column;
     if (column == u"BILL_COUNT1" || column == u"DISPATCH_FEE1")
         return { key,

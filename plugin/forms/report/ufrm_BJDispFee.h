@@ -9,9 +9,6 @@ class Tfrm_BJDispFee : public SummaryDetailScreen {
 public:
     explicit Tfrm_BJDispFee(TComponentOwner *owner);
 
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh1);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh6);
     PUBLISHED(TClientDataSetEx, cds_site); ///< the sites of the login site's province
@@ -25,16 +22,16 @@ public:
     PUBLISHED(TClientDataSetEx, cds1);
     PUBLISHED(TClientDataSetEx, cds2);
 
+    void FormCreate() override;
+
 private:
-    void design();
-    void FormCreate();
-    void Button1Click() override;
+    void queryByConditions() override;
     void DBLookupComboboxEh1Exit();
     Detail detail() const override;
 
     /// The waybills that the site delivered, or picked up; `signedFor` is when.
-    QString delivered(const QString &signedFor) const;
-    QString pickedUp(const QString &signedFor) const;
+    QString delivered(const QString &signedFor, const QString &site, const QString &courier) const;
+    QString pickedUp(const QString &signedFor, const QString &site, const QString &courier) const;
 
     QString FLoginSite;
     QString FProvince;

@@ -5,7 +5,6 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 #include "plugin/forms/report/shift_classes.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_DestQry = nullptr;
 
@@ -37,60 +36,41 @@ QString equalOrNull(QStringView column, const QString &value)
 Tfrm_DestQry::Tfrm_DestQry(TComponentOwner *owner)
     : SummaryDetailScreen(owner, QStringLiteral("frm_DestQry"), u"目的网点月统计")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_DestQry::design()
-{
     RadioButton1->setText(QStringLiteral("按上一站点和目的网点统计"));
     RadioButton1->setChecked(true);
     RadioButton2->setText(QStringLiteral("按目的网点统计"));
-    const QString owners = QStringLiteral("全部\r直营\r非直营");
-    DBComboBoxEh6->setItemsText(owners);
-    DBComboBoxEh6->setKeyItemsText(owners);
-    DBComboBoxEh6->setItemIndex(0);
     arrange({
         {
-            range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
+            range(u"扫描时间范围(31天以内)").yesterday(),
             box(GroupBox2, u"重量范围输入", 1, { row(u"开始重量", DBNumberEditEh1), row(u"结束重量", DBNumberEditEh2) }),
             block(1, { row(RadioButton1), row(RadioButton2) }),
         },
         { block(5,
             {
-                row(u"扫描网点", DBLookupComboboxEh3),
-                row(u"上一站", DBLookupComboboxEh5),
-                row(u"目的网点", DBLookupComboboxEh4),
-                row(u"寄件网点", DBLookupComboboxEh1),
-                row(u"扫描人", DBLookupComboboxEh2),
-                row(u"物品类别", DBComboBoxEh1),
-                row(u"快件类型", DBComboBoxEh2),
-                row(u"片区名称", DBComboBoxEh3),
+                row(u"扫描网点", DBLookupComboboxEh3).sites(dm_GlobalData->ds_loginSiteOwner).loginSite().completes(),
+                row(u"上一站", DBLookupComboboxEh5).sites(dm_GlobalData->ds_site).completes(),
+                row(u"目的网点", DBLookupComboboxEh4).sites(dm_GlobalData->ds_site).completes(),
+                row(u"寄件网点", DBLookupComboboxEh1).sites(dm_GlobalData->ds_site).completes(),
+                row(u"扫描人", DBLookupComboboxEh2).employees().completes(),
+                row(u"物品类别", DBComboBoxEh1).goodsTypes(),
+                row(u"快件类型", DBComboBoxEh2).fastTypes(),
+                row(u"片区名称", DBComboBoxEh3).areas(),
                 row(u"班组", DBComboBoxEh4),
                 row(u"车次", DBComboBoxEh5),
-                row(u"直营站点", DBComboBoxEh6),
+                row(u"直营站点", DBComboBoxEh6).items(QStringLiteral("全部\r直营\r非直营")),
             }) },
     });
     placeLeft(InputList1);
     summaryAndDetail(
         { TabSheet1, u"统计数据", DataView2, cdsSum, summaryColumns }, { TabSheet2, u"明细数据", DataView1, cds, detailColumns });
     openGuestFromDetail([] { return QList<TCustomRemoteServer *> { dm_BasicData->HostConnection, dm_GlobalData->SecondConnection }; });
-    completeOnExit({ DBLookupComboboxEh1, DBLookupComboboxEh2, DBLookupComboboxEh3, DBLookupComboboxEh4, DBLookupComboboxEh5 });
     for (QRadioButton *button : { RadioButton1, RadioButton2 })
         handle(button, &QRadioButton::clicked, this, &Tfrm_DestQry::RadioButtonClick);
 }
 
 void Tfrm_DestQry::FormCreate()
 {
-    Tfrm_BasicBoot::FormCreate();
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    setSiteLookup({ DBLookupComboboxEh3 }, dm_GlobalData->ds_loginSiteOwner);
-    setSiteLookup({ DBLookupComboboxEh5, DBLookupComboboxEh4, DBLookupComboboxEh1 }, dm_GlobalData->ds_site);
-    setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
-    DBLookupComboboxEh3->setText(GlobalValueAddr(QStringLiteral("site")));
-    fillFromHost({ DBComboBoxEh1 }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
-    fillFromHost({ DBComboBoxEh2 }, QStringLiteral("FastType"), QStringLiteral("TYPE_NAME"));
-    fillFromHost({ DBComboBoxEh3 }, QStringLiteral("area"), QStringLiteral("AREA_NAME"));
+    SummaryDetailScreen::FormCreate();
     ds_Site_Basic->setDataSet(cds_Site_Basic);
     fillFromSiteBasic(DBComboBoxEh4, QStringLiteral("CLASS_GROUP_NAME"));
     fillFromSiteBasic(DBComboBoxEh5, QStringLiteral("CAR_NAME"));
@@ -99,7 +79,7 @@ void Tfrm_DestQry::FormCreate()
 void Tfrm_DestQry::fillFromSiteBasic(TDBComboBoxEh *combo, const QString &field)
 {
     openStatement(cds_Site_Basic, u"select distinct a." + field + u"  from tab_site_basic a");
-    fillFrom({ combo }, cds_Site_Basic, field);
+    fillList(combo, cds_Site_Basic, field);
 }
 
 void Tfrm_DestQry::RadioButtonClick()
@@ -113,15 +93,6 @@ void Tfrm_DestQry::RadioButtonClick()
     }
 }
 
-void Tfrm_DestQry::Button1Click()
-{
-    const QueryRun run(this);
-    if (InputList1->CheckBox1->isChecked())
-        queryByList();
-    else
-        queryByDate();
-}
-
 QString Tfrm_DestQry::head(QStringView index) const
 {
     const QString hint = u"select /*+index(a," + index + u")*/";
@@ -130,12 +101,8 @@ QString Tfrm_DestQry::head(QStringView index) const
     return hint + QStringView(index == u"TAB_SCAN_COME_I3" ? u" " : u"") + u"a.DISPATCH_SITE as DISPATCH_SITE65," + shiftClassSums();
 }
 
-void Tfrm_DestQry::queryByList()
+void Tfrm_DestQry::queryByList(const QString &bills)
 {
-    QString bills;
-    InputList1->GetBillList(bills);
-    if (bills.isEmpty())
-        return;
     FWhere = u" where a.bill_code in " + bills + u" and a.scan_site='" + GlobalValueAddr(QStringLiteral("site")) + u'\'';
     FMode = RadioButton1->isChecked() ? byStation : byDestination;
     const QString scans = head(u"TAB_SCAN_COME_I") + FWhere;
@@ -149,13 +116,9 @@ void Tfrm_DestQry::queryByList()
         ByList);
 }
 
-void Tfrm_DestQry::queryByDate()
+void Tfrm_DestQry::queryByConditions()
 {
-    if (DBLookupComboboxEh3->text().isEmpty()) {
-        refuse(QStringLiteral("详细：扫描网点必须选择！"), DBLookupComboboxEh3);
-        return;
-    }
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true))
+    if (refuseEmpty(DBLookupComboboxEh3, u"扫描网点必须选择！") || refuseRange(31))
         return;
     FMode = RadioButton1->isChecked() ? byStation : byDestination;
     addConditions();
@@ -164,7 +127,7 @@ void Tfrm_DestQry::queryByDate()
         openStatement(cdsSum, scans + siteBasicCondition({}) + u" group by a.DISPATCH_SITE  order by DISPATCH_SITE65", ByDate);
         return;
     }
-    const QString area = DBComboBoxEh3->text() == allItems ? QString() : QString(u"where b.area_name =  '" + DBComboBoxEh3->text() + u'\'');
+    const QString area = unlessAll(u"where b.area_name =  '", DBComboBoxEh3);
     openStatement(cdsSum,
         u"select b.area_name as area_name65,a.* from (" + scans
             + u" group by a.PRE_OR_NEXT_STATION ,a.DISPATCH_SITE) a  left join tab_site b on a.PRE_OR_NEXT_STATION65=b.site_name  " + area
@@ -175,28 +138,25 @@ void Tfrm_DestQry::queryByDate()
 void Tfrm_DestQry::addConditions()
 {
     const bool stations = FMode == byStation;
-    const auto unlessNone = [](QStringView before, const QString &value, QStringView after) {
-        return value.isEmpty() ? QString() : QString(before + value + after);
-    };
-    FWhere = u' ' + whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + u" and a.scan_site='" + DBLookupComboboxEh3->text()
-        + u'\'';
+    FWhere = u' ' + whereInRange(u"a.scan_date") + u" and a.scan_site='" + DBLookupComboboxEh3->text() + u'\'';
     const QString owned = QStringLiteral(" and exists(select /*+index( b,TAB_SITE_BASIC_P)*/1  from tab_site_basic b where "
                                          "b.site_name=a.DISPATCH_SITE and ");
-    if (DBComboBoxEh6->text() == u"直营")
+    const QString owner = DBComboBoxEh6->text();
+    if (owner == u"直营")
         FWhere += owned + u"b.bl_self=1 )";
-    else if (DBComboBoxEh6->text() == u"非直营")
+    else if (owner == u"非直营")
         FWhere += owned + u"nvl(b.bl_self,0)=0 )";
     FWhere += unlessEmpty(u" and a.PRE_OR_NEXT_STATION='", DBLookupComboboxEh5) + unlessEmpty(u" and a.scan_man='", DBLookupComboboxEh2)
         + unlessAll(u" and a.GOODS_TYPE='", DBComboBoxEh1) + unlessAll(u" and a.FAST_TYPE='", DBComboBoxEh2)
         + unlessEmpty(u" and a.SEND_SITE='", DBLookupComboboxEh1)
-        + unlessNone(
-            stations ? u" and a.DISPATCH_SITE='" : u"  and a.DISPATCH_SITE='", DBLookupComboboxEh4->text(), stations ? u"'" : u"'  ")
-        + unlessNone(stations ? u" and nvl(a.WEIGHT,0) >='" : u" and  nvl(a.WEIGHT,0)  >='", DBNumberEditEh1->text(), u"' ")
-        + unlessNone(u" and nvl(a.WEIGHT,0)  <='", DBNumberEditEh2->text(), u"' ");
-    if (!stations && DBComboBoxEh3->text() != allItems)
-        FWhere += u"  and exists (select /*+index(b,TAB_SITE_U)*/ 1 from tab_site b where b.site_name = a.pre_or_next_station and "
-                  "b.area_name =  '"
-            + DBComboBoxEh3->text() + u"')";
+        + unlessEmpty(stations ? u" and a.DISPATCH_SITE='" : u"  and a.DISPATCH_SITE='", DBLookupComboboxEh4, stations ? u"'" : u"'  ")
+        + unlessEmpty(stations ? u" and nvl(a.WEIGHT,0) >='" : u" and  nvl(a.WEIGHT,0)  >='", DBNumberEditEh1, u"' ")
+        + unlessEmpty(u" and nvl(a.WEIGHT,0)  <='", DBNumberEditEh2, u"' ");
+    if (!stations)
+        FWhere
+            += unlessAll(u"  and exists (select /*+index(b,TAB_SITE_U)*/ 1 from tab_site b where b.site_name = a.pre_or_next_station and "
+                         "b.area_name =  '",
+                DBComboBoxEh3, u"')");
 }
 
 /// The test of the destination's class group and car. By station it stands behind the outer join, where it follows `area`, or a
@@ -204,12 +164,8 @@ void Tfrm_DestQry::addConditions()
 QString Tfrm_DestQry::siteBasicCondition(const QString &area) const
 {
     const bool stations = FMode == byStation;
-    QString tests;
-    if (DBComboBoxEh4->text() != allItems)
-        tests += u" and c.CLASS_GROUP_NAME =  '" + DBComboBoxEh4->text() + QStringView(stations ? u"' " : u"'");
-    if (DBComboBoxEh5->text() != allItems)
-        tests += QStringView(stations ? u" and c.CAR_NAME =  '" : u"  and c.CAR_NAME =  '") + DBComboBoxEh5->text()
-            + QStringView(stations ? u"'  " : u"' ");
+    const QString tests = unlessAll(u" and c.CLASS_GROUP_NAME =  '", DBComboBoxEh4, stations ? u"' " : u"'")
+        + unlessAll(stations ? u" and c.CAR_NAME =  '" : u"  and c.CAR_NAME =  '", DBComboBoxEh5, stations ? u"'  " : u"' ");
     if (tests.isEmpty())
         return {};
     const QString opening = QStringLiteral("exists(select /*+index(c,TAB_SITE_BASIC_P)*/ 1 from tab_site_basic c where c.site_name =");
@@ -220,7 +176,7 @@ QString Tfrm_DestQry::siteBasicCondition(const QString &area) const
 
 Detail Tfrm_DestQry::detail() const
 {
-    const QChar code = shiftClassOf(selectedField(DataView2));
+    const QChar code = shiftClassOf(selectedField());
     const bool stations = FMode == byStation;
     const QString station = stations ? summaryText(u"PRE_OR_NEXT_STATION65") : QString();
     const QString destination = summaryText(u"DISPATCH_SITE65");

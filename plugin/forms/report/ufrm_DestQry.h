@@ -1,7 +1,6 @@
 #pragma once
 
 #include "plugin/forms/base/summary_detail_screen.h"
-#include "plugin/view/frame_InputList.h"
 
 #include <QRadioButton>
 
@@ -14,9 +13,6 @@ public:
     explicit Tfrm_DestQry(TComponentOwner *owner);
 
     PUBLISHED(TInputList, InputList1);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(QGroupBox, GroupBox2);
     PUBLISHED(TDBNumberEditEh, DBNumberEditEh1);
     PUBLISHED(TDBNumberEditEh, DBNumberEditEh2);
@@ -42,17 +38,15 @@ public:
     PUBLISHED(TClientDataSetEx, cds_Site_Basic);
     PUBLISHED(TDataSource, ds_Site_Basic);
 
+    void FormCreate() override;
+
 private:
-    void design();
-    void FormCreate();
     void fillFromSiteBasic(TDBComboBoxEh *combo, const QString &field);
     void RadioButtonClick();
 
-    void Button1Click() override;
-    void queryByList();
-    void queryByDate();
+    void queryByConditions() override;
+    void queryByList(const QString &bills) override;
     QString head(QStringView index) const;
-    QString statementByStation(const QString &outerWhere) const;
     void addConditions();
     QString siteBasicCondition(const QString &area) const;
     Detail detail() const override;

@@ -3,7 +3,6 @@
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_DispFeeQry1 = nullptr;
 
@@ -43,58 +42,45 @@ const GridColumns detailColumns {
 Tfrm_DispFeeQry1::Tfrm_DispFeeQry1(TComponentOwner *owner)
     : SummaryDetailScreen(owner, QStringLiteral("frm_DispFeeQry1"), u"内派费查询")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_DispFeeQry1::design()
-{
-    const QString provinces = QStringLiteral("全部\r同省\r外省");
-    DBComboBoxEh4->setItemsText(provinces);
-    DBComboBoxEh4->setKeyItemsText(provinces);
     CheckBox1->setText(QStringLiteral("只按签收站点统计"));
     CheckBox1->setChecked(true);
-    DBDateTimeEditEh1->setDateOnly(true);
-    DBDateTimeEditEh2->setDateOnly(true);
     arrange({ {
-        range(GroupBox1, u"签收时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
-        block(1, { row(u"派件站点", DBLookupComboboxEh1), row(u"同/外省", DBComboBoxEh4) }),
+        range(u"签收时间范围(31天以内)").daysOnly().yesterday(),
+        block(1,
+            {
+                row(u"派件站点", DBLookupComboboxEh1).sites(dm_GlobalData->ds_AllSite).loginSite().completes(),
+                row(u"同/外省", DBComboBoxEh4).items(QStringLiteral("全部\r同省\r外省")),
+            }),
         row(CheckBox1),
     } });
     summaryAndDetail({ TabSheet1, u"汇总数据", DataView1, cdsSum, summaryColumns },
         { TabSheet2, u"明细数据", DataView2, cds, detailColumns, 2 }, QStringLiteral("~!@#$%"));
-    completeOnExit({ DBLookupComboboxEh1 });
 }
 
 void Tfrm_DispFeeQry1::FormCreate()
 {
-    Tfrm_BasicBoot::FormCreate();
-    DBComboBoxEh4->setItemIndex(0);
+    SummaryDetailScreen::FormCreate();
+    FLoginSite = DBLookupComboboxEh1->text();
     const TClientDataSetEx *loginSite = GlobalCdsAddr(QStringLiteral("loginsite"));
     FProvince = loginSite->fieldByName(u"PROVINCE")->asString();
     TClientDataSetEx *comm = dm_BasicData->comm;
     openStatement(comm, u"select a.site_name from tab_site a where a.PROVINCE='" + FProvince + u'\'');
     FProvinceSiteList = siteList(comm);
     comm->close();
-    FLoginSite = GlobalValueAddr(QStringLiteral("site"));
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    setSiteLookup({ DBLookupComboboxEh1 }, dm_GlobalData->ds_AllSite);
-    DBLookupComboboxEh1->setText(FLoginSite);
     // Only a centre may ask for other sites.
     DBLookupComboboxEh1->setEnabled(loginSite->fieldByName(u"type")->asString() == u"中心");
 }
 
-void Tfrm_DispFeeQry1::Button1Click()
+void Tfrm_DispFeeQry1::queryByConditions()
 {
-    const QueryRun run(this);
     FBySignSiteOnly = CheckBox1->isChecked();
     QString statement; // stays empty after a refused range; the database refuses it then
-    if (!CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true)) {
-        FDateWhere = u"where a.sign_date between to_date('" + DBDateTimeEditEh1->text()
-            + u" 00:00:00','yyyy-mm-dd hh24:mi:ss') and to_date('" + DBDateTimeEditEh2->text() + u" 23:59:59','yyyy-mm-dd hh24:mi:ss')";
+    if (!refuseRange(31)) {
+        FDateWhere = u"where a.sign_date between " + toDate(DBDateTimeEditEh1->text() + u" 00:00:00") + u" and "
+            + toDate(DBDateTimeEditEh2->text() + u" 23:59:59");
         const QString site = DBLookupComboboxEh1->text();
         if (!FProvinceSiteList.contains(site)) {
-            refuse(QStringLiteral("详细：所选的派件站点与登录站点不在同一个省份!"));
+            refuse(u"所选的派件站点与登录站点不在同一个省份!");
             return;
         }
         const QString where = FDateWhere
@@ -149,7 +135,7 @@ Detail Tfrm_DispFeeQry1::detail() const
     const QString statement = u"select /*index(a,TAB_SIGN_I2)*/ a.* from tab_sign a " + FDateWhere + of;
     if (!FBySignSiteOnly)
         return { site + summaryText(u"REC_SITE"), statement + u" and a.rec_site='" + summaryText(u"REC_SITE") + u'\'' };
-    const QString column = selectedField(DataView1);
+    const QString column = selectedField();
     const QString from = column == u"BILL_COUNT" ? QString(u" and a.REC_SITE in " + FProvinceSiteList)
         : column == u"BILL_COUNT1"               ? QString(u" and a.REC_SITE not in " + FProvinceSiteList)
                                                  : QString();

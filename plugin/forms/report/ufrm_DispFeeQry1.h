@@ -9,9 +9,6 @@ class Tfrm_DispFeeQry1 : public SummaryDetailScreen {
 public:
     explicit Tfrm_DispFeeQry1(TComponentOwner *owner);
 
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh1);
     PUBLISHED(QCheckBox, CheckBox1);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
@@ -22,10 +19,10 @@ public:
     PUBLISHED(TClientDataSetEx, cdsSum);
     PUBLISHED(TClientDataSetEx, cds);
 
+    void FormCreate() override;
+
 private:
-    void design();
-    void FormCreate();
-    void Button1Click() override;
+    void queryByConditions() override;
     Detail detail() const override;
 
     QString bySite(const QString &where) const;

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "plugin/forms/base/paged_screen.h"
-#include "plugin/view/frame_InputList.h"
 
 /// Counts the reconciliation records of one finance centre's hand-overs by the previous station.
 class Tfrm_MonthCalc : public PagedScreen {
@@ -10,9 +9,6 @@ class Tfrm_MonthCalc : public PagedScreen {
 public:
     explicit Tfrm_MonthCalc(TComponentOwner *owner);
 
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh4);
     PUBLISHED(TInputList, InputList1); ///< hidden
     PUBLISHED(TTabSheet, TabSheet1);
@@ -23,8 +19,7 @@ public:
     PUBLISHED(TClientDataSetEx, cds);
 
 private:
-    void FormCreate();
-    void Button1Click() override;
+    void queryByConditions() override;
 };
 
 extern Tfrm_Basic *frm_MonthCalc;

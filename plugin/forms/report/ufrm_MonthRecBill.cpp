@@ -1,6 +1,5 @@
 #include "plugin/forms/report/ufrm_MonthRecBill.h"
 
-#include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 
 Tfrm_Basic *frm_MonthRecBill = nullptr;
@@ -35,19 +34,17 @@ Tfrm_MonthRecBill::Tfrm_MonthRecBill(TComponentOwner *owner)
     Button2->setText(QStringLiteral("收件清单(&1)"));
     design(
         {
-            row(u"收件员", DBLookupComboboxEh3),
-            row(u"扫描人", DBLookupComboboxEh2),
-            row(u"物品类别", DBComboBoxEh1),
-            row(u"快件类型", DBComboBoxEh2),
-            row(u"寄件网点", DBLookupComboboxEh1),
-            row(u"目的网点", DBLookupComboboxEh4),
-            row(u"扫描网点", DBLookupComboboxEh5),
-            row(u"班次", DBComboBoxEh4),
+            row(u"收件员", DBLookupComboboxEh3).employees().completes(),
+            manRow(),
+            goodsTypeRow(),
+            fastTypeRow(),
+            senderRow(),
+            destinationRow(),
+            siteRow(DBLookupComboboxEh5),
+            shiftRow(),
         },
         { row(Button2) }, summaryColumns, detailColumns());
     handle(Button2, &QPushButton::clicked, this, [this] { printDetail(QStringLiteral("RecBill.frf")); });
-    FormCreate(DBLookupComboboxEh5);
-    setEmployeeLookup({ DBLookupComboboxEh3 }, dm_GlobalData->ds_employee);
 }
 
 QString Tfrm_MonthRecBill::summary() const

@@ -27,27 +27,24 @@ Tfrm_MonthSendBill::Tfrm_MonthSendBill(TComponentOwner *owner)
     Button3->setText(QStringLiteral("清单打印(&2)"));
     design(
         {
-            row(u"下一站", DBLookupComboboxEh5),
-            row(u"扫描网点", DBLookupComboboxEh3),
-            row(u"物品类别", DBComboBoxEh1),
-            row(u"班次", DBComboBoxEh4),
-            row(u"扫描人", DBLookupComboboxEh2),
-            row(u"快件类型", DBComboBoxEh2),
-            row(u"寄件网点", DBLookupComboboxEh1),
-            row(u"目的网点", DBLookupComboboxEh4),
-            row(u"上站片区", DBComboBoxEh3),
+            row(u"下一站", DBLookupComboboxEh5).sites(dm_GlobalData->ds_site).completes(),
+            siteRow(DBLookupComboboxEh3),
+            goodsTypeRow(),
+            shiftRow(),
+            manRow(),
+            fastTypeRow(),
+            senderRow(),
+            destinationRow(),
+            row(u"上站片区", DBComboBoxEh3).areas(),
         },
         { row(Button2), row(Button3) }, summaryColumns, detailColumns);
     handle(Button2, &QPushButton::clicked, this, [this] { printDetail(QStringLiteral("SendBill1.frf")); });
     handle(Button3, &QPushButton::clicked, this, [this] { printDetail(QStringLiteral("SendBill2.frf")); });
-    FormCreate();
 }
 
 void Tfrm_MonthSendBill::FormCreate()
 {
-    MonthList::FormCreate(DBLookupComboboxEh3);
-    setSiteLookup({ DBLookupComboboxEh5 }, dm_GlobalData->ds_site);
-    fillFrom({ DBComboBoxEh3 }, dm_GlobalData->area, QStringLiteral("AREA_NAME"));
+    MonthList::FormCreate();
     DBComboBoxEh3->setEnabled(GlobalValueAddr(QStringLiteral("site")) == u"北京市内部");
 }
 
@@ -66,12 +63,10 @@ QString Tfrm_MonthSendBill::conditions() const
         + unlessAll(u" and a.class='", DBComboBoxEh4) + unlessAll(u" and a.GOODS_TYPE='", DBComboBoxEh1)
         + unlessAll(u" and a.FAST_TYPE='", DBComboBoxEh2) + unlessEmpty(u" and b.SEND_SITE='", DBLookupComboboxEh1)
         + unlessEmpty(u" and b.DISPATCH_SITE='", DBLookupComboboxEh4)
-        + (DBComboBoxEh3->text() == allItems
-                ? QString()
-                : QString(u" and exists(select /*+index(c,TAB_SCAN_COME_I)*/  1 from tab_scan_come c where  c.bill_code =a.bill_code and "
-                          " c.scan_site ='北京市内部' and exists (select /*+index(b,TAB_SITE_U)*/ 1 from tab_site b where "
-                          " b.site_name = c.pre_or_next_station  and b.area_name ='"
-                    + DBComboBoxEh3->text() + u"') )"));
+        + unlessAll(u" and exists(select /*+index(c,TAB_SCAN_COME_I)*/  1 from tab_scan_come c where  c.bill_code =a.bill_code and "
+                    " c.scan_site ='北京市内部' and exists (select /*+index(b,TAB_SITE_U)*/ 1 from tab_site b where "
+                    " b.site_name = c.pre_or_next_station  and b.area_name ='",
+            DBComboBoxEh3, u"') )");
 }
 
 Detail Tfrm_MonthSendBill::detail() const

@@ -12,8 +12,9 @@ public:
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh3); ///< for one hub alone
     PUBLISHED(QPushButton, Button3);
 
+    void FormCreate() override;
+
 private:
-    void FormCreate();
     QString summary() const override;
     QString conditions() const override;
     Detail detail() const override;

@@ -3,7 +3,6 @@
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_SaleQry = nullptr;
 
@@ -49,62 +48,40 @@ const QString latestPickUp = QStringLiteral("and b.SCAN_DATE =(select /*+index(c
 Tfrm_SaleQry::Tfrm_SaleQry(TComponentOwner *owner)
     : SummaryDetailScreen(owner, QStringLiteral("frm_SaleQry"), u"北京业务部统计")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_SaleQry::design()
-{
     arrange({ {
-        range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
-        row(u"收件客户", DBLookupComboboxEh4),
+        range(u"扫描时间范围(31天以内)").yesterday(),
+        row(u"收件客户", DBLookupComboboxEh4)
+            .from(ds_Man, QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("EMPLOYEE_CODE"),
+                { { QStringLiteral("EMPLOYEE_CODE"), QStringLiteral("收件客户编号"), 100 },
+                    { QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("收件客户名称"), 100 } })
+            .completes(),
     } });
     placeLeft(InputList1);
     summaryAndDetail(
         { TabSheet1, u"统计数据", DataView2, cdsSum, summaryColumns }, { TabSheet2, u"明细数据", DataView1, cds, detailColumns, 1 });
     openGuestFromDetail([] { return QList<TCustomRemoteServer *> { dm_BasicData->HostConnection, dm_GlobalData->SecondConnection }; });
-    completeOnExit({ DBLookupComboboxEh4 });
 }
 
 void Tfrm_SaleQry::FormCreate()
 {
-    Tfrm_BasicBoot::FormCreate();
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
+    SummaryDetailScreen::FormCreate();
     ds_Man->setDataSet(cdsMan);
     openStatement(cdsMan,
         QStringLiteral("select  /*+index(a,TAB_EMPLOYEE_I)*/ a.EMPLOYEE_CODE ,a.EMPLOYEE_NAME from TAB_EMPLOYEE a where  "
                        "a.OWNER_SITE='北京业务部'"));
-    DBLookupComboboxEh4->setFields(QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("EMPLOYEE_CODE"));
-    DBLookupComboboxEh4->setDropDownColumns({ { QStringLiteral("EMPLOYEE_CODE"), QStringLiteral("收件客户编号"), 100 },
-        { QStringLiteral("EMPLOYEE_NAME"), QStringLiteral("收件客户名称"), 100 } });
-    DBLookupComboboxEh4->setListSource(ds_Man);
 }
 
-void Tfrm_SaleQry::Button1Click()
+void Tfrm_SaleQry::queryByList(const QString &bills)
 {
-    const QueryRun run(this);
-    if (InputList1->CheckBox1->isChecked())
-        queryByList();
-    else
-        queryByDate();
-}
-
-void Tfrm_SaleQry::queryByList()
-{
-    QString bills;
-    InputList1->GetBillList(bills);
-    if (bills.isEmpty())
-        return;
     FWhereSql = u"where a.bill_code in " + bills + u" and a.scan_site= '北京' and a.PRE_OR_NEXT_STATION='北京业务部'";
     openStatement(cdsSum, arrivals(QString(u' ' + latestPickUp)) + FWhereSql + u" ) a group by  DISPATCH_OR_SEND_MAN", ByList);
 }
 
-void Tfrm_SaleQry::queryByDate()
+void Tfrm_SaleQry::queryByConditions()
 {
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true))
+    if (refuseRange(31))
         return;
-    FWhereSql = u" where  a.scan_date between to_date('" + DBDateTimeEditEh1->text() + u"','yyyy-mm-dd hh24:mi:ss') and to_date('"
-        + DBDateTimeEditEh2->text() + u"','yyyy-mm-dd hh24:mi:ss') and a.scan_site= '北京' and a.PRE_OR_NEXT_STATION='北京业务部' ";
+    FWhereSql = u' ' + whereInRange(u" a.scan_date") + u" and a.scan_site= '北京' and a.PRE_OR_NEXT_STATION='北京业务部' ";
     openStatement(cdsSum,
         arrivals(latestPickUp) + FWhereSql + u" ) a " + unlessEmpty(u" where a.DISPATCH_OR_SEND_MAN ='", DBLookupComboboxEh4)
             + u"group by  DISPATCH_OR_SEND_MAN",

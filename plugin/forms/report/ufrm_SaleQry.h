@@ -1,7 +1,6 @@
 #pragma once
 
 #include "plugin/forms/base/summary_detail_screen.h"
-#include "plugin/view/frame_InputList.h"
 
 /// What each picker of the Beijing business department brought to the hub: waybills, weight and fees.
 class Tfrm_SaleQry : public SummaryDetailScreen {
@@ -11,9 +10,6 @@ public:
     explicit Tfrm_SaleQry(TComponentOwner *owner);
 
     PUBLISHED(TInputList, InputList1);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh4);
     PUBLISHED(TClientDataSetEx, cdsMan); ///< the department's staff
     PUBLISHED(TDataSource, ds_Man);
@@ -24,12 +20,11 @@ public:
     PUBLISHED(TClientDataSetEx, cdsSum);
     PUBLISHED(TClientDataSetEx, cds);
 
+    void FormCreate() override;
+
 private:
-    void design();
-    void FormCreate();
-    void Button1Click() override;
-    void queryByList();
-    void queryByDate();
+    void queryByConditions() override;
+    void queryByList(const QString &bills) override;
     Detail detail() const override;
 
     QString FWhereSql; ///< of the arrivals of the last summary

@@ -1,10 +1,8 @@
 #include "plugin/forms/scan/man_statistics.h"
 
-#include "plugin/data/host_data.h"
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
-#include "plugin/util/conditions.h"
 
 GridColumns manDetailColumns(QStringView station)
 {
@@ -18,35 +16,31 @@ GridColumns manDetailColumns(QStringView station)
 
 void ManStatistics::design(const QList<ConditionRow> &rows, const GridColumns &summary, const GridColumns &detail)
 {
-    arrange({ { range(GroupBox1, u"扫描时间范围(31天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2), block(3, rows) } });
+    arrange({ { range(u"扫描时间范围(31天以内)").today(), block(3, rows) } });
     summaryAndDetail({ TabSheet1, u"统计数据", DataView2, cds, summary }, { TabSheet2, u"明细数据", DataView1, cds1, detail, 1 });
     openGuestFromDetail([] { return QList<TCustomRemoteServer *> { dm_BasicData->HostConnection }; });
-    loginSiteOnExit(DBLookupComboboxEh1);
-    completeOnExit({ DBLookupComboboxEh5, DBLookupComboboxEh2 });
 }
 
-void ManStatistics::FormCreate()
+LookupRow ManStatistics::siteRow()
 {
-    Tfrm_BasicBoot::FormCreate();
-    setSiteLookup({ DBLookupComboboxEh5 }, dm_GlobalData->ds_site);
-    setSiteLookup({ DBLookupComboboxEh1 }, dm_GlobalData->ds_loginSiteOwner);
-    setEmployeeLookup({ DBLookupComboboxEh2 }, dm_GlobalData->ds_employee);
-    fillFromHost({ DBComboBoxEh4 }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
-    setToday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    DBLookupComboboxEh1->setText(GlobalValueAddr(QStringLiteral("site")));
+    return row(u"扫描网点", DBLookupComboboxEh1, "Label7").sites(dm_GlobalData->ds_loginSiteOwner).loginSite().returnsToLoginSite();
 }
 
-void ManStatistics::Button1Click()
+LookupRow ManStatistics::stationRow(QStringView label)
 {
-    const QueryRun run(this);
-    if (DBLookupComboboxEh1->text().isEmpty()) {
-        refuse(QStringLiteral("详细：扫描站点必须选择!"), DBLookupComboboxEh1);
+    return row(label, DBLookupComboboxEh5, "Label11").sites(dm_GlobalData->ds_site).completes();
+}
+
+LookupRow ManStatistics::manRow() { return row(u"扫描人", DBLookupComboboxEh2, "Label6").employees().completes(); }
+
+ListRow ManStatistics::shiftRow() { return row(u"班次", DBComboBoxEh4, "Label5").shifts(); }
+
+void ManStatistics::queryByConditions()
+{
+    if (refuseEmpty(DBLookupComboboxEh1, u"扫描站点必须选择!") || refuseRange(31))
         return;
-    }
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 31, true))
-        return;
-    FWhere = u' ' + whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + u" and a.scan_site='" + DBLookupComboboxEh1->text()
-        + u'\'' + unlessEmpty(u" and a.PRE_OR_NEXT_STATION='", DBLookupComboboxEh5) + unlessEmpty(u" and a.scan_man='", DBLookupComboboxEh2)
+    FWhere = u' ' + whereInRange(u"a.scan_date") + u" and a.scan_site='" + DBLookupComboboxEh1->text() + u'\''
+        + unlessEmpty(u" and a.PRE_OR_NEXT_STATION='", DBLookupComboboxEh5) + unlessEmpty(u" and a.scan_man='", DBLookupComboboxEh2)
         + unlessAll(u" and a.class='", DBComboBoxEh4);
     openStatement(cds, statistics());
 }

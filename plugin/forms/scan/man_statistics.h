@@ -10,9 +10,6 @@ public:
     PUBLISHED(TTabSheet, TabSheet1);
     PUBLISHED(TTabSheet, TabSheet2);
     PUBLISHED(TDataView, DataView1);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TClientDataSetEx, cds);
     PUBLISHED(TClientDataSetEx, cds1);
     PUBLISHED(TDataView, DataView2);
@@ -26,8 +23,11 @@ protected:
 
     /// Lays the screen out and connects it; `rows` stand beside the range.
     void design(const QList<ConditionRow> &rows, const GridColumns &summary, const GridColumns &detail);
-    void FormCreate();
-    void Button1Click() override;
+    LookupRow siteRow();
+    LookupRow stationRow(QStringView label);
+    LookupRow manRow();
+    ListRow shiftRow();
+    void queryByConditions() override;
 
     /// The statement that counts, over FWhere.
     virtual QString statistics() const = 0;

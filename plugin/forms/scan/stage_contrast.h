@@ -11,9 +11,6 @@ class StageContrast : public QueryScreen {
 public:
     PUBLISHED(TDataView, DataView1);
     PUBLISHED(TClientDataSetEx, cds);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh2);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
@@ -35,11 +32,11 @@ protected:
     StageContrast(TComponentOwner *owner, const QString &name, QStringView caption, const Choice &first, const Choice &second);
 
     void Button1Click() override;
+    void queryByConditions() override;
     /// What else the login site must be; true when it was told that it is not.
     virtual bool refuseLoginSite() { return false; }
 
 private:
-    void FormCreate();
     QString statement(const Choice &choice) const;
 
     const Choice m_first; ///< RadioButton1

@@ -1,10 +1,8 @@
 #include "plugin/forms/scan/ufrm_BillContrastScan.h"
 
-#include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 #include "plugin/forms/scan/bill_columns.h"
-#include "plugin/util/conditions.h"
 
 #include <QLabel>
 
@@ -26,12 +24,6 @@ const QString noInnerNumbers = QStringLiteral(" and (REGEXP_INSTR(a.bill_code,'^
 Tfrm_BillContrastScan::Tfrm_BillContrastScan(TComponentOwner *owner)
     : PagedScreen(owner, QStringLiteral("frm_BillContrastScan"), u"录单扫描对比")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_BillContrastScan::design()
-{
     Button1->setText(QStringLiteral("有单查询"));
     Button2->setText(QStringLiteral("无单查询"));
     CheckBox1->setText(QStringLiteral("包括子单"));
@@ -44,13 +36,13 @@ void Tfrm_BillContrastScan::design()
     RadioGroup1->setItemIndex(ScansWithoutBill);
     arrange({ {
         row(RadioGroup1),
-        range(GroupBox1, u"扫描时间范围(3天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
+        range(u"扫描时间范围(3天以内)").yesterday(),
         block(2,
             {
-                row(u"扫描网点", DBLookupComboboxEh5),
-                row(u"扫描类型", DBComboBoxEh1),
-                row(u"扫描网点", DBLookupComboboxEh1),
-                row(u"寄件网点", DBLookupComboboxEh2),
+                row(u"扫描网点", DBLookupComboboxEh5, "Label11").sites(dm_GlobalData->ds_site).loginSite().completes(),
+                row(u"扫描类型", DBComboBoxEh1, "Label2").scanTypes(),
+                row(u"扫描网点", DBLookupComboboxEh1, "Label3").sites(dm_GlobalData->ds_AllSite).loginSite().completes(),
+                row(u"寄件网点", DBLookupComboboxEh2, "Label5").sites(dm_GlobalData->ds_AllSite).completes(),
             }),
     } });
     setConditionVisible(DBLookupComboboxEh1, false);
@@ -59,22 +51,6 @@ void Tfrm_BillContrastScan::design()
     DataView2->Panel1->setText(QStringLiteral("到付款录入"));
     handle(RadioGroup1, &TRadioGroup::clicked, this, &Tfrm_BillContrastScan::RadioGroup1Click);
     handle(Button2, &QPushButton::clicked, this, &Tfrm_BillContrastScan::Button2Click);
-    completeOnExit({ DBLookupComboboxEh5, DBLookupComboboxEh1, DBLookupComboboxEh2 });
-}
-
-void Tfrm_BillContrastScan::FormCreate()
-{
-    Tfrm_BasicBoot::FormCreate();
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    setSiteLookup({ DBLookupComboboxEh5 }, dm_GlobalData->ds_site);
-    setSiteLookup({ DBLookupComboboxEh1, DBLookupComboboxEh2 }, dm_GlobalData->ds_AllSite);
-    for (TDBLookupComboboxEh *site : { DBLookupComboboxEh5, DBLookupComboboxEh1 })
-        site->setText(GlobalValueAddr(QStringLiteral("site")));
-    QString types;
-    DataSetFieldToText(GlobalCdsAddr(QStringLiteral("scanType")), QStringLiteral("TYPE_NAME"), QStringLiteral("\r"), types);
-    DBComboBoxEh1->setItemsText(types);
-    DBComboBoxEh1->setKeyItemsText(types);
-    DBComboBoxEh1->setItemIndex(0);
 }
 
 void Tfrm_BillContrastScan::RadioGroup1Click(int itemIndex)
@@ -88,16 +64,16 @@ void Tfrm_BillContrastScan::RadioGroup1Click(int itemIndex)
     setConditionVisible(DBLookupComboboxEh2, !bills);
 }
 
-void Tfrm_BillContrastScan::Button1Click()
+void Tfrm_BillContrastScan::queryByConditions()
 {
-    const QueryRun run(this);
-    const QString table = GetScanTableName(DBComboBoxEh1->text());
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 3, true))
+    const QString type = DBComboBoxEh1->text();
+    const QString table = GetScanTableName(type);
+    if (refuseRange(3))
         return;
-    const QString bills = u"select /*+index(a,TAB_BILL_I)*/a.*,'' as sub_bill_code from tab_bill a "
-        + whereBetween(u"a.send_date", DBDateTimeEditEh1, DBDateTimeEditEh2) + unlessEmpty(u" and a.send_site='", DBLookupComboboxEh5)
-        + u" and (not exists(select /*+index(b," + table + u"_I)*/1 from " + table + u" b where b.bill_code=a.bill_code"
-        + unlessEmpty(u" and b.scan_site='", DBLookupComboboxEh1) + u" and b.scan_type='" + DBComboBoxEh1->text() + u"'))";
+    const QString bills = u"select /*+index(a,TAB_BILL_I)*/a.*,'' as sub_bill_code from tab_bill a " + whereInRange(u"a.send_date")
+        + unlessEmpty(u" and a.send_site='", DBLookupComboboxEh5) + u" and (not exists(select /*+index(b," + table + u"_I)*/1 from " + table
+        + u" b where b.bill_code=a.bill_code" + unlessEmpty(u" and b.scan_site='", DBLookupComboboxEh1) + u" and b.scan_type='" + type
+        + u"'))";
     // On purpose the test goes to the other page's statement, whose own query makes it anew.
     cds1->setCommandText(cds1->commandText() + noInnerNumbers);
     openStatement(cds, u"select a.* from (" + bills + u") a order by a.bill_code,a.sub_bill_code desc");
@@ -106,8 +82,9 @@ void Tfrm_BillContrastScan::Button1Click()
 void Tfrm_BillContrastScan::Button2Click()
 {
     const QueryRun run(this);
-    const QString table = GetScanTableName(DBComboBoxEh1->text());
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 3, true))
+    const QString type = DBComboBoxEh1->text();
+    const QString table = GetScanTableName(type);
+    if (refuseRange(3))
         return;
     const QString scans = u"select /*+index(a," + table
         + u"_I3)*/ a.bill_code,a.SUB_BILL_CODE, a.OWNER_BAG_NO,a.SCAN_TYPE,a.SCAN_SITE,a.SCAN_DATE,a.SCAN_MAN,a.SCAN_MAN_CODE,"
@@ -117,9 +94,8 @@ void Tfrm_BillContrastScan::Button2Click()
           " and c.SCAN_DATE=(select /*+index(b,TAB_SCAN_COME_I)*/ max(b.scan_date) from tab_scan_come b where "
           " b.bill_code=c.bill_code and b.SCAN_SITE in ('北京','北京市内部','北京贷款')"
           " ) and rownum=1 )as send_site   from "
-        + table + u" a " + whereBetween(u"a.scan_date", DBDateTimeEditEh1, DBDateTimeEditEh2)
-        + unlessEmpty(u" and a.scan_site='", DBLookupComboboxEh5) + u" and a.scan_type='" + DBComboBoxEh1->text()
-        + u"' and (not exists(select /*+index(b,TAB_BILL_P)*/1 from tab_bill b where b.bill_code=a.bill_code))" + noInnerNumbers
+        + table + u" a " + whereInRange(u"a.scan_date") + unlessEmpty(u" and a.scan_site='", DBLookupComboboxEh5) + u" and a.scan_type='"
+        + type + u"' and (not exists(select /*+index(b,TAB_BILL_P)*/1 from tab_bill b where b.bill_code=a.bill_code))" + noInnerNumbers
         + u" order by a.bill_code,a.sub_bill_code desc";
     const QString sender = DBLookupComboboxEh2->text();
     openStatement(cds1, sender.isEmpty() ? scans : QString(u" select a.* from (" + scans + u") a where a.send_site='" + sender + u'\''));

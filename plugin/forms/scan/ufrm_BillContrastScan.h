@@ -16,9 +16,6 @@ public:
     PUBLISHED(TTabSheet, TabSheet2);
     PUBLISHED(TDataView, DataView1);
     PUBLISHED(TRadioGroup, RadioGroup1);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
     PUBLISHED(TClientDataSetEx, cds);
@@ -31,9 +28,7 @@ public:
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh2);
 
 private:
-    void design();
-    void FormCreate();
-    void Button1Click() override;
+    void queryByConditions() override;
     void Button2Click();
     void RadioGroup1Click(int itemIndex);
     void showFirstPage() override { } ///< a query leaves its page in front

@@ -1,9 +1,7 @@
 #include "plugin/forms/scan/ufrm_BillContrastSiteCome.h"
 
-#include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/scan/bill_columns.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_BillContrastSiteCome = nullptr;
 
@@ -42,16 +40,6 @@ QString ownOutlet(QStringView column, QStringView comparison)
 Tfrm_BillContrastSiteCome::Tfrm_BillContrastSiteCome(TComponentOwner *owner)
     : QueryScreen(owner, QStringLiteral("frm_BillContrastSiteCome"), u"录单对比网点到件")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_BillContrastSiteCome::design()
-{
-    const QString fastTypes = QStringLiteral("全部\r珠三角\r香港\r同城");
-    DBComboBoxEh1->setItemsText(fastTypes);
-    DBComboBoxEh1->setKeyItemsText(fastTypes);
-    DBComboBoxEh1->setItemIndex(AllTypes);
     CheckBox1->setText(QStringLiteral("包括子单"));
     CheckBox1->setChecked(true);
     CheckBox1->hide();
@@ -59,36 +47,24 @@ void Tfrm_BillContrastSiteCome::design()
     RadioGroup1->setItems({ QStringLiteral("对比网点接件"), QStringLiteral("对比中心出库") });
     RadioGroup1->setItemIndex(WithReceipt);
     arrange({ {
-        range(GroupBox1, u"寄件日期范围(3天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2),
+        range(u"寄件日期范围(3天以内)").yesterday(),
         block(2,
             {
-                row(u"录单网点", DBLookupComboboxEh5),
-                row(u"目的网点", DBLookupComboboxEh1),
-                row(u"快件类型", DBComboBoxEh1),
-                row(u"班次", DBComboBoxEh2),
+                row(u"录单网点", DBLookupComboboxEh5, "Label11").sites(dm_GlobalData->ds_loginSiteOwner).loginSite().completes(),
+                row(u"目的网点", DBLookupComboboxEh1, "Label2").sites(dm_GlobalData->ds_AllSite).completes(),
+                row(u"快件类型", DBComboBoxEh1, "Label3").items(QStringLiteral("全部\r珠三角\r香港\r同城")),
+                row(u"班次", DBComboBoxEh2, "Label5").shifts(),
             }),
         row(RadioGroup1),
     } });
     result(DataView2, cds, resultColumns());
     DataView2->DataViewGrid->onGetCellParams
         = [this](int row, int, CellParameters &parameters) { DataView2DataViewGridGetCellParams(row, parameters); };
-    completeOnExit({ DBLookupComboboxEh5, DBLookupComboboxEh1 });
 }
 
-void Tfrm_BillContrastSiteCome::FormCreate()
+void Tfrm_BillContrastSiteCome::queryByConditions()
 {
-    Tfrm_BasicBoot::FormCreate();
-    setYesterday(DBDateTimeEditEh1, DBDateTimeEditEh2);
-    setSiteLookup({ DBLookupComboboxEh1 }, dm_GlobalData->ds_AllSite);
-    setSiteLookup({ DBLookupComboboxEh5 }, dm_GlobalData->ds_loginSiteOwner);
-    DBLookupComboboxEh5->setText(GlobalValueAddr(QStringLiteral("site")));
-    fillFromHost({ DBComboBoxEh2 }, QStringLiteral("class"), QStringLiteral("CLASS_NAME"));
-}
-
-void Tfrm_BillContrastSiteCome::Button1Click()
-{
-    const QueryRun run(this);
-    if (CheckDateRange(DBDateTimeEditEh1->text(), DBDateTimeEditEh2->text(), 3, true))
+    if (refuseRange(3))
         return;
     const QString chosen = bills() + unlessEmpty(u" and a.send_site='", DBLookupComboboxEh5)
         + unlessEmpty(u" and a.DISPATCH_SITE='", DBLookupComboboxEh1) + ofFastType() + unlessAll(u" and a.class='", DBComboBoxEh2);
@@ -101,7 +77,7 @@ QString Tfrm_BillContrastSiteCome::bills() const
         return cds->commandText(); // without a choice the conditions are added to the last statement
     return u"select /*+index(a,TAB_BILL_I)*/a.*,'' as sub_bill_code,"
         + (RadioGroup1->itemIndex() == WithReceipt ? destinationReceived : destinationSentTo) + u" as SCAN_DISPATCH_SITE from tab_bill a "
-        + whereBetween(u"a.send_date", DBDateTimeEditEh1, DBDateTimeEditEh2);
+        + whereInRange(u"a.send_date");
 }
 
 /// By the item and not by the text: a typed one that is no item asks nothing.

@@ -11,9 +11,6 @@ class Tfrm_BillContrastSiteCome : public QueryScreen {
 public:
     explicit Tfrm_BillContrastSiteCome(TComponentOwner *owner);
 
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
     PUBLISHED(QCheckBox, CheckBox1); ///< hidden and never read
     PUBLISHED(TDataView, DataView2);
@@ -24,9 +21,7 @@ public:
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh2);
 
 private:
-    void design();
-    void FormCreate();
-    void Button1Click() override;
+    void queryByConditions() override;
     QString bills() const;
     QString ofFastType() const;
     void DataView2DataViewGridGetCellParams(int row, CellParameters &parameters) const;

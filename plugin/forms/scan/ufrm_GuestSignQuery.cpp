@@ -3,7 +3,7 @@
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/screen.h"
 #include "plugin/data/udm_GlobalData.h"
-#include "plugin/forms/base/query_screen.h"
+#include "plugin/util/conditions.h"
 
 #include <QHBoxLayout>
 #include <QScopeGuard>
@@ -79,12 +79,6 @@ QString positions(const QString &bills)
 
 Tfrm_GuestSignQuery::Tfrm_GuestSignQuery(TComponentOwner *owner)
     : Tfrm_BasicBoot(owner, QStringLiteral("frm_GuestSignQuery"), QStringLiteral("客服签收查询"))
-{
-    design();
-    FormCreate();
-}
-
-void Tfrm_GuestSignQuery::design()
 {
     DataView1->design(resultColumns, cds);
     auto *layout = new QHBoxLayout(this);

@@ -21,12 +21,12 @@ public:
     PUBLISHED(TClientDataSetEx, cds); ///< the result, never opened by a statement
     PUBLISHED(TClientDataSetEx, cds1);
 
+    void FormCreate() override;
+
 protected:
     void FormShow() override;
 
 private:
-    void design();
-    void FormCreate();
     void Button1Click();
     void Splitter1Moved();
 

@@ -25,20 +25,13 @@ Tfrm_ManCome::Tfrm_ManCome(TComponentOwner *owner)
     DBComboBoxEh1->view()->setMinimumWidth(300);
     design(
         {
-            row(u"片区名称", DBComboBoxEh1),
-            row(u"上一站", DBLookupComboboxEh5),
-            row(u"班次", DBComboBoxEh4),
-            row(u"扫描网点", DBLookupComboboxEh1),
-            row(u"扫描人", DBLookupComboboxEh2),
+            row(u"片区名称", DBComboBoxEh1, "Label2").areas(),
+            stationRow(u"上一站"),
+            shiftRow(),
+            siteRow(),
+            manRow(),
         },
         summaryColumns, detailColumns);
-    FormCreate();
-}
-
-void Tfrm_ManCome::FormCreate()
-{
-    ManStatistics::FormCreate();
-    fillFromHost({ DBComboBoxEh1 }, QStringLiteral("area"), QStringLiteral("AREA_NAME"));
 }
 
 QString Tfrm_ManCome::statistics() const

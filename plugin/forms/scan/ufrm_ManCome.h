@@ -12,7 +12,6 @@ public:
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
 
 private:
-    void FormCreate();
     QString statistics() const override;
     Detail detail() const override;
 };

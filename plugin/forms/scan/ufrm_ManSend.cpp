@@ -28,13 +28,12 @@ Tfrm_ManSend::Tfrm_ManSend(TComponentOwner *owner)
 {
     design(
         {
-            row(u"扫描网点", DBLookupComboboxEh1),
-            row(u"下一站", DBLookupComboboxEh5),
-            row(u"扫描人", DBLookupComboboxEh2),
-            row(u"班次", DBComboBoxEh4),
+            siteRow(),
+            stationRow(u"下一站"),
+            manRow(),
+            shiftRow(),
         },
         summaryColumns, detailColumns);
-    FormCreate();
 }
 
 QString Tfrm_ManSend::statistics() const

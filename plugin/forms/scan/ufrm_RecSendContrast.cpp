@@ -14,5 +14,5 @@ Tfrm_RecSendContrast::Tfrm_RecSendContrast(TComponentOwner *owner)
 bool Tfrm_RecSendContrast::refuseLoginSite()
 {
     const QString type = GlobalCdsAddr(QStringLiteral("loginSite"))->fieldByName(u"TYPE")->asString();
-    return !type.contains(u"网点") && refuse(QStringLiteral("详细：收发对比的网点类型必须是\"网点\"！"));
+    return !type.contains(u"网点") && refuse(u"收发对比的网点类型必须是\"网点\"！");
 }

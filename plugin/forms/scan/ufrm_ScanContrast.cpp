@@ -1,10 +1,8 @@
 #include "plugin/forms/scan/ufrm_ScanContrast.h"
 
 #include "platform/toolkit/clock.h"
-#include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
-#include "plugin/util/conditions.h"
 
 Tfrm_Basic *frm_ScanContrast = nullptr;
 
@@ -13,6 +11,19 @@ namespace {
 const GridColumns resultColumns = scanListColumns(u"下一网点");
 
 } // namespace
+
+QList<ConditionRow> Tfrm_ScanContrast::ScanSet::rows() const
+{
+    return {
+        row(u"扫描网点", site).sites(dm_GlobalData->ds_site).loginSite().completes(),
+        row(u"上下网点", station).sites(dm_GlobalData->ds_site).completesOnEnter(),
+        row(u"扫描类型", scanType).scanTypes().completes(),
+        row(u"物品类别", goodsType).goodsTypes(),
+        row(u"扫描人", scanMan).employees().completesOnEnter(),
+        row(u"班次", shift).shifts(),
+        row(u"收派件员", courier).employees().completesOnEnter(),
+    };
+}
 
 QString Tfrm_ScanContrast::ScanSet::table() const { return GetScanTableName(scanType->text()); }
 
@@ -50,57 +61,27 @@ QString Tfrm_ScanContrast::ScanSet::orderByBill() const { return u" order by " +
 Tfrm_ScanContrast::Tfrm_ScanContrast(TComponentOwner *owner)
     : PagedScreen(owner, QStringLiteral("frm_ScanContrast"), u"总部扫描监控")
 {
-    design();
-    FormCreate();
-}
-
-void Tfrm_ScanContrast::design()
-{
     CheckBox1->setText(QStringLiteral("(&1)启用目标条件对比"));
     CheckBox1->setChecked(true);
-    const auto conditions = [](const ScanSet &set) -> QList<ConditionRow> {
-        return {
-            row(u"扫描网点", set.site),
-            row(u"上下网点", set.station),
-            row(u"扫描类型", set.scanType),
-            row(u"物品类别", set.goodsType),
-            row(u"扫描人", set.scanMan),
-            row(u"班次", set.shift),
-            row(u"收派件员", set.courier),
-        };
-    };
     arrange({
-        { box(GroupBox1, u"对比源条件", 4, conditions(m_source)),
-            range(GroupBox2, u"源条件时间范围(3天以内)", DBDateTimeEditEh1, DBDateTimeEditEh2) },
-        { box(GroupBox3, u"对比目标条件", 4, conditions(m_target)),
-            range(GroupBox4, u"目标条件时间范围(3天以内)", DBDateTimeEditEh3, DBDateTimeEditEh4), row(CheckBox1) },
+        { box(GroupBox1, u"对比源条件", 4, m_source.rows()), ::range(GroupBox2, u"源条件时间范围(3天以内)", m_source.start, m_source.end) },
+        { box(GroupBox3, u"对比目标条件", 4, m_target.rows()),
+            box(GroupBox4, u"目标条件时间范围(3天以内)", 1, { row(u"开始", m_target.start), row(u"结束", m_target.end) }), row(CheckBox1) },
     });
     page(TabSheet2, u"同时存在的单号", DataView1, cds, resultColumns, 1);
     page(TabSheet1, u"只存在源条件的单号", DataView2, cds1, resultColumns, 1);
     page(TabSheet3, u"只存在目标条件的单号", DataView3, cds2, resultColumns, 1);
-
     handle(CheckBox1, &QCheckBox::clicked, this, &Tfrm_ScanContrast::CheckBox1Click);
-    completeOnExit({ DBLookupComboboxEh5, DBLookupComboboxEh2, DBLookupComboboxEh4, DBLookupComboboxEh7 });
-    completeOnEnter(
-        { DBLookupComboboxEh1, DBLookupComboboxEh3, DBLookupComboboxEh10, DBLookupComboboxEh6, DBLookupComboboxEh8, DBLookupComboboxEh9 });
 }
 
 void Tfrm_ScanContrast::FormCreate()
 {
-    Tfrm_BasicBoot::FormCreate();
+    PagedScreen::FormCreate();
     for (const ScanSet &set : { m_source, m_target }) {
         set.start->setText(dateToText(Clock::today().addDays(-1)) + u" 12:00:00");
         set.end->setText(dateToText(Clock::today()) + u" 11:59:59");
+        set.scanType->setText(QStringLiteral("到件"));
     }
-    setSiteLookup({ DBLookupComboboxEh5, DBLookupComboboxEh4, DBLookupComboboxEh6, DBLookupComboboxEh1 }, dm_GlobalData->ds_site);
-    setScanTypeLookup({ DBLookupComboboxEh2, DBLookupComboboxEh7 }, dm_GlobalData->ds_scanType);
-    setEmployeeLookup({ DBLookupComboboxEh3, DBLookupComboboxEh8, DBLookupComboboxEh10, DBLookupComboboxEh9 }, dm_GlobalData->ds_employee);
-    fillFromHost({ DBComboBoxEh1, DBComboBoxEh2 }, QStringLiteral("GoodsType"), QStringLiteral("GOODS_NAME"));
-    fillFromHost({ DBComboBoxEh4, DBComboBoxEh3 }, QStringLiteral("Class"), QStringLiteral("CLASS_NAME"));
-    m_source.site->setText(GlobalValueAddr(QStringLiteral("site")));
-    m_target.site->setText(m_source.site->text());
-    m_source.scanType->setText(QStringLiteral("到件"));
-    m_target.scanType->setText(QStringLiteral("到件"));
 }
 
 void Tfrm_ScanContrast::CheckBox1Click()
@@ -111,16 +92,11 @@ void Tfrm_ScanContrast::CheckBox1Click()
 
 bool Tfrm_ScanContrast::refuseIncomplete(const ScanSet &set)
 {
-    if (set.site->text().isEmpty())
-        return refuse(QStringLiteral("详细：扫描网点必须选择！"), set.site);
-    if (set.scanType->text().isEmpty())
-        return refuse(QStringLiteral("详细：扫描类型必须选择！"), set.scanType);
-    return false;
+    return refuseEmpty(set.site, u"扫描网点必须选择！") || refuseEmpty(set.scanType, u"扫描类型必须选择！");
 }
 
-void Tfrm_ScanContrast::Button1Click()
+void Tfrm_ScanContrast::queryByConditions()
 {
-    const QueryRun run(this);
     const bool comparing = CheckBox1->isChecked();
     if (refuseIncomplete(m_source) || (comparing && refuseIncomplete(m_target)))
         return;

@@ -9,7 +9,6 @@ class Tfrm_ScanContrast : public PagedScreen {
 public:
     explicit Tfrm_ScanContrast(TComponentOwner *owner);
 
-    PUBLISHED(QGroupBox, GroupBox1);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh5);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh1);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh2);
@@ -18,8 +17,6 @@ public:
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh10);
     PUBLISHED(QGroupBox, GroupBox2);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(QCheckBox, CheckBox1);
     PUBLISHED(QGroupBox, GroupBox3);
     PUBLISHED(TDBLookupComboboxEh, DBLookupComboboxEh4);
@@ -42,6 +39,8 @@ public:
     PUBLISHED(TClientDataSetEx, cds1);
     PUBLISHED(TClientDataSetEx, cds2);
 
+    void FormCreate() override;
+
 private:
     /// The controls that describe one set of scans, and the alias of its table in the statements.
     struct ScanSet {
@@ -56,6 +55,7 @@ private:
         TDBDateTimeEditEh *start;
         TDBDateTimeEditEh *end;
 
+        QList<ConditionRow> rows() const;
         QString table() const;
         QString selectList() const;
         QString conditions() const;
@@ -68,9 +68,7 @@ private:
     const ScanSet m_target { u'c', DBLookupComboboxEh4, DBLookupComboboxEh6, DBLookupComboboxEh7, DBComboBoxEh2, DBLookupComboboxEh8,
         DBComboBoxEh3, DBLookupComboboxEh9, DBDateTimeEditEh3, DBDateTimeEditEh4 };
 
-    void design();
-    void FormCreate();
-    void Button1Click() override;
+    void queryByConditions() override;
     void CheckBox1Click();
     bool refuseIncomplete(const ScanSet &set);
 };

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "plugin/forms/base/query_screen.h"
-#include "plugin/view/frame_InputList.h"
 
 /// The send-outs of a site whose next station has no arrival of the same waybill: parcels lost or late on the way.
 class Tfrm_SendNextUnCome : public QueryScreen {
@@ -12,9 +11,6 @@ public:
 
     PUBLISHED(TInputList, InputList1);
     PUBLISHED(TClientDataSetEx, cds);
-    PUBLISHED(QGroupBox, GroupBox1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh1);
-    PUBLISHED(TDBDateTimeEditEh, DBDateTimeEditEh2);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh1);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh2);
     PUBLISHED(TDBComboBoxEh, DBComboBoxEh4);
@@ -26,11 +22,11 @@ public:
     PUBLISHED(TDBLookupComboboxEh, DBL_NEXTSITE);
     PUBLISHED(QCheckBox, cb1);
 
+    void FormCreate() override;
+
 private:
-    void FormCreate();
-    void Button1Click() override;
-    void queryByList();
-    void queryByDate();
+    void queryByConditions() override;
+    void queryByList(const QString &bills) override;
     QString mainBillsOnly() const;
 
     QString FLoginSite;
