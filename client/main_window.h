@@ -40,7 +40,6 @@ public:
     void openScreen(const QString &formName);
     /// Presses the query button of the screen in front; throws Exception when there is none.
     void query();
-    void copy(bool titles);
     /// Shows the current grid as it would be printed.
     void print();
     /// Writes what a grid shows, with its screen's conditions, in the background of a wait window; returns the number of rows.

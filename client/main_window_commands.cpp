@@ -9,7 +9,7 @@
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
-#include "platform/grid/grid_finder.h"
+#include "platform/grid/grid_commands.h"
 #include "platform/report/print_db_grid.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
@@ -35,6 +35,15 @@ struct MainWindow::Command {
     const char *icon; ///< on the tool bar too, when there is one
     Needs needs;
     void (*run)(MainWindow *window);
+
+    /// A command of the grid that is in front.
+    template <GridCommandId id>
+    static Command ofGrid(const char *icon = nullptr)
+    {
+        const GridCommand &command = gridCommand(id);
+        return { u"操作(&O)", command.text, command.shortcuts, icon, Grid,
+            [](MainWindow *window) { gridCommand(id).run(*window->m_grid); } };
+    }
 };
 
 const QList<MainWindow::Command> &MainWindow::commands()
@@ -44,13 +53,12 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"操作(&O)", u"导出…", u"Ctrl+E", "export", Command::Grid, [](MainWindow *window) { window->exportAsking(); } },
         { u"操作(&O)", u"打印…", u"Ctrl+P", "print", Command::Grid, [](MainWindow *window) { window->print(); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
-        { u"操作(&O)", u"查找…", u"Ctrl+F", "find", Command::Grid, [](MainWindow *window) { window->m_grid->finder().openDialog(); } },
-        { u"操作(&O)", u"查找下一个", u"F3", nullptr, Command::Grid, [](MainWindow *window) { window->m_grid->finder().findAgain(true); } },
-        { u"操作(&O)", u"查找上一个", u"Shift+F3", nullptr, Command::Grid,
-            [](MainWindow *window) { window->m_grid->finder().findAgain(false); } },
+        Command::ofGrid<GridCommandId::Find>("find"),
+        Command::ofGrid<GridCommandId::FindNext>(),
+        Command::ofGrid<GridCommandId::FindPrevious>(),
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
-        { u"操作(&O)", u"复制", u"Ctrl+C", "copy", Command::Grid, [](MainWindow *window) { window->copy(false); } },
-        { u"操作(&O)", u"带标题复制", u"Ctrl+Shift+C", nullptr, Command::Grid, [](MainWindow *window) { window->copy(true); } },
+        Command::ofGrid<GridCommandId::Copy>("copy"),
+        Command::ofGrid<GridCommandId::CopyWithTitles>(),
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         { u"操作(&O)", u"退出", u"Alt+F4", nullptr, Command::Nothing, [](MainWindow *window) { window->close(); } },
         { u"窗口(&W)", u"层叠", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->cascadeSubWindows(); } },
@@ -187,12 +195,6 @@ void MainWindow::query()
     button->click();
 }
 
-void MainWindow::copy(bool titles)
-{
-    if (m_grid)
-        m_grid->copySelection(titles);
-}
-
 void MainWindow::print()
 {
     if (!m_grid)
@@ -243,14 +245,24 @@ int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 
 void MainWindow::showShortcuts()
 {
+    const auto named = [](QStringView text) { return text.toString().remove(u'…'); };
+    const auto readable = [](QStringView shortcuts) {
+        QString keys = shortcuts.toString().replace(u' ', u'、');
+        return keys.replace(QStringLiteral("Return"), QStringLiteral("回车")).replace(QStringLiteral("Space"), QStringLiteral("空格"));
+    };
     QStringList lines;
+    QSet<QStringView> listed;
     for (const Command &command : commands()) {
-        const QString keys = command.shortcuts.toString().replace(QStringLiteral("Return"), QStringLiteral("回车")).replace(u' ', u'、');
-        if (!keys.isEmpty())
-            lines.append(QString(command.text.toString()).remove(u'…') + u'：' + keys);
+        if (!command.shortcuts.isEmpty())
+            lines.append(named(command.text) + u'：' + readable(command.shortcuts));
+        listed.insert(command.text);
     }
-    lines << QStringLiteral("条件栏：回车到下一栏，F4 打开列表") << QStringLiteral("表格：Ctrl+A 全选，Ctrl+空格 选列，Shift+空格 选行")
-          << QStringLiteral("查询时：Esc 取消");
+    QStringList inGrid;
+    for (const GridCommand &command : gridCommands()) {
+        if (!listed.contains(command.text))
+            inGrid.append(readable(command.shortcuts) + u' ' + named(command.text));
+    }
+    lines << QStringLiteral("条件栏：回车到下一栏，F4 打开列表") << u"表格：" + inGrid.join(u'，') << QStringLiteral("查询时：Esc 取消");
     Application->messageBox(lines.join(u'\n'), QStringLiteral("快捷键"), mbOk);
 }
 

@@ -83,7 +83,7 @@ QJsonObject Automation::exportGrid(const QJsonObject &arguments)
 
 QJsonObject Automation::copy(const QJsonObject &arguments)
 {
-    view(arguments)->copySelection(arguments[u"titles"].toBool());
+    view(arguments)->copySelection(arguments[u"titles"].toBool() ? CopyTitles::With : CopyTitles::Without);
     return { { QStringLiteral("text"), QApplication::clipboard()->text() } };
 }
 
@@ -91,7 +91,8 @@ QJsonObject Automation::find(const QJsonObject &arguments)
 {
     TDBGridEh *grid = view(arguments);
     const GridSearch search { .text = requiredText(arguments, u"text"), .titles = arguments[u"titles"].toBool() };
-    return { { QStringLiteral("found"), grid->finder().find(search, arguments[u"forward"].toBool(true)) } };
+    const SearchDirection direction = arguments[u"forward"].toBool(true) ? SearchDirection::Forward : SearchDirection::Backward;
+    return { { QStringLiteral("found"), grid->finder().find(search, direction) } };
 }
 
 QJsonObject Automation::screenshot(const QJsonObject &arguments)

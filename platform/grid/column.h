@@ -13,6 +13,8 @@ struct ColumnFooter {
     Qt::Alignment alignment = Qt::AlignHCenter;
 };
 
+enum class ColumnScope { All, Visible };
+
 enum class SortMark { None, Ascending, Descending };
 
 /// One column of a grid, as it stands now; the designed form is a list of these too.

@@ -30,15 +30,15 @@ void ColumnGeometry::arrange(const ColumnModel &columns, int frozen, int indicat
             m_frozenRight = right;
         }
     }
-    m_scroll = qMin(m_scroll, maximumScroll());
+    m_scroll = std::min(m_scroll, maximumScroll());
 }
 
 int ColumnGeometry::scrollToShow(int column) const
 {
     if (isFrozen(column))
         return m_scroll;
-    const int tooFarRight = qMax(0, right(column) - m_viewWidth);
-    const int tooFarLeft = qMax(0, m_frozenRight - left(column) + tooFarRight);
+    const int tooFarRight = std::max(0, right(column) - m_viewWidth);
+    const int tooFarLeft = std::max(0, m_frozenRight - left(column) + tooFarRight);
     return m_scroll + tooFarRight - tooFarLeft;
 }
 
@@ -55,9 +55,9 @@ QList<ColumnGeometry::Span> ColumnGeometry::spans(const QRect &rect) const
     QList<Span> spans;
     const int columns = int(m_edges.size()) - 1;
     QRect scrolling = rect;
-    scrolling.setLeft(qMax(rect.left(), m_frozenRight));
+    scrolling.setLeft(std::max(rect.left(), m_frozenRight));
     QRect frozen = rect;
-    frozen.setRight(qMin(rect.right(), m_frozenRight - 1));
+    frozen.setRight(std::min(rect.right(), m_frozenRight - 1));
     addSpan(spans, m_frozenEnd, columns, scrolling);
     addSpan(spans, 0, m_frozenEnd, frozen);
     return spans;

@@ -3,6 +3,8 @@
 #include <QList>
 #include <QRect>
 
+#include <algorithm>
+
 class ColumnModel;
 
 /// Where the columns stand in a widget as wide as the grid's view: the indicator, the frozen columns, and the others, which
@@ -22,8 +24,8 @@ public:
     bool hasFrozen() const { return m_frozenRight > m_indicatorWidth; }
     int left(int column) const { return m_indicatorWidth + m_edges[column] - (isFrozen(column) ? 0 : m_scroll); }
     int right(int column) const { return left(column) + m_edges[column + 1] - m_edges[column]; } ///< one past the last pixel
-    int contentRight() const { return qMax(m_frozenRight, m_indicatorWidth + m_edges.last() - m_scroll); }
-    int maximumScroll() const { return qMax(0, m_indicatorWidth + m_edges.last() - m_viewWidth); }
+    int contentRight() const { return std::max(m_frozenRight, m_indicatorWidth + m_edges.last() - m_scroll); }
+    int maximumScroll() const { return std::max(0, m_indicatorWidth + m_edges.last() - m_viewWidth); }
     /// The scroll position nearest to the present one that shows the whole column.
     int scrollToShow(int column) const;
     /// The column at a position, or -1 where there is none.

@@ -2,6 +2,8 @@
 
 #include "platform/dataset/data_set.h"
 
+#include <algorithm>
+
 void ColumnModel::design(const QList<Column> &columns)
 {
     m_design = columns;
@@ -26,10 +28,10 @@ bool ColumnModel::isVisibilityDesigned() const
         [this](const Entry &entry) { return entry.column.visible == m_design[entry.designIndex].visible; });
 }
 
-int ColumnModel::find(QStringView fieldName, bool visibleOnly) const
+int ColumnModel::find(QStringView fieldName, ColumnScope scope) const
 {
     for (int index = 0; index < count(); ++index) {
-        if ((at(index).visible || !visibleOnly) && fieldName.compare(at(index).fieldName, Qt::CaseInsensitive) == 0)
+        if ((at(index).visible || scope == ColumnScope::All) && fieldName.compare(at(index).fieldName, Qt::CaseInsensitive) == 0)
             return index;
     }
     return -1;
@@ -42,11 +44,6 @@ int ColumnModel::visibleFrom(int index, int step) const
             return index;
     }
     return -1;
-}
-
-int ColumnModel::visibleCount(int end) const
-{
-    return int(std::count_if(m_columns.begin(), m_columns.begin() + end, [](const Entry &entry) { return entry.column.visible; }));
 }
 
 void ColumnModel::bind(const TDataSet *dataSet)

@@ -21,11 +21,9 @@ public:
     void setWidth(int index, int width) { m_columns[index].column.width = width; }
     void setVisible(int index, bool visible) { m_columns[index].column.visible = visible; }
     /// Case ignored; -1 when there is none.
-    int find(QStringView fieldName, bool visibleOnly) const;
+    int find(QStringView fieldName, ColumnScope scope) const;
     /// The nearest visible column from `index` in the direction of `step` (1 or -1), itself included; -1 when there is none.
     int visibleFrom(int index, int step) const;
-
-    int visibleCount(int end) const; ///< among the columns before `end`
 
     /// Looks up the fields of an open dataset; null or a closed one leaves the columns without.
     void bind(const TDataSet *dataSet);

@@ -5,12 +5,15 @@
 class TDBGridEh;
 class TDataSet;
 
+/// Whether a dataset sorts the rows it holds, or fetches them anew in the order.
+enum class Sorting { Local, AtSource };
+
 /// Applies a grid's sort marks to datasets of one class; registered for that class and served to its descendants.
 class DatasetFeaturesEh {
 public:
     virtual ~DatasetFeaturesEh() = default;
-    /// Sorts `dataSet` by the grid's marked columns, in the order of their keys: itself when `local`, else where its rows come from.
-    virtual void applySorting(const TDBGridEh &grid, TDataSet &dataSet, bool local) = 0;
+    /// Sorts `dataSet` by the grid's marked columns, in the order of their keys.
+    virtual void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) = 0;
 };
 
 /// Registers `features` (not owned; it must outlive the registration) for a dataset class; a later registration for the same class wins.

@@ -1,19 +1,30 @@
 #include "platform/grid/db_grid.h"
 
+#include "platform/grid/cell_painter.h"
 #include "platform/grid/column_geometry.h"
 #include "platform/grid/column_model.h"
+#include "platform/grid/copied_cells.h"
 #include "platform/grid/dataset_features.h"
 #include "platform/grid/grid_colors.h"
 #include "platform/grid/grid_finder.h"
 #include "platform/grid/grid_footer.h"
+#include "platform/grid/grid_gestures.h"
 #include "platform/grid/grid_header.h"
+#include "platform/grid/grid_menu.h"
 #include "platform/grid/grid_selection.h"
 #include "platform/grid/sum_list.h"
 #include "platform/grid/text_painter.h"
+#include "platform/toolkit/exception.h"
 #include "platform/toolkit/handler.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QMenu>
+#include <QMimeData>
 #include <QScrollBar>
+
+#include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -23,6 +34,16 @@ constexpr int sideStep = 20; ///< pixels
 constexpr int leastWidth = 8;
 constexpr int mostWidth = 4000;
 constexpr int widestFit = 600;
+/// More would take the clipboard's programs minutes to swallow; an export is the way then.
+constexpr qint64 mostCopiedCells = 2'000'000;
+
+qint64 cellCount(const QList<QRect> &ranges)
+{
+    qint64 cells = 0;
+    for (const QRect &range : ranges)
+        cells += qint64(range.width()) * range.height();
+    return cells;
+}
 
 } // namespace
 
@@ -38,6 +59,7 @@ TDBGridEh::TDBGridEh(QWidget *parent)
           *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerText(row, column); }, this))
 {
     m_finder = std::make_unique<GridFinder>(*this);
+    m_gestures = std::make_unique<GridGestures>(*this, *m_columns, *m_geometry);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
     setAccessibleName(QStringLiteral("数据表格"));
@@ -56,7 +78,7 @@ void TDBGridEh::connectHeader()
     handle(m_header, &GridHeader::widthDragged, this, &TDBGridEh::setColumnWidth);
     handle(m_header, &GridHeader::fitRequested, this, &TDBGridEh::fitColumn);
     handle(m_header, &GridHeader::moveRequested, this, &TDBGridEh::moveColumn);
-    handle(m_header, &GridHeader::menuRequested, this, [this](int column, QPoint position) { popUp(columnMenu(column), position); });
+    handle(m_header, &GridHeader::menuRequested, this, [this](int column, QPoint position) { popUp(columnMenu(*this, column), position); });
 }
 
 void TDBGridEh::setDataSource(TDataSource *source)
@@ -114,11 +136,11 @@ void TDBGridEh::moveColumn(int from, int to)
     columnsRearranged();
 }
 
-int TDBGridEh::columnIndex(QStringView fieldName, bool visibleOnly) const { return m_columns->find(fieldName, visibleOnly); }
+int TDBGridEh::columnIndex(QStringView fieldName, ColumnScope scope) const { return m_columns->find(fieldName, scope); }
 
 void TDBGridEh::setColumnWidth(int index, int width)
 {
-    m_columns->setWidth(index, qBound(leastWidth, width, mostWidth));
+    m_columns->setWidth(index, std::clamp(width, leastWidth, mostWidth));
     arrange();
     Q_EMIT columnsChanged();
 }
@@ -140,7 +162,7 @@ void TDBGridEh::columnsRearranged()
 {
     m_selection->clear();
     if (m_currentColumn < 0 || !m_columns->at(m_currentColumn).visible)
-        m_currentColumn = qMax(m_columns->visibleFrom(qMax(0, m_currentColumn), 1), m_columns->visibleFrom(m_currentColumn, -1));
+        m_currentColumn = std::max(m_columns->visibleFrom(std::max(0, m_currentColumn), 1), m_columns->visibleFrom(m_currentColumn, -1));
     arrange();
     Q_EMIT columnsChanged();
 }
@@ -155,7 +177,7 @@ void TDBGridEh::setFrozenColumns(int count)
 
 void TDBGridEh::freezeColumns(int count)
 {
-    m_frozen = qMax(0, count);
+    m_frozen = std::max(0, count);
     arrange();
     Q_EMIT columnsChanged();
 }
@@ -186,10 +208,10 @@ void TDBGridEh::clickTitle(int column, Qt::KeyboardModifiers modifiers)
     if (!features || m_columns->at(column).fieldName.isEmpty())
         return;
     const QList<SortKey> before = m_columns->sortKeys();
-    m_columns->setSortKeys(cycleSortKeys(before, column, modifiers & Qt::ControlModifier));
+    m_columns->setSortKeys(cycleSortKeys(before, column, modifiers & Qt::ControlModifier ? SortClick::Add : SortClick::Replace));
     m_header->update();
     try {
-        features->applySorting(*this, *rows, m_sortLocal);
+        features->applySorting(*this, *rows, m_sortLocal ? Sorting::Local : Sorting::AtSource);
     } catch (...) {
         m_columns->setSortKeys(before); // a mark must not promise an order that the rows do not have
         throw;
@@ -207,8 +229,6 @@ QList<int> TDBGridEh::sortedColumns() const
 int TDBGridEh::currentColumn() const { return m_currentColumn; }
 
 int TDBGridEh::currentRow() const { return rowCount() > 0 ? dataSet()->recordIndex() : -1; }
-
-void TDBGridEh::setCurrentCell(int row, int column) { moveCurrent(row, column, Extend::No); }
 
 int TDBGridEh::rowCount() const
 {
@@ -245,27 +265,50 @@ QString TDBGridEh::footerText(int footerRow, int column) const
     return {};
 }
 
-CellParameters TDBGridEh::cellParameters(int row, int column, const GridColors &colors) const
+CellView TDBGridEh::view() const
 {
-    CellParameters parameters { colors.base, colors.text, font() };
-    if (onGetCellParams && !m_cellEventFailed)
-        onGetCellParams(row, column, parameters);
-    return parameters;
+    return {
+        .grid = *this,
+        .columns = *m_columns,
+        .geometry = *m_geometry,
+        .selection = *m_selection,
+        .finder = *m_finder,
+        .texts = *m_texts,
+        .event = onGetCellParams && !m_cellEventFailed ? &onGetCellParams : nullptr,
+        .topRow = verticalScrollBar()->value(),
+        .rowCount = rowCount(),
+        .rowHeight = m_rowHeight,
+        .height = viewport()->height(),
+        .currentRow = m_shownRecord,
+        .currentColumn = m_currentColumn,
+    };
 }
 
-QColor TDBGridEh::cellBackground(int row, int column) const { return cellParameters(row, column, GridColors(palette())).background; }
+QColor TDBGridEh::cellBackground(int row, int column) const { return view().parameters(row, column, GridColors(palette())).background; }
 
 int TDBGridEh::recordNumber(int row) const { return row >= 0 && row < rowCount() ? row + 1 : -1; }
 
 void TDBGridEh::fitColumn(int index)
 {
     int width = m_header->titleWidth(index);
-    const int last = qMin(rowCount(), verticalScrollBar()->value() + pageRows() + 1);
-    for (int row = verticalScrollBar()->value(); row < last; ++row)
-        width = qMax(width, m_texts->width(cellParameters(row, index, GridColors(palette())).font, cellText(row, index)) + rowPadding + 2);
+    const GridColors colors(palette());
+    const CellView view = this->view();
+    const int last = std::min(rowCount(), view.topRow + pageRows() + 1);
+    for (int row = view.topRow; row < last; ++row)
+        width = std::max(width, m_texts->width(view.parameters(row, index, colors).font, cellText(row, index)) + rowPadding + 2);
     for (int row = 0; row < footerRowCount(); ++row)
-        width = qMax(width, m_texts->width(font(), footerText(row, index)) + rowPadding + 2);
-    setColumnWidth(index, qMin(width, widestFit));
+        width = std::max(width, m_texts->width(font(), footerText(row, index)) + rowPadding + 2);
+    setColumnWidth(index, std::min(width, widestFit));
+}
+
+void TDBGridEh::copySelection(CopyTitles titles)
+{
+    const qint64 cells = cellCount(selectedRanges());
+    if (cells > mostCopiedCells)
+        throw Exception(
+            QStringLiteral("选中了 %L1 个单元格，最多只能复制 %L2 个；请少选一些，或改用导出。").arg(cells).arg(mostCopiedCells));
+    if (currentRow() >= 0 && m_currentColumn >= 0)
+        QGuiApplication::clipboard()->setMimeData(copiedCells(*this, titles == CopyTitles::With).release());
 }
 
 void TDBGridEh::takeRows()
@@ -301,8 +344,8 @@ void TDBGridEh::arrange()
     m_footer->setGeometry(view.left(), view.bottom() + 1, view.width(), m_footer->preferredHeight());
 
     verticalScrollBar()->setPageStep(pageRows());
-    verticalScrollBar()->setRange(0, qMax(0, rowCount() - pageRows()));
-    horizontalScrollBar()->setPageStep(qMax(sideStep, view.width() - m_geometry->frozenRight()));
+    verticalScrollBar()->setRange(0, std::max(0, rowCount() - pageRows()));
+    horizontalScrollBar()->setPageStep(std::max(sideStep, view.width() - m_geometry->frozenRight()));
     horizontalScrollBar()->setRange(0, m_geometry->maximumScroll());
     m_geometry->setScroll(horizontalScrollBar()->value());
     m_header->update();
@@ -326,7 +369,7 @@ void TDBGridEh::scrollContentsBy(int dx, int dy)
     m_footer->update();
 }
 
-int TDBGridEh::pageRows() const { return qMax(1, viewport()->height() / m_rowHeight); }
+int TDBGridEh::pageRows() const { return std::max(1, viewport()->height() / m_rowHeight); }
 
 int TDBGridEh::rowAt(int y) const
 {
@@ -334,21 +377,12 @@ int TDBGridEh::rowAt(int y) const
     return row >= 0 && row < rowCount() ? int(row) : -1;
 }
 
-int TDBGridEh::rowTop(int row) const
-{
-    const qint64 top = qint64(row - verticalScrollBar()->value()) * m_rowHeight;
-    return int(qBound(qint64(-m_rowHeight), top, qint64(viewport()->height())));
-}
-
-QRect TDBGridEh::cellRect(int row, int column) const
-{
-    return QRect(m_geometry->left(column), rowTop(row), m_geometry->right(column) - m_geometry->left(column), m_rowHeight);
-}
+QRect TDBGridEh::cellRect(int row, int column) const { return view().cellRect(row, column); }
 
 void TDBGridEh::updateRow(int row)
 {
     if (row >= 0)
-        viewport()->update(0, rowTop(row), viewport()->width(), m_rowHeight);
+        viewport()->update(0, view().rowTop(row), viewport()->width(), m_rowHeight);
 }
 
 void TDBGridEh::showCurrentCell()
@@ -356,7 +390,7 @@ void TDBGridEh::showCurrentCell()
     const int row = currentRow();
     QScrollBar *bar = verticalScrollBar();
     if (row >= 0)
-        bar->setValue(qBound(row - pageRows() + 1, bar->value(), row));
+        bar->setValue(std::clamp(bar->value(), row - pageRows() + 1, row));
     if (m_currentColumn >= 0)
         horizontalScrollBar()->setValue(m_geometry->scrollToShow(m_currentColumn));
 }

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "platform/dataset/data_source.h"
+#include "platform/grid/cell_parameters.h"
 #include "platform/grid/column.h"
 
 #include <QAbstractScrollArea>
-#include <QBasicTimer>
+#include <QPointer>
 
 #include <functional>
 #include <memory>
@@ -13,19 +14,17 @@ class ColumnGeometry;
 class ColumnModel;
 class GridFinder;
 class GridFooter;
+class GridGestures;
 class GridHeader;
 class GridSelection;
-class QMenu;
 class SumList;
 class TextPainter;
+struct CellView;
 struct GridColors;
 
-/// What an event may change of one cell before it is painted.
-struct CellParameters {
-    QColor background;
-    QColor textColor;
-    QFont font;
-};
+enum class CopyTitles { Without, With };
+/// How a movement of the current cell changes the selection: it starts anew, or takes in the cells or the rows on the way.
+enum class Extend { No, Cells, Rows };
 
 /// A grid over a dataset: titles of up to two levels that sort, frozen columns, footer rows, row numbers, cell colours,
 /// selection and copy. It reads the dataset's columns directly and paints only what is seen.
@@ -46,7 +45,8 @@ public:
     void setColumns(const QList<Column> &columns); ///< also becomes the designed layout
     void setColumn(int index, const Column &column);
     void moveColumn(int from, int to);
-    int columnIndex(QStringView fieldName, bool visibleOnly = false) const; ///< case ignored; -1 when there is none
+    /// Case ignored; -1 when there is none.
+    int columnIndex(QStringView fieldName, ColumnScope scope = ColumnScope::All) const;
     void setColumnWidth(int index, int width);
     void setColumnVisible(int index, bool visible);
     void restoreDesignedColumns();
@@ -71,12 +71,18 @@ public:
 
     int currentColumn() const; ///< the selected column, -1 without columns
     int currentRow() const; ///< the dataset's current row
-    void setCurrentCell(int row, int column);
-    void clearSelection();
+    /// Moves to the nearest row there is; a hidden column leaves the current one. Does nothing without rows or visible columns.
+    void setCurrentCell(int row, int column, Extend extend = Extend::No);
     /// The selected cells as rectangles whose x is a column index and whose y is a shown row; hidden columns in them count as not
     /// selected. Empty while there is nothing but the current cell.
     QList<QRect> selectedRanges() const;
+    bool isSelected(int row, int column) const;
     void selectAll();
+    void selectCurrentColumn();
+    void selectCurrentRow();
+    void clearSelection();
+    void addSelectedRow(int row); ///< and makes it current
+    void toggleCell(int row, int column); ///< takes the cell in or out, and makes it current
 
     /// Displayed texts: what is painted, printed, exported and copied.
     int rowCount() const;
@@ -87,22 +93,22 @@ public:
     int recordNumber(int row) const;
 
     /// The event that may change a cell's look; called for painted cells and cellBackground().
-    std::function<void(int row, int column, CellParameters &parameters)> onGetCellParams;
+    CellEvent onGetCellParams;
     /// The text of a cell that shows no data (the row number of a "序号" column, say).
     std::function<QString(int row, int column)> onCellText;
 
-    /// Puts the selected cells (else the current one) on the clipboard, as text and as HTML in which codes stay text; `titles` adds
-    /// the column titles.
-    void copySelection(bool titles);
+    /// Puts the selected cells (else the current one) on the clipboard, as text and as HTML in which codes stay text.
+    void copySelection(CopyTitles titles);
     GridFinder &finder() { return *m_finder; }
     void markTitle(int column); ///< as the one that was found; -1: none
     /// Widens or narrows a column to its title, its footers and its texts in the rows that are seen.
     void fitColumn(int index);
-    /// What a right click on the cells offers, and on the title of `column` (-1: beside the titles); the caller owns it.
-    std::unique_ptr<QMenu> cellMenu();
-    std::unique_ptr<QMenu> columnMenu(int column);
-    /// Where a cell is painted in the viewport; empty for a hidden column.
-    QRect cellRect(int row, int column) const;
+
+    /// Where things are painted in the viewport.
+    QRect cellRect(int row, int column) const; ///< empty for a hidden column
+    int rowAt(int y) const; ///< -1 where there is none
+    int pageRows() const; ///< rows that fit in, at least 1
+    int rowHeight() const { return m_rowHeight; } ///< pixels
 
 Q_SIGNALS:
     void titleClicked(int column);
@@ -127,40 +133,20 @@ protected:
     void contextMenuEvent(QContextMenuEvent *event) override;
     void inputMethodEvent(QInputMethodEvent *event) override;
     QVariant inputMethodQuery(Qt::InputMethodQuery query) const override;
-    void timerEvent(QTimerEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
-    enum class Extend { No, Cells, Rows };
-
     void connectHeader();
     void takeRows();
     void takeRecord();
     void arrange();
     void columnsRearranged();
     void updateRow(int row);
-    int rowAt(int y) const;
-    int rowTop(int row) const;
-    int pageRows() const;
     void showCurrentCell();
     void goTo(int row, int column);
-    void moveCurrent(int row, int column, Extend extend);
-    bool moveByKey(const QKeyEvent &event);
-    bool moveByTab(const QKeyEvent &event);
-    bool commandByKey(const QKeyEvent &event);
-    void toggleCell(int row, int column);
-    static void popUp(std::unique_ptr<QMenu> menu, QPoint globalPosition);
-    void press(QPoint position, Qt::KeyboardModifiers modifiers);
-    void dragTo(QPoint position);
     void announceSelection();
-
-    CellParameters cellParameters(int row, int column, const GridColors &colors) const;
-    void paintRows(QPainter &painter, const QRect &rect, const GridColors &colors) const;
-    void paintCell(QPainter &painter, int row, int column, const GridColors &colors) const;
-    void paintFound(QPainter &painter, const QRect &box, int column, const QString &text, const CellParameters &parameters) const;
-    void paintCellText(QPainter &painter, QRect box, int row, int column, const CellParameters &parameters) const;
-    void paintIndicator(QPainter &painter, const QRect &rect, int firstRow, int lastRow, const GridColors &colors) const;
+    CellView view() const;
 
     QPointer<TDataSource> m_dataSource;
     std::unique_ptr<ColumnModel> m_columns;
@@ -169,6 +155,7 @@ private:
     std::unique_ptr<SumList> m_sums;
     std::unique_ptr<GridSelection> m_selection;
     std::unique_ptr<GridFinder> m_finder;
+    std::unique_ptr<GridGestures> m_gestures;
     GridHeader *m_header;
     GridFooter *m_footer;
     int m_designedFrozen = 0;
@@ -176,9 +163,6 @@ private:
     int m_rowHeight = 1;
     int m_currentColumn = -1;
     int m_shownRecord = -1; ///< the record whose row is painted as current
-    Extend m_dragging = Extend::No;
-    QPoint m_dragPosition;
-    QBasicTimer m_dragTimer;
     bool m_sortLocal = false;
     bool m_cellEventFailed = false; ///< it threw; not called again until the rows change
 };

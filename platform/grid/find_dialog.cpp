@@ -63,8 +63,8 @@ FindDialog::FindDialog(TDBGridEh &grid, GridFinder &finder)
     layout->addLayout(buttons);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
-    handle(next, &QPushButton::clicked, this, [this] { find(true); });
-    handle(previous, &QPushButton::clicked, this, [this] { find(false); });
+    handle(next, &QPushButton::clicked, this, [this] { find(SearchDirection::Forward); });
+    handle(previous, &QPushButton::clicked, this, [this] { find(SearchDirection::Backward); });
     handle(close, &QPushButton::clicked, this, &QDialog::close);
 }
 
@@ -91,13 +91,13 @@ GridSearch FindDialog::search() const
     };
 }
 
-void FindDialog::find(bool forward)
+void FindDialog::find(SearchDirection direction)
 {
     const GridSearch wanted = search();
     if (wanted.text.isEmpty())
         return m_result->setText(QStringLiteral("请输入要查找的内容。"));
     remember(wanted.text);
-    m_result->setText(m_finder.find(wanted, forward) ? QString() : QStringLiteral("表格里没有“%1”。").arg(wanted.text));
+    m_result->setText(m_finder.find(wanted, direction) ? QString() : QStringLiteral("表格里没有“%1”。").arg(wanted.text));
 }
 
 void FindDialog::remember(const QString &text)

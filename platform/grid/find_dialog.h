@@ -7,6 +7,7 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class TDBGridEh;
+enum class SearchDirection;
 struct GridSearch;
 
 /// Asks what to find in a grid; stays open beside it.
@@ -17,7 +18,7 @@ public:
     void begin();
 
 private:
-    void find(bool forward);
+    void find(SearchDirection direction);
     GridSearch search() const;
     void remember(const QString &text);
 

@@ -46,18 +46,18 @@ bool GridFinder::moveTo(std::optional<QPoint> cell)
     return true;
 }
 
-bool GridFinder::find(const GridSearch &search, bool forward)
+bool GridFinder::find(const GridSearch &search, SearchDirection direction)
 {
     m_last = search;
     const QPoint start = m_foundTitle >= 0 ? QPoint(m_foundTitle, titleRow) : QPoint(m_grid.currentColumn(), m_grid.currentRow());
-    return moveTo(findCell(m_grid, search, start, forward));
+    return moveTo(findCell(m_grid, search, start, direction));
 }
 
-void GridFinder::findAgain(bool forward)
+void GridFinder::findAgain(SearchDirection direction)
 {
     if (m_last.text.isEmpty())
         return openDialog();
-    if (!find(m_last, forward))
+    if (!find(m_last, direction))
         Application->messageBox(QStringLiteral("表格里没有“%1”。").arg(m_last.text), QStringLiteral("查找"), mbOk);
 }
 
@@ -74,12 +74,13 @@ void GridFinder::type(const QString &text)
 void GridFinder::typeAgain(const QString &text)
 {
     const GridSearch search { .text = text, .column = m_typedColumn };
-    const bool found = moveTo(findCell(m_grid, search, QPoint(m_typedColumn, m_typedFrom - 1), true));
+    const bool found = moveTo(findCell(m_grid, search, QPoint(m_typedColumn, m_typedFrom - 1), SearchDirection::Forward));
     if (found) {
         m_typed = text;
         m_last = search;
     }
-    showTyped(text, found);
+    const QString where = plainTitle(m_grid.column(m_typedColumn).caption);
+    showTyped((found ? QStringLiteral("在“%1”中查找：%2") : QStringLiteral("“%1”中没有：%2")).arg(where, text));
 }
 
 bool GridFinder::takeKey(const QKeyEvent &event)
@@ -109,7 +110,7 @@ void GridFinder::endTyping()
     m_grid.viewport()->update();
 }
 
-GridFinder::Place GridFinder::foundPlace(int column, const QString &text) const
+GridFinder::FoundText GridFinder::foundText(int column, const QString &text) const
 {
     const bool wanted = isTyping() || (m_dialog && m_dialog->isVisible());
     if (!wanted || m_last.text.isEmpty() || (m_last.column >= 0 && m_last.column != column))
@@ -117,10 +118,9 @@ GridFinder::Place GridFinder::foundPlace(int column, const QString &text) const
     return { TextPattern(m_last.text, m_last.match, m_last.sensitivity).find(text), m_last.text.size() };
 }
 
-void GridFinder::showTyped(const QString &text, bool found)
+void GridFinder::showTyped(const QString &message)
 {
-    const QString where = plainTitle(m_grid.column(m_typedColumn).caption);
-    m_box.setText((found ? QStringLiteral("在“%1”中查找：%2") : QStringLiteral("“%1”中没有：%2")).arg(where, text));
+    m_box.setText(message);
     m_box.adjustSize();
     const QRect view = m_grid.viewport()->geometry();
     m_box.move(view.left() + 1, view.bottom() - m_box.height());

@@ -16,9 +16,9 @@ public:
 
     void openDialog();
     /// Moves to the next cell that fits, or marks the title that does; false: there is none.
-    bool find(const GridSearch &search, bool forward);
+    [[nodiscard]] bool find(const GridSearch &search, SearchDirection direction);
     /// Repeats the last search, asking for one when there was none; tells the user when nothing is found.
-    void findAgain(bool forward);
+    void findAgain(SearchDirection direction);
 
     bool isTyping() const { return !m_typed.isEmpty(); }
     void type(const QString &text);
@@ -26,16 +26,16 @@ public:
     bool takeKey(const QKeyEvent &event);
     void endTyping();
     /// Where in the current cell's text that stands which is typed or asked for in the dialog.
-    struct Place {
+    struct FoundText {
         qsizetype start = -1; ///< -1: nowhere
         qsizetype length = 0;
     };
-    Place foundPlace(int column, const QString &text) const;
+    FoundText foundText(int column, const QString &text) const;
 
 private:
     bool moveTo(std::optional<QPoint> cell);
     void typeAgain(const QString &text);
-    void showTyped(const QString &text, bool found);
+    void showTyped(const QString &message);
 
     TDBGridEh &m_grid;
     QPointer<FindDialog> m_dialog;

@@ -11,6 +11,9 @@
 #include <QPainter>
 #include <QToolTip>
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 constexpr int borderReach = 4; ///< pixels on either side of a border at which it can be dragged
@@ -163,7 +166,7 @@ void GridHeader::mouseMoveEvent(QMouseEvent *event)
     }
     const int distance = event->pos().x() - m_pressed.x();
     if (m_drag == Drag::Resize)
-        Q_EMIT widthDragged(m_column, qMax(leastWidth, m_pressedWidth + distance));
+        Q_EMIT widthDragged(m_column, std::max(leastWidth, m_pressedWidth + distance));
     if (m_drag == Drag::Press && qAbs(distance) >= QApplication::startDragDistance())
         m_drag = Drag::Move;
     if (m_drag == Drag::Move) {
@@ -293,7 +296,7 @@ int GridHeader::paintMark(QPainter &painter, const Section &section, const GridC
     const bool several = m_columns.sortKeys().size() > 1;
     QFont small = font();
     if (small.pixelSize() > 0)
-        small.setPixelSize(qMax(8, small.pixelSize() * 3 / 4));
+        small.setPixelSize(std::max(8, small.pixelSize() * 3 / 4));
     else
         small.setPointSizeF(small.pointSizeF() * 0.75);
     const QString number = several ? QString::number(column.sortKey) : QString();

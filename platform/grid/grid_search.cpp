@@ -2,6 +2,8 @@
 
 #include "platform/grid/db_grid.h"
 
+#include <algorithm>
+
 namespace {
 
 /// The cells that are searched, as a ring: the titles first, then row by row.
@@ -51,7 +53,7 @@ private:
 
 } // namespace
 
-std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, bool forward)
+std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, SearchDirection direction)
 {
     const SearchedCells cells(grid, search);
     const qint64 count = cells.count();
@@ -59,7 +61,7 @@ std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, 
         return {};
     const qint64 from = cells.place(start);
     for (qint64 distance = 1; distance <= count; ++distance) {
-        const qint64 place = (from + (forward ? distance : 2 * count - distance)) % count;
+        const qint64 place = (from + (direction == SearchDirection::Forward ? distance : 2 * count - distance)) % count;
         if (cells.matches(place))
             return cells.cell(place);
     }

@@ -17,8 +17,10 @@ struct GridSearch {
     bool titles = false; ///< the column titles too
 };
 
+enum class SearchDirection { Forward, Backward };
+
 constexpr int titleRow = -1; ///< stands before row 0 when titles are searched
 
 /// The next cell (x: column, y: row or titleRow) that carries the text, row by row from behind `start`, around the end, `start`
 /// itself last. Check boxes carry none.
-std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, bool forward);
+std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, SearchDirection direction);

@@ -6,7 +6,8 @@ namespace {
 
 QRect between(QPoint one, QPoint other)
 {
-    return QRect(QPoint(qMin(one.x(), other.x()), qMin(one.y(), other.y())), QPoint(qMax(one.x(), other.x()), qMax(one.y(), other.y())));
+    return QRect(QPoint(std::min(one.x(), other.x()), std::min(one.y(), other.y())),
+        QPoint(std::max(one.x(), other.x()), std::max(one.y(), other.y())));
 }
 
 /// What remains of `range` without one of its cells: at most four rectangles.
@@ -43,7 +44,7 @@ void GridSelection::extendTo(QPoint cell) { replaceNewest(between(m_anchor, cell
 
 void GridSelection::extendToRow(int row, int columns)
 {
-    replaceNewest(QRect(0, qMin(row, m_anchor.y()), columns, qAbs(row - m_anchor.y()) + 1));
+    replaceNewest(QRect(0, std::min(row, m_anchor.y()), columns, qAbs(row - m_anchor.y()) + 1));
 }
 
 void GridSelection::add(const QRect &range)

@@ -10,7 +10,6 @@ public:
     const QList<QRect> &ranges() const { return m_ranges; }
     bool isEmpty() const { return m_ranges.isEmpty(); }
     bool contains(QPoint cell) const;
-    QPoint anchor() const { return m_anchor; }
 
     void clear() { m_ranges.clear(); }
     /// Nothing selected; extending will start from `cell`.

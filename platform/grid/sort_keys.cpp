@@ -19,12 +19,12 @@ SortMark following(SortMark mark)
 
 } // namespace
 
-QList<SortKey> cycleSortKeys(QList<SortKey> keys, int column, bool add)
+QList<SortKey> cycleSortKeys(QList<SortKey> keys, int column, SortClick click)
 {
     const auto isColumn = [column](const SortKey &key) { return key.column == column; };
     const auto found = std::find_if(keys.begin(), keys.end(), isColumn);
     const SortMark mark = following(found == keys.end() ? SortMark::None : found->mark);
-    if (!add)
+    if (click == SortClick::Replace)
         return mark == SortMark::None ? QList<SortKey> {} : QList<SortKey> { { column, mark } };
     if (mark == SortMark::None)
         keys.erase(found);

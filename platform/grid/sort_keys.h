@@ -8,5 +8,7 @@ struct SortKey {
     SortMark mark;
 };
 
-/// The keys after a click on the title of `column`: ascending, descending, none. `add` keeps the other keys.
-QList<SortKey> cycleSortKeys(QList<SortKey> keys, int column, bool add);
+enum class SortClick { Replace, Add };
+
+/// The keys after a click on the title of `column`: ascending, descending, none. Add keeps the other keys.
+QList<SortKey> cycleSortKeys(QList<SortKey> keys, int column, SortClick click);

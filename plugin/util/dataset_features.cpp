@@ -47,7 +47,7 @@ void sortAtProvider(const TDBGridEh &grid, TCustomClientDataSet &dataSet)
     DatasetFeaturesEh *features = served ? datasetFeaturesEh(*served) : nullptr;
     if (!features)
         return;
-    features->applySorting(grid, *served, true);
+    features->applySorting(grid, *served, Sorting::Local);
     dataSet.close();
     dataSet.open();
 }
@@ -58,10 +58,10 @@ TCDSDatasetFeaturesEh::TCDSDatasetFeaturesEh() { registerDatasetFeaturesEh(this,
 
 TCDSDatasetFeaturesEh::~TCDSDatasetFeaturesEh() { unregisterDatasetFeaturesEh(this); }
 
-void TCDSDatasetFeaturesEh::applySorting(const TDBGridEh &grid, TDataSet &dataSet, bool local)
+void TCDSDatasetFeaturesEh::applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting)
 {
     auto &clientDataSet = static_cast<TCustomClientDataSet &>(dataSet);
-    if (local)
+    if (sorting == Sorting::Local)
         sortByIndex(grid, clientDataSet);
     else
         sortAtProvider(grid, clientDataSet);

@@ -9,5 +9,5 @@ public:
     TCDSDatasetFeaturesEh();
     ~TCDSDatasetFeaturesEh() override;
 
-    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, bool local) override;
+    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) override;
 };

@@ -95,14 +95,14 @@ void TDataView::LoadLayout(const QString &iniFileName)
     loadArrangement(file);
     const QStringList names = file.value(m_section, fieldIndexKey).split(u';', Qt::SkipEmptyParts);
     for (const QString &name : names) {
-        const int index = DataViewGrid->columnIndex(name, true);
+        const int index = DataViewGrid->columnIndex(name, ColumnScope::Visible);
         const int width = file.value(m_section, name).toInt();
         if (index >= 0 && width > 0)
             DataViewGrid->setColumnWidth(index, width);
     }
     const int last = DataViewGrid->columnCount() - 1;
     for (qsizetype position = 0; position < names.size(); ++position) {
-        const int index = DataViewGrid->columnIndex(names[position], true);
+        const int index = DataViewGrid->columnIndex(names[position], ColumnScope::Visible);
         if (index >= 0)
             DataViewGrid->moveColumn(index, std::min(int(position), last));
     }

@@ -17,7 +17,7 @@ public:
     RecordedFeatures() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
     ~RecordedFeatures() override { unregisterDatasetFeaturesEh(this); }
 
-    void applySorting(const TDBGridEh &grid, TDataSet &, bool) override
+    void applySorting(const TDBGridEh &grid, TDataSet &, Sorting) override
     {
         QStringList keys;
         for (const int index : grid.sortedColumns())
@@ -65,7 +65,7 @@ TEST_F(Grid, ColumnsMoveHideAndReturnToTheDesign)
     m_grid.setColumnVisible(2, false);
     EXPECT_EQ(order(), QStringLiteral("PIECE;CODE;SITE;FEE").split(u';'));
     EXPECT_EQ(m_grid.columnIndex(u"site"), 2);
-    EXPECT_EQ(m_grid.columnIndex(u"site", true), -1);
+    EXPECT_EQ(m_grid.columnIndex(u"site", ColumnScope::Visible), -1);
     EXPECT_TRUE(m_grid.cellRect(0, 2).isEmpty());
     m_grid.restoreDesignedColumns();
     EXPECT_EQ(order(), QStringLiteral("CODE;SITE;FEE;PIECE").split(u';'));
@@ -93,13 +93,13 @@ TEST_F(Grid, ARangeIsCopiedAsTextAndAsHtmlThatKeepsCodes)
 {
     click(0, 0);
     click(1, 2, Qt::ShiftModifier);
-    m_grid.copySelection(true);
+    m_grid.copySelection(CopyTitles::With);
     const QMimeData *copied = QGuiApplication::clipboard()->mimeData();
     EXPECT_EQ(copied->text(), QStringLiteral("编号\t寄件 网点\t寄件 费用\r\n007\t北京\t1.5\r\n008\t上海\t0.25\r\n"));
     EXPECT_TRUE(copied->html().contains(u"mso-number-format:\"\\@\""));
     m_grid.clearSelection();
     EXPECT_TRUE(m_grid.selectedRanges().isEmpty());
-    m_grid.copySelection(false);
+    m_grid.copySelection(CopyTitles::Without);
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("0.25"));
 }
 

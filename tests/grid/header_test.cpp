@@ -15,7 +15,7 @@ namespace {
 struct NoSorting : DatasetFeaturesEh {
     NoSorting() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
     ~NoSorting() override { unregisterDatasetFeaturesEh(this); }
-    void applySorting(const TDBGridEh &, TDataSet &, bool) override { }
+    void applySorting(const TDBGridEh &, TDataSet &, Sorting) override { }
 };
 
 /// Four columns of 100 pixels, the middle two under one upper title.

@@ -13,7 +13,10 @@ namespace {
 class Search : public Grid {
 protected:
     QPoint current() const { return QPoint(m_grid.currentColumn(), m_grid.currentRow()); }
-    bool find(const GridSearch &search, bool forward = true) { return m_grid.finder().find(search, forward); }
+    bool find(const GridSearch &search, SearchDirection direction = SearchDirection::Forward)
+    {
+        return m_grid.finder().find(search, direction);
+    }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) { QTest::keyClick(&m_grid, key, modifiers); }
     /// The box that shows what was typed; empty while it is hidden.
     QString typed() const
@@ -31,27 +34,28 @@ TEST_F(Search, GoesRowByRowThroughTheVisibleColumnsAndAroundTheEnd)
     struct Case {
         QPoint from;
         GridSearch search;
-        bool forward;
+        SearchDirection direction;
         QPoint found; ///< `from` when there is none
     };
     using enum TextPattern::Match;
+    using enum SearchDirection;
     const Case cases[] = {
-        { { 0, 0 }, { .text = QStringLiteral("海") }, true, { 1, 1 } },
-        { { 1, 1 }, { .text = QStringLiteral("007") }, true, { 0, 0 } },
-        { { 0, 0 }, { .text = QStringLiteral("00") }, false, { 0, 2 } },
-        { { 0, 0 }, { .text = QStringLiteral("1") }, true, { 2, 0 } }, // a number, as it is shown
-        { { 2, 0 }, { .text = QStringLiteral("1") }, true, { 3, 0 } },
-        { { 2, 0 }, { .text = QStringLiteral("1"), .column = 2 }, true, { 2, 2 } },
-        { { 0, 0 }, { .text = QStringLiteral("2"), .match = Beginning }, true, { 3, 1 } },
-        { { 0, 0 }, { .text = QStringLiteral("2"), .match = Whole }, false, { 3, 1 } },
-        { { 0, 1 }, { .text = QStringLiteral("008") }, true, { 0, 1 } }, // the only one is the current one
-        { { 1, 1 }, { .text = QStringLiteral("深圳") }, true, { 1, 1 } },
-        { { 1, 1 }, { .text = QStringLiteral("网点") }, true, { 1, 1 } }, // a title, not wanted
-        { { 1, 1 }, {}, true, { 1, 1 } },
+        { { 0, 0 }, { .text = QStringLiteral("海") }, Forward, { 1, 1 } },
+        { { 1, 1 }, { .text = QStringLiteral("007") }, Forward, { 0, 0 } },
+        { { 0, 0 }, { .text = QStringLiteral("00") }, Backward, { 0, 2 } },
+        { { 0, 0 }, { .text = QStringLiteral("1") }, Forward, { 2, 0 } }, // a number, as it is shown
+        { { 2, 0 }, { .text = QStringLiteral("1") }, Forward, { 3, 0 } },
+        { { 2, 0 }, { .text = QStringLiteral("1"), .column = 2 }, Forward, { 2, 2 } },
+        { { 0, 0 }, { .text = QStringLiteral("2"), .match = Beginning }, Forward, { 3, 1 } },
+        { { 0, 0 }, { .text = QStringLiteral("2"), .match = Whole }, Backward, { 3, 1 } },
+        { { 0, 1 }, { .text = QStringLiteral("008") }, Forward, { 0, 1 } }, // the only one is the current one
+        { { 1, 1 }, { .text = QStringLiteral("深圳") }, Forward, { 1, 1 } },
+        { { 1, 1 }, { .text = QStringLiteral("网点") }, Forward, { 1, 1 } }, // a title, not wanted
+        { { 1, 1 }, {}, Forward, { 1, 1 } },
     };
     for (const Case &test : cases) {
         m_grid.setCurrentCell(test.from.y(), test.from.x());
-        find(test.search, test.forward);
+        (void)find(test.search, test.direction);
         EXPECT_EQ(current(), test.found) << test.search.text.toStdString();
     }
     m_grid.setColumnVisible(1, false);

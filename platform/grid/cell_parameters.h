@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QColor>
+#include <QFont>
+
+#include <functional>
+
+/// What an event may change of one cell before it is painted.
+struct CellParameters {
+    QColor background;
+    QColor textColor;
+    QFont font;
+};
+
+using CellEvent = std::function<void(int row, int column, CellParameters &parameters)>;

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QKeySequence>
+#include <QList>
+#include <QString>
+
+#include <span>
+
+class TDBGridEh;
+
+enum class GridCommandId { Copy, CopyWithTitles, SelectAll, SelectColumn, SelectRow, SelectNothing, Find, FindNext, FindPrevious };
+
+/// A command of every grid. Its row is the one place that its menu, its keys, the host's menus and the list of shortcuts read.
+struct GridCommand {
+    GridCommandId id;
+    int group; ///< menus part groups with a line
+    QStringView text;
+    QStringView shortcuts; ///< joined with blanks; the first one stands in menus
+    void (*run)(TDBGridEh &grid);
+
+    QList<QKeySequence> keys() const;
+};
+
+/// All commands, in the order of the menu.
+std::span<const GridCommand> gridCommands();
+const GridCommand &gridCommand(GridCommandId id);
+/// The command that a key press means; null when it means none.
+const GridCommand *gridCommandFor(QKeyCombination keys);

@@ -1,0 +1,78 @@
+#include "platform/grid/grid_menu.h"
+
+#include "platform/grid/copied_cells.h"
+#include "platform/grid/db_grid.h"
+#include "platform/grid/grid_commands.h"
+#include "platform/toolkit/handler.h"
+
+#include <QMenu>
+
+#include <utility>
+
+namespace {
+
+int visibleColumns(const TDBGridEh &grid, int end)
+{
+    int count = 0;
+    for (int column = 0; column < end; ++column)
+        count += grid.column(column).visible ? 1 : 0;
+    return count;
+}
+
+void addShownColumns(QMenu *menu, TDBGridEh &grid)
+{
+    QMenu *shown = menu->addMenu(QStringLiteral("显示的列"));
+    for (int index = 0; index < grid.columnCount(); ++index) {
+        QAction *action = shown->addAction(plainTitle(grid.column(index).caption));
+        action->setCheckable(true);
+        action->setChecked(grid.column(index).visible);
+        handle(action, &QAction::toggled, &grid, [&grid, index](bool visible) { grid.setColumnVisible(index, visible); });
+    }
+}
+
+} // namespace
+
+std::unique_ptr<QMenu> cellMenu(TDBGridEh &grid)
+{
+    auto menu = std::make_unique<QMenu>(&grid);
+    int group = gridCommands().front().group;
+    for (const GridCommand &command : gridCommands()) {
+        if (std::exchange(group, command.group) != command.group)
+            menu->addSeparator();
+        QAction *action = menu->addAction(command.text.toString());
+        action->setShortcuts(command.keys());
+        handle(action, &QAction::triggered, &grid, [&grid, run = command.run] { run(grid); });
+    }
+    if (grid.currentColumn() < 0)
+        return menu;
+    menu->addSeparator();
+    QMenu *column = columnMenu(grid, grid.currentColumn()).release();
+    column->setParent(menu.get(), column->windowFlags());
+    column->setTitle(QStringLiteral("列"));
+    menu->addMenu(column);
+    return menu;
+}
+
+std::unique_ptr<QMenu> columnMenu(TDBGridEh &grid, int column)
+{
+    auto menu = std::make_unique<QMenu>(&grid);
+    const auto add = [&grid, &menu](const QString &text, auto &&work) { handle(menu->addAction(text), &QAction::triggered, &grid, work); };
+    if (column >= 0) {
+        add(QStringLiteral("隐藏“%1”").arg(plainTitle(grid.column(column).caption)),
+            [&grid, column] { grid.setColumnVisible(column, false); });
+        add(QStringLiteral("适合内容的列宽"), [&grid, column] { grid.fitColumn(column); });
+        add(QStringLiteral("冻结到此列"), [&grid, column] { grid.freezeColumns(visibleColumns(grid, column + 1)); });
+    }
+    if (grid.frozenColumns() > 0)
+        add(QStringLiteral("取消冻结"), [&grid] { grid.freezeColumns(0); });
+    addShownColumns(menu.get(), grid);
+    menu->addSeparator();
+    add(QStringLiteral("恢复原始布局"), [&grid] { grid.restoreDesignedColumns(); });
+    return menu;
+}
+
+void popUp(std::unique_ptr<QMenu> menu, const QPoint &globalPosition)
+{
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu.release()->popup(globalPosition);
+}
