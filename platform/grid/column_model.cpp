@@ -9,7 +9,7 @@ void ColumnModel::design(const QList<Column> &columns)
     m_design = columns;
     m_columns.clear();
     for (int index = 0; index < columns.size(); ++index)
-        m_columns.append(Entry { columns[index], index });
+        m_columns.append(Entry { columns[index], index, columns[index].visible });
 }
 
 void ColumnModel::restoreDesign()
@@ -18,14 +18,23 @@ void ColumnModel::restoreDesign()
         m_columns.begin(), m_columns.end(), [](const Entry &left, const Entry &right) { return left.designIndex < right.designIndex; });
     for (Entry &entry : m_columns) {
         entry.column.width = m_design[entry.designIndex].width;
-        entry.column.visible = m_design[entry.designIndex].visible;
+        entry.choice.reset();
+        entry.column.visible = entry.wanted;
     }
 }
 
-bool ColumnModel::isVisibilityDesigned() const
+void ColumnModel::setVisible(int index, bool visible)
 {
-    return std::all_of(m_columns.begin(), m_columns.end(),
-        [this](const Entry &entry) { return entry.column.visible == m_design[entry.designIndex].visible; });
+    Entry &entry = m_columns[index];
+    entry.wanted = visible;
+    entry.column.visible = entry.choice.value_or(visible);
+}
+
+void ColumnModel::setChoice(int index, std::optional<bool> visible)
+{
+    Entry &entry = m_columns[index];
+    entry.choice = visible;
+    entry.column.visible = visible.value_or(entry.wanted);
 }
 
 int ColumnModel::find(QStringView fieldName, ColumnScope scope) const

@@ -3,23 +3,28 @@
 #include "platform/grid/column.h"
 #include "platform/grid/sort_keys.h"
 
+#include <optional>
+
 class TDataSet;
 
 /// The columns of a grid in their shown order, the layout they were designed in, and the dataset's fields that they show.
 class ColumnModel {
 public:
     void design(const QList<Column> &columns);
-    /// Order, widths and visibility as designed; footers, title buttons and sort marks stay as they are.
+    /// Order and widths as designed, visibility as code wants it; footers, title buttons and sort marks stay as they are.
     void restoreDesign();
-
-    bool isVisibilityDesigned() const;
 
     int count() const { return int(m_columns.size()); }
     const Column &at(int index) const { return m_columns[index].column; }
     void set(int index, const Column &column) { m_columns[index].column = column; }
     void move(int from, int to) { m_columns.move(from, to); }
     void setWidth(int index, int width) { m_columns[index].column.width = width; }
-    void setVisible(int index, bool visible) { m_columns[index].column.visible = visible; }
+    /// What code wants; a choice of the person overrides it.
+    void setVisible(int index, bool visible);
+    /// What the person wants; nothing leaves it to code.
+    void setChoice(int index, std::optional<bool> visible);
+    std::optional<bool> choice(int index) const { return m_columns[index].choice; }
+    bool isDesignedVisible(int index) const { return m_design[m_columns[index].designIndex].visible; }
     /// Case ignored; -1 when there is none.
     int find(QStringView fieldName, ColumnScope scope) const;
     /// The nearest visible column from `index` in the direction of `step` (1 or -1), itself included; -1 when there is none.
@@ -38,6 +43,8 @@ private:
     struct Entry {
         Column column;
         int designIndex;
+        bool wanted; ///< visible, if it were for code alone
+        std::optional<bool> choice {}; ///< the person's
         int field = -1;
         bool numeric = false;
     };

@@ -151,6 +151,23 @@ void TDBGridEh::setColumnVisible(int index, bool visible)
     columnsRearranged();
 }
 
+/// A choice that says what code wants anyway is none, so that it does not outlive the code's mind.
+void TDBGridEh::choose(int index, bool visible)
+{
+    m_columns->setChoice(index, std::nullopt);
+    if (m_columns->at(index).visible != visible)
+        m_columns->setChoice(index, visible);
+    columnsRearranged();
+}
+
+void TDBGridEh::hideColumn(int index) { choose(index, false); }
+
+void TDBGridEh::showColumn(int index) { choose(index, true); }
+
+std::optional<bool> TDBGridEh::columnChoice(int index) const { return m_columns->choice(index); }
+
+bool TDBGridEh::isDesignedVisible(int index) const { return m_columns->isDesignedVisible(index); }
+
 void TDBGridEh::restoreDesignedColumns()
 {
     m_columns->restoreDesign();
@@ -182,7 +199,7 @@ void TDBGridEh::freezeColumns(int count)
     Q_EMIT columnsChanged();
 }
 
-bool TDBGridEh::isRearranged() const { return m_frozen != m_designedFrozen || !m_columns->isVisibilityDesigned(); }
+bool TDBGridEh::isFreezeDesigned() const { return m_frozen == m_designedFrozen; }
 
 bool TDBGridEh::isFrozen(int column) const { return m_geometry->isFrozen(column); }
 

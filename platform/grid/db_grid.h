@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class ColumnGeometry;
 class ColumnModel;
@@ -48,14 +49,20 @@ public:
     /// Case ignored; -1 when there is none.
     int columnIndex(QStringView fieldName, ColumnScope scope = ColumnScope::All) const;
     void setColumnWidth(int index, int width);
+    /// As code wants it; a person's choice comes before.
     void setColumnVisible(int index, bool visible);
+    /// As a person does: the choice stays, whatever code wants, until the design is restored.
+    void hideColumn(int index);
+    void showColumn(int index);
+    /// Whether a person has hidden (false) or shown (true) a column; nothing when nobody has.
+    std::optional<bool> columnChoice(int index) const;
+    bool isDesignedVisible(int index) const; ///< what setColumns() said
     void restoreDesignedColumns();
 
     int frozenColumns() const;
     void setFrozenColumns(int count); ///< also becomes the designed number
     void freezeColumns(int count); ///< as a person does
-    /// Whether a person has hidden, shown or frozen columns.
-    bool isRearranged() const;
+    bool isFreezeDesigned() const; ///< false when a person has frozen other columns
     bool isFrozen(int column) const;
     int footerRowCount() const;
     void setFooterRowCount(int rows);
@@ -142,6 +149,7 @@ private:
     void takeRecord();
     void arrange();
     void columnsRearranged();
+    void choose(int index, bool visible);
     void updateRow(int row);
     void showCurrentCell();
     void goTo(int row, int column);

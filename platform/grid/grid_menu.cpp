@@ -26,7 +26,8 @@ void addShownColumns(QMenu *menu, TDBGridEh &grid)
         QAction *action = shown->addAction(plainTitle(grid.column(index).caption));
         action->setCheckable(true);
         action->setChecked(grid.column(index).visible);
-        handle(action, &QAction::toggled, &grid, [&grid, index](bool visible) { grid.setColumnVisible(index, visible); });
+        handle(
+            action, &QAction::toggled, &grid, [&grid, index](bool visible) { visible ? grid.showColumn(index) : grid.hideColumn(index); });
     }
 }
 
@@ -58,8 +59,7 @@ std::unique_ptr<QMenu> columnMenu(TDBGridEh &grid, int column)
     auto menu = std::make_unique<QMenu>(&grid);
     const auto add = [&grid, &menu](const QString &text, auto &&work) { handle(menu->addAction(text), &QAction::triggered, &grid, work); };
     if (column >= 0) {
-        add(QStringLiteral("隐藏“%1”").arg(plainTitle(grid.column(column).caption)),
-            [&grid, column] { grid.setColumnVisible(column, false); });
+        add(QStringLiteral("隐藏“%1”").arg(plainTitle(grid.column(column).caption)), [&grid, column] { grid.hideColumn(column); });
         add(QStringLiteral("适合内容的列宽"), [&grid, column] { grid.fitColumn(column); });
         add(QStringLiteral("冻结到此列"), [&grid, column] { grid.freezeColumns(visibleColumns(grid, column + 1)); });
     }

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace {
 
 constexpr QRgb footerColor = 0xffddddff;
@@ -16,9 +18,21 @@ const QString fieldIndexKey = QStringLiteral("FieldIndex");
 // What a person arranged beyond order and widths stands in a section of its own.
 const QString arrangementSuffix = QStringLiteral(".Arrangement");
 const QString hiddenKey = QStringLiteral("Hidden");
+const QString shownKey = QStringLiteral("Shown");
 const QString frozenKey = QStringLiteral("Frozen");
 
-bool isStored(const Column &column) { return column.visible && !column.fieldName.isEmpty() && !column.caption.isEmpty(); }
+/// A column that only the screen has hidden keeps its place for the time when it is shown again.
+bool isStored(const TDBGridEh &grid, int index)
+{
+    const Column &column = grid.column(index);
+    const bool shown = column.visible || (grid.isDesignedVisible(index) && !grid.columnChoice(index));
+    return shown && !column.fieldName.isEmpty() && !column.caption.isEmpty();
+}
+
+bool hasSum(const Column &column)
+{
+    return std::ranges::any_of(column.footers, [](const ColumnFooter &footer) { return footer.kind == FooterKind::Sum; });
+}
 
 } // namespace
 
@@ -73,16 +87,16 @@ void TDataView::InitColumns()
     m_section = componentPath(DataViewGrid);
     LoadLayout(layoutFileName());
 
+    // The count stands beside a sum, not in its place: a person may have put an amount first.
     bool counted = false;
     for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
         Column column = DataViewGrid->column(index);
-        if (!column.visible)
-            continue;
-        if (!counted && !column.fieldName.isEmpty()) {
-            column.footers = { { FooterKind::StaticText, QStringLiteral("记录数") }, { FooterKind::Count } };
+        if (!counted && column.visible && !column.fieldName.isEmpty() && !hasSum(column)) {
+            column.footers
+                = { { FooterKind::StaticText, QStringLiteral("记录数"), Qt::AlignHCenter }, { FooterKind::Count, {}, Qt::AlignHCenter } };
             counted = true;
         }
-        column.titleButton = true;
+        column.titleButton = column.titleButton || !column.caption.isEmpty();
         DataViewGrid->setColumn(index, column);
     }
 }
@@ -114,7 +128,7 @@ void TDataView::SaveLayout(const QString &iniFileName) const
     QString order;
     for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
         const Column &column = DataViewGrid->column(index);
-        if (!isStored(column))
+        if (!isStored(*DataViewGrid, index))
             continue;
         order += column.fieldName + u';';
         values.insert(column.fieldName, QString::number(column.width));
@@ -132,10 +146,13 @@ void TDataView::loadArrangement(const LayoutFile &file)
     if (file.value(section, hiddenKey).isNull())
         return;
     const QStringList hidden = file.value(section, hiddenKey).split(u';', Qt::SkipEmptyParts);
+    const QStringList shown = file.value(section, shownKey).split(u';', Qt::SkipEmptyParts);
     for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
-        const QString &name = DataViewGrid->column(index).fieldName;
-        if (!name.isEmpty())
-            DataViewGrid->setColumnVisible(index, !hidden.contains(name, Qt::CaseInsensitive));
+        const QString name = DataViewGrid->column(index).fieldName;
+        if (hidden.contains(name, Qt::CaseInsensitive))
+            DataViewGrid->hideColumn(index);
+        else if (shown.contains(name, Qt::CaseInsensitive))
+            DataViewGrid->showColumn(index);
     }
     DataViewGrid->freezeColumns(file.value(section, frozenKey).toInt());
 }
@@ -144,15 +161,17 @@ void TDataView::loadArrangement(const LayoutFile &file)
 void TDataView::saveArrangement(LayoutFile &file) const
 {
     const QString section = m_section + arrangementSuffix;
-    if (!DataViewGrid->isRearranged())
-        return file.setSection(section, {});
     QString hidden;
+    QString shown;
     for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
-        const Column &column = DataViewGrid->column(index);
-        if (!column.visible && !column.fieldName.isEmpty())
-            hidden += column.fieldName + u';';
+        const QString &name = DataViewGrid->column(index).fieldName;
+        const std::optional<bool> choice = DataViewGrid->columnChoice(index);
+        if (choice && !name.isEmpty())
+            (*choice ? shown : hidden) += name + u';';
     }
-    file.setSection(section, { { hiddenKey, hidden }, { frozenKey, QString::number(DataViewGrid->frozenColumns()) } });
+    if (hidden.isEmpty() && shown.isEmpty() && DataViewGrid->isFreezeDesigned())
+        return file.setSection(section, {});
+    file.setSection(section, { { hiddenKey, hidden }, { shownKey, shown }, { frozenKey, QString::number(DataViewGrid->frozenColumns()) } });
 }
 
 void TDataView::DataViewGridGetCellParams(int row, CellParameters &parameters) const
