@@ -18,7 +18,7 @@ constexpr std::size_t workBetweenLooks = 64 * 1024; ///< bytes; well below a mil
 constexpr std::size_t workOfAllocation = 256;
 constexpr std::int64_t megabyte = 1024 * 1024;
 constexpr std::int64_t mostWritten = 1024 * megabyte;
-constexpr std::int64_t muchMemory = 48 * megabyte; ///< more than the pages that a connection keeps
+constexpr std::int64_t muchMemory = 16 * megabyte;
 
 thread_local StatementBudget *currentBudget = nullptr;
 
@@ -36,11 +36,11 @@ StatementBudget::StatementBudget(const Job &job, std::int64_t &kept)
 StatementBudget::~StatementBudget()
 {
     currentBudget = nullptr;
-    m_kept = m_taken;
 #ifdef __GLIBC__
-    if (m_largest > muchMemory)
+    if (m_largest - m_kept > muchMemory)
         malloc_trim(0);
 #endif
+    m_kept = m_taken;
 }
 
 StatementBudget *StatementBudget::current() { return currentBudget; }
