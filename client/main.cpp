@@ -99,7 +99,11 @@ int runClient(const Options &options)
         window->activateWindow();
         if (options.automation)
             automation = std::make_unique<Automation>(window.get());
-        return QApplication::exec();
+        const int result = QApplication::exec();
+        // What closed screens still have to say.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCoreApplication::sendPostedEvents(Application);
+        return result;
     } catch (const std::exception &exception) {
         reportFailure(exceptionMessage(exception), options.automation);
         return failed;

@@ -62,6 +62,15 @@ int TApplication::messageBox(const QString &text, const QString &title, int flag
     return answer;
 }
 
+void TApplication::messageLater(const QString &text, const QString &title, int flags)
+{
+    if (m_shown.contains(text))
+        return;
+    m_shown.insert(text);
+    QMetaObject::invokeMethod(
+        this, [this, text, title, flags] { messageBox(text, title, flags); }, Qt::QueuedConnection);
+}
+
 void TApplication::setMessageResponder(std::function<int(const MessageRequest &)> responder) { m_responder = std::move(responder); }
 
 void TApplication::handleException(std::exception_ptr exception)

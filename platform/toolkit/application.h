@@ -2,6 +2,7 @@
 
 #include "platform/toolkit/component.h"
 
+#include <QSet>
 #include <QVariantMap>
 
 #include <exception>
@@ -42,6 +43,8 @@ public:
 
     /// Shows a modal message box and returns idOk or idCancel.
     int messageBox(const QString &text, const QString &title, int flags);
+    /// The same with one button, once the event at hand is dealt with: for whoever is just being destroyed. Each text is shown once.
+    void messageLater(const QString &text, const QString &title, int flags);
     /// Whoever answers message boxes in place of a person; empty: a person does.
     void setMessageResponder(std::function<int(const MessageRequest &)> responder);
 
@@ -67,6 +70,7 @@ Q_SIGNALS:
 private:
     QPointer<QObject> m_mainForm;
     std::function<int(const MessageRequest &)> m_responder;
+    QSet<QString> m_shown; ///< texts of messageLater
     QString m_settingsDirectory;
     QString m_pluginDirectory;
 };

@@ -1,6 +1,7 @@
 #include "plugin/view/frame_DataView.h"
 
 #include "platform/grid/grid_colors.h"
+#include "platform/toolkit/application.h"
 #include "platform/toolkit/handler.h"
 #include "plugin/view/layout_file.h"
 #include "plugin/view/layout_storage.h"
@@ -32,6 +33,12 @@ bool isStored(const TDBGridEh &grid, int index)
 bool hasSum(const Column &column)
 {
     return std::ranges::any_of(column.footers, [](const ColumnFooter &footer) { return footer.kind == FooterKind::Sum; });
+}
+
+void tell(const LayoutFile &file)
+{
+    if (!file.problem().isEmpty())
+        Application->messageLater(file.problem(), QStringLiteral("表格布局"), mbOk | mbIconWarning);
 }
 
 } // namespace
@@ -106,6 +113,7 @@ void TDataView::LoadLayout(const QString &iniFileName)
     if (!QFileInfo::exists(iniFileName))
         return;
     const LayoutFile file(iniFileName);
+    tell(file);
     loadArrangement(file);
     const QStringList names = file.value(m_section, fieldIndexKey).split(u';', Qt::SkipEmptyParts);
     for (const QString &name : names) {
@@ -137,7 +145,8 @@ void TDataView::SaveLayout(const QString &iniFileName) const
     LayoutFile file(iniFileName);
     file.setSection(m_section, values);
     saveArrangement(file);
-    file.save();
+    if (!file.save())
+        tell(file);
 }
 
 void TDataView::loadArrangement(const LayoutFile &file)

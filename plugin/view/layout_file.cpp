@@ -1,26 +1,46 @@
 #include "plugin/view/layout_file.h"
 
+#include "platform/files/safe_file.h"
+#include "platform/toolkit/exception.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStringDecoder>
+
+namespace {
+
+QString shown(const QString &path) { return QDir::toNativeSeparators(path); }
+
+} // namespace
 
 LayoutFile::LayoutFile(const QString &path)
     : m_path(path)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    if (!file.exists())
         return;
+    if (!file.open(QIODevice::ReadOnly)) {
+        m_isForeign = true;
+        m_problem = QStringLiteral("布局文件“%1”打不开，表格用设计的列，新的布局不会保存。请检查这个文件的权限。").arg(shown(path));
+        return;
+    }
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder(file.readAll());
     file.close();
-    if (!decoder.hasError() && parse(text))
-        return;
+    if (decoder.hasError() || !parse(text))
+        setAside();
+}
+
+void LayoutFile::setAside()
+{
     m_sections.clear();
-    const QString aside = path + u".broken";
+    const QString aside = m_path + u".broken";
     QFile::remove(aside);
-    QFile::rename(path, aside);
+    m_isForeign = !QFile::rename(m_path, aside);
+    m_problem = QStringLiteral("布局文件“%1”已损坏，表格用设计的列。").arg(shown(m_path))
+        + (m_isForeign ? QStringLiteral("它不能改名，新的布局不会保存，请删除它。")
+                       : QStringLiteral("它改名为“%1”，新的布局会照常保存。").arg(QFileInfo(aside).fileName()));
 }
 
 bool LayoutFile::parse(const QString &text)
@@ -51,8 +71,10 @@ void LayoutFile::setSection(const QString &section, const QMap<QString, QString>
         m_sections[section] = values;
 }
 
-bool LayoutFile::save() const
+bool LayoutFile::save()
 {
+    if (m_isForeign)
+        return false;
     QString text;
     for (auto section = m_sections.begin(); section != m_sections.end(); ++section) {
         text += u'[' + section.key() + u"]\r\n";
@@ -60,6 +82,13 @@ bool LayoutFile::save() const
             text += entry.key() + u'=' + entry.value() + u"\r\n";
     }
     QDir().mkpath(QFileInfo(m_path).path());
-    QSaveFile file(m_path);
-    return file.open(QIODevice::WriteOnly) && file.write(text.toUtf8()) >= 0 && file.commit();
+    try {
+        files::SafeFile file(m_path);
+        file.write(text.toUtf8());
+        file.commit();
+        return true;
+    } catch (const Exception &exception) {
+        m_problem = QStringLiteral("表格的列宽和顺序没有保存。") + exception.message();
+        return false;
+    }
 }

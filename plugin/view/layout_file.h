@@ -13,12 +13,18 @@ public:
     QString value(const QString &section, const QString &key) const;
     /// Replaces a section as a whole; without values it goes.
     void setSection(const QString &section, const QMap<QString, QString> &values);
-    /// Writes beside the file and renames at the end, so that the old file stays whole when that fails; returns whether it succeeded.
-    bool save() const;
+    /// Writes the file as a whole. False when that fails: the old file stays then. One that could neither be read nor be set aside is
+    /// never written over.
+    [[nodiscard]] bool save();
+    /// What went wrong while reading or saving, for the user; "" when nothing did.
+    const QString &problem() const { return m_problem; }
 
 private:
-    bool parse(const QString &text);
+    [[nodiscard]] bool parse(const QString &text);
+    void setAside();
 
     QString m_path;
+    QString m_problem;
+    bool m_isForeign = false; ///< there is something that is not ours to replace
     QMap<QString, QMap<QString, QString>> m_sections;
 };

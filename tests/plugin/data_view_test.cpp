@@ -4,11 +4,14 @@
 
 #include "packet/builder.h"
 #include "platform/dataset/data_set_provider.h"
+#include "platform/toolkit/application.h"
 #include "plugin/util/dataset_features.h"
 #include "tests/plugin/fake_host.h"
+#include "tests/support/small_disk.h"
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -29,6 +32,10 @@ protected:
     {
         m_storage.setIniFileName(m_directory.filePath(QStringLiteral("WindowsIni/布局.ini")));
         IniStorageManager = &m_storage;
+        Application->setMessageResponder([this](const MessageRequest &request) {
+            m_messages.append(request.text);
+            return idOk;
+        });
         packet::Builder builder({ { "NAME", packet::ColumnType::Text }, { "FEE", packet::ColumnType::Decimal } });
         for (const auto &[name, fee] : { std::pair("甲", "0.10"), std::pair("乙", "0.20"), std::pair("丙", "12.35") }) {
             builder.addText(0, name);
@@ -37,7 +44,11 @@ protected:
         }
         m_dataSet.setData(builder.finish());
     }
-    ~DataView() override { IniStorageManager = nullptr; }
+    ~DataView() override
+    {
+        IniStorageManager = nullptr;
+        Application->setMessageResponder({});
+    }
 
     /// A view inside a form of that name, shown so that its columns are initialised.
     struct Shown {
@@ -62,6 +73,24 @@ protected:
         return fields;
     }
 
+    QByteArray contents(const QString &name = {}) const
+    {
+        QFile file(name.isEmpty() ? m_storage.iniFileName() : name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
+    }
+    void put(const QByteArray &bytes) const
+    {
+        QFile file(m_storage.iniFileName());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    }
+    /// What the user was told since the last call.
+    QStringList messages()
+    {
+        QCoreApplication::processEvents();
+        return std::exchange(m_messages, {});
+    }
+
+    QStringList m_messages;
     QTemporaryDir m_directory;
     TIniPropStorageManEh m_storage;
     TCustomClientDataSet m_dataSet;
@@ -143,19 +172,49 @@ TEST_F(DataView, UnknownFieldsAndZeroWidthsInTheFileAreIgnored)
     EXPECT_LT(shown->view.DataViewGrid->column(3).width, 10'000);
 }
 
-TEST_F(DataView, ABrokenLayoutFileIsSetAside)
+TEST_F(DataView, ABrokenLayoutFileIsSetAsideAndTheUserIsTold)
 {
     ASSERT_TRUE(LayoutFile(m_storage.iniFileName()).save());
     for (const QByteArray &broken : { QByteArray("\xff\xfe[x]\n"), QByteArray("no section=1\n"), QByteArray("[a]\nrubbish\n") }) {
-        QFile file(m_storage.iniFileName());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(broken);
-        file.close();
+        put(broken);
         EXPECT_EQ(order(show()->view).first(), QString());
         QFile aside(m_storage.iniFileName() + u".broken");
         ASSERT_TRUE(aside.open(QIODevice::ReadOnly));
         EXPECT_EQ(aside.readAll(), broken);
     }
+    const QStringList told = messages();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told[0].contains(m_storage.iniFileName()) && told[0].contains(u"布局.ini.broken")) << told[0].toStdString();
+
+    // Where nothing can be set aside, nothing is lost either.
+    QFile::remove(m_storage.iniFileName() + u".broken");
+    ASSERT_TRUE(QDir().mkpath(m_storage.iniFileName() + u".broken/x"));
+    put("rubbish");
+    show();
+    EXPECT_EQ(contents(), QByteArray("rubbish"));
+    EXPECT_EQ(messages().size(), 1);
+}
+
+TEST_F(DataView, ALayoutThatCannotBeSavedIsToldOnceAndLeavesTheOldOne)
+{
+    show()->view.DataViewGrid->setColumnWidth(1, 133);
+    const QByteArray before = contents();
+    EXPECT_TRUE(before.contains("NAME=133"));
+    {
+        const FileSizeLimit fullDisk(20);
+        for (int width : { 50, 51 })
+            show()->view.DataViewGrid->setColumnWidth(1, width);
+    }
+    EXPECT_EQ(contents(), before);
+    const QStringList told = messages();
+    ASSERT_EQ(told.size(), 1);
+    EXPECT_TRUE(told[0].contains(m_storage.iniFileName()) && told[0].contains(u"磁盘已满")) << told[0].toStdString();
+
+    // A file where the folder should be.
+    m_storage.setIniFileName(m_storage.iniFileName() + u"/布局.ini");
+    show();
+    EXPECT_EQ(messages().size(), 1);
+    EXPECT_EQ(contents(m_directory.filePath(QStringLiteral("WindowsIni/布局.ini"))), before);
 }
 
 TEST_F(DataView, TitlesSortTheDataSetOrTheOneThatItsProviderServes)

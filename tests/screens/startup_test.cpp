@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 
 namespace {
@@ -67,6 +68,24 @@ TEST(StartUp, ADatabaseThatIsLostKeepsTheScreenAndItsConditions)
     EXPECT_EQ(client.events(QStringLiteral("error")).size(), 1);
     EXPECT_EQ(client.textOf(QStringLiteral("DBLookupComboboxEh7")), QStringLiteral("发件"));
     EXPECT_EQ(client.obey(QStringLiteral("rows"), view)[u"total"].toInt(), onlySource);
+    EXPECT_EQ(client.quit(), 0);
+}
+
+TEST(StartUp, ALayoutThatCannotBeSavedIsToldWhenTheScreenCloses)
+{
+    ClientProcess client;
+    // A file where the folder of the layouts should be.
+    const QString folder = client.settingsDirectory() + u"/WindowsIni";
+    QDir(folder).removeRecursively();
+    QFile blocking(folder);
+    ASSERT_TRUE(blocking.open(QIODevice::WriteOnly));
+    for (const char *screen : { "frm_ScanContrast", "frm_ManCome" }) {
+        client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(QLatin1String(screen) + menuRights) } });
+        client.obey(QStringLiteral("close"), { { QStringLiteral("form"), QLatin1String(screen) } });
+    }
+    const QJsonArray messages = client.events(QStringLiteral("message"));
+    ASSERT_EQ(messages.size(), 1);
+    EXPECT_TRUE(messages[0][u"text"].toString().contains(u"没有保存")) << messages[0][u"text"].toString().toStdString();
     EXPECT_EQ(client.quit(), 0);
 }
 
