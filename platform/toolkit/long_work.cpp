@@ -3,6 +3,7 @@
 #include "platform/toolkit/wait_window.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QEventLoop>
 #include <QWindow>
 
@@ -117,4 +118,41 @@ void runLongWork(const QString &caption, const QString &cancelled, std::function
     }
     if (shared->failure)
         std::rethrow_exception(shared->failure);
+}
+
+/// What stands on the screen meanwhile.
+struct InterfaceWork::Wait {
+    Wait(const QString &caption, const QString &unit)
+        : progress { .stop {}, .rows { 0 }, .total { 0 }, .unit = unit }
+        , window(caption, progress)
+        , barrier(window)
+    {
+        QObject::connect(&window, &WaitWindow::cancelled, &window, [this] { progress.stop.request_stop(); });
+        sinceTurn.start();
+    }
+
+    WorkProgress progress;
+    WaitWindow window;
+    InputBarrier barrier;
+    QElapsedTimer sinceTurn;
+};
+
+InterfaceWork::InterfaceWork(const QString &caption, const QString &unit)
+    : m_wait(std::make_unique<Wait>(caption, unit))
+{
+    ++waiting;
+}
+
+InterfaceWork::~InterfaceWork() { --waiting; }
+
+bool InterfaceWork::report(std::int64_t done, std::int64_t total)
+{
+    constexpr int millisecondsBetweenTurns = 50;
+    m_wait->progress.rows = done;
+    m_wait->progress.total = total;
+    if (m_wait->sinceTurn.elapsed() >= millisecondsBetweenTurns) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+        m_wait->sinceTurn.start();
+    }
+    return !m_wait->progress.stop.stop_requested();
 }

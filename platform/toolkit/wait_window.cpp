@@ -40,9 +40,9 @@ void WaitWindow::refresh()
     QString text = m_caption + QStringLiteral("  %1 秒").arg(m_elapsed.elapsed() / 1000);
     const QString rows = QLocale::c().toString(qlonglong(m_progress.rows));
     if (const std::int64_t total = m_progress.total)
-        text += QStringLiteral("，%1 / %2 行").arg(rows, QLocale::c().toString(qlonglong(total)));
+        text += QStringLiteral("，%1 / %2 %3").arg(rows, QLocale::c().toString(qlonglong(total)), m_progress.unit);
     else if (m_progress.rows > 0)
-        text += QStringLiteral("，已取 %1 行").arg(rows);
+        text += QStringLiteral("，已取 %1 %2").arg(rows, m_progress.unit);
     m_label->setText(text);
     if (isVisible())
         return;

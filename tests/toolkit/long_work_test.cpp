@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
 
+#include <chrono>
 #include <semaphore>
 #include <thread>
 
@@ -63,6 +66,44 @@ TEST(LongWork, CancelFreesTheCallerAtOnceAndAsksTheWorkToStop)
     release->release();
     waitForAbandonedWork();
     EXPECT_TRUE(*stopSeen);
+}
+
+TEST(InterfaceWork, LetsOnlyTheWaitWindowThroughAndStopsWhenCancelled)
+{
+    QLineEdit edit;
+    edit.show();
+    QTimer typist;
+    QObject::connect(&typist, &QTimer::timeout, [&edit] { QTest::keyClicks(&edit, QStringLiteral("x")); });
+    typist.start(20);
+    QString shown;
+    QTimer presser;
+    QObject::connect(&presser, &QTimer::timeout, [&shown] {
+        for (QWidget *window : QApplication::topLevelWidgets()) {
+            for (auto *button : window->findChildren<QPushButton *>()) {
+                if (!button->isVisible() || !button->text().startsWith(u"取消"))
+                    continue;
+                shown = window->findChild<QLabel *>()->text();
+                button->click();
+            }
+        }
+    });
+    presser.start(20);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    std::int64_t done = 0;
+    {
+        InterfaceWork work(QStringLiteral("正在导出…"), QStringLiteral("页"));
+        while (work.report(done, 1'000'000) && elapsed.elapsed() < 20'000) {
+            ++done;
+            EXPECT_TRUE(longWorkRuns());
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        }
+        EXPECT_FALSE(work.report(done, 1'000'000)); // and stays so
+    }
+    EXPECT_LT(elapsed.elapsed(), 20'000);
+    EXPECT_TRUE(shown.contains(u"正在导出…") && shown.contains(u"/ 1,000,000 页")) << shown.toStdString();
+    EXPECT_EQ(edit.text(), QString());
+    EXPECT_FALSE(longWorkRuns());
 }
 
 } // namespace
