@@ -1,5 +1,7 @@
 #pragma once
 
+#include "packet/text.h"
+
 #include <map>
 #include <optional>
 #include <string>
@@ -11,8 +13,8 @@ namespace server {
 /// texts and whose names differ.
 std::optional<std::map<std::string, std::string>> readJsonTexts(std::string_view json);
 
-/// Appends the text as a JSON string, quotes included. Bytes that are no UTF-8 become U+FFFD.
-void appendJsonText(std::string_view text, std::string &out);
+using packet::appendJsonText;
+/// The text as a JSON string, quotes included.
 std::string jsonText(std::string_view text);
 
 } // namespace server

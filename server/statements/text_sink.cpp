@@ -22,30 +22,8 @@ void appendNumber(Number value, std::string &out)
 
 void appendDecimal(packet::Decimal value, std::string &out)
 {
-    if (value.units > INT64_MAX || value.units < -INT64_MAX) {
-        out += value.toString();
-        return;
-    }
-    auto units = std::int64_t(value.units);
-    int scale = value.scale;
-    for (; scale > 0 && units % 10 == 0; --scale)
-        units /= 10;
-    if (units < 0)
-        out += '-';
-    char digits[64];
-    char *const end = std::to_chars(digits, digits + sizeof digits, units < 0 ? -units : units).ptr;
-    const auto count = int(end - digits);
-    if (scale == 0) {
-        out.append(&digits[0], end);
-    } else if (count > scale) {
-        out.append(&digits[0], end - scale);
-        out += '.';
-        out.append(end - scale, end);
-    } else {
-        out += "0.";
-        out.append(std::size_t(scale - count), '0');
-        out.append(&digits[0], end);
-    }
+    char text[packet::Decimal::longestText];
+    out.append(&text[0], value.put(text));
 }
 
 struct CsvNotation {
