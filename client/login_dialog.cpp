@@ -3,6 +3,7 @@
 #include "client/connections.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -15,15 +16,14 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
     , m_connections(connections)
     , m_user(new QLineEdit(user, this))
     , m_password(new QLineEdit(this))
-    , m_refusal(new QLabel(this))
+    , m_refusal(plainLabel({}, this))
 {
     setWindowTitle(QStringLiteral("登录"));
     m_password->setEchoMode(QLineEdit::Password);
     m_refusal->setWordWrap(true);
     m_refusal->setStyleSheet(QStringLiteral("color: #b00020"));
     m_refusal->hide();
-    auto *const place = new QLabel(connections.place(), this);
-    place->setTextFormat(Qt::PlainText);
+    auto *const place = plainLabel(connections.place(), this);
     auto *const buttons = new QDialogButtonBox(this);
     m_login = buttons->addButton(QStringLiteral("登录"), QDialogButtonBox::AcceptRole);
     buttons->addButton(QStringLiteral("退出"), QDialogButtonBox::RejectRole);

@@ -2,6 +2,7 @@
 
 #include "client/screen_list.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -13,7 +14,7 @@ constexpr int columnGap = 72;
 
 QLabel *heading(const QString &text, int percent)
 {
-    auto *label = new QLabel(text);
+    auto *label = plainLabel(text);
     QFont font = label->font();
     font.setPointSizeF(font.pointSizeF() * percent / 100);
     font.setBold(true);
@@ -39,7 +40,7 @@ StartPage::StartPage()
     auto *layout = new QGridLayout(this);
     layout->setHorizontalSpacing(columnGap);
     layout->addWidget(heading(QApplication::applicationName(), 180), 1, 1, 1, -1, Qt::AlignLeft);
-    layout->addWidget(new QLabel(QStringLiteral("请选择要打开的窗口")), 2, 1, 1, -1, Qt::AlignLeft);
+    layout->addWidget(plainLabel(QStringLiteral("请选择要打开的窗口")), 2, 1, 1, -1, Qt::AlignLeft);
     layout->setRowMinimumHeight(3, columnGap / 3);
     int column = 1;
     for (const ScreenGroup &group : screenGroups) {

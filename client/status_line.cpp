@@ -3,6 +3,7 @@
 #include "platform/dataset/client_data_set.h"
 #include "platform/grid/db_grid.h"
 #include "platform/toolkit/form.h"
+#include "platform/toolkit/plain_text.h"
 #include "platform/toolkit/plugin_interface.h"
 
 #include <QLabel>
@@ -120,8 +121,7 @@ void StatusLine::showServer(const QString &address)
 
 QLabel *StatusLine::addField()
 {
-    auto *field = new QLabel;
-    field->setTextFormat(Qt::PlainText);
+    auto *field = plainLabel();
     field->setContentsMargins(8, 0, 8, 0);
     field->hide();
     addPermanentWidget(field);

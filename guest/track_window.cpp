@@ -6,6 +6,7 @@
 #include "platform/grid/grid_colors.h"
 #include "platform/grid/grid_columns.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 #include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/published.h"
 #include "platform/toolkit/screen.h"
@@ -168,7 +169,7 @@ QGroupBox *TrackWindow::createBillBox()
     layout->setVerticalSpacing(2);
     int place = 0;
     for (const BillField &field : billFields()) {
-        auto *caption = new QLabel(field.caption.toString());
+        auto *caption = plainLabel(field.caption.toString());
         auto *value = new QLineEdit;
         value->setReadOnly(true);
         value->setFrame(false);
@@ -245,7 +246,7 @@ void TrackWindow::showTrack()
     for (qsizetype field = 0; field < m_billValues.size(); ++field) {
         QLineEdit *value = m_billValues[field];
         value->setText(track->bill.value(field));
-        value->setToolTip(track->bill.value(field));
+        value->setToolTip(plainTip(track->bill.value(field)));
         value->setCursorPosition(0);
     }
     cdsTrack->setData(packetOf(track->events));

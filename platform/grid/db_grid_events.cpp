@@ -9,6 +9,7 @@
 #include "platform/grid/grid_selection.h"
 #include "platform/grid/text_painter.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QContextMenuEvent>
 #include <QHelpEvent>
@@ -242,7 +243,7 @@ bool TDBGridEh::viewportEvent(QEvent *event)
         const int column = m_geometry->columnAt(help->pos().x());
         const QString text = column >= 0 ? cellText(row, column) : QString();
         const bool cut = column >= 0 && m_texts->width(font(), text) > cellRect(row, column).width() - textMargins;
-        QToolTip::showText(help->globalPos(), cut ? text : QString(), viewport());
+        QToolTip::showText(help->globalPos(), cut ? plainTip(text) : QString(), viewport());
     });
     return true;
 }

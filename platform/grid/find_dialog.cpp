@@ -4,6 +4,7 @@
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_finder.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -29,7 +30,7 @@ FindDialog::FindDialog(TDBGridEh &grid, GridFinder &finder)
     , m_match(new QComboBox)
     , m_case(new QCheckBox(QStringLiteral("区分大小写(&M)")))
     , m_titles(new QCheckBox(QStringLiteral("也查找列标题(&T)")))
-    , m_result(new QLabel)
+    , m_result(plainLabel())
 {
     setWindowTitle(QStringLiteral("查找"));
     m_text->setEditable(true);

@@ -4,6 +4,7 @@
 #include "platform/grid/column_model.h"
 #include "platform/grid/grid_colors.h"
 #include "platform/grid/text_painter.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -216,7 +217,7 @@ bool GridHeader::event(QEvent *event)
     const auto *help = static_cast<QHelpEvent *>(event);
     const Section section = sectionAt(help->pos());
     const bool cut = section.isColumn() && titleWidth(section.first) > section.box.width();
-    QToolTip::showText(help->globalPos(), cut ? lowerCaption(m_columns.at(section.first).caption) : QString(), this);
+    QToolTip::showText(help->globalPos(), cut ? plainTip(lowerCaption(m_columns.at(section.first).caption)) : QString(), this);
     return true;
 }
 

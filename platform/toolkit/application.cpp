@@ -30,6 +30,7 @@ QMessageBox::Icon iconOf(int flags)
 int askPerson(const MessageRequest &request, QWidget *parent)
 {
     QMessageBox box(iconOf(request.flags), request.title, request.text, QMessageBox::NoButton, parent);
+    box.setTextFormat(Qt::PlainText);
     QPushButton *ok = box.addButton(QStringLiteral("确定"), QMessageBox::AcceptRole);
     QPushButton *cancel = request.flags & mbOkCancel ? box.addButton(QStringLiteral("取消"), QMessageBox::RejectRole) : nullptr;
     box.setDefaultButton(request.defaultAnswer() == idCancel ? cancel : ok);

@@ -1,6 +1,7 @@
 #include "platform/toolkit/wait_window.h"
 
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -18,7 +19,7 @@ WaitWindow::WaitWindow(const QString &caption, const WorkProgress &progress)
     : QWidget(QApplication::activeWindow(), Qt::Tool | Qt::FramelessWindowHint)
     , m_caption(caption)
     , m_progress(progress)
-    , m_label(new QLabel)
+    , m_label(plainLabel())
 {
     auto *cancel = new QPushButton(QStringLiteral("取消(Esc)"));
     auto *layout = new QHBoxLayout(this);

@@ -53,6 +53,7 @@ TDataView::TDataView()
     layout->setSpacing(0);
     layout->addWidget(Panel1);
     layout->addWidget(DataViewGrid);
+    Panel1->setTextFormat(Qt::PlainText);
     Panel1->setText(QStringLiteral("在这里描述您下面的表的意义"));
     Panel1->setFixedHeight(16);
     Panel1->hide();

@@ -3,6 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTimer>
+
 namespace {
 
 TEST(MessageBox, TheResponderAnswersAndEveryBoxIsRecorded)
@@ -19,6 +25,27 @@ TEST(MessageBox, TheResponderAnswersAndEveryBoxIsRecorded)
     ASSERT_EQ(recorded.size(), 3);
     EXPECT_EQ(recorded[0][QStringLiteral("flags")], 289);
     EXPECT_EQ(recorded[0][QStringLiteral("answer")], int(idCancel));
+}
+
+TEST(MessageBox, MarkupIsShownLetterByLetter)
+{
+    const QString markup = QStringLiteral("<img src='//host/share/x.png'>");
+    QStringList shown;
+    const auto lookAtBox = [&] {
+        auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        ASSERT_TRUE(box);
+        for (const QLabel *label : box->findChildren<QLabel *>()) {
+            if (!label->text().isEmpty())
+                shown.append(label->textFormat() == Qt::PlainText ? label->text() : QStringLiteral("markup"));
+        }
+        box->defaultButton()->click();
+    };
+    TApplication application;
+    QTimer::singleShot(0, &application, lookAtBox);
+    application.messageBox(markup, QStringLiteral("标题"), mbOk);
+    QTimer::singleShot(0, &application, lookAtBox);
+    application.handleException(std::make_exception_ptr(Exception(markup)));
+    EXPECT_EQ(shown, QStringList({ markup, markup }));
 }
 
 TEST(HandleException, EveryKindOfExceptionBecomesAMessage)

@@ -5,6 +5,7 @@
 #include "platform/report/preview/page_view.h"
 #include "platform/report/preview/thumbnail_model.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plain_text.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -126,7 +127,7 @@ void PreviewWindow::buildTools()
     m_pageBox->setAlignment(Qt::AlignCenter);
     m_pageBox->setFixedWidth(56);
     m_tools->addWidget(m_pageBox);
-    m_pageCount = new QLabel(m_tools);
+    m_pageCount = plainLabel({}, m_tools);
     m_tools->addWidget(m_pageCount);
     handle(m_pageBox, &QSpinBox::valueChanged, this, [this](int page) { goTo(page - 1); });
     addTool(QStringLiteral("下页"), QStringLiteral("下一页"), Qt::CTRL | Qt::Key_PageDown, &PreviewWindow::goOn);
@@ -171,7 +172,7 @@ void PreviewWindow::buildFindBar()
     };
     add(QStringLiteral("下一个"), Qt::Key_F3, &PreviewWindow::findNext);
     add(QStringLiteral("上一个"), Qt::SHIFT | Qt::Key_F3, &PreviewWindow::findPrevious);
-    m_findResult = new QLabel(m_findBar);
+    m_findResult = plainLabel({}, m_findBar);
     m_findBar->addWidget(m_findResult);
     handle(m_findText, &QLineEdit::returnPressed, this, &PreviewWindow::findNext);
     m_findBar->hide();
@@ -182,7 +183,7 @@ QWidget *PreviewWindow::buildStatus()
     auto *const bar = new QWidget(this);
     auto *const layout = new QHBoxLayout(bar);
     layout->setContentsMargins(8, 3, 8, 3);
-    m_status = new QLabel(bar);
+    m_status = plainLabel({}, bar);
     m_progress = new QProgressBar(bar);
     m_progress->setFixedWidth(220);
     m_progress->setTextVisible(false);

@@ -1,5 +1,6 @@
 #include "plugin/forms/base/condition_layout.h"
 
+#include "platform/toolkit/plain_text.h"
 #include "platform/editors/editors.h"
 #include "plugin/forms/base/frame_Panel.h"
 
@@ -29,7 +30,7 @@ void setFieldWidth(QWidget *control)
 
 QLabel *makeLabel(TComponentOwner *owner, const ConditionRow &row)
 {
-    auto *label = new QLabel(row.label);
+    auto *label = plainLabel(row.label);
     label->setBuddy(row.control);
     return row.labelName ? owner->own(label, row.labelName) : label;
 }

@@ -1,0 +1,14 @@
+#include "platform/toolkit/plain_text.h"
+
+#include <QLabel>
+#include <QTextDocument>
+
+QLabel *plainLabel(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(text);
+    return label;
+}
+
+QString plainTip(const QString &text) { return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text; }
