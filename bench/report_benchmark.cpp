@@ -5,7 +5,7 @@
 #include "packet/builder.h"
 #include "platform/dataset/client_data_set.h"
 #include "platform/report/definition/report_file.h"
-#include "platform/report/output/export_filter.h"
+#include "platform/report/output/page_exports.h"
 
 #include <QApplication>
 #include <QFile>
@@ -52,8 +52,8 @@ report::Definition list()
 
 void firstPage(TDataSet &rows)
 {
-    PreparedReport report(list(), &rows);
-    report.layNextPage();
+    report::PreparedReport report(list(), &rows);
+    report.prepareNextPage();
 }
 
 void printBare(TDataSet &rows, const QString &path)
@@ -104,12 +104,12 @@ int main(int argc, char **argv)
     std::vector<Side> whole { { "bare QPdfWriter", [&] { printBare(printed, directory.filePath(QStringLiteral("bare.pdf"))); } },
         { "report to PDF",
             [&] {
-                PreparedReport report(list(), &printed);
-                PdfExport().exportReport(report, directory.filePath(QStringLiteral("report.pdf")));
+                report::PreparedReport report(list(), &printed);
+                report::PdfExport().exportReport(report, directory.filePath(QStringLiteral("report.pdf")));
                 if (report.pageCount() != pages)
                     std::printf("%d pages instead of %d\n", report.pageCount(), pages);
             } },
-        { "report laid out", [&] { PreparedReport(list(), &printed).layAllPages(); } } };
+        { "report laid out", [&] { report::PreparedReport(list(), &printed).prepareAllPages(); } } };
     runInTurn(whole, rounds);
     for (const Side &side : first)
         std::printf("%s: median %.1f ms\n", side.name.c_str(), median(side.milliseconds));

@@ -77,7 +77,7 @@ Automation::Automation(MainWindow *window)
     });
     Application->setMessageResponder(
         [this](const MessageRequest &request) { return m_answers.isEmpty() ? int(request.defaultAnswer()) : m_answers.dequeue(); });
-    setPreviewResponder([this](const PreviewRequest &preview) { lookAt(preview); });
+    report::setPreviewResponder([this](const report::PreviewRequest &preview) { lookAt(preview); });
     for (const CommandRow &row : commands())
         m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) {
             activateWindow();
@@ -103,7 +103,7 @@ void Automation::activateWindow()
 Automation::~Automation()
 {
     Application->setMessageResponder({});
-    setPreviewResponder({});
+    report::setPreviewResponder({});
 }
 
 TForm *Automation::form(const QJsonObject &arguments) const

@@ -8,7 +8,10 @@
 #include <QQueue>
 
 class TDBGridEh;
+
+namespace report {
 struct PreviewRequest;
+}
 
 /// Obeys commands from the standard input on the real windows and answers them on the standard output. The protocol is
 /// docs/automation.md. While it lives it records what happens and answers message boxes itself.
@@ -61,7 +64,7 @@ private:
     QWidget *controlInFront(const QJsonObject &arguments) const;
     /// The grid that "view" names (itself or by its frame), or the current one.
     /// What a person does with a preview: sees all pages, and saves them when a file was asked for.
-    void lookAt(const PreviewRequest &preview);
+    void lookAt(const report::PreviewRequest &preview);
     TDBGridEh *view(const QJsonObject &arguments) const;
 
     MainWindow *m_window;

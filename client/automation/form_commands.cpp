@@ -3,6 +3,7 @@
 #include "client/export/table_export.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_finder.h"
+#include "platform/report/output/page_exports.h"
 #include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
@@ -62,14 +63,14 @@ QJsonObject Automation::print(const QJsonObject &arguments)
     return { { QStringLiteral("pages"), m_printedPages } };
 }
 
-void Automation::lookAt(const PreviewRequest &preview)
+void Automation::lookAt(const report::PreviewRequest &preview)
 {
-    preview.report.layAllPages();
+    preview.report.prepareAllPages();
     m_printedPages = preview.report.pageCount();
     if (m_printFile.isEmpty())
         return;
-    PdfExport pdf;
-    ExportFilter *filter = filterFor(preview.filters + QList<ExportFilter *> { &pdf }, m_printFile);
+    report::PdfExport pdf;
+    report::ExportFilter *filter = report::filterFor(preview.filters + QList<report::ExportFilter *> { &pdf }, m_printFile);
     if (!filter)
         throw Exception(QStringLiteral("不能打印到“%1”：文件名请以 .pdf 结尾。").arg(m_printFile));
     filter->exportReport(preview.report, m_printFile);

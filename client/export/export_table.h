@@ -5,6 +5,10 @@
 #include <QList>
 #include <QString>
 
+#include <string>
+#include <string_view>
+#include <vector>
+
 class TDBGridEh;
 
 enum class CellKind { Text, Integer, Decimal, Float, Time };

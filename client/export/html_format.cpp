@@ -2,6 +2,8 @@
 
 #include "platform/files/cell_text.h"
 
+#include <memory>
+
 namespace {
 
 constexpr std::string_view styles = R"(<style>
@@ -38,7 +40,7 @@ std::string notesTable(const QList<ExportNote> &notes)
 
 class HtmlFormat : public TableFormat {
 public:
-    void appendHead(TextBuffer &out, const ExportTable &table) const override
+    void appendHead(files::TextBuffer &out, const ExportTable &table) const override
     {
         const std::string title = escaped(table.title);
         out += "<!DOCTYPE html>\n<html lang=\"zh-CN\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title + "</title>\n";
@@ -49,7 +51,7 @@ public:
             out += "<th>" + escaped(column.title) + "</th>";
         out += "</tr></thead>\n<tbody>\n";
     }
-    void appendTail(TextBuffer &out, const ExportTable &table) const override
+    void appendTail(files::TextBuffer &out, const ExportTable &table) const override
     {
         std::string footers;
         for (int row = 0; row < table.footerRows; ++row) {
@@ -68,7 +70,7 @@ public:
     {
         return std::string(column > 0 ? "</td>" : "").append("<td class=\"").append(classOf(table.columns[column].kind)).append("\">");
     }
-    void appendText(TextBuffer &out, std::string_view text) const override { files::appendHtmlText(out, text); }
+    void appendText(files::TextBuffer &out, std::string_view text) const override { files::appendHtmlText(out, text); }
 };
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "client/export/row_writer.h"
 
 #include <algorithm>
+#include <memory>
+#include <vector>
 
 using packet::Chunk;
 
@@ -15,12 +17,12 @@ public:
         , m_before(format.beforeCell(table, column))
         , m_beforeSize(m_before.size())
     {
-        m_before.resize(m_beforeSize + TextBuffer::padding);
+        m_before.resize(m_beforeSize + files::TextBuffer::padding);
     }
     virtual ~CellWriter() = default;
 
     /// Any cell.
-    void appendShown(TextBuffer &out, std::size_t row)
+    void appendShown(files::TextBuffer &out, std::size_t row)
     {
         appendBefore(out);
         const std::string_view text = m_table.text(m_column, row, m_buffer);
@@ -35,10 +37,10 @@ public:
             out += text.empty() ? m_format.noNumber() : text;
     }
     /// The same for a row that was not edited: a line of a block of the packet.
-    virtual void append(TextBuffer &out, std::size_t row, const packet::Block &, std::size_t) { appendShown(out, row); }
+    virtual void append(files::TextBuffer &out, std::size_t row, const packet::Block &, std::size_t) { appendShown(out, row); }
 
 protected:
-    void appendBefore(TextBuffer &out) const
+    void appendBefore(files::TextBuffer &out) const
     {
         if (m_beforeSize > 0)
             out.appendPadded(m_before.data(), m_beforeSize);
@@ -67,9 +69,9 @@ public:
         add({});
         for (std::size_t index = 0; index < texts.size(); ++index)
             add(texts.at(index));
-        m_ready.room(TextBuffer::padding);
+        m_ready.room(files::TextBuffer::padding);
     }
-    void append(TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
+    void append(files::TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
     {
         const Chunk &texts = block.columns[m_field];
         const std::size_t index = texts.isNull(line) ? 0 : texts.index(line) + 1U;
@@ -84,14 +86,14 @@ private:
         m_offsets.push_back(m_ready.size());
     }
 
-    TextBuffer m_ready; ///< the text of null comes first
+    files::TextBuffer m_ready; ///< the text of null comes first
     std::vector<std::size_t> m_offsets { 0 };
 };
 
 class PlainTexts : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
+    void append(files::TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
     {
         const Chunk &texts = block.columns[m_field];
         const auto *offsets = texts.offsets.as<std::uint32_t>();
@@ -106,7 +108,7 @@ public:
 class Numbers : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(TextBuffer &out, std::size_t row, const packet::Block &block, std::size_t line) override
+    void append(files::TextBuffer &out, std::size_t row, const packet::Block &block, std::size_t line) override
     {
         const Chunk &numbers = block.columns[m_field];
         const bool null = numbers.isNull(line);
@@ -124,7 +126,7 @@ public:
 class Times : public CellWriter {
 public:
     using CellWriter::CellWriter;
-    void append(TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
+    void append(files::TextBuffer &out, std::size_t, const packet::Block &block, std::size_t line) override
     {
         const Chunk &times = block.columns[m_field];
         appendBefore(out);
@@ -187,7 +189,7 @@ RowWriter::RowWriter(const ExportTable &table, const TableFormat &format)
 
 RowWriter::~RowWriter() = default;
 
-void RowWriter::append(TextBuffer &out, std::size_t row) const
+void RowWriter::append(files::TextBuffer &out, std::size_t row) const
 {
     const std::uint32_t source = m_table.rows.source(row);
     out += m_format.beforeRow(row == 0);

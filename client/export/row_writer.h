@@ -2,6 +2,9 @@
 
 #include "client/export/table_format.h"
 
+#include <memory>
+#include <vector>
+
 class CellWriter;
 
 /// Writes the rows of a table in a text form. Both must outlive it.
@@ -10,7 +13,7 @@ public:
     RowWriter(const ExportTable &table, const TableFormat &format);
     ~RowWriter();
 
-    void append(TextBuffer &out, std::size_t row) const;
+    void append(files::TextBuffer &out, std::size_t row) const;
 
 private:
     const ExportTable &m_table;

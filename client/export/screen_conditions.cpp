@@ -13,6 +13,8 @@
 #include <QRadioButton>
 #include <QRegularExpression>
 
+#include <optional>
+
 namespace {
 
 QString labelOf(const QWidget &screen, const QWidget &field)

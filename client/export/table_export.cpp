@@ -9,6 +9,7 @@
 #include <QStringEncoder>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace {
@@ -65,7 +66,7 @@ public:
 private:
     void writeText(const ExportTable &table, files::SafeFile &file, const Progress &progress)
     {
-        TextBuffer out;
+        files::TextBuffer out;
         m_format->appendHead(out, table);
         const RowWriter rows(table, *m_format);
         for (std::size_t row = 0; row < table.rows.rowCount(); ++row) {
@@ -78,7 +79,7 @@ private:
         m_format->appendTail(out, table);
         flush(out, file);
     }
-    void flush(TextBuffer &out, files::SafeFile &file)
+    void flush(files::TextBuffer &out, files::SafeFile &file)
     {
         if (m_encoder) {
             const QString text = QString::fromUtf8(out.view().data(), qsizetype(out.size())); // drops the byte-order mark

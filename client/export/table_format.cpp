@@ -15,17 +15,17 @@ public:
     {
     }
 
-    void appendHead(TextBuffer &out, const ExportTable &table) const override
+    void appendHead(files::TextBuffer &out, const ExportTable &table) const override
     {
         out += "\xEF\xBB\xBF";
         appendTitles(out, table);
         out += "\r\n";
     }
-    void appendTail(TextBuffer &, const ExportTable &) const override { }
+    void appendTail(files::TextBuffer &, const ExportTable &) const override { }
     std::string_view beforeRow(bool) const override { return {}; }
     std::string_view afterRow() const override { return "\r\n"; }
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return std::string(column > 0 ? 1 : 0, m_separator); }
-    void appendText(TextBuffer &out, std::string_view text) const override { m_cells.append(out, text); }
+    void appendText(files::TextBuffer &out, std::string_view text) const override { m_cells.append(out, text); }
 
 private:
     char m_separator;
@@ -34,13 +34,13 @@ private:
 
 class JsonFormat : public TableFormat {
 public:
-    void appendHead(TextBuffer &out, const ExportTable &table) const override
+    void appendHead(files::TextBuffer &out, const ExportTable &table) const override
     {
         out += R"({"columns":[)";
         appendTitles(out, table);
         out += R"(],"rows":[)";
     }
-    void appendTail(TextBuffer &out, const ExportTable &table) const override
+    void appendTail(files::TextBuffer &out, const ExportTable &table) const override
     {
         out += table.truncated ? "\n],\"truncated\":true}\n" : "\n],\"truncated\":false}\n";
     }
@@ -49,12 +49,12 @@ public:
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return column > 0 ? "," : ""; }
     std::string_view quote() const override { return "\""; }
     std::string_view noNumber() const override { return "null"; }
-    void appendText(TextBuffer &out, std::string_view text) const override { packet::appendJsonText(text, out); }
+    void appendText(files::TextBuffer &out, std::string_view text) const override { packet::appendJsonText(text, out); }
 };
 
 } // namespace
 
-void TableFormat::appendTitles(TextBuffer &out, const ExportTable &table) const
+void TableFormat::appendTitles(files::TextBuffer &out, const ExportTable &table) const
 {
     for (std::size_t column = 0; column < table.columns.size(); ++column) {
         out += beforeCell(table, column);

@@ -4,22 +4,22 @@
 #include "platform/files/text_buffer.h"
 
 #include <memory>
-
-using files::TextBuffer;
+#include <string>
+#include <string_view>
 
 /// A text form of a table, in UTF-8: a head, rows of cells, and a tail.
 class TableFormat {
 public:
     virtual ~TableFormat() = default;
-    virtual void appendHead(TextBuffer &out, const ExportTable &table) const = 0;
-    virtual void appendTail(TextBuffer &out, const ExportTable &table) const = 0;
+    virtual void appendHead(files::TextBuffer &out, const ExportTable &table) const = 0;
+    virtual void appendTail(files::TextBuffer &out, const ExportTable &table) const = 0;
 
     virtual std::string_view beforeRow(bool first) const = 0;
     virtual std::string_view afterRow() const = 0;
     /// What stands before each cell of a column.
     virtual std::string beforeCell(const ExportTable &table, std::size_t column) const = 0;
     /// Appends a cell of text, with all that keeps it whole.
-    virtual void appendText(TextBuffer &out, std::string_view text) const = 0;
+    virtual void appendText(files::TextBuffer &out, std::string_view text) const = 0;
     virtual std::string_view quote() const { return {}; } ///< on both sides of a time
     virtual std::string_view noNumber() const { return {}; } ///< in place of a number that is null
 
@@ -32,7 +32,7 @@ public:
     static std::unique_ptr<TableFormat> of(const QString &fileName);
 
 protected:
-    void appendTitles(TextBuffer &out, const ExportTable &table) const;
+    void appendTitles(files::TextBuffer &out, const ExportTable &table) const;
 };
 
 std::unique_ptr<TableFormat> htmlFormat();

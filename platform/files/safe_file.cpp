@@ -8,6 +8,7 @@
 #include <QRandomGenerator>
 
 #include <filesystem>
+#include <utility>
 
 namespace files {
 

@@ -1,5 +1,6 @@
 #include "platform/grid/copied_cells.h"
 
+#include "platform/files/cell_text.h"
 #include "platform/grid/db_grid.h"
 
 #include <QMimeData>
@@ -39,35 +40,27 @@ struct CopiedRange {
     }
 };
 
-QString quotedForTabs(const QString &text)
-{
-    if (!text.contains(u'\t') && !text.contains(u'\n') && !text.contains(u'\r'))
-        return text;
-    QString doubled = text;
-    return u'"' % doubled.replace(u'"', QStringLiteral("\"\"")) % u'"';
-}
-
-/// The opening tag of a column's cells: the number format is what keeps a spreadsheet from reading codes as numbers.
+/// The opening tag of a column's cells.
 QString cellTag(const TDBGridEh &grid, int column)
 {
     const TDataSet *dataSet = grid.dataSet();
     const TField *field = dataSet ? dataSet->findField(grid.column(column).fieldName) : nullptr;
     switch (field ? field->type() : FieldType::Integer) {
     case FieldType::Text:
-        return QStringLiteral("<td style='mso-number-format:\"\\@\"'>");
+        return u"<td style='" % QLatin1StringView(files::textCellStyle) % u"'>";
     case FieldType::DateTime:
-        return QStringLiteral("<td style='mso-number-format:\"yyyy\\-mm\\-dd hh\\:mm\\:ss\"'>");
+        return u"<td style='" % QLatin1StringView(files::timeCellStyle) % u"'>";
     default:
         return QStringLiteral("<td>");
     }
 }
 
-void appendTitles(const TDBGridEh &grid, const CopiedRange &copied, QString &text, QString &html)
+void appendTitles(const TDBGridEh &grid, const CopiedRange &copied, files::TextBuffer &text, QString &html)
 {
     QStringList titles;
     for (int column : copied.columns)
         titles.append(plainTitle(grid.column(column).caption));
-    text += titles.join(u'\t') + u"\r\n";
+    text += QString(titles.join(u'\t') + u"\r\n").toStdString();
     html += u"<tr>";
     for (const QString &title : std::as_const(titles))
         html += u"<th>" + title.toHtmlEscaped() + u"</th>";
@@ -81,7 +74,7 @@ QString plainTitle(QString caption) { return caption.replace(u'|', u' '); }
 std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
 {
     const CopiedRange copied(grid);
-    QString text;
+    files::TextBuffer text;
     QString html = QStringLiteral("<html><head><meta charset=\"utf-8\"></head><body><table>\n");
     if (titles)
         appendTitles(grid, copied, text, html);
@@ -94,17 +87,17 @@ std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
             const int column = copied.columns[position];
             const QString cell = copied.holds(row, column) ? grid.cellText(row, column) : QString();
             if (position > 0)
-                text += u'\t';
-            text += quotedForTabs(cell);
+                text += '\t';
+            files::appendClipboardCell(text, cell.toStdString());
             html += tags[position] + cell.toHtmlEscaped() + u"</td>";
         }
         html += u"</tr>\n";
         if (titles || copied.rows.size() > 1)
-            text += u"\r\n";
+            text += "\r\n";
     }
     html += u"</table></body></html>";
     auto data = std::make_unique<QMimeData>();
-    data->setText(text);
+    data->setText(QString::fromUtf8(text.view()));
     data->setHtml(html);
     return data;
 }

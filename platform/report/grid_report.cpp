@@ -4,6 +4,7 @@
 #include "platform/report/definition/template.h"
 #include "platform/report/layout/text_face.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace report {
@@ -177,13 +178,13 @@ Band GridReport::columnTitles(const QList<Slot> &places) const
 
 Band GridReport::rowBand(const QList<Slot> &places) const
 {
-    const TDataSet *const rows = grid.dataSet();
+    const TDataSet *rows = grid.dataSet();
     Style style = cellStyle();
     Band band { .kind = BandKind::Master, .height = lineHeight(style) + millimetre };
     for (const Slot &place : places) {
         const Column &column = grid.column(place.column);
-        const TField *const field = rows == nullptr ? nullptr : rows->findField(column.fieldName);
-        const bool numeric = field != nullptr && field->type() != FieldType::Text && field->type() != FieldType::DateTime;
+        const TField *field = rows ? rows->findField(column.fieldName) : nullptr;
+        const bool numeric = field && field->type() != FieldType::Text && field->type() != FieldType::DateTime;
         const Qt::Alignment across = column.alignment & Qt::AlignHorizontal_Mask;
         style.alignment = Qt::AlignVCenter
             | (column.isCheckBox() ? Qt::AlignHCenter

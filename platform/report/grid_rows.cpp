@@ -1,12 +1,17 @@
 #include "platform/report/grid_rows.h"
 
+#include <memory>
+#include <optional>
+
+namespace report {
+
 GridRows::GridRows(const TDBGridEh &grid)
     : m_grid(&grid)
     , m_source(grid.dataSet())
 {
 }
 
-int GridRows::recordCount() const { return m_grid != nullptr && m_source != nullptr && m_source->active() ? m_grid->rowCount() : -1; }
+int GridRows::recordCount() const { return m_grid && m_source && m_source->active() ? m_grid->rowCount() : -1; }
 
 QString GridRows::text(int field, int row) const
 {
@@ -27,8 +32,8 @@ void GridRows::doOpen()
         if (!column.visible)
             continue;
         // Numbers stay numbers when the pages are exported; codes and names stay texts.
-        const TField *const source = m_source == nullptr ? nullptr : m_source->findField(column.fieldName);
-        const bool numeric = source != nullptr && !column.isCheckBox()
+        const TField *source = m_source ? m_source->findField(column.fieldName) : nullptr;
+        const bool numeric = source && !column.isCheckBox()
             && (source->type() == FieldType::Integer || source->type() == FieldType::Decimal || source->type() == FieldType::Float);
         m_fields.push_back(std::make_unique<TField>(
             this, int(m_fields.size()), QStringLiteral("C%1").arg(index), numeric ? FieldType::Decimal : FieldType::Text));
@@ -36,3 +41,5 @@ void GridRows::doOpen()
     }
     finishOpen();
 }
+
+} // namespace report

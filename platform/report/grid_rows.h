@@ -3,6 +3,11 @@
 #include "platform/dataset/data_set.h"
 #include "platform/grid/db_grid.h"
 
+#include <optional>
+#include <vector>
+
+namespace report {
+
 /// The visible columns of a grid as a dataset of the texts that it shows; the fields are called C0, C1 and so on, by the number of the
 /// column in the grid. Reads the grid when asked, so the grid must stay as it is meanwhile.
 class GridRows : public TDataSet {
@@ -27,3 +32,5 @@ private:
     QPointer<const TDataSet> m_source;
     std::vector<int> m_columns; ///< of each field
 };
+
+} // namespace report

@@ -2,7 +2,11 @@
 
 #include "platform/report/grid_report.h"
 #include "platform/report/grid_rows.h"
-#include "platform/report/output/data_exports.h"
+#include "platform/report/output/html_export.h"
+#include "platform/report/output/page_exports.h"
+#include "platform/report/output/rtf_export.h"
+#include "platform/report/output/spreadsheet_export.h"
+#include "platform/report/output/text_exports.h"
 #include "platform/report/report.h"
 
 using namespace report;
@@ -49,7 +53,7 @@ TPrintDBGridEh::TPrintDBGridEh(QObject *parent)
 
 std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
 {
-    if (m_grid == nullptr || m_grid->dataSet() == nullptr || !m_grid->dataSet()->active() || m_grid->rowCount() == 0)
+    if (!m_grid || !m_grid->dataSet() || !m_grid->dataSet()->active() || m_grid->rowCount() == 0)
         throw Exception(QStringLiteral("没有可打印的数据！"));
     auto rows = std::make_unique<GridRows>(*m_grid);
     rows->open();
@@ -70,7 +74,7 @@ std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
     };
     const GridReport report { *m_grid, m_margins, m_header, m_footer, m_title };
     auto prepared = std::make_unique<PreparedGrid>(report.definition(), std::move(rows), look);
-    prepared->layNextPage();
+    prepared->prepareNextPage();
     return prepared;
 }
 
@@ -82,7 +86,7 @@ void TPrintDBGridEh::preview(QWidget *parent)
     HtmlTableExport html;
     RtfExport rtf;
     JpegExport jpeg;
-    showPreview(*prepared(), { &spreadsheet, &csv, &text, &html, &rtf, &jpeg }, allPreviewButtons, parent);
+    report::showPreview(*prepared(), { &spreadsheet, &csv, &text, &html, &rtf, &jpeg }, allPreviewButtons, parent);
 }
 
 void TPrintDBGridEh::print(QWidget *parent) { printPrepared(*prepared(), parent); }

@@ -7,6 +7,10 @@
 #include <QObject>
 #include <QPointer>
 
+#include <memory>
+
+namespace report {
+
 class PreparedReport;
 
 enum class PrintLine { None, Single };
@@ -19,6 +23,8 @@ struct PrintBand {
     QFont font {};
     PrintLine line = PrintLine::Single; ///< between the band and the rows
 };
+
+} // namespace report
 
 /// Prints a grid as it stands on the screen: its visible columns in their order, sort, footers, colours and ticks, on as many
 /// pages as it takes, scaled to the width of the page, with the titles on each.
@@ -34,15 +40,15 @@ public:
     /// In millimetres, within what printers can reach.
     const QMarginsF &margins() const { return m_margins; }
     void setMargins(const QMarginsF &margins) { m_margins = margins; }
-    PrintBand &pageHeader() { return m_header; }
-    PrintBand &pageFooter() { return m_footer; }
+    report::PrintBand &pageHeader() { return m_header; }
+    report::PrintBand &pageFooter() { return m_footer; }
     /// Stands above the titles of the first page, and names the print job; "" leaves it out.
     const QString &title() const { return m_title; }
     void setTitle(const QString &title) { m_title = title; }
 
     /// The pages; they hold what the grid showed, as far as they are laid out, whatever happens to it afterwards. Throws Exception when
     /// the grid shows no columns or no rows.
-    std::unique_ptr<PreparedReport> prepared() const;
+    std::unique_ptr<report::PreparedReport> prepared() const;
     /// Shows the preview, or asks for a printer at once. Both throw what prepared() throws.
     void preview(QWidget *parent = nullptr);
     void print(QWidget *parent = nullptr);
@@ -50,7 +56,7 @@ public:
 private:
     QPointer<TDBGridEh> m_grid;
     QMarginsF m_margins { 2.0, 2.0, 2.0, 2.0 };
-    PrintBand m_header;
-    PrintBand m_footer;
+    report::PrintBand m_header;
+    report::PrintBand m_footer;
     QString m_title;
 };

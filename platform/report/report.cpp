@@ -4,7 +4,9 @@
 #include "platform/report/output/printing.h"
 #include "platform/report/preview/preview_window.h"
 
-using namespace report;
+#include <algorithm>
+
+namespace report {
 
 namespace {
 
@@ -22,6 +24,26 @@ void ReportObject::setText(const QString &text)
 }
 
 QString ReportObject::literal(const QString &text) { return Template::literal(text); }
+
+void showPreview(PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent)
+{
+    if (previewResponder)
+        previewResponder({ report, filters });
+    else
+        PreviewWindow(report, filters, buttons, parent).exec();
+}
+
+bool printPrepared(PreparedReport &report, QWidget *parent)
+{
+    if (!previewResponder)
+        return printReport(report, parent);
+    previewResponder({ report, {} });
+    return true;
+}
+
+} // namespace report
+
+using namespace report;
 
 TfrReport::TfrReport(QObject *parent)
     : QObject(parent)
@@ -53,42 +75,26 @@ ReportObject *TfrReport::findObject(QStringView name)
 void TfrReport::prepareReport(StyleEvent styleEvent)
 {
     m_prepared.reset();
-    TDataSet *const rows = m_dataSet == nullptr ? nullptr : m_dataSet->dataSet();
-    if (rows == nullptr || !rows->active())
+    TDataSet *rows = m_dataSet ? m_dataSet->dataSet() : nullptr;
+    if (!rows || !rows->active())
         throw Exception(QStringLiteral("报表没有数据：数据集没有打开。"));
     if (m_definition.bands.isEmpty())
         throw Exception(QStringLiteral("还没有读入报表文件。"));
     auto prepared = std::make_unique<PreparedReport>(m_definition, rows, m_addIns, std::move(styleEvent));
-    prepared->layNextPage();
+    prepared->prepareNextPage();
     m_prepared = std::move(prepared);
 }
 
 void TfrReport::showPreview(QWidget *parent)
 {
-    if (m_prepared == nullptr)
+    if (!m_prepared)
         prepareReport();
-    ::showPreview(*m_prepared, m_filters, m_buttons, parent);
+    report::showPreview(*m_prepared, m_filters, m_buttons, parent);
 }
 
 bool TfrReport::print(QWidget *parent)
 {
-    if (m_prepared == nullptr)
+    if (!m_prepared)
         prepareReport();
     return printPrepared(*m_prepared, parent);
-}
-
-void showPreview(PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent)
-{
-    if (previewResponder)
-        previewResponder({ report, filters });
-    else
-        PreviewWindow(report, filters, buttons, parent).exec();
-}
-
-bool printPrepared(PreparedReport &report, QWidget *parent)
-{
-    if (!previewResponder)
-        return printReport(report, parent);
-    previewResponder({ report, {} });
-    return true;
 }

@@ -6,23 +6,16 @@
 
 #include <QPointer>
 
-/// Joins a report to a dataset that may be exchanged.
-class TfrDBDataSet : public QObject {
-    Q_OBJECT
+#include <functional>
+#include <memory>
+#include <vector>
 
-public:
-    using QObject::QObject;
-    TDataSet *dataSet() const { return m_dataSet; }
-    void setDataSet(TDataSet *dataSet) { m_dataSet = dataSet; }
-
-private:
-    QPointer<TDataSet> m_dataSet;
-};
+namespace report {
 
 /// One object of a loaded report; lives until the report is loaded anew.
 class ReportObject {
 public:
-    explicit ReportObject(report::Object &object)
+    explicit ReportObject(Object &object)
         : m_object(object)
     {
     }
@@ -34,51 +27,7 @@ public:
     static QString literal(const QString &text);
 
 private:
-    report::Object &m_object;
-};
-
-/// A banded report: loaded from a report file (docs/report-files.md), bound to a dataset, prepared, and then shown, printed or exported.
-class TfrReport : public QObject {
-    Q_OBJECT
-
-public:
-    explicit TfrReport(QObject *parent = nullptr);
-    ~TfrReport() override;
-
-    TfrDBDataSet *dataSet() const { return m_dataSet; }
-    void setDataSet(TfrDBDataSet *dataSet) { m_dataSet = dataSet; }
-    PreviewButtons previewButtons() const { return m_buttons; }
-    void setPreviewButtons(PreviewButtons buttons) { m_buttons = buttons; }
-    /// What reports can draw beside texts, lines, rectangles and pictures. Not owned.
-    void setAddIns(const QList<ReportAddIn *> &addIns) { m_addIns = addIns; }
-    /// What the preview can export to; PDF is always among it. Not owned.
-    void setExportFilters(const QList<ExportFilter *> &filters) { m_filters = filters; }
-
-    /// Throws Exception naming file, line and column when the file is wrong; what was loaded before stays then.
-    void loadFromFile(const QString &fileName);
-    /// Takes a report made by the program itself.
-    void setDefinition(const report::Definition &definition);
-    const report::Definition &definition() const { return m_definition; }
-    /// The object of that name (case ignored), or null.
-    ReportObject *findObject(QStringView name);
-
-    /// Lays out the first page over the dataset's shown rows; further pages follow when they are wanted. Throws Exception when the
-    /// report does not fit its dataset, or there is none; what was prepared before is gone then.
-    void prepareReport(report::StyleEvent styleEvent = {});
-    PreparedReport *prepared() const { return m_prepared.get(); } ///< null before
-    /// Shows the preview until the user closes it, preparing first when that has not been done. Throws what preparing throws.
-    void showPreview(QWidget *parent = nullptr);
-    /// Lets the user choose a printer and prints. False when the user cancels.
-    bool print(QWidget *parent = nullptr);
-
-private:
-    QPointer<TfrDBDataSet> m_dataSet;
-    PreviewButtons m_buttons = allPreviewButtons;
-    QList<ReportAddIn *> m_addIns;
-    QList<ExportFilter *> m_filters;
-    report::Definition m_definition;
-    std::vector<std::unique_ptr<ReportObject>> m_objects;
-    std::unique_ptr<PreparedReport> m_prepared;
+    Object &m_object;
 };
 
 /// What is shown in a preview, for whoever looks at it in place of a person.
@@ -93,3 +42,62 @@ void setPreviewResponder(std::function<void(const PreviewRequest &)> responder);
 void showPreview(PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent);
 /// Lets the user choose a printer; false when the user cancels.
 bool printPrepared(PreparedReport &report, QWidget *parent);
+
+} // namespace report
+
+/// Joins a report to a dataset that may be exchanged.
+class TfrDBDataSet : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+    TDataSet *dataSet() const { return m_dataSet; }
+    void setDataSet(TDataSet *dataSet) { m_dataSet = dataSet; }
+
+private:
+    QPointer<TDataSet> m_dataSet;
+};
+
+/// A banded report: loaded from a report file (docs/report-files.md), bound to a dataset, prepared, and then shown, printed or exported.
+class TfrReport : public QObject {
+    Q_OBJECT
+
+public:
+    explicit TfrReport(QObject *parent = nullptr);
+    ~TfrReport() override;
+
+    TfrDBDataSet *dataSet() const { return m_dataSet; }
+    void setDataSet(TfrDBDataSet *dataSet) { m_dataSet = dataSet; }
+    report::PreviewButtons previewButtons() const { return m_buttons; }
+    void setPreviewButtons(report::PreviewButtons buttons) { m_buttons = buttons; }
+    /// What reports can draw beside texts, lines, rectangles and pictures. Not owned.
+    void setAddIns(const QList<report::ReportAddIn *> &addIns) { m_addIns = addIns; }
+    /// What the preview can export to; PDF is always among it. Not owned.
+    void setExportFilters(const QList<report::ExportFilter *> &filters) { m_filters = filters; }
+
+    /// Throws Exception naming file, line and column when the file is wrong; what was loaded before stays then.
+    void loadFromFile(const QString &fileName);
+    /// Takes a report made by the program itself.
+    void setDefinition(const report::Definition &definition);
+    const report::Definition &definition() const { return m_definition; }
+    /// The object of that name (case ignored), or null.
+    report::ReportObject *findObject(QStringView name);
+
+    /// Lays out the first page over the dataset's shown rows; further pages follow when they are wanted. Throws Exception when the
+    /// report does not fit its dataset, or there is none; what was prepared before is gone then.
+    void prepareReport(report::StyleEvent styleEvent = {});
+    report::PreparedReport *prepared() const { return m_prepared.get(); } ///< null before
+    /// Shows the preview until the user closes it, preparing first when that has not been done. Throws what preparing throws.
+    void showPreview(QWidget *parent = nullptr);
+    /// Lets the user choose a printer and prints. False when the user cancels.
+    bool print(QWidget *parent = nullptr);
+
+private:
+    QPointer<TfrDBDataSet> m_dataSet;
+    report::PreviewButtons m_buttons = report::allPreviewButtons;
+    QList<report::ReportAddIn *> m_addIns;
+    QList<report::ExportFilter *> m_filters;
+    report::Definition m_definition;
+    std::vector<std::unique_ptr<report::ReportObject>> m_objects;
+    std::unique_ptr<report::PreparedReport> m_prepared;
+};

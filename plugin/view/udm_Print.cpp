@@ -15,7 +15,7 @@ namespace {
 
 bool refuse(const QString &text) { return Application->messageBox(u"详细：" + text, QStringLiteral("打印报表"), mbIconWarning); }
 
-void record(const QString &fileName, const PreparedReport &prepared)
+void record(const QString &fileName, const report::PreparedReport &prepared)
 {
     QVariantMap memos;
     const QMap<QString, QString> texts = prepared.namedTexts();
@@ -29,7 +29,7 @@ void record(const QString &fileName, const PreparedReport &prepared)
 Tdm_Print::Tdm_Print()
 {
     frReport->setDataSet(frDBDataSet);
-    frReport->setPreviewButtons(allPreviewButtons);
+    frReport->setPreviewButtons(report::allPreviewButtons);
     frReport->setAddIns({ frBarCodeObject, frChartObject });
     frReport->setExportFilters({ frTextExport, frCSVExport, frOLEExcelExport, frRtfAdvExport, frJPEGExport, frHTMLTableExport });
     DataModuleCreate();
@@ -76,17 +76,17 @@ void Tdm_Print::PrintReport(TDataSet *DataSet, const QString &FileName, const st
 
 void Tdm_Print::append(QStringView object, const QString &value)
 {
-    if (ReportObject *memo = frReport->findObject(object))
-        memo->setText(memo->text().trimmed() + ReportObject::literal(value));
+    if (report::ReportObject *memo = frReport->findObject(object))
+        memo->setText(memo->text().trimmed() + report::ReportObject::literal(value));
 }
 
 void Tdm_Print::FillReportHeader()
 {
-    if (ReportObject *title = frReport->findObject(u"ReportTitle"))
-        title->setText(ReportObject::literal(CompanyName) + title->text().trimmed());
+    if (report::ReportObject *title = frReport->findObject(u"ReportTitle"))
+        title->setText(report::ReportObject::literal(CompanyName) + title->text().trimmed());
     append(u"PrintMan", EmployeeName + u'(' + EmployeeCode + u')');
     append(u"PrintSite", Site);
     append(u"PrintDateTime", GetServerDateTime().toString(u"yyyy-MM-dd hh:mm:ss"));
-    if (ReportObject *page = frReport->findObject(u"PrintPage"))
+    if (report::ReportObject *page = frReport->findObject(u"PrintPage"))
         page->setText(QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页"));
 }

@@ -1,7 +1,12 @@
 #pragma once
 
-#include "platform/report/layout/add_in.h"
-#include "platform/report/output/data_exports.h"
+#include "platform/report/layout/bar_code.h"
+#include "platform/report/layout/chart.h"
+#include "platform/report/output/html_export.h"
+#include "platform/report/output/page_exports.h"
+#include "platform/report/output/rtf_export.h"
+#include "platform/report/output/spreadsheet_export.h"
+#include "platform/report/output/text_exports.h"
 #include "platform/report/report.h"
 #include "platform/toolkit/form.h"
 
@@ -14,14 +19,14 @@ public:
 
     PUBLISHED(TfrReport, frReport);
     PUBLISHED(TfrDBDataSet, frDBDataSet);
-    PUBLISHED(BarCodeObject, frBarCodeObject);
-    PUBLISHED(ChartObject, frChartObject);
-    PUBLISHED(TextExport, frTextExport);
-    PUBLISHED(CsvExport, frCSVExport);
-    PUBLISHED(SpreadsheetExport, frOLEExcelExport);
-    PUBLISHED(RtfExport, frRtfAdvExport);
-    PUBLISHED(JpegExport, frJPEGExport);
-    PUBLISHED(HtmlTableExport, frHTMLTableExport);
+    PUBLISHED(report::BarCodeObject, frBarCodeObject);
+    PUBLISHED(report::ChartObject, frChartObject);
+    PUBLISHED(report::TextExport, frTextExport);
+    PUBLISHED(report::CsvExport, frCSVExport);
+    PUBLISHED(report::SpreadsheetExport, frOLEExcelExport);
+    PUBLISHED(report::RtfExport, frRtfAdvExport);
+    PUBLISHED(report::JpegExport, frJPEGExport);
+    PUBLISHED(report::HtmlTableExport, frHTMLTableExport);
 
     QString Site;
     QString EmployeeName;

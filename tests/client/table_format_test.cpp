@@ -6,7 +6,7 @@ namespace {
 
 std::string cell(const char16_t *fileName, std::string_view text)
 {
-    TextBuffer out;
+    files::TextBuffer out;
     TableFormat::of(QString::fromUtf16(fileName))->appendText(out, text);
     return std::string(out.view());
 }

@@ -4,6 +4,8 @@
 #include "packet/builder.h"
 #include "platform/dataset/client_data_set.h"
 #include "platform/report/layout/add_in.h"
+#include "platform/report/layout/bar_code.h"
+#include "platform/report/layout/chart.h"
 #include "platform/report/layout/prepared_report.h"
 
 #include <QApplication>
@@ -37,14 +39,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     qputenv("QT_QPA_PLATFORM", "offscreen");
     static const QApplication application(argc, argv);
     static TCustomClientDataSet rows;
-    static BarCodeObject barCodes;
-    static ChartObject charts;
+    static report::BarCodeObject barCodes;
+    static report::ChartObject charts;
     if (!rows.active())
         fill(rows);
     try {
         const QByteArray text(reinterpret_cast<const char *>(data), qsizetype(size));
-        PreparedReport report(report::parseDefinition(text, QStringLiteral("fuzz.frf")), &rows, { &barCodes, &charts });
-        for (int page = 0; page < mostPages && report.layNextPage(); ++page) { }
+        report::PreparedReport prepared(report::parseDefinition(text, QStringLiteral("fuzz.frf")), &rows, { &barCodes, &charts });
+        for (int page = 0; page < mostPages && prepared.prepareNextPage(); ++page) { }
     } catch (const Exception &) {
         // Most inputs are refused.
     }

@@ -32,15 +32,15 @@ protected:
         m_rows.setData(textColumn("NAME", { QStringLiteral("甲"), QStringLiteral("乙"), QStringLiteral("丙") }));
         m_rows.next();
         QDir(Application->directory()).mkpath(QStringLiteral("Report"));
-        setPreviewResponder([this](const PreviewRequest &request) {
+        report::setPreviewResponder([this](const report::PreviewRequest &request) {
             ++m_previews;
-            request.report.layAllPages();
+            request.report.prepareAllPages();
             m_texts = request.report.namedTexts();
         });
     }
     ~Print() override
     {
-        setPreviewResponder({});
+        report::setPreviewResponder({});
         QObject::disconnect(m_errors);
         QFile::remove(path());
     }

@@ -82,7 +82,7 @@ TEST_F(Pages, RowsGrowWithTheirTextAndTakeTheirNeighboursAlong)
     const QByteArray bands = "band master\nheight = 5\nmemo A\nbox = 0 0 30 5\nfont = 宋体 9\ngrow = yes\ntext = [T]\nmemo B\nbox = 30 0 "
                              "10 5\nframe = all\ntext = [LINE#]\n";
     PreparedReport prepared(smallReport(bands), &m_rows);
-    prepared.layAllPages();
+    prepared.prepareAllPages();
     const Page page = prepared.page(0);
     ASSERT_EQ(page.size(), 4);
     EXPECT_EQ(page[0].box, QRect(1000, 1000, 3000, 500));
@@ -97,7 +97,7 @@ TEST_F(Pages, ATextHigherThanThePageIsCutToIt)
 {
     m_rows.setData(packetOf("T:text\n" + std::string(20'000, 'x') + "\n"));
     PreparedReport prepared(smallReport("band master\nheight = 5\nmemo\nbox = 0 0 30 5\ngrow = yes\ntext = [T]\n"), &m_rows);
-    prepared.layAllPages();
+    prepared.prepareAllPages();
     EXPECT_EQ(prepared.pageCount(), 1);
     EXPECT_EQ(prepared.page(0)[0].box.height(), 8000);
 }
@@ -108,7 +108,7 @@ TEST_F(Pages, WhatIsTooWideIsMadeSmallerWhenAsked)
     Definition wide = smallReport("band master\nheight = 10\nmemo\nbox = 60 0 100 10\ntext = [N]\n");
     wide.fitWidth = true;
     PreparedReport prepared(wide, &m_rows);
-    prepared.layNextPage();
+    prepared.prepareNextPage();
     EXPECT_EQ(prepared.page(0)[0].box, QRect(4000, 1000, 5000, 500));
     EXPECT_EQ(prepared.resources().styles[prepared.page(0)[0].style].points, 4.5);
 }
@@ -117,12 +117,12 @@ TEST_F(Pages, AreLaidOutOnDemandAndRefuseChangedRows)
 {
     m_rows.setData(numberedRows(100));
     PreparedReport prepared(smallReport(band("master", 10, "[N]/[TOTALPAGES]")), &m_rows);
-    EXPECT_TRUE(prepared.layNextPage());
+    EXPECT_TRUE(prepared.prepareNextPage());
     EXPECT_EQ(prepared.pageCount(), 1);
     EXPECT_EQ(prepared.rowsDone(), 8);
     EXPECT_EQ(prepared.texts(0)[0], QStringLiteral("1/?"));
     m_rows.close();
-    EXPECT_EQ(errorOf([&] { prepared.layNextPage(); }), QStringLiteral("数据在排版时已改变，请重新打印。"));
+    EXPECT_EQ(errorOf([&] { prepared.prepareNextPage(); }), QStringLiteral("数据在排版时已改变，请重新打印。"));
 }
 
 TEST_F(Pages, AreSavedAndRefusedWhenTheFileIsBroken)

@@ -1,5 +1,7 @@
 #include "tests/report/report_rows.h"
 
+#include "platform/report/layout/bar_code.h"
+#include "platform/report/layout/chart.h"
 #include "platform/report/output/printing.h"
 #include "platform/report/preview/page_view.h"
 #include "platform/report/preview/preview_window.h"
@@ -13,12 +15,17 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <algorithm>
+#include <functional>
+
+using namespace report;
+
 namespace {
 
 QString statusOf(const PreviewWindow &window)
 {
     QStringList texts;
-    for (const QLabel *const label : window.findChildren<QLabel *>())
+    for (const QLabel *label : window.findChildren<QLabel *>())
         texts.append(label->text());
     return texts.filter(QStringLiteral("第 ")).value(0);
 }
@@ -41,7 +48,7 @@ TEST(Preview, ShowsTheFirstPageAtOnceAndLaysOutTheRest)
     EXPECT_EQ(window.view()->currentPage(), 22);
     EXPECT_FALSE(window.find(QStringLiteral("no401")));
 
-    auto *const pageBox = window.findChild<QSpinBox *>();
+    auto *pageBox = window.findChild<QSpinBox *>();
     pageBox->setValue(7);
     EXPECT_EQ(window.view()->currentPage(), 6);
     window.view()->setZoom(PageZoom::WholePage);
@@ -74,7 +81,7 @@ TEST(Printing, SendsTheChosenPagesAndCanBeBrokenOff)
     TCustomClientDataSet rows;
     rows.setData(numberedRows(40));
     PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
-    prepared.layAllPages();
+    prepared.prepareAllPages();
     const QTemporaryDir directory;
     const auto printed = [&](int from, int to, const std::function<bool(int)> &goesOn) {
         const QString file = directory.filePath(QStringLiteral("printed.pdf"));
@@ -117,14 +124,14 @@ TEST(Report, IsHandedToTheResponderWithItsTextsFilled)
     frReport.loadFromFile(name);
     EXPECT_EQ(errorOf([&] { frReport.showPreview(); }), QStringLiteral("报表没有数据：数据集没有打开。"));
     source.setDataSet(&rows);
-    ReportObject *const title = frReport.findObject(u"reporttitle");
+    ReportObject *title = frReport.findObject(u"reporttitle");
     ASSERT_NE(title, nullptr);
     title->setText(ReportObject::literal(QStringLiteral("飞[豹] ")) + title->text());
     frReport.findObject(u"PrintPage")->setText(QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页"));
     EXPECT_EQ(frReport.findObject(u"Memo3"), nullptr);
     QMap<QString, QString> texts;
     setPreviewResponder([&texts](const PreviewRequest &request) {
-        request.report.layAllPages();
+        request.report.prepareAllPages();
         texts = request.report.namedTexts();
     });
     frReport.prepareReport();
@@ -162,7 +169,7 @@ TEST(Report, DrawsBarCodesAndChartsOnlyWithTheirAddIns)
     EXPECT_EQ(bars, 3 * 16 + 2);
     rows.setData(packetOf("CODE:text,V:decimal\n" + std::string(3000, 'x') + ",1\n"));
     EXPECT_TRUE(errorOf([&] {
-        PreparedReport(smallReport(bands), &rows, { &barCodes, &charts }).layNextPage();
+        PreparedReport(smallReport(bands), &rows, { &barCodes, &charts }).prepareNextPage();
     }).contains(QStringLiteral("不能印成条码")));
 }
 

@@ -1,10 +1,15 @@
 #include "tests/report/report_rows.h"
 
-#include "platform/report/output/data_exports.h"
+#include "platform/report/output/spreadsheet_export.h"
+#include "platform/report/output/text_exports.h"
 #include "platform/report/print_db_grid.h"
 
 #include <QFile>
 #include <QTemporaryDir>
+
+#include <algorithm>
+
+using namespace report;
 
 namespace {
 

@@ -153,7 +153,7 @@ TEST(ReportFile, ABrokenFileIsRefusedAndNothingElse)
         }
         try {
             PreparedReport prepared(parseDefinition(text, QStringLiteral("a.frf")), &rows);
-            for (int page = 0; page < 50 && prepared.layNextPage(); ++page) { }
+            for (int page = 0; page < 50 && prepared.prepareNextPage(); ++page) { }
         } catch (const Exception &exception) {
             ++refused;
             EXPECT_FALSE(exception.message().isEmpty());

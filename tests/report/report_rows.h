@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <ostream>
+#include <string>
 
 inline void PrintTo(const QString &text, std::ostream *out) { *out << '"' << text.toStdString() << '"'; }
 
@@ -23,9 +24,9 @@ inline QByteArray band(const QByteArray &kind, int height, const QByteArray &tex
 }
 
 /// The texts of each page, joined with "|".
-inline QStringList pagesOf(PreparedReport &prepared)
+inline QStringList pagesOf(report::PreparedReport &prepared)
 {
-    prepared.layAllPages();
+    prepared.prepareAllPages();
     QStringList pages;
     for (int page = 0; page < prepared.pageCount(); ++page)
         pages.append(prepared.texts(page).join(u'|'));

@@ -13,7 +13,7 @@ namespace report {
 constexpr int millimetre = 100;
 
 /// Where something stands in the report file, counted from 1; line 0 when no file names it.
-struct Place {
+struct FilePosition {
     int line = 0;
     int column = 0;
 };
@@ -46,10 +46,10 @@ struct Style {
 struct Object {
     ObjectKind kind = ObjectKind::Memo;
     QString name {};
-    Place place {}; ///< of the object
+    FilePosition place {}; ///< of the object
     QRect box {}; ///< within its band
     QString text {}; ///< memo and bar code: text with expressions in brackets; picture: the file's name
-    Place textPlace {};
+    FilePosition textPlace {};
     Style style {};
     bool wrap = false;
     bool grow = false; ///< a memo that wraps makes its band higher when its text needs it
@@ -58,18 +58,18 @@ struct Object {
     bool showText = true; ///< the readable line under a bar code
     ChartKind chart = ChartKind::Bars;
     QString label {}; ///< chart: an expression for each label
-    Place labelPlace {};
+    FilePosition labelPlace {};
     QString value {}; ///< chart: an expression that is added up for each label
-    Place valuePlace {};
+    FilePosition valuePlace {};
 };
 
 struct Band {
     BandKind kind = BandKind::Master;
     QString name {}; ///< joins a group footer to its header
-    Place place {};
+    FilePosition place {};
     int height = 0;
     QString groupBy {}; ///< group header: an expression; a new group begins where its value changes
-    Place groupByPlace {};
+    FilePosition groupByPlace {};
     bool newPage = false; ///< group header: each group after the first begins on a page of its own
     bool repeat = false; ///< group header: stands again on the pages on which its group goes on
     QColor stripe {}; ///< master: behind every second row

@@ -3,6 +3,8 @@
 #include "platform/dataset/data_set.h"
 #include "platform/toolkit/clock.h"
 
+#include <algorithm>
+
 namespace report {
 
 void Expression::bind(Binder &binder)
@@ -18,8 +20,6 @@ void Expression::bind(Binder &binder)
         throw SyntaxError { error.what, m_offset };
     }
 }
-
-int Expression::fieldOnly() const { return m_kind == Kind::Field ? m_index : -1; }
 
 packet::Decimal Expression::number(const Context &context) const
 {

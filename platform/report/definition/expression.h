@@ -51,15 +51,10 @@ public:
 /// and functions. Nothing counts as 0 in sums and as "" in texts.
 class Expression {
 public:
-    /// Throws SyntaxError.
-    static Expression parse(QStringView source);
-
     /// The expression must stay where it is from now on: totals refer to their arguments.
     void bind(Binder &binder);
     /// Throws Exception when a text is no number where one is needed, and for a division by 0.
     Value evaluate(const Context &context) const;
-    /// The dataset's field when the expression is nothing else; -1 otherwise. After bind.
-    int fieldOnly() const;
 
 private:
     friend class ExpressionParser;

@@ -1,10 +1,12 @@
-#include "platform/report/definition/expression.h"
+#include "platform/report/definition/expression_parser.h"
 
 #include <QHash>
 
 #include <algorithm>
-
+#include <initializer_list>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace report {
 
@@ -279,6 +281,6 @@ private:
     bool m_inTotal = false;
 };
 
-Expression Expression::parse(QStringView source) { return ExpressionParser(source).parse(); }
+Expression parseExpression(QStringView source) { return ExpressionParser(source).parse(); }
 
 } // namespace report

@@ -7,6 +7,7 @@
 #include <QSet>
 #include <QStringDecoder>
 
+#include <algorithm>
 #include <optional>
 
 namespace report {
@@ -140,7 +141,7 @@ private:
 
     void openObject(ObjectKind kind, const QString &name, int indent)
     {
-        if (m_band == nullptr)
+        if (!m_band)
             fail(indent + 1, QStringLiteral("对象必须在带区之内：此前缺少 band"));
         if (++m_objects > mostObjects)
             fail(indent + 1, QStringLiteral("对象超过 %1 个").arg(mostObjects));
@@ -169,9 +170,9 @@ private:
 
     bool set(QStringView key, const Property &property)
     {
-        if (m_object != nullptr)
+        if (m_object)
             return setProperty(*m_object, key, property);
-        return m_band != nullptr ? setProperty(*m_band, key, property) : setProperty(m_report, key, property);
+        return m_band ? setProperty(*m_band, key, property) : setProperty(m_report, key, property);
     }
 
     /// What can only be seen of the whole.
@@ -220,7 +221,7 @@ private:
 
 } // namespace
 
-FileError::FileError(const QString &fileName, Place place, const QString &what)
+FileError::FileError(const QString &fileName, FilePosition place, const QString &what)
     : Exception(QStringLiteral("报表文件“%1”第 %2 行第 %3 列：").arg(fileName).arg(place.line).arg(place.column) + what + u"。")
     , m_place(place)
 {

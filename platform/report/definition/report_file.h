@@ -8,11 +8,11 @@ namespace report {
 /// What is wrong in a report file; the message names the file, the line and the column.
 class FileError : public Exception {
 public:
-    FileError(const QString &fileName, Place place, const QString &what);
-    Place place() const { return m_place; }
+    FileError(const QString &fileName, FilePosition place, const QString &what);
+    FilePosition place() const { return m_place; }
 
 private:
-    Place m_place;
+    FilePosition m_place;
 };
 
 /// Reads a report file of the form that docs/report-files.md describes. Throws FileError; Exception when it cannot be opened.

@@ -4,6 +4,8 @@
 
 #include <QHash>
 
+#include <algorithm>
+
 namespace report {
 
 namespace {
@@ -12,7 +14,7 @@ constexpr int longestText = 10'000;
 constexpr qreal longestLength = 2000;
 
 /// Reads a text that holds expressions, and refuses it here when one of them is wrong.
-QString readTemplate(const Property &property, Place &place)
+QString readTemplate(const Property &property, FilePosition &place)
 {
     const QString text = property.value.text();
     if (text.size() > longestText)
@@ -27,7 +29,7 @@ QString readTemplate(const Property &property, Place &place)
 }
 
 /// Reads one expression, with or without its brackets.
-QString readExpression(const Property &property, Place &place)
+QString readExpression(const Property &property, FilePosition &place)
 {
     const QString text = property.value.text();
     const bool bracketed = text.startsWith(u'[') && text.endsWith(u']');
@@ -228,7 +230,7 @@ bool setProperty(Object &object, QStringView key, const Property &property)
 {
     const auto &setters = *objectSetters.constFind(object.kind);
     return std::any_of(
-        setters.begin(), setters.end(), [&](const Setters<Object> *const candidates) { return apply(*candidates, object, key, property); });
+        setters.begin(), setters.end(), [&](const Setters<Object> *candidates) { return apply(*candidates, object, key, property); });
 }
 
 } // namespace report

@@ -7,7 +7,7 @@ namespace report {
 /// The value of one property, and where it begins.
 struct Property {
     ValueReader &value;
-    Place place;
+    FilePosition place;
 };
 
 /// Set what the key names; false when there is no such key. Throw ValueError.

@@ -1,6 +1,6 @@
 #include "platform/report/definition/template.h"
 
-#include <algorithm>
+#include "platform/report/definition/expression_parser.h"
 
 namespace report {
 
@@ -46,7 +46,7 @@ Template Template::parse(const QString &text)
             flush();
             try {
                 const QStringView source = QStringView(text).mid(begin, position - begin);
-                result.m_parts.push_back({ {}, std::make_unique<Expression>(Expression::parse(source)), int(begin) });
+                result.m_parts.push_back({ {}, std::make_unique<Expression>(parseExpression(source)), int(begin) });
             } catch (const SyntaxError &error) {
                 throw SyntaxError { error.what, error.offset + int(begin) };
             }
@@ -78,11 +78,6 @@ Value Template::evaluate(const Context &context, const QString &format) const
     for (const Part &part : m_parts)
         text += part.expression ? formatted(part.expression->evaluate(context), format) : part.text;
     return text;
-}
-
-bool Template::isConstant() const
-{
-    return std::none_of(m_parts.begin(), m_parts.end(), [](const Part &part) { return bool(part.expression); });
 }
 
 } // namespace report

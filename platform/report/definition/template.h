@@ -3,6 +3,7 @@
 #include "platform/report/definition/expression.h"
 
 #include <memory>
+#include <vector>
 
 namespace report {
 
@@ -18,7 +19,6 @@ public:
     /// The value when the text is one expression and nothing else, else the joined text, each expression in `format`.
     Value evaluate(const Context &context, const QString &format) const;
     bool isOneExpression() const { return m_parts.size() == 1 && m_parts.front().expression; }
-    bool isConstant() const;
 
 private:
     struct Part {

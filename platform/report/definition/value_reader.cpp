@@ -88,7 +88,7 @@ int ValueReader::choice(std::span<const char *const> choices)
     const int at = offset();
     const QString given = missing ? QString() : word();
     QStringList names;
-    for (const char *const name : choices) {
+    for (const char *name : choices) {
         if (given == QLatin1StringView(name))
             return int(names.size());
         names.append(QString::fromLatin1(name));

@@ -4,6 +4,9 @@
 
 #include <QHash>
 
+#include <algorithm>
+#include <vector>
+
 namespace report {
 
 namespace {
@@ -31,9 +34,9 @@ BandRenderer::BandRenderer(const BoundReport &report, Resources &resources, Styl
 {
 }
 
-Piece BandRenderer::render(const BoundBand &band, const Context &context, int highest) const
+RenderedBand BandRenderer::render(const BoundBand &band, const Context &context, int highest) const
 {
-    Piece piece { .height = band.band->height };
+    RenderedBand piece { .height = band.band->height };
     piece.primitives.reserve(qsizetype(band.objects.size()));
     for (const BoundObject &object : band.objects) {
         try {
@@ -133,7 +136,7 @@ QList<std::pair<QString, double>> BandRenderer::chartPoints(const BoundObject &b
     return points;
 }
 
-void BandRenderer::grow(const BoundBand &band, Piece &piece, int highest) const
+void BandRenderer::grow(const BoundBand &band, RenderedBand &piece, int highest) const
 {
     // Only memos grow, and each draws one primitive; add-ins may draw many, so primitives are found by their source.
     std::vector<Growth> growths;

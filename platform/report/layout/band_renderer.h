@@ -7,8 +7,8 @@
 
 namespace report {
 
-/// A band with its texts, at the top left corner of nowhere yet.
-struct Piece {
+/// A band with its texts filled in. Positions count from its own top left corner.
+struct RenderedBand {
     int height = 0;
     Page primitives {};
 };
@@ -22,7 +22,7 @@ public:
     BandRenderer(const BoundReport &report, Resources &resources, StyleEvent styleEvent);
 
     /// A band that grows stays below `highest`. Throws Exception naming the object that cannot be evaluated.
-    Piece render(const BoundBand &band, const Context &context, int highest) const;
+    RenderedBand render(const BoundBand &band, const Context &context, int highest) const;
 
 private:
     struct Growth {
@@ -32,7 +32,7 @@ private:
     void renderObject(const BoundObject &bound, const Context &context, Page &page) const;
     void renderMemo(const BoundObject &bound, const Context &context, Page &page) const;
     void renderAddIn(const BoundObject &bound, const Context &context, Page &page) const;
-    void grow(const BoundBand &band, Piece &piece, int highest) const;
+    void grow(const BoundBand &band, RenderedBand &piece, int highest) const;
     QList<std::pair<QString, double>> chartPoints(const BoundObject &bound, Context context) const;
 
     const BoundReport &m_report;

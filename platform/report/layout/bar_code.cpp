@@ -1,4 +1,4 @@
-#include "platform/report/layout/add_in.h"
+#include "platform/report/layout/bar_code.h"
 
 #include "platform/report/layout/text_face.h"
 #include "platform/toolkit/exception.h"
@@ -7,9 +7,10 @@
 
 #include <zint.h>
 
+#include <algorithm>
 #include <memory>
 
-using namespace report;
+namespace report {
 
 namespace {
 
@@ -29,7 +30,7 @@ Symbol encoded(const QString &symbology, const QString &text)
     symbol->input_mode = UNICODE_MODE;
     symbol->show_hrt = 0;
     const QByteArray bytes = text.toUtf8();
-    const auto *const data = reinterpret_cast<const unsigned char *>(bytes.constData());
+    const auto *data = reinterpret_cast<const unsigned char *>(bytes.constData());
     if (ZBarcode_Encode_and_Buffer_Vector(symbol.get(), data, int(bytes.size()), 0) >= ZINT_ERROR)
         throw Exception(QStringLiteral("“%1”不能印成条码（%2）").arg(text.left(40), QString::fromLatin1(symbol->errtxt)));
     return symbol;
@@ -52,7 +53,7 @@ void BarCodeObject::draw(const AddInTask &task, Drawing &drawing) const
     if (square)
         across = down = std::min(across, down);
     const Style ink { .fill = task.object.style.color, .lineWidth = 0 };
-    for (const zint_vector_rect *bar = symbol->vector->rectangles; bar != nullptr; bar = bar->next) {
+    for (const zint_vector_rect *bar = symbol->vector->rectangles; bar; bar = bar->next) {
         const QPointF from(qreal(bar->x) * across, qreal(bar->y) * down);
         const QPointF to = from + QPointF(qreal(bar->width) * across, qreal(bar->height) * down);
         drawing.rectangle(ink,
@@ -64,3 +65,5 @@ void BarCodeObject::draw(const AddInTask &task, Drawing &drawing) const
     style.alignment = Qt::AlignHCenter | Qt::AlignVCenter;
     drawing.text(style, QRect(task.box.x(), bars.y() + bars.height(), task.box.width(), textHeight), task.text);
 }
+
+} // namespace report

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cmath>
 
 namespace report {
@@ -45,8 +46,8 @@ public:
 
     int field(const QString &name) override
     {
-        const TField *const field = m_rows.findField(name);
-        if (field == nullptr)
+        const TField *field = m_rows.findField(name);
+        if (!field)
             throw SyntaxError { QStringLiteral("数据中没有字段“%1”").arg(name.left(40)) };
         return field->index();
     }
@@ -145,7 +146,7 @@ BoundObject BoundReport::boundObject(const Object &object, BandKind band, int sc
     return bound;
 }
 
-Template BoundReport::boundTemplate(const QString &text, const QString &what, Place place, BandKind band, int scope)
+Template BoundReport::boundTemplate(const QString &text, const QString &what, FilePosition place, BandKind band, int scope)
 {
     try {
         Template result = Template::parse(text);
@@ -169,7 +170,7 @@ int BoundReport::loadPicture(const Object &object, Resources &resources) const
     return int(resources.images.size() - 1);
 }
 
-void BoundReport::fail(const QString &what, const QString &object, Place place) const
+void BoundReport::fail(const QString &what, const QString &object, FilePosition place) const
 {
     const QString named = object.isEmpty() ? what : QStringLiteral("“%1”：").arg(object) + what;
     if (place.line > 0)

@@ -4,6 +4,9 @@
 #include "platform/report/layout/add_in.h"
 #include "platform/report/layout/totals.h"
 
+#include <optional>
+#include <vector>
+
 class TDataSet;
 
 namespace report {
@@ -50,9 +53,9 @@ private:
     class Names;
     void bind(BoundBand &bound, const Band &band, int scope, Resources &resources);
     BoundObject boundObject(const Object &object, BandKind band, int scope, Resources &resources);
-    Template boundTemplate(const QString &text, const QString &what, Place place, BandKind band, int scope);
+    Template boundTemplate(const QString &text, const QString &what, FilePosition place, BandKind band, int scope);
     int loadPicture(const Object &object, Resources &resources) const;
-    [[noreturn]] void fail(const QString &what, const QString &object, Place place) const;
+    [[noreturn]] void fail(const QString &what, const QString &object, FilePosition place) const;
 
     Definition m_definition;
     const TDataSet &m_rows;

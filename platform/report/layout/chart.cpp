@@ -1,14 +1,15 @@
-#include "platform/report/layout/add_in.h"
+#include "platform/report/layout/chart.h"
 
 #include "platform/report/definition/value.h"
 #include "platform/report/layout/text_face.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
 #include <numeric>
 
-using namespace report;
+namespace report {
 
 namespace {
 
@@ -192,3 +193,5 @@ private:
 } // namespace
 
 void ChartObject::draw(const AddInTask &task, Drawing &drawing) const { ChartDrawing(task, drawing).draw(); }
+
+} // namespace report

@@ -2,16 +2,18 @@
 
 #include "platform/dataset/data_set.h"
 
+#include <algorithm>
 #include <numeric>
 #include <stdexcept>
+#include <vector>
 
 namespace report {
 
 namespace {
 
-int heightOf(const std::vector<Piece> &pieces)
+int heightOf(const std::vector<RenderedBand> &pieces)
 {
-    return std::accumulate(pieces.begin(), pieces.end(), 0, [](int sum, const Piece &piece) { return sum + piece.height; });
+    return std::accumulate(pieces.begin(), pieces.end(), 0, [](int sum, const RenderedBand &piece) { return sum + piece.height; });
 }
 
 } // namespace
@@ -31,13 +33,13 @@ PageBuilder::PageBuilder(
     for (const BoundGroup &group : m_report.groups())
         m_body -= group.header.band->repeat ? group.header.band->height : 0;
     checkHeights();
-    if (band(BandKind::Master) == nullptr)
+    if (!band(BandKind::Master))
         m_row = m_rowCount;
     if (m_row < m_rowCount)
         m_values = groupValues(0);
 }
 
-int PageBuilder::heightOf(BandKind kind) const { return band(kind) == nullptr ? 0 : band(kind)->band->height; }
+int PageBuilder::heightOf(BandKind kind) const { return band(kind) ? band(kind)->band->height : 0; }
 
 void PageBuilder::checkHeights() const
 {
@@ -46,7 +48,7 @@ void PageBuilder::checkHeights() const
             throw Exception(QStringLiteral("报表不能排版：带区的高度加起来超过一页，请减小带区高度或页边距。"));
     }
     // Without any height an endless number of rows would stand on one page.
-    if (band(BandKind::Master) != nullptr && heightOf(BandKind::Master) < millimetre)
+    if (band(BandKind::Master) && heightOf(BandKind::Master) < millimetre)
         throw Exception(QStringLiteral("报表不能排版：数据行的高度至少是 1 毫米。"));
 }
 
@@ -70,7 +72,7 @@ std::optional<Page> PageBuilder::next()
 
 Page PageBuilder::nextPage()
 {
-    if (m_rows == nullptr || !m_rows->active() || m_rows->recordCount() != m_rowCount)
+    if (!m_rows || !m_rows->active() || m_rows->recordCount() != m_rowCount)
         throw Exception(QStringLiteral("数据在排版时已改变，请重新打印。"));
     const bool rowsLeft = m_row < m_rowCount || !m_pending.empty();
     beginPage(rowsLeft || m_pageNumber == 0);
@@ -78,8 +80,8 @@ Page PageBuilder::nextPage()
         if (!m_pending.empty() ? !placePending() : !placeRow())
             return endPage(false);
     }
-    if (const BoundBand *const summary = band(BandKind::Summary)) {
-        const Piece piece = rendered(*summary, m_rowCount - 1);
+    if (const BoundBand *summary = band(BandKind::Summary)) {
+        const RenderedBand piece = rendered(*summary, m_rowCount - 1);
         if (!fits(piece.height) && (m_rowsOnPage > 0 || m_pageNumber == 1))
             return endPage(false);
         m_summary = piece;
@@ -132,11 +134,11 @@ Page PageBuilder::endPage(bool last)
 
 void PageBuilder::placeIfThere(BandKind kind, int row)
 {
-    if (const BoundBand *const found = band(kind))
+    if (const BoundBand *found = band(kind))
         place(rendered(*found, row));
 }
 
-void PageBuilder::place(const Piece &piece)
+void PageBuilder::place(const RenderedBand &piece)
 {
     const QPoint offset(m_report.definition().margins.left(), m_y);
     for (Primitive primitive : piece.primitives) {
@@ -181,10 +183,10 @@ bool PageBuilder::wantsNewPage() const
     });
 }
 
-std::vector<Piece> PageBuilder::renderedChunk() const
+std::vector<RenderedBand> PageBuilder::renderedChunk() const
 {
     const auto &groups = m_report.groups();
-    std::vector<Piece> pieces;
+    std::vector<RenderedBand> pieces;
     for (std::size_t level = m_opens; level < groups.size(); ++level)
         pieces.push_back(rendered(groups[level].header, m_row));
     pieces.push_back(rendered(*band(BandKind::Master), m_row));
@@ -201,18 +203,18 @@ bool PageBuilder::placeRow()
         takeRow();
     if (wantsNewPage() && m_rowsOnPage > 0)
         return false;
-    const std::vector<Piece> chunk = renderedChunk();
+    const std::vector<RenderedBand> chunk = renderedChunk();
     const int height = report::heightOf(chunk);
     int needed = height;
-    if (const BoundBand *const summary = band(BandKind::Summary); summary != nullptr && m_row + 1 == m_rowCount) {
+    if (const BoundBand *summary = band(BandKind::Summary); summary && m_row + 1 == m_rowCount) {
         const int together = height + (summary->grows ? rendered(*summary, m_row).height : summary->band->height);
         needed = together <= m_body ? together : height;
     }
-    const bool titlePage = m_pageNumber == 1 && band(BandKind::Title) != nullptr;
+    const bool titlePage = m_pageNumber == 1 && band(BandKind::Title);
     if (!fits(needed) && (m_rowsOnPage > 0 || (titlePage && height <= m_body)))
         return false;
     if (fits(height)) {
-        for (const Piece &piece : chunk)
+        for (const RenderedBand &piece : chunk)
             place(piece);
     } else {
         m_pending.assign(chunk.begin(), chunk.end());
@@ -232,7 +234,7 @@ void PageBuilder::finishRow()
 bool PageBuilder::placePending()
 {
     // A fresh page without the title takes any band.
-    const bool fresh = m_y == m_rowsTop && (m_pageNumber > 1 || band(BandKind::Title) == nullptr);
+    const bool fresh = m_y == m_rowsTop && (m_pageNumber > 1 || !band(BandKind::Title));
     if (!fresh && !fits(m_pending.front().height))
         return false;
     place(m_pending.front());

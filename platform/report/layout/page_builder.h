@@ -6,11 +6,12 @@
 
 #include <deque>
 #include <optional>
+#include <vector>
 
 namespace report {
 
-/// Breaks a report into pages, one at a time. A row stays with the headers of the groups that it opens, with the footers of those
-/// that it closes, and the last row with the summary, as far as a page can hold them.
+/// Breaks a report into pages, one at a time. Where they fit, one page keeps together: a row, the headers of the groups that begin
+/// with it and the footers of the groups that end with it; the last row and the summary.
 class PageBuilder {
 public:
     /// Throws Exception when the definition does not fit the dataset or a page.
@@ -26,13 +27,13 @@ private:
     int heightOf(BandKind kind) const;
     void checkHeights() const;
     Context context(int row) const;
-    Piece rendered(const BoundBand &band, int row) const { return m_renderer.render(band, context(row), m_body); }
+    RenderedBand rendered(const BoundBand &band, int row) const { return m_renderer.render(band, context(row), m_body); }
 
     Page nextPage();
     void beginPage(bool withColumns);
     void placeColumns();
     Page endPage(bool last);
-    void place(const Piece &piece);
+    void place(const RenderedBand &piece);
     void placeIfThere(BandKind kind, int row);
     bool fits(int height) const { return m_y + height <= m_bottom; }
     bool placePending();
@@ -40,7 +41,7 @@ private:
     std::vector<QString> groupValues(int row) const;
     void takeRow();
     bool wantsNewPage() const;
-    std::vector<Piece> renderedChunk() const;
+    std::vector<RenderedBand> renderedChunk() const;
     /// False when the page is full.
     bool placeRow();
     void finishRow();
@@ -57,8 +58,8 @@ private:
     std::size_t m_opens = 0; ///< the outermost group that it opens; as many as groups: none
     std::size_t m_closes = 0; ///< the outermost group that it closes
     std::vector<QString> m_values; ///< of the groups at the next row
-    std::deque<Piece> m_pending; ///< of a row that no page holds in one
-    std::optional<Piece> m_summary;
+    std::deque<RenderedBand> m_pending; ///< of a row that no page holds in one
+    std::optional<RenderedBand> m_summary;
     bool m_done = false;
 
     int m_pageNumber = 0;

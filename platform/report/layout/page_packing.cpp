@@ -5,6 +5,9 @@
 #include <QIODevice>
 #include <QtEndian>
 
+#include <algorithm>
+#include <cmath>
+
 namespace report {
 
 namespace {

@@ -1,11 +1,15 @@
 #include "platform/report/layout/prepared_report.h"
 
 #include "platform/dataset/data_set.h"
+#include "platform/files/safe_file.h"
 #include "platform/report/layout/page_packing.h"
 
 #include <QCryptographicHash>
 #include <QFile>
-#include <QSaveFile>
+
+#include <algorithm>
+
+namespace report {
 
 namespace {
 
@@ -19,8 +23,6 @@ QByteArray checksum(const QByteArray &bytes) { return QCryptographicHash::hash(b
 
 } // namespace
 
-using namespace report;
-
 PreparedReport::PreparedReport(Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns, StyleEvent styleEvent)
     : m_title(definition.title)
     , m_paper(definition.paper)
@@ -31,9 +33,9 @@ PreparedReport::PreparedReport(Definition definition, TDataSet *rows, const QLis
 
 PreparedReport::~PreparedReport() = default;
 
-bool PreparedReport::layNextPage()
+bool PreparedReport::prepareNextPage()
 {
-    if (m_builder == nullptr)
+    if (!m_builder)
         return false;
     if (const auto page = m_builder->next()) {
         m_pages.push_back(packedPage(*page));
@@ -43,16 +45,16 @@ bool PreparedReport::layNextPage()
     return false;
 }
 
-bool PreparedReport::layAllPages(const Progress &progress)
+bool PreparedReport::prepareAllPages(const Progress &progress)
 {
-    while (layNextPage()) {
+    while (prepareNextPage()) {
         if (progress && !progress(pageCount(), rowsDone(), rowCount()))
             return false;
     }
     return true;
 }
 
-int PreparedReport::rowsDone() const { return m_builder == nullptr ? m_rowCount : m_builder->rowsDone(); }
+int PreparedReport::rowsDone() const { return m_builder ? m_builder->rowsDone() : m_rowCount; }
 
 int PreparedReport::rowCount() const { return m_rowCount; }
 
@@ -125,12 +127,13 @@ void PreparedReport::unpack(const QByteArray &bytes)
 
 void PreparedReport::save(const QString &fileName, const Progress &progress)
 {
-    if (!layAllPages(progress))
+    if (!prepareAllPages(progress))
         throw Exception(QStringLiteral("保存已取消。"));
     const QByteArray bytes = packed();
-    QSaveFile file(fileName);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes + checksum(bytes)) < 0 || !file.commit())
-        throw Exception(QStringLiteral("文件“%1”不能写入：").arg(fileName) + file.errorString());
+    files::SafeFile file(fileName);
+    file.write(bytes);
+    file.write(checksum(bytes));
+    file.commit();
 }
 
 std::unique_ptr<PreparedReport> PreparedReport::load(const QString &fileName)
@@ -153,3 +156,5 @@ std::unique_ptr<PreparedReport> PreparedReport::load(const QString &fileName)
     }
     return report;
 }
+
+} // namespace report

@@ -4,6 +4,9 @@
 
 #include <functional>
 #include <memory>
+#include <vector>
+
+namespace report {
 
 /// A report as pages. Pages are laid out when somebody wants them, so that the first one is there at once; those that are laid out
 /// are kept packed and no longer need the dataset. Used in the interface thread.
@@ -13,27 +16,26 @@ public:
     using Progress = std::function<bool(int pages, int rowsDone, int rows)>;
 
     /// Throws Exception when the definition does not fit the dataset. The dataset must stay open and unchanged until isComplete().
-    PreparedReport(
-        report::Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns = {}, report::StyleEvent styleEvent = {});
+    PreparedReport(Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns = {}, StyleEvent styleEvent = {});
     virtual ~PreparedReport();
     PreparedReport(const PreparedReport &) = delete;
 
     const QString &title() const { return m_title; }
     QSize paper() const { return m_paper; } ///< in hundredths of a millimetre
-    const report::Resources &resources() const { return m_resources; }
+    const Resources &resources() const { return m_resources; }
 
-    bool isComplete() const { return m_builder == nullptr; }
+    bool isComplete() const { return !m_builder; }
     /// Pages laid out so far.
     int pageCount() const { return int(m_pages.size()); }
     /// Lays out one more; false when there are no more. Throws Exception.
-    bool layNextPage();
+    bool prepareNextPage();
     /// Lays out all; false when `progress` broke off. What is laid out stays.
-    bool layAllPages(const Progress &progress = {});
+    bool prepareAllPages(const Progress &progress = {});
     int rowsDone() const;
     int rowCount() const;
 
     /// A page that is laid out, from 0. Where the number of pages stands, "?" until isComplete().
-    report::Page page(int index) const;
+    Page page(int index) const;
     /// The texts on a page, in the order in which they stand in the report file.
     QStringList texts(int page) const;
     /// The first text of every object that has a name, pages laid out as far as they are.
@@ -51,8 +53,10 @@ private:
 
     QString m_title;
     QSize m_paper;
-    report::Resources m_resources;
-    std::unique_ptr<report::PageBuilder> m_builder; ///< null when all pages are there
+    Resources m_resources;
+    std::unique_ptr<PageBuilder> m_builder; ///< null when all pages are there
     int m_rowCount = 0;
     std::vector<QByteArray> m_pages;
 };
+
+} // namespace report

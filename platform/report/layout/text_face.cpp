@@ -4,6 +4,7 @@
 #include <QGlyphRun>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 
 namespace report {
@@ -85,15 +86,15 @@ const TextFace::Glyph *TextFace::glyph(QChar character) const
 
 bool TextFace::isSimple(const QString &line) const
 {
-    return std::all_of(line.begin(), line.end(), [this](QChar character) { return glyph(character) != nullptr; });
+    return std::all_of(line.begin(), line.end(), [this](QChar character) { return glyph(character); });
 }
 
 qreal TextFace::width(const QString &line) const
 {
     qreal width = 0;
     for (const QChar character : line) {
-        const Glyph *const found = glyph(character);
-        if (found == nullptr)
+        const Glyph *found = glyph(character);
+        if (!found)
             return QFontMetricsF(m_font).horizontalAdvance(line);
         width += found->advance;
     }
@@ -113,7 +114,7 @@ void TextFace::draw(QPainter &painter, QPointF baseline, const QString &line) co
     positions.reserve(line.size());
     qreal x = 0;
     for (const QChar character : line) {
-        const Glyph *const found = glyph(character);
+        const Glyph *found = glyph(character);
         indexes.append(found->index);
         positions.append({ x, 0 });
         x += found->advance;
@@ -152,8 +153,8 @@ void TextFace::wrapParagraph(const QString &paragraph, qreal room, QString &resu
     qsizetype lastBreak = 0; // where the line may end
     qreal used = 0;
     for (qsizetype position = 0; position < paragraph.size(); ++position) {
-        const Glyph *const found = glyph(paragraph[position]);
-        const qreal advance = found != nullptr ? found->advance : width(paragraph.mid(position, 1));
+        const Glyph *found = glyph(paragraph[position]);
+        const qreal advance = found ? found->advance : width(paragraph.mid(position, 1));
         if (position > begin && mayBreak(paragraph[position - 1], paragraph[position]))
             lastBreak = position;
         if (used + advance > room && position > begin) {

@@ -19,8 +19,8 @@ constexpr int textPadding = 60;
 /// From one line to the next.
 int lineHeight(const Style &style);
 
-/// The font of a style. One unit of length, a hundredth of a millimetre, is one pixel of it, so that a text takes the same room on
-/// every device. Texts whose characters stand one beside the other, as Chinese and Latin ones do, are set without shaping.
+/// The font of a style. One pixel of the font is one unit of length, a hundredth of a millimetre, so a text takes the same room on
+/// every device. Chinese and Latin texts need no shaping: each character has a glyph of its own, which is much faster to draw.
 class TextFace {
 public:
     explicit TextFace(const Style &style);

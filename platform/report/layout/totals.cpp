@@ -26,7 +26,7 @@ void Totals::takeRow(const Context &context, bool placed)
         Entry &entry = m_entries[index];
         if ((entry.scope == pageScope || entry.scope == placedScope) != placed)
             continue;
-        take(entry, entry.argument == nullptr ? Value(packet::Decimal { 1, 0 }) : entry.argument->evaluate(context));
+        take(entry, entry.argument ? entry.argument->evaluate(context) : Value(packet::Decimal { 1, 0 }));
         m_values[index] = valueOf(entry);
     }
 }

@@ -2,6 +2,8 @@
 
 #include "platform/report/definition/expression.h"
 
+#include <vector>
+
 namespace report {
 
 /// The rows that a total runs over: those of the report, of the page, all that are placed so far, or those of a group, counted from
@@ -19,7 +21,6 @@ public:
     void clear(int scope);
     /// A row is taken into the totals of report and groups before it is laid out, and into those of the page once it is placed.
     void takeRow(const Context &context, bool placed);
-    bool isEmpty() const { return m_entries.empty(); }
     /// By number, for Context::totals.
     const std::vector<Value> &values() const { return m_values; }
 

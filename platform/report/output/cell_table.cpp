@@ -36,7 +36,7 @@ QList<CellRow> cellRows(const Page &page, const Resources &resources, int tolera
     std::stable_sort(
         texts.begin(), texts.end(), [](const Primitive *left, const Primitive *right) { return left->box.y() < right->box.y(); });
     QList<CellRow> rows;
-    for (const Primitive *const text : std::as_const(texts)) {
+    for (const Primitive *text : std::as_const(texts)) {
         if (rows.isEmpty() || text->box.y() - rows.last().top >= tolerance)
             rows.append({ .band = resources.sources[text->source].band, .top = text->box.y() });
         rows.last().height = std::max(rows.last().height, text->box.height());

@@ -22,13 +22,13 @@ struct CellRow {
 /// The text of a primitive in one piece, without the breaks of wrapping.
 QString plainText(const Primitive &primitive);
 
-/// Edges nearer than this are one.
+/// Edges that are nearer to each other than this count as one.
 constexpr QSize nearby { 80, 80 };
 
 /// The rows that the texts of a page form, from the top. The page must outlive them.
 QList<CellRow> cellRows(const Page &page, const Resources &resources, int tolerance = nearby.height());
-/// The left edges of the columns that these rows need, and sets the columns of their cells: what begins nearly at the same place shares
-/// one.
+/// Finds the columns that the cells of these rows form, sets them in the cells, and returns the left edges of the columns. Cells that
+/// begin at nearly the same place share a column.
 QList<int> arrangeColumns(QList<CellRow> &rows);
 
 /// Reads a report as data: the title, the column titles and the summary once, the rows of all pages, without page headers and footers.

@@ -1,9 +1,12 @@
+#include "platform/report/output/html_export.h"
+
+#include "platform/files/cell_text.h"
+#include "platform/files/safe_file.h"
 #include "platform/report/output/cell_table.h"
-#include "platform/report/output/data_exports.h"
 
-#include <QIODevice>
+#include <utility>
 
-using namespace report;
+namespace report {
 
 namespace {
 
@@ -69,31 +72,35 @@ QString tableOf(const Page &page, const Resources &resources)
     return table + QStringLiteral("</table>\n");
 }
 
+QString headOf(const PreparedReport &report)
+{
+    QString head = QStringLiteral("<!DOCTYPE html>\n<html lang=\"zh-CN\"><head><meta charset=\"utf-8\"><title>")
+        + report.title().toHtmlEscaped()
+        + QStringLiteral(
+            "</title>\n<style>\ntable{border-collapse:collapse;table-layout:fixed;margin:0 auto 10mm;page-break-after:always}\n"
+            "td{padding:0 .6mm;overflow:hidden}\n.t{")
+        + QLatin1StringView(files::textCellStyle) + QStringLiteral("}\n");
+    for (std::size_t style = 0; style < report.resources().styles.size(); ++style)
+        head += styleRule(int(style), report.resources().styles[style]);
+    return head + QStringLiteral("</style></head><body>\n");
+}
+
 } // namespace
 
 QString HtmlTableExport::caption() const { return QStringLiteral("网页表格"); }
 
 void HtmlTableExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
-    writeFile(fileName, [&](QIODevice &file) {
-        bool begun = false;
-        const auto begin = [&] {
-            QString head = QStringLiteral("<!DOCTYPE html>\n<html lang=\"zh-CN\"><head><meta charset=\"utf-8\"><title>")
-                + report.title().toHtmlEscaped()
-                + QStringLiteral(
-                    "</title>\n<style>\ntable{border-collapse:collapse;table-layout:fixed;margin:0 auto 10mm;page-break-after:always}\n"
-                    "td{padding:0 .6mm;overflow:hidden}\n.t{mso-number-format:\"\\@\"}\n");
-            for (std::size_t style = 0; style < report.resources().styles.size(); ++style)
-                head += styleRule(int(style), report.resources().styles[style]);
-            file.write((head + QStringLiteral("</style></head><body>\n")).toUtf8());
-            begun = true;
-        };
-        forEachPage(report, progress, [&](const Page &page) {
-            // All styles are known once everything is laid out.
-            if (!begun)
-                begin();
-            file.write(tableOf(page, report.resources()).toUtf8());
-        });
-        file.write("</body></html>\n");
+    files::SafeFile file(fileName);
+    bool begun = false;
+    forEachPage(report, progress, [&](const Page &page) {
+        // All styles are known once everything is laid out.
+        if (!std::exchange(begun, true))
+            file.write(headOf(report).toUtf8());
+        file.write(tableOf(page, report.resources()).toUtf8());
     });
+    file.write("</body></html>\n");
+    file.commit();
 }
+
+} // namespace report

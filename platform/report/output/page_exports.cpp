@@ -1,20 +1,42 @@
-#include "platform/report/output/export_filter.h"
-#include "platform/report/output/file_set.h"
+#include "platform/report/output/page_exports.h"
+
+#include "platform/files/safe_file.h"
 #include "platform/report/output/page_painter.h"
 #include "platform/report/output/pdf_text.h"
-#include "platform/toolkit/exception.h"
 
-#include <QFile>
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
 #include <QPdfWriter>
 
-using namespace report;
+#include <memory>
+#include <vector>
+
+namespace report {
 
 namespace {
 
 QPageSize pageSizeOf(QSize paper) { return QPageSize(QSizeF(paper) / millimetre, QPageSize::Millimeter, QString(), QPageSize::ExactMatch); }
+
+/// A picture of a page in the form of a JPEG file; empty when that fails.
+QByteArray pictureOf(PagePainter &pages, const Page &page, QSize paper, int resolution)
+{
+    constexpr int quality = 90;
+    const qreal scale = resolution / (25.4 * millimetre);
+    QImage image((QSizeF(paper) * scale).toSize(), QImage::Format_RGB32);
+    image.setDotsPerMeterX(qRound(resolution / 0.0254));
+    image.setDotsPerMeterY(qRound(resolution / 0.0254));
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
+    painter.scale(scale, scale);
+    pages.paint(painter, page);
+    painter.end();
+    QBuffer bytes;
+    bytes.open(QIODevice::WriteOnly);
+    return image.save(&bytes, "JPEG", quality) ? bytes.data() : QByteArray();
+}
 
 } // namespace
 
@@ -22,24 +44,10 @@ QString PdfExport::caption() const { return QStringLiteral("PDF 文件"); }
 
 void PdfExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
-    FileSet files;
-    const QString path = files.add(fileName);
+    files::SafeFile file(fileName);
     PdfText texts;
-    writePdf(
-        report, path, [&](const Page &page) { texts.take(page); }, progress);
-    texts.repair(path, report.resources());
-    files.commit();
-}
-
-void PdfExport::writePdf(
-    PreparedReport &report, const QString &path, const std::function<void(const Page &)> &drawn, const Progress &progress)
-{
-    // Written through a file of our own, since the writer does not say when the disk is full.
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        throw Exception(QStringLiteral("文件“%1”不能写入：").arg(path) + file.errorString());
     {
-        QPdfWriter writer(&file);
+        QPdfWriter writer(&file.device());
         writer.setResolution(int(25.4 * millimetre));
         writer.setPageMargins({});
         writer.setPageSize(pageSizeOf(report.paper()));
@@ -52,11 +60,11 @@ void PdfExport::writePdf(
             else
                 painter.begin(&writer);
             pages.paint(painter, page);
-            drawn(page);
+            texts.take(page);
         });
     }
-    if (!file.flush() || file.error() != QFileDevice::NoError)
-        throw Exception(QStringLiteral("文件“%1”没有写完：").arg(path) + file.errorString());
+    texts.repair(file.device(), report.resources());
+    file.commit();
 }
 
 QString JpegExport::caption() const { return QStringLiteral("JPEG 图片"); }
@@ -65,24 +73,21 @@ void JpegExport::exportReport(PreparedReport &report, const QString &fileName, c
 {
     const QFileInfo info(fileName);
     const QString stem = info.path() + u'/' + info.completeBaseName();
-    const qreal scale = m_resolution / (25.4 * millimetre);
-    FileSet files;
+    std::vector<std::unique_ptr<files::SafeFile>> pictures;
     PagePainter pages(report.resources());
-    int number = 0;
     forEachPage(report, progress, [&](const Page &page) {
-        ++number;
-        const QString name = report.pageCount() == 1 ? fileName : stem + QStringLiteral("-%1.").arg(number) + info.suffix();
-        QImage image((QSizeF(report.paper()) * scale).toSize(), QImage::Format_RGB32);
-        image.setDotsPerMeterX(qRound(m_resolution / 0.0254));
-        image.setDotsPerMeterY(qRound(m_resolution / 0.0254));
-        image.fill(Qt::white);
-        QPainter painter(&image);
-        painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform);
-        painter.scale(scale, scale);
-        pages.paint(painter, page);
-        painter.end();
-        if (!image.save(files.add(name), "JPEG", m_quality))
-            throw Exception(QStringLiteral("文件“%1”不能写入。").arg(name));
+        const QString number = QStringLiteral("-%1.").arg(pictures.size() + 1);
+        const QString name = report.pageCount() == 1 ? fileName : QString(stem + number + info.suffix());
+        files::SafeFile &picture = *pictures.emplace_back(std::make_unique<files::SafeFile>(name));
+        const QByteArray bytes = pictureOf(pages, page, report.paper(), m_resolution);
+        if (bytes.isEmpty())
+            picture.fail(QStringLiteral("内存不足"));
+        picture.write(bytes);
+        // No system keeps as many files open as a report may have pages.
+        picture.close();
     });
-    files.commit();
+    for (const auto &picture : pictures)
+        picture->commit();
 }
+
+} // namespace report

@@ -3,7 +3,7 @@
 #include "platform/report/layout/text_face.h"
 #include "platform/toolkit/exception.h"
 
-#include <QFile>
+#include <QFileDevice>
 
 #include <algorithm>
 #include <functional>
@@ -61,26 +61,25 @@ PdfText::Meanings PdfText::meanings(const Resources &resources) const
     return meanings;
 }
 
-void PdfText::repair(const QString &path, const Resources &resources) const
+void PdfText::repair(QFileDevice &file, const Resources &resources) const
 {
     constexpr std::string_view tableBegin = "beginbfrange";
     constexpr std::string_view tableEnd = "endcmap";
+    if (!file.flush())
+        return;
     const Meanings meanings = this->meanings(resources);
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite))
-        throw Exception(QStringLiteral("文件“%1”不能写入：").arg(path) + file.errorString());
-    char *const data = reinterpret_cast<char *>(file.map(0, file.size()));
-    if (data == nullptr)
-        throw Exception(QStringLiteral("文件“%1”太大，请分几次导出。").arg(path));
-    char *const end = data + file.size();
-    for (char *place = data;;) {
-        place = std::search(place, end, std::boyer_moore_horspool_searcher(tableBegin.begin(), tableBegin.end()));
-        if (place == end)
-            return;
-        char *const stop = std::search(place, end, tableEnd.begin(), tableEnd.end());
-        repairTable(place, stop, meanings);
-        place = stop;
+    uchar *mapped = file.map(0, file.size());
+    if (!mapped)
+        throw Exception(QStringLiteral("文件“%1”太大，请分几次导出。").arg(file.fileName()));
+    char *begin = reinterpret_cast<char *>(mapped);
+    char *end = begin + file.size();
+    const std::boyer_moore_horspool_searcher search(tableBegin.begin(), tableBegin.end());
+    for (char *table = std::search(begin, end, search); table != end; table = std::search(table, end, search)) {
+        char *tableStop = std::search(table, end, tableEnd.begin(), tableEnd.end());
+        repairTable(table, tableStop, meanings);
+        table = tableStop;
     }
+    file.unmap(mapped);
 }
 
 void PdfText::repairTable(char *begin, char *end, const Meanings &meanings)

@@ -6,6 +6,8 @@
 
 #include <bitset>
 
+class QFileDevice;
+
 namespace report {
 
 /// Makes the texts of a PDF file readable for search and copy. Fonts draw several characters with one glyph (月 and the radical ⽉),
@@ -15,8 +17,9 @@ class PdfText {
 public:
     /// To be called with every page that is drawn.
     void take(const Page &page);
-    /// Changes the tables of characters in the written file, in place.
-    void repair(const QString &path, const Resources &resources) const;
+    /// Changes the tables of characters in the written file, in place. A file that the disk did not take stays as it is: closing it
+    /// tells. Throws Exception for one that is too large for the memory's addresses.
+    void repair(QFileDevice &file, const Resources &resources) const;
 
 private:
     using Meanings = QHash<char16_t, char16_t>; ///< what is named -> what was drawn

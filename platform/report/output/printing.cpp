@@ -7,9 +7,10 @@
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
-#include <QProgressDialog>
 
-using namespace report;
+#include <algorithm>
+
+namespace report {
 
 void setReportPaper(QPrinter &printer, const PreparedReport &report)
 {
@@ -52,23 +53,15 @@ bool printReport(PreparedReport &report, QWidget *parent)
     if (dialog.exec() != QDialog::Accepted)
         return false;
     setReportPaper(printer, report);
-    QProgressDialog progress(QStringLiteral("正在打印…"), QStringLiteral("取消"), 0, 0, parent);
-    progress.setWindowTitle(QStringLiteral("打印"));
-    progress.setWindowModality(Qt::WindowModal);
-    const bool laid = report.layAllPages([&progress](int, int, int) {
-        progress.setValue(0);
-        return !progress.wasCanceled();
-    });
-    if (!laid)
+    InterfaceWork work(QStringLiteral("正在打印…"), QStringLiteral("页"));
+    if (!report.prepareAllPages([&work](int pages, int, int) { return work.report(0, pages); }))
         return true;
     const bool range = dialog.printRange() == QAbstractPrintDialog::PageRange;
     const int last = report.pageCount();
     const int from = range ? std::clamp(printer.fromPage(), 1, last) : 1;
     const int to = range ? std::clamp(printer.toPage(), 1, last) : last;
-    progress.setMaximum(std::max(1, to - from + 1));
-    printPages(report, printer, from, to, [&progress](int done) {
-        progress.setValue(done);
-        return !progress.wasCanceled();
-    });
+    printPages(report, printer, from, to, [&work, pages = to - from + 1](int done) { return work.report(done, pages); });
     return true;
 }
+
+} // namespace report

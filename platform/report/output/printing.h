@@ -2,9 +2,12 @@
 
 #include <functional>
 
-class PreparedReport;
 class QPrinter;
 class QWidget;
+
+namespace report {
+
+class PreparedReport;
 
 /// Lets the user choose printer and pages and prints them, showing progress with Cancel. False when the user cancels the choice.
 bool printReport(PreparedReport &report, QWidget *parent);
@@ -14,3 +17,5 @@ void setReportPaper(QPrinter &printer, const PreparedReport &report);
 /// Prints the pages `from` to `to`, counted from 1, of a report that is laid out. `goesOn` is told of the pages done and breaks the
 /// job off by false. Throws Exception when the printer fails.
 void printPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int pagesDone)> &goesOn = {});
+
+} // namespace report

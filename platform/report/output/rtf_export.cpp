@@ -1,11 +1,13 @@
+#include "platform/report/output/rtf_export.h"
+
+#include "platform/files/safe_file.h"
 #include "platform/report/output/cell_table.h"
-#include "platform/report/output/data_exports.h"
 
-#include <QIODevice>
-
+#include <algorithm>
 #include <cmath>
+#include <optional>
 
-using namespace report;
+namespace report {
 
 namespace {
 
@@ -30,9 +32,9 @@ QByteArray escaped(const QString &text)
 }
 
 /// The tables of fonts and colours at the beginning of the file, and their use.
-class Looks {
+class StyleTables {
 public:
-    explicit Looks(const Resources &resources)
+    explicit StyleTables(const Resources &resources)
         : m_resources(resources)
     {
         for (const Style &style : resources.styles) {
@@ -96,7 +98,7 @@ private:
 };
 
 /// One row of a table. Its cells stand where their boxes do, with empty ones in between.
-QByteArray rowText(const CellRow &row, const Looks &looks, const Resources &resources)
+QByteArray rowText(const CellRow &row, const StyleTables &styles, const Resources &resources)
 {
     QByteArray cells = "\\trowd\\trgaph30\\trrh" + QByteArray::number(twips(row.height)) + "\n";
     QByteArray texts;
@@ -109,8 +111,8 @@ QByteArray rowText(const CellRow &row, const Looks &looks, const Resources &reso
         }
         // Texts that cover each other follow one another here.
         right = std::max(right + 100, box.x() + box.width());
-        cells += looks.cellFormat(resources.styles[cell.primitive->style]) + "\\cellx" + QByteArray::number(twips(right)) + "\n";
-        texts += looks.cellText(*cell.primitive);
+        cells += styles.cellFormat(resources.styles[cell.primitive->style]) + "\\cellx" + QByteArray::number(twips(right)) + "\n";
+        texts += styles.cellText(*cell.primitive);
     }
     return cells + "\\pard\\intbl\n" + texts + "\\row\n";
 }
@@ -121,31 +123,37 @@ QByteArray gapText(int height)
                         : QByteArray("\\pard\\fs2\\sl-" + QByteArray::number(std::max(20, twips(height))) + "\\slmult0\\par\n");
 }
 
+QByteArray headOf(QSize paper, const StyleTables &styles)
+{
+    return "{\\rtf1\\ansi\\ansicpg936\\uc1\\deff0" + styles.tables() + "\\paperw" + QByteArray::number(twips(paper.width())) + "\\paperh"
+        + QByteArray::number(twips(paper.height())) + (paper.width() > paper.height() ? "\\landscape" : "")
+        + "\\margl0\\margr0\\margt283\\margb0\n";
+}
+
 } // namespace
 
 QString RtfExport::caption() const { return QStringLiteral("RTF 文档"); }
 
 void RtfExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
-    writeFile(fileName, [&](QIODevice &file) {
-        std::optional<Looks> looks;
-        forEachPage(report, progress, [&](const Page &page) {
-            int bottom = page.isEmpty() ? 0 : 500;
-            if (!looks) {
-                looks.emplace(report.resources());
-                const QSize paper = report.paper();
-                file.write("{\\rtf1\\ansi\\ansicpg936\\uc1\\deff0" + looks->tables() + "\\paperw" + QByteArray::number(twips(paper.width()))
-                    + "\\paperh" + QByteArray::number(twips(paper.height())) + (paper.width() > paper.height() ? "\\landscape" : "")
-                    + "\\margl0\\margr0\\margt283\\margb0\n");
-            } else {
-                file.write("\\pard\\fs2\\page\n");
-            }
-            for (const CellRow &row : cellRows(page, report.resources())) {
-                file.write(gapText(row.top - bottom));
-                file.write(rowText(row, *looks, report.resources()));
-                bottom = row.top + row.height;
-            }
-        });
-        file.write("}\n");
+    files::SafeFile file(fileName);
+    std::optional<StyleTables> styles;
+    forEachPage(report, progress, [&](const Page &page) {
+        int bottom = page.isEmpty() ? 0 : 500;
+        if (!styles) {
+            styles.emplace(report.resources());
+            file.write(headOf(report.paper(), *styles));
+        } else {
+            file.write("\\pard\\fs2\\page\n");
+        }
+        for (const CellRow &row : cellRows(page, report.resources())) {
+            file.write(gapText(row.top - bottom));
+            file.write(rowText(row, *styles, report.resources()));
+            bottom = row.top + row.height;
+        }
     });
+    file.write("}\n");
+    file.commit();
 }
+
+} // namespace report

@@ -1,149 +1,132 @@
-#include "platform/report/output/cell_table.h"
-#include "platform/report/output/data_exports.h"
-#include "platform/report/output/file_set.h"
-#include "platform/toolkit/exception.h"
+#include "platform/report/output/spreadsheet_export.h"
 
-#include <QDir>
-#include <QFile>
+#include "platform/files/safe_file.h"
+#include "platform/files/workbook.h"
+#include "platform/report/output/cell_table.h"
+
 #include <QHash>
 
-#include <memory>
+#include <cmath>
+#include <optional>
+#include <vector>
 
-#include <xlsxwriter.h>
-
-using namespace report;
+namespace report {
 
 namespace {
 
-constexpr lxw_row_t mostRows = LXW_ROW_MAX;
+constexpr qreal screenDots = 96; ///< to an inch: what a workbook's widths are counted in
 
-/// More digits than this a spreadsheet would change.
-constexpr int mostDigits = 15;
-
-bool fitsDouble(const QString &number)
+/// The exact value that a cell shows, where a spreadsheet keeps it as it is.
+std::optional<double> numberOf(const Primitive &primitive, const QString &text)
 {
-    return std::count_if(number.begin(), number.end(), [](QChar character) { return character.isDigit(); }) <= mostDigits;
+    if (primitive.number.isEmpty() || text != plainText(primitive))
+        return std::nullopt;
+    const auto number = packet::Decimal::parse(primitive.number.toStdString());
+    return number ? files::exactNumber(*number) : std::nullopt;
 }
 
-/// A workbook that is written to a file row by row.
-class Workbook {
+/// The rows of a report in a workbook.
+class ReportWorkbook {
 public:
-    Workbook(const QString &path, const DataRows &rows, const Resources &resources, CellLooks looks)
-        : m_rows(rows)
-        , m_resources(resources)
+    ReportWorkbook(const files::SafeFile &file, const PreparedReport &report, CellLooks looks)
+        : m_rows(report.resources())
+        , m_resources(report.resources())
+        , m_title(report.title())
         , m_looks(looks)
+        , m_book(file)
     {
-        QByteArray directory = QDir::tempPath().toUtf8();
-        lxw_workbook_options options {};
-        options.constant_memory = LXW_TRUE;
-        options.tmpdir = directory.data();
-        m_book = workbook_new_opt(path.toUtf8().constData(), &options);
-        if (m_book == nullptr)
-            throw Exception(QStringLiteral("没有足够的内存写电子表格。"));
         addSheet();
     }
-    Workbook(const Workbook &) = delete;
-    ~Workbook()
+
+    void addPage(const Page &page)
     {
-        if (m_book != nullptr)
-            lxw_workbook_free(m_book);
+        for (const CellRow &row : m_rows.rowsOf(page))
+            addRow(row);
+    }
+    void close() { m_book.close(); }
+
+private:
+    struct SheetCell {
+        const Primitive *first = nullptr; ///< of the texts that stand side by side in the column
+        QString text {};
+    };
+
+    void addSheet()
+    {
+        m_book.addSheet(m_title);
+        m_row = 0;
+        for (int column = 0; column < m_rows.columnCount(); ++column)
+            m_book.setColumnWidth(column, int(std::lround(m_rows.columnWidth(column) * screenDots / (25.4 * millimetre))));
     }
 
     void addRow(const CellRow &row)
     {
-        if (m_row == mostRows)
+        if (m_row == files::mostSheetRows)
             addSheet();
-        QHash<int, QString> texts;
-        QHash<int, const Primitive *> firsts;
+        auto cells = std::vector<SheetCell>(std::size_t(m_rows.columnCount()));
         for (const Cell &cell : row.cells) {
-            QString &text = texts[cell.column];
+            SheetCell &sheetCell = cells[std::size_t(cell.column)];
             const QString added = plainText(*cell.primitive);
-            text += !text.isEmpty() && !added.isEmpty() ? QString(u' ' + added) : added;
-            const Primitive *&first = firsts[cell.column];
-            first = first == nullptr ? cell.primitive : first;
+            sheetCell.text += !sheetCell.text.isEmpty() && !added.isEmpty() ? QString(u' ' + added) : added;
+            if (!sheetCell.first)
+                sheetCell.first = cell.primitive;
         }
-        for (int column = 0; column < m_rows.columnCount(); ++column) {
-            if (const Primitive *const first = firsts.value(column))
-                write(lxw_col_t(column), *first, texts.value(column));
+        for (std::size_t column = 0; column < cells.size(); ++column) {
+            if (cells[column].first)
+                write(int(column), cells[column]);
         }
         ++m_row;
     }
 
-    void close()
+    void write(int column, const SheetCell &cell)
     {
-        const lxw_error error = workbook_close(std::exchange(m_book, nullptr));
-        if (error != LXW_NO_ERROR)
-            throw Exception(QStringLiteral("电子表格没有写完：") + QString::fromUtf8(lxw_strerror(error)));
-    }
-
-private:
-    void addSheet()
-    {
-        m_sheet = workbook_add_worksheet(m_book, nullptr);
-        m_row = 0;
-        if (m_sheet == nullptr)
-            throw Exception(QStringLiteral("电子表格不能再加工作表。"));
-        // A width of one is a digit of the standard font, two millimetres wide.
-        for (int column = 0; column < m_rows.columnCount(); ++column)
-            worksheet_set_column(m_sheet, lxw_col_t(column), lxw_col_t(column), m_rows.columnWidth(column) / 200.0, nullptr);
-        worksheet_ignore_errors(m_sheet, LXW_IGNORE_NUMBER_STORED_AS_TEXT, "A1:XFD1048576");
-    }
-
-    void write(lxw_col_t column, const Primitive &primitive, const QString &text)
-    {
-        const bool number = !primitive.number.isEmpty() && fitsDouble(primitive.number) && text == plainText(primitive);
-        lxw_format *const look = format(primitive.style, number);
-        if (text.isEmpty())
-            worksheet_write_blank(m_sheet, m_row, column, look);
+        const auto number = numberOf(*cell.first, cell.text);
+        lxw_format *look = format(cell.first->style, number.has_value());
+        if (cell.text.isEmpty())
+            m_book.writeBlank(m_row, column, look);
         else if (number)
-            worksheet_write_number(m_sheet, m_row, column, primitive.number.toDouble(), look);
+            m_book.writeNumber(m_row, column, *number, look);
         else
-            worksheet_write_string(m_sheet, m_row, column, text.toUtf8().constData(), look);
+            m_book.writeText(m_row, column, cell.text.toStdString(), look);
     }
 
     lxw_format *format(quint16 style, bool number)
     {
         lxw_format *&format = m_formats[{ style, number }];
-        if (format == nullptr)
-            format = newFormat(m_resources.styles[style], number);
+        if (!format)
+            format = m_book.addFormat(look(m_resources.styles[style], number));
         return format;
     }
 
-    lxw_format *newFormat(const Style &style, bool number)
+    files::CellFormat look(const Style &style, bool number) const
     {
-        lxw_format *const format = workbook_add_format(m_book);
-        const QByteArray numberFormat = !number ? QByteArray("@") : style.format.isEmpty() ? QByteArray("General") : style.format.toUtf8();
-        format_set_num_format(format, numberFormat.constData());
-        if (m_looks & CellLook::Alignment) {
-            format_set_align(format,
-                quint8(style.alignment & Qt::AlignRight      ? LXW_ALIGN_RIGHT
-                        : style.alignment & Qt::AlignHCenter ? LXW_ALIGN_CENTER
-                                                             : LXW_ALIGN_LEFT));
-            format_set_align(format, LXW_ALIGN_VERTICAL_CENTER);
-        }
-        if (m_looks & CellLook::FillColor && style.fill.isValid())
-            format_set_bg_color(format, style.fill.rgb() & 0xffffff);
+        files::CellFormat look { .number = "@" };
+        if (number)
+            look.number = style.format.isEmpty() ? QByteArray("General") : style.format.toUtf8();
+        if (m_looks & CellLook::Alignment)
+            look.alignment = style.alignment;
+        if (m_looks & CellLook::FillColor)
+            look.fill = style.fill;
         if (m_looks & CellLook::FontColor)
-            format_set_font_color(format, style.color.rgb() & 0xffffff);
+            look.color = style.color;
         if (m_looks & CellLook::FontName)
-            format_set_font_name(format, style.family.toUtf8().constData());
+            look.family = style.family;
         if (m_looks & CellLook::FontSize)
-            format_set_font_size(format, style.points);
-        if (m_looks & CellLook::FontStyle && style.bold)
-            format_set_bold(format);
-        if (m_looks & CellLook::FontStyle && style.italic)
-            format_set_italic(format);
-        if (m_looks & CellLook::FontStyle && style.underline)
-            format_set_underline(format, LXW_UNDERLINE_SINGLE);
-        return format;
+            look.points = style.points;
+        if (m_looks & CellLook::FontStyle) {
+            look.bold = style.bold;
+            look.italic = style.italic;
+            look.underline = style.underline;
+        }
+        return look;
     }
 
-    const DataRows &m_rows;
+    DataRows m_rows;
     const Resources &m_resources;
+    QString m_title;
     CellLooks m_looks;
-    lxw_workbook *m_book = nullptr;
-    lxw_worksheet *m_sheet = nullptr;
-    lxw_row_t m_row = 0;
+    files::Workbook m_book;
+    std::uint32_t m_row = 0;
     QHash<std::pair<quint16, bool>, lxw_format *> m_formats;
 };
 
@@ -153,17 +136,11 @@ QString SpreadsheetExport::caption() const { return QStringLiteral("电子表格
 
 void SpreadsheetExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
-    FileSet files;
-    const QString path = files.add(fileName);
-    // Tried first, since the library tells why only at the end.
-    if (QFile file(path); !file.open(QIODevice::WriteOnly))
-        throw Exception(QStringLiteral("文件“%1”不能写入：").arg(fileName) + file.errorString());
-    DataRows rows(report.resources());
-    Workbook book(path, rows, report.resources(), m_looks);
-    forEachPage(report, progress, [&](const Page &page) {
-        for (const CellRow &row : rows.rowsOf(page))
-            book.addRow(row);
-    });
+    files::SafeFile file(fileName);
+    ReportWorkbook book(file, report, m_looks);
+    forEachPage(report, progress, [&](const Page &page) { book.addPage(page); });
     book.close();
-    files.commit();
+    file.commit();
 }
+
+} // namespace report

@@ -7,7 +7,6 @@ namespace report {
 /// What a spreadsheet takes over from the look of the report.
 enum class CellLook { Alignment = 1, FillColor = 2, FontColor = 4, FontName = 8, FontSize = 16, FontStyle = 32 };
 Q_DECLARE_FLAGS(CellLooks, CellLook)
-Q_DECLARE_OPERATORS_FOR_FLAGS(CellLooks)
 
 /// The report's data as an .xlsx workbook: numbers as numbers, everything else as text that stays as it is. A sheet that is full is
 /// followed by another.
@@ -28,3 +27,6 @@ private:
 };
 
 } // namespace report
+
+// Out here they do not hide those of Qt from the namespace.
+Q_DECLARE_OPERATORS_FOR_FLAGS(report::CellLooks)

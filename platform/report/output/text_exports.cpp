@@ -1,12 +1,15 @@
-#include "platform/report/layout/text_face.h"
+#include "platform/report/output/text_exports.h"
+
+#include "platform/files/cell_text.h"
+#include "platform/files/safe_file.h"
 #include "platform/report/output/cell_table.h"
-#include "platform/report/output/data_exports.h"
 
-#include <QIODevice>
-
+#include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <vector>
 
-using namespace report;
+namespace report {
 
 namespace {
 
@@ -56,34 +59,25 @@ QStringList linesOf(const CellRow &row, const Resources &resources, qreal scale)
     return lines;
 }
 
-QString csvCell(const QString &text, bool number, QChar delimiter)
-{
-    static const QString runs = QStringLiteral("=+-@\t\r");
-    QString cell = text;
-    if (!number && !cell.isEmpty() && runs.contains(cell[0]))
-        cell.prepend(u'\t');
-    const bool quotes
-        = cell.contains(delimiter) || cell.contains(u'"') || cell.contains(u'\n') || cell.contains(u'\r') || cell.startsWith(u'\t');
-    return quotes ? QString(u'"' + cell.replace(u'"', QStringLiteral("\"\"")) + u'"') : cell;
-}
-
 /// The texts of a row by their columns; several in one column stand side by side.
-QString csvLine(const CellRow &row, int columns, QChar delimiter)
+void appendCsvLine(files::TextBuffer &out, const CellRow &row, int columns, char delimiter)
 {
-    QStringList texts(columns);
-    QList<bool> numbers(columns, false);
+    auto texts = std::vector<std::string>(std::size_t(columns));
     for (const Cell &cell : row.cells) {
-        QString &text = texts[cell.column];
+        std::string &text = texts[std::size_t(cell.column)];
         // A number is written as it is, without the marks between thousands.
-        const bool number = text.isEmpty() && !cell.primitive->number.isEmpty() && !cell.primitive->text.isEmpty();
-        if (!text.isEmpty() && !cell.primitive->text.isEmpty())
-            text += u' ';
-        text += number ? cell.primitive->number : plainText(*cell.primitive);
-        numbers[cell.column] = number;
+        const bool number = text.empty() && !cell.primitive->number.isEmpty() && !cell.primitive->text.isEmpty();
+        if (!text.empty() && !cell.primitive->text.isEmpty())
+            text += ' ';
+        text += (number ? cell.primitive->number : plainText(*cell.primitive)).toStdString();
     }
-    for (int column = 0; column < columns; ++column)
-        texts[column] = csvCell(texts[column], numbers[column], delimiter);
-    return texts.join(delimiter);
+    const files::SeparatedCells cells(delimiter);
+    for (std::size_t column = 0; column < texts.size(); ++column) {
+        if (column > 0)
+            out += delimiter;
+        cells.append(out, texts[column]);
+    }
+    out += "\r\n";
 }
 
 } // namespace
@@ -92,36 +86,41 @@ QString TextExport::caption() const { return QStringLiteral("文本文件"); }
 
 void TextExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
-    writeFile(fileName, [&](QIODevice &file) {
-        file.write(byteOrderMark);
-        bool first = true;
-        forEachPage(report, progress, [&](const Page &page) {
-            if (!first)
-                file.write("\f");
-            first = false;
-            int bottom = -1;
-            for (const CellRow &row : cellRows(page, report.resources())) {
-                const int blank = bottom < 0 ? 0 : int((row.top - bottom) * m_scaleY / lineRoom);
-                file.write(QByteArray("\r\n").repeated(std::clamp(blank, 0, mostBlankLines)));
-                for (const QString &line : linesOf(row, report.resources(), m_scaleX))
-                    file.write(line.toUtf8() + "\r\n");
-                bottom = row.top + row.height;
-            }
-        });
+    files::SafeFile file(fileName);
+    file.write(byteOrderMark);
+    bool first = true;
+    forEachPage(report, progress, [&](const Page &page) {
+        if (!first)
+            file.write("\f");
+        first = false;
+        int bottom = -1;
+        for (const CellRow &row : cellRows(page, report.resources())) {
+            const int blank = bottom < 0 ? 0 : int((row.top - bottom) * m_scaleY / lineRoom);
+            file.write(QByteArray("\r\n").repeated(std::clamp(blank, 0, mostBlankLines)));
+            for (const QString &line : linesOf(row, report.resources(), m_scaleX))
+                file.write(QByteArray(line.toUtf8() + "\r\n"));
+            bottom = row.top + row.height;
+        }
     });
+    file.commit();
 }
 
 QString CsvExport::caption() const { return QStringLiteral("CSV 数据"); }
 
 void CsvExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
-    writeFile(fileName, [&](QIODevice &file) {
-        file.write(byteOrderMark);
-        const QSize tolerance(std::max(1, int(nearby.width() / m_scaleX)), std::max(1, int(nearby.height() / m_scaleY)));
-        DataRows rows(report.resources(), tolerance);
-        forEachPage(report, progress, [&](const Page &page) {
-            for (const CellRow &row : rows.rowsOf(page))
-                file.write(csvLine(row, rows.columnCount(), m_delimiter).toUtf8() + "\r\n");
-        });
+    files::SafeFile file(fileName);
+    file.write(byteOrderMark);
+    const QSize tolerance(std::max(1, int(nearby.width() / m_scaleX)), std::max(1, int(nearby.height() / m_scaleY)));
+    DataRows rows(report.resources(), tolerance);
+    files::TextBuffer lines;
+    forEachPage(report, progress, [&](const Page &page) {
+        lines.clear();
+        for (const CellRow &row : rows.rowsOf(page))
+            appendCsvLine(lines, row, rows.columnCount(), m_delimiter);
+        file.write(lines.view());
     });
+    file.commit();
 }
+
+} // namespace report

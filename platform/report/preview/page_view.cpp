@@ -7,7 +7,10 @@
 #include <QPainter>
 #include <QScrollBar>
 
-using namespace report;
+#include <algorithm>
+#include <memory>
+
+namespace report {
 
 namespace {
 
@@ -57,7 +60,7 @@ void PageView::setZoom(PageZoom zoom, qreal percent)
 
 qreal PageView::scale() const { return m_percent / 100 * logicalDpiX() / (25.4 * millimetre); }
 
-QSize PageView::pageSize() const { return m_report == nullptr ? QSize(1, 1) : (QSizeF(m_report->paper()) * scale()).toSize(); }
+QSize PageView::pageSize() const { return m_report ? (QSizeF(m_report->paper()) * scale()).toSize() : QSize(1, 1); }
 
 int PageView::pageStep() const { return pageSize().height() + gap; }
 
@@ -71,7 +74,7 @@ QRect PageView::pageRect(int page) const
 
 void PageView::arrange()
 {
-    if (m_report == nullptr)
+    if (!m_report)
         return;
     const QSizeF paper = QSizeF(m_report->paper()) * logicalDpiX() / (25.4 * millimetre);
     const qreal across = (viewport()->width() - 2 * gap) / paper.width() * 100;
@@ -88,7 +91,7 @@ void PageView::arrange()
 
 int PageView::currentPage() const
 {
-    if (m_report == nullptr || m_report->pageCount() == 0)
+    if (!m_report || m_report->pageCount() == 0)
         return 0;
     // The page that takes the upper middle of the window.
     return std::clamp((verticalScrollBar()->value() + viewport()->height() / 3) / pageStep(), 0, m_report->pageCount() - 1);
@@ -113,9 +116,9 @@ void PageView::markBox(int page, const QRect &box)
 
 const Page &PageView::page(int index)
 {
-    if (Page *const kept = m_pages.object(index))
+    if (Page *kept = m_pages.object(index))
         return *kept;
-    auto *const page = new Page(m_report->page(index));
+    auto *page = new Page(m_report->page(index));
     m_pages.insert(index, page);
     return *page;
 }
@@ -140,7 +143,7 @@ void PageView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(viewport());
     painter.fillRect(event->rect(), QColor(0x8b, 0x91, 0x99));
-    if (m_report == nullptr)
+    if (!m_report)
         return;
     const int first = std::max(0, (verticalScrollBar()->value() + event->rect().top() - gap) / pageStep());
     for (int index = first; index < m_report->pageCount(); ++index) {
@@ -189,7 +192,7 @@ void PageView::wheelEvent(QWheelEvent *event)
 
 void PageView::keyPressEvent(QKeyEvent *event)
 {
-    QScrollBar *const bar = verticalScrollBar();
+    QScrollBar *bar = verticalScrollBar();
     switch (event->key()) {
     case Qt::Key_Home:
         return bar->setValue(0);
@@ -204,3 +207,5 @@ void PageView::keyPressEvent(QKeyEvent *event)
         QAbstractScrollArea::keyPressEvent(event);
     }
 }
+
+} // namespace report

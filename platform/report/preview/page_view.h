@@ -5,6 +5,10 @@
 #include <QAbstractScrollArea>
 #include <QCache>
 
+#include <memory>
+
+namespace report {
+
 class PreparedReport;
 
 enum class PageZoom { Percent, FitWidth, WholePage };
@@ -47,13 +51,15 @@ private:
     QRect pageRect(int page) const; ///< in the viewport
     int pageStep() const;
     void arrange();
-    const report::Page &page(int index);
+    const Page &page(int index);
 
     PreparedReport *m_report = nullptr;
-    std::unique_ptr<report::PagePainter> m_painter;
-    QCache<int, report::Page> m_pages { 16 };
+    std::unique_ptr<PagePainter> m_painter;
+    QCache<int, Page> m_pages { 16 };
     PageZoom m_zoom = PageZoom::FitWidth;
     qreal m_percent = 100;
     int m_markedPage = -1;
     QRect m_marked;
 };
+
+} // namespace report

@@ -1,10 +1,12 @@
 #include "platform/report/preview/preview_window.h"
 
 #include "platform/report/output/cell_table.h"
+#include "platform/report/output/page_exports.h"
 #include "platform/report/output/printing.h"
 #include "platform/report/preview/page_view.h"
 #include "platform/report/preview/thumbnail_model.h"
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/long_work.h"
 #include "platform/toolkit/plain_text.h"
 
 #include <QAction>
@@ -16,14 +18,16 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QProgressBar>
-#include <QProgressDialog>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QSplitter>
 #include <QToolBar>
 #include <QVBoxLayout>
 
-using namespace report;
+#include <algorithm>
+#include <limits>
+
+namespace report {
 
 namespace {
 
@@ -31,24 +35,6 @@ constexpr int idleSlice = 20; ///< milliseconds
 constexpr QStringView fitWidth = u"适合宽度";
 constexpr QStringView wholePage = u"整页";
 constexpr QStringView savedFilter = u"保存的报表 (*.kpages)";
-
-/// A window that shows how far work is and lets the user cancel it; only after a while.
-class Progress : public QProgressDialog {
-public:
-    Progress(const QString &text, QWidget *parent)
-        : QProgressDialog(text, QStringLiteral("取消"), 0, 0, parent)
-    {
-        setWindowTitle(text);
-        setWindowModality(Qt::WindowModal);
-        setMinimumDuration(400);
-    }
-    bool show(int done, int all)
-    {
-        setMaximum(std::max(1, all));
-        setValue(std::min(done, maximum() - 1));
-        return !wasCanceled();
-    }
-};
 
 } // namespace
 
@@ -62,7 +48,7 @@ PreviewWindow::PreviewWindow(PreparedReport &report, QList<ExportFilter *> filte
     , m_thumbnails(new QListView(this))
     , m_thumbnailModel(new ThumbnailModel(*m_view, this))
 {
-    if (filterFor(m_filters, QStringLiteral(".pdf")) == nullptr) {
+    if (!filterFor(m_filters, QStringLiteral(".pdf"))) {
         m_pdf = std::make_unique<PdfExport>();
         m_filters.prepend(m_pdf.get());
     }
@@ -74,12 +60,12 @@ PreviewWindow::PreviewWindow(PreparedReport &report, QList<ExportFilter *> filte
     m_thumbnails->setIconSize({ 110, 150 });
     m_thumbnails->setMovement(QListView::Static);
     m_thumbnails->setFixedWidth(158);
-    auto *const pages = new QHBoxLayout;
+    auto *pages = new QHBoxLayout;
     pages->addWidget(m_thumbnails);
     pages->addWidget(m_view, 1);
     buildTools();
     buildFindBar();
-    auto *const layout = new QVBoxLayout(this);
+    auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(m_tools);
@@ -88,8 +74,8 @@ PreviewWindow::PreviewWindow(PreparedReport &report, QList<ExportFilter *> filte
     layout->addWidget(buildStatus());
     handle(m_view, &PageView::currentPageChanged, this, &PreviewWindow::showPosition);
     handle(m_view, &PageView::zoomChanged, this, &PreviewWindow::showZoom);
-    handle(m_thumbnails, &QListView::clicked, this, [this](const QModelIndex &index) { goTo(index.row()); });
-    handle(&m_idle, &QTimer::timeout, this, &PreviewWindow::layInIdleTime);
+    handle(m_thumbnails, &QListView::clicked, this, [this](const QModelIndex &index) { showPage(index.row()); });
+    handle(&m_idle, &QTimer::timeout, this, &PreviewWindow::prepareInIdleTime);
     resize(1000, 760);
     setReport(&report);
     m_view->setFocus();
@@ -99,7 +85,7 @@ PreviewWindow::~PreviewWindow() = default;
 
 QAction *PreviewWindow::addTool(const QString &text, const QString &tip, const QKeySequence &key, void (PreviewWindow::*work)())
 {
-    QAction *const action = m_tools->addAction(text);
+    QAction *action = m_tools->addAction(text);
     action->setShortcut(key);
     action->setToolTip(key.isEmpty() ? tip : QString(tip + u'（' + key.toString(QKeySequence::NativeText) + u'）'));
     handle(action, &QAction::triggered, this, work);
@@ -118,8 +104,8 @@ void PreviewWindow::buildTools()
     if (has(PreviewButton::Export))
         addTool(QStringLiteral("导出"), QStringLiteral("导出为其他格式"), Qt::CTRL | Qt::Key_E, &PreviewWindow::exportAll);
     m_tools->addSeparator();
-    addTool(QStringLiteral("首页"), QStringLiteral("第一页"), Qt::CTRL | Qt::Key_Home, &PreviewWindow::goFirst);
-    addTool(QStringLiteral("上页"), QStringLiteral("上一页"), Qt::CTRL | Qt::Key_PageUp, &PreviewWindow::goBack);
+    addTool(QStringLiteral("首页"), QStringLiteral("第一页"), Qt::CTRL | Qt::Key_Home, &PreviewWindow::showFirstPage);
+    addTool(QStringLiteral("上页"), QStringLiteral("上一页"), Qt::CTRL | Qt::Key_PageUp, &PreviewWindow::showPreviousPage);
     m_pageBox = new QSpinBox(m_tools);
     m_pageBox->setMinimum(1);
     m_pageBox->setKeyboardTracking(false);
@@ -129,9 +115,9 @@ void PreviewWindow::buildTools()
     m_tools->addWidget(m_pageBox);
     m_pageCount = plainLabel({}, m_tools);
     m_tools->addWidget(m_pageCount);
-    handle(m_pageBox, &QSpinBox::valueChanged, this, [this](int page) { goTo(page - 1); });
-    addTool(QStringLiteral("下页"), QStringLiteral("下一页"), Qt::CTRL | Qt::Key_PageDown, &PreviewWindow::goOn);
-    addTool(QStringLiteral("末页"), QStringLiteral("最后一页"), Qt::CTRL | Qt::Key_End, &PreviewWindow::goLast);
+    handle(m_pageBox, &QSpinBox::valueChanged, this, [this](int page) { showPage(page - 1); });
+    addTool(QStringLiteral("下页"), QStringLiteral("下一页"), Qt::CTRL | Qt::Key_PageDown, &PreviewWindow::showNextPage);
+    addTool(QStringLiteral("末页"), QStringLiteral("最后一页"), Qt::CTRL | Qt::Key_End, &PreviewWindow::showLastPage);
     m_tools->addSeparator();
     m_zoomBox = new QComboBox(m_tools);
     m_zoomBox->setEditable(true);
@@ -142,7 +128,7 @@ void PreviewWindow::buildTools()
     for (const int percent : { 50, 75, 100, 125, 150, 200 })
         m_zoomBox->addItem(QStringLiteral("%1%").arg(percent));
     handle(m_zoomBox, &QComboBox::textActivated, this, &PreviewWindow::chooseZoom);
-    QAction *const zoom = m_tools->addWidget(m_zoomBox);
+    QAction *zoom = m_tools->addWidget(m_zoomBox);
     zoom->setVisible(has(PreviewButton::Zoom));
     if (has(PreviewButton::Find))
         addTool(QStringLiteral("查找"), QStringLiteral("查找文字"), QKeySequence::Find, &PreviewWindow::showFindBar);
@@ -152,7 +138,7 @@ void PreviewWindow::buildTools()
     thumbnails->setChecked(true);
     if (has(PreviewButton::Exit)) {
         m_tools->addSeparator();
-        QAction *const exit = m_tools->addAction(QStringLiteral("关闭"));
+        QAction *exit = m_tools->addAction(QStringLiteral("关闭"));
         exit->setToolTip(QStringLiteral("关闭预览（Esc）"));
         handle(exit, &QAction::triggered, this, [this] { reject(); });
     }
@@ -166,7 +152,7 @@ void PreviewWindow::buildFindBar()
     m_findText->setClearButtonEnabled(true);
     m_findBar->addWidget(m_findText);
     const auto add = [this](const QString &text, const QKeySequence &key, void (PreviewWindow::*work)()) {
-        QAction *const action = m_findBar->addAction(text);
+        QAction *action = m_findBar->addAction(text);
         action->setShortcut(key);
         handle(action, &QAction::triggered, this, work);
     };
@@ -180,8 +166,8 @@ void PreviewWindow::buildFindBar()
 
 QWidget *PreviewWindow::buildStatus()
 {
-    auto *const bar = new QWidget(this);
-    auto *const layout = new QHBoxLayout(bar);
+    auto *bar = new QWidget(this);
+    auto *layout = new QHBoxLayout(bar);
     layout->setContentsMargins(8, 3, 8, 3);
     m_status = plainLabel({}, bar);
     m_progress = new QProgressBar(bar);
@@ -192,7 +178,7 @@ QWidget *PreviewWindow::buildStatus()
     layout->addWidget(m_status, 1);
     layout->addWidget(m_progress);
     layout->addWidget(m_cancel);
-    handle(m_cancel, &QPushButton::clicked, this, &PreviewWindow::cancelLaying);
+    handle(m_cancel, &QPushButton::clicked, this, &PreviewWindow::stopPreparing);
     return bar;
 }
 
@@ -201,7 +187,7 @@ void PreviewWindow::setReport(PreparedReport *report)
     m_report = report;
     m_foundPage = -1;
     if (report->pageCount() == 0)
-        report->layNextPage();
+        report->prepareNextPage();
     setWindowTitle(report->title().isEmpty() ? QStringLiteral("打印预览") : QStringLiteral("打印预览 - ") + report->title());
     m_thumbnailModel->reset();
     m_view->setReport(report);
@@ -210,7 +196,7 @@ void PreviewWindow::setReport(PreparedReport *report)
     pagesAdded();
 }
 
-void PreviewWindow::layInIdleTime()
+void PreviewWindow::prepareInIdleTime()
 {
     // Stopped first, so that an error is shown once.
     m_idle.stop();
@@ -219,7 +205,7 @@ void PreviewWindow::layInIdleTime()
     bool more = true;
     try {
         while (more && elapsed.elapsed() < idleSlice)
-            more = m_report->layNextPage();
+            more = m_report->prepareNextPage();
     } catch (...) {
         pagesAdded();
         throw;
@@ -229,7 +215,7 @@ void PreviewWindow::layInIdleTime()
     pagesAdded();
 }
 
-void PreviewWindow::cancelLaying()
+void PreviewWindow::stopPreparing()
 {
     m_idle.stop();
     pagesAdded();
@@ -261,13 +247,13 @@ void PreviewWindow::showPosition()
     m_thumbnails->setCurrentIndex(m_thumbnailModel->index(page));
 }
 
-void PreviewWindow::goTo(int page) { m_view->showPage(std::clamp(page, 0, pageCount() - 1)); }
+void PreviewWindow::showPage(int page) { m_view->showPage(std::clamp(page, 0, pageCount() - 1)); }
 
-void PreviewWindow::goBack() { goTo(m_view->currentPage() - 1); }
+void PreviewWindow::showPreviousPage() { showPage(m_view->currentPage() - 1); }
 
-void PreviewWindow::goOn() { goTo(m_view->currentPage() + 1); }
+void PreviewWindow::showNextPage() { showPage(m_view->currentPage() + 1); }
 
-void PreviewWindow::goLast() { goTo(pageCount() - 1); }
+void PreviewWindow::showLastPage() { showPage(pageCount() - 1); }
 
 void PreviewWindow::chooseZoom(const QString &text)
 {
@@ -306,8 +292,8 @@ void PreviewWindow::save()
         return;
     if (!name.endsWith(u".kpages"))
         name += u".kpages";
-    Progress progress(QStringLiteral("正在保存"), this);
-    m_report->save(name, [&](int, int done, int rows) { return progress.show(done, rows); });
+    InterfaceWork work(QStringLiteral("正在保存…"));
+    m_report->save(name, [&work](int, int done, int rows) { return work.report(done, rows); });
     pagesAdded();
 }
 
@@ -320,19 +306,19 @@ void PreviewWindow::printAll()
 void PreviewWindow::exportAll()
 {
     QStringList kinds;
-    for (const ExportFilter *const filter : std::as_const(m_filters))
+    for (const ExportFilter *filter : std::as_const(m_filters))
         kinds.append(filter->caption() + QStringLiteral(" (*") + filter->ending() + u')');
     QString kind;
     QString name = QFileDialog::getSaveFileName(this, QStringLiteral("导出"), m_report->title(), kinds.join(QStringLiteral(";;")), &kind);
     if (name.isEmpty())
         return;
     ExportFilter *filter = filterFor(m_filters, name);
-    if (filter == nullptr) {
+    if (!filter) {
         filter = m_filters[std::max<qsizetype>(0, kinds.indexOf(kind))];
         name += filter->ending();
     }
-    Progress progress(QStringLiteral("正在导出"), this);
-    filter->exportReport(*m_report, name, [&](int done, int pages) { return progress.show(done, pages); });
+    InterfaceWork work(QStringLiteral("正在导出…"), QStringLiteral("页"));
+    filter->exportReport(*m_report, name, [&work](int done, int pages) { return work.report(done, pages); });
     pagesAdded();
 }
 
@@ -353,9 +339,9 @@ bool PreviewWindow::find(const QString &text, bool forward)
         return false;
     int pageIndex = m_foundPage < 0 ? m_view->currentPage() : m_foundPage;
     qsizetype place = m_foundPage < 0 ? (forward ? -1 : std::numeric_limits<qsizetype>::max()) : m_foundPlace;
-    Progress progress(QStringLiteral("正在查找"), this);
-    const auto goesOn = [&] { return progress.show(m_report->rowsDone(), m_report->rowCount()) && m_report->layNextPage(); };
-    while (pageIndex >= 0 && (pageIndex < pageCount() || (forward && goesOn()))) {
+    InterfaceWork work(QStringLiteral("正在查找…"));
+    const auto preparesNext = [&] { return work.report(m_report->rowsDone(), m_report->rowCount()) && m_report->prepareNextPage(); };
+    while (pageIndex >= 0 && (pageIndex < pageCount() || (forward && preparesNext()))) {
         const Page page = m_report->page(pageIndex);
         const qsizetype step = forward ? 1 : -1;
         for (qsizetype index = forward ? place + 1 : std::min(place, page.size()) - 1; index >= 0 && index < page.size(); index += step) {
@@ -393,3 +379,5 @@ void PreviewWindow::keyPressEvent(QKeyEvent *event)
     }
     QDialog::keyPressEvent(event);
 }
+
+} // namespace report

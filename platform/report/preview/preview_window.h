@@ -6,7 +6,8 @@
 #include <QDialog>
 #include <QTimer>
 
-class PageView;
+#include <memory>
+
 class QAction;
 class QComboBox;
 class QLabel;
@@ -16,6 +17,11 @@ class QProgressBar;
 class QPushButton;
 class QSpinBox;
 class QToolBar;
+
+namespace report {
+
+class PageView;
+class PdfExport;
 class ThumbnailModel;
 
 /// The print preview: the first page at once, the others as they are laid out while the user looks.
@@ -41,21 +47,21 @@ private:
     QWidget *buildStatus();
     QAction *addTool(const QString &text, const QString &tip, const QKeySequence &key, void (PreviewWindow::*work)());
     void setReport(PreparedReport *report);
-    void layInIdleTime();
-    void cancelLaying();
+    void prepareInIdleTime();
+    void stopPreparing();
     void pagesAdded();
     void showPosition();
-    void goTo(int page);
+    void showPage(int page);
     void chooseZoom(const QString &text);
     void showZoom();
     void openSaved();
     void save();
     void printAll();
     void exportAll();
-    void goFirst() { goTo(0); }
-    void goBack();
-    void goOn();
-    void goLast();
+    void showFirstPage() { showPage(0); }
+    void showPreviousPage();
+    void showNextPage();
+    void showLastPage();
     void showFindBar();
     void findNext();
     void findPrevious();
@@ -83,3 +89,5 @@ private:
     int m_foundPage = -1;
     qsizetype m_foundPlace = -1; ///< on that page
 };
+
+} // namespace report

@@ -2,6 +2,8 @@
 
 #include "platform/report/preview/page_view.h"
 
+namespace report {
+
 namespace {
 
 constexpr QSize thumbnailSize(110, 150);
@@ -43,6 +45,8 @@ QVariant ThumbnailModel::data(const QModelIndex &index, int role) const
         return {};
     if (!m_pictures.contains(index.row()))
         m_pictures.insert(index.row(), new QPixmap(QPixmap::fromImage(m_view.thumbnail(index.row(), thumbnailSize))));
-    const QPixmap *const picture = m_pictures.object(index.row());
-    return picture == nullptr ? QVariant() : QVariant(*picture);
+    const QPixmap *picture = m_pictures.object(index.row());
+    return picture ? QVariant(*picture) : QVariant();
 }
+
+} // namespace report

@@ -4,6 +4,8 @@
 #include <QCache>
 #include <QPixmap>
 
+namespace report {
+
 class PageView;
 
 /// The pages as small pictures with their numbers, drawn when they are seen.
@@ -23,3 +25,5 @@ private:
     int m_count = 0;
     mutable QCache<int, QPixmap> m_pictures { 200 };
 };
+
+} // namespace report

@@ -59,7 +59,7 @@ void MonthList::printDetail(const QString &reportFile)
     cds->setIndexName({});
     const auto restore = qScopeGuard([&] { guarded([&] { cds->setIndexName(sorted); }); });
     dm_Print->PrintReport(cds, reportFile, [this] {
-        if (ReportObject *range = dm_Print->frReport->findObject(u"Memo2"))
-            range->setText(ReportObject::literal(u"扫描时间：" + DBDateTimeEditEh1->text() + u" 至 " + DBDateTimeEditEh2->text()));
+        if (report::ReportObject *range = dm_Print->frReport->findObject(u"Memo2"))
+            range->setText(report::ReportObject::literal(u"扫描时间：" + DBDateTimeEditEh1->text() + u" 至 " + DBDateTimeEditEh2->text()));
     });
 }
