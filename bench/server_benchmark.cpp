@@ -75,7 +75,9 @@ public:
         m_configuration.databases[0].userStatements = m_configuration.databases[0].workers;
         m_configuration.databases[0].userQueue = clients;
         server::makeLocalCertificate(m_configuration.certificate, m_configuration.privateKey);
-        server::writeUsers(m_configuration.users, { { "bench", server::hashPassword("no matter") } });
+        const std::string hash = server::hashPassword("no matter");
+        m_generation = server::generationOf(hash);
+        server::writeUsers(m_configuration.users, { { "bench", hash } });
         m_server = std::make_unique<server::Server>(m_configuration);
     }
 
@@ -84,11 +86,12 @@ public:
     HttpHeaders headers() const
     {
         constexpr std::int64_t farAway = 99'999'999'999;
-        return bearer(server::TokenKey(m_configuration.tokenKey).sign({ "bench", farAway }));
+        return bearer(server::TokenKey(m_configuration.tokenKey).sign({ "bench", farAway, m_generation }));
     }
 
 private:
     server::Configuration m_configuration;
+    std::string m_generation;
     std::unique_ptr<server::Server> m_server;
 };
 
@@ -96,7 +99,8 @@ void loadThrough(HttpsClient &client, const HttpHeaders &headers)
 {
     packet::StreamReader reader;
     const std::string_view sql = allScans;
-    client.send("POST /v1/query HTTP/1.1\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + headers + "\r\n" + std::string(sql));
+    client.send("POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + headers + "\r\n"
+        + std::string(sql));
     client.receive([&](std::string_view part) { reader.feed(std::as_bytes(std::span(part))); });
     if (const auto result = reader.finish(); result->rowCount() != scanCount)
         failWith("received " + std::to_string(result->rowCount()) + " rows");

@@ -36,6 +36,8 @@ public:
     /// Likewise, but hands the rows to the sink while it reads and keeps none. What the sink throws passes through, a
     /// std::logic_error as Error(Database).
     virtual void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options = {}) = 0;
+    /// One of the tables that statements may name; empty when there is none.
+    virtual std::string anyTable() const = 0;
 };
 
 } // namespace engine

@@ -41,7 +41,7 @@ DemoServer prepareDemo(const Options &options)
     configuration.users = folder / "users";
     configuration.tokenKey = randomHex(TokenKey::shortestSecret);
     configuration.auditLog = folder / "audit.log";
-    configuration.leaveTime = {};
+    configuration.drainTime = {};
     configuration.databases.push_back({ "demo", database });
     makeLocalCertificate(configuration.certificate, configuration.privateKey);
     writeUsers(configuration.users, { { demo.user, hashPassword(demo.password) } });

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "server/configuration.h"
 #include "server/options.h"
+#include "server/settings/configuration.h"
 
 #include <string>
 

@@ -1,6 +1,7 @@
 #include "server/base/log.h"
 #include "server/base/signals.h"
 #include "server/base/system.h"
+#include "server/configuration_check.h"
 #include "server/demo_server.h"
 #include "server/options.h"
 #include "server/server.h"
@@ -41,7 +42,9 @@ void serve(const Options &options)
 
 void checkConfiguration(const Options &options)
 {
-    server::checkFiles(server::readConfiguration(options.config));
+    const server::Configuration configuration = server::readConfiguration(options.config);
+    server::checkFiles(configuration);
+    server::checkDatabases(configuration);
     std::cout << "配置文件 " << options.config.string() << " 可以使用" << std::endl;
 }
 

@@ -1,5 +1,6 @@
 #include "server/server.h"
 
+#include "server/base/address.h"
 #include "server/base/log.h"
 #include "server/session.h"
 
@@ -27,14 +28,6 @@ constexpr auto cancelTime = std::chrono::seconds(10); ///< for cancelled stateme
 std::shared_ptr<SSL_CTX> loadContext(const Configuration &configuration)
 {
     return makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
-}
-
-/// An IPv4 address as such, also when the connection came in as IPv6.
-std::string textOf(const asio::ip::address &address)
-{
-    if (address.is_v6() && address.to_v6().is_v4_mapped())
-        return asio::ip::make_address_v4(asio::ip::v4_mapped, address.to_v6()).to_string();
-    return address.to_string();
 }
 
 } // namespace
@@ -77,8 +70,8 @@ public:
     {
         using Phase = Service::Phase;
         const Configuration &configuration = m_service.configuration();
-        m_service.setPhase(Phase::Leaving);
-        std::this_thread::sleep_for(configuration.leaveTime);
+        m_service.setPhase(Phase::Draining);
+        std::this_thread::sleep_for(configuration.drainTime);
         m_service.setPhase(Phase::Refusing);
         forEachSession([](Session &session) { session.closeIfIdle(); });
         if (!becomesQuiet(configuration.stopTime)) {
@@ -129,28 +122,54 @@ private:
 
     void begin(tcp::socket socket)
     try {
-        std::string address = textOf(socket.remote_endpoint().address());
+        // An IPv4 address as such, also when the connection came in as IPv6.
+        const std::string address = addressOf(socket.remote_endpoint().address().to_string()).value();
         const std::lock_guard lock(m_mutex);
-        std::size_t &ofAddress = m_addresses[address];
-        const Configuration &configuration = m_service.configuration();
-        if (m_sessions.size() >= configuration.connections || ofAddress >= configuration.connectionsPerAddress) {
+        if (!hasRoomFor(addressGroup(address))) {
             ++m_service.metrics().refusedConnections;
             return;
         }
-        const auto session = std::make_shared<Session>(std::move(socket), m_context, m_service, std::move(address));
+        const auto session = std::make_shared<Session>(std::move(socket), m_context, m_service, address);
         m_sessions.insert(session);
-        ++ofAddress;
+        ++m_addresses[session->addressGroup()];
         ++m_service.metrics().connections;
         session->start([this, session] { forget(session); });
     } catch (const std::exception &error) {
         logLine(std::string("无法接受一个连接：") + error.what());
     }
 
+    /// When all places are taken, whoever has the most has to give one to whoever has fewer.
+    bool hasRoomFor(const std::string &address)
+    {
+        const Configuration &configuration = m_service.configuration();
+        const auto own = m_addresses.find(address);
+        const std::size_t held = own == m_addresses.end() ? 0 : own->second;
+        if (held >= configuration.connectionsPerAddress)
+            return false;
+        if (m_sessions.size() < configuration.connections)
+            return true;
+        const auto most = std::max_element(
+            m_addresses.begin(), m_addresses.end(), [](const auto &left, const auto &right) { return left.second < right.second; });
+        return most->second > held + 1 && closeOneOf(most->first);
+    }
+
+    /// One that waits for nothing, best of a client that has not said who it is; false when there is none.
+    bool closeOneOf(const std::string &address)
+    {
+        Session *chosen = nullptr;
+        for (const auto &session : m_sessions)
+            if (session->addressGroup() == address && session->isDispensable() && (!chosen || chosen->isKnown()))
+                chosen = session.get();
+        if (chosen)
+            chosen->giveWay();
+        return chosen;
+    }
+
     void forget(const std::shared_ptr<Session> &session)
     {
         const std::lock_guard lock(m_mutex);
         m_sessions.erase(session);
-        const auto count = m_addresses.find(session->address());
+        const auto count = m_addresses.find(session->addressGroup());
         if (--count->second == 0)
             m_addresses.erase(count);
         --m_service.metrics().connections;

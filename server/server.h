@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/configuration.h"
+#include "server/settings/configuration.h"
 
 #include <cstdint>
 #include <memory>

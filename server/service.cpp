@@ -1,7 +1,9 @@
 #include "server/service.h"
 
+#include "server/base/address.h"
 #include "server/base/json.h"
 #include "server/base/system.h"
+#include "server/base/text.h"
 
 #include <algorithm>
 
@@ -14,12 +16,22 @@ std::int64_t secondsNow()
     return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
+/// The beginning of a line about a statement; "id" ties its lines together.
+AuditLine auditLineOf(std::string_view event, const StatementRequest &request, const std::string &address, const Database &database)
+{
+    AuditLine line(event);
+    line.add("id", request.id).add("user", request.user).add("address", address).add("database", database.configuration().name);
+    return line;
+}
+
 Response unauthorized()
 {
     Response response = errorResponse(401, "token", "没有登录，或登录已经过期，请重新登录");
     response.headers = "WWW-Authenticate: Bearer\r\n";
     return response;
 }
+
+Response stopping() { return errorResponse(503, "stopping", "服务器正在停机，请稍候再试或换一台服务器"); }
 
 Response plainText(int status, std::string text)
 {
@@ -28,18 +40,33 @@ Response plainText(int status, std::string text)
 
 } // namespace
 
-/// Which methods a path takes.
+/// What a path takes and who answers it. Queries have no member here: their answers are sent while they run.
 struct Service::Route {
     std::string_view path;
     std::string_view method;
+    void (Service::*answer)(const Request &, const std::string &, Answer);
+    enum class Until { Refusing, End } served; ///< how long, when the server stops
 };
 
 const Service::Route *Service::routeOf(const std::string &path)
 {
-    static constexpr Route routes[] = { { "/v1/query", "POST" }, { "/v1/login", "POST" }, { "/v1/time", "GET" }, { "/healthz", "GET" },
-        { "/readyz", "GET" }, { "/metrics", "GET" } };
+    using Until = Route::Until;
+    static constexpr Route routes[] = {
+        { "/v1/query", "POST", nullptr, Until::Refusing },
+        { "/v1/login", "POST", &Service::login, Until::Refusing },
+        { "/v1/time", "GET", &Service::time, Until::Refusing },
+        { "/healthz", "GET", &Service::health, Until::End },
+        { "/readyz", "GET", &Service::readiness, Until::End },
+        { "/metrics", "GET", &Service::metricsText, Until::End },
+    };
     const auto *const found = std::find_if(std::begin(routes), std::end(routes), [&](const Route &route) { return route.path == path; });
     return found == std::end(routes) ? nullptr : found;
+}
+
+bool Service::isQuery(const Request &request)
+{
+    const Route *const route = routeOf(request.path);
+    return route && !route->answer && request.method == route->method;
 }
 
 Service::Service(const Configuration &configuration)
@@ -48,20 +75,31 @@ Service::Service(const Configuration &configuration)
     , m_users(configuration.users)
     , m_auditLog(configuration.auditLog)
     , m_asking({ .workers = 1, .waiting = 1000, .userRunning = 1, .userWaiting = 1000 })
-    , m_logins(m_users, m_key, configuration.tokenLife, configuration.loginQueue, m_metrics)
+    , m_logins(m_users, m_key, configuration.tokenLife, configuration.loginQueue, m_metrics, m_auditLog)
 {
     for (const DatabaseConfiguration &database : configuration.databases)
         m_databases.push_back(std::make_unique<Database>(database));
 }
 
+Database &Service::database(std::string_view name)
+{
+    Database *const found = find(name);
+    if (!found)
+        throw std::out_of_range("no database has this name");
+    return *found;
+}
+
 std::string Service::clientAddress(const Request &request, const std::string &peer) const
 {
     const auto &proxies = m_configuration.trustedProxies;
-    if (request.forwardedFor.empty() || std::find(proxies.begin(), proxies.end(), peer) == proxies.end())
+    if (std::find(proxies.begin(), proxies.end(), peer) == proxies.end())
         return peer;
     // The last address is the one that our own proxy has seen.
-    const std::size_t begin = request.forwardedFor.find_last_of(", ");
-    return request.forwardedFor.substr(begin == std::string::npos ? 0 : begin + 1);
+    std::string_view rest = request.forwardedFor;
+    std::string_view last;
+    while (!rest.empty())
+        last = nextPart(rest, ',');
+    return request.forwardedFor.ends_with(',') ? peer : addressOf(last).value_or(peer);
 }
 
 void Service::answer(const Request &request, const std::string &address, Answer answer)
@@ -74,28 +112,26 @@ void Service::answer(const Request &request, const std::string &address, Answer 
         response.headers = "Allow: " + std::string(route->method) + "\r\n";
         return answer(response);
     }
-    if (request.path == "/healthz")
-        return answer(plainText(200, "ok\n"));
-    if (request.path == "/readyz")
-        return askDatabases(std::move(answer));
-    if (request.path == "/metrics")
-        return answer(metricsText());
-    if (m_phase == Phase::Refusing)
-        return answer(errorResponse(503, "stopping", "服务器正在停机，请稍候再试或换一台服务器"));
-    if (request.path == "/v1/time")
-        return answer(time(request));
+    if (m_phase == Phase::Refusing && route->served == Route::Until::Refusing)
+        return answer(stopping());
+    (this->*route->answer)(request, address, std::move(answer));
+}
+
+void Service::login(const Request &request, const std::string &address, Answer answer)
+{
     if (!request.hasBody)
         return answer(errorResponse(411, "length", "请求缺少内容长度，请在请求里带上内容"));
     m_logins.login(request.body, address, std::move(answer));
 }
 
-std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(const Request &request, std::function<void()> wake)
+std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
+    const Request &request, const std::string &address, std::function<void()> wake)
 {
     if (m_phase == Phase::Refusing)
-        return errorResponse(503, "stopping", "服务器正在停机，请稍候再试或换一台服务器");
-    const auto token = tokenOf(request);
-    if (!token)
-        return unauthorized();
+        return stopping();
+    const auto user = userOf(request);
+    if (const auto *refusal = std::get_if<Response>(&user))
+        return *refusal;
     if (!request.hasBody)
         return errorResponse(411, "length", "请求缺少内容长度，请在请求里带上查询语句");
     if (!request.isVersion11)
@@ -106,8 +142,12 @@ std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(const Req
     Database *const database = databaseFor(request);
     if (!database)
         return errorResponse(404, "database", "没有这个数据库，请检查 X-Kelvara-Database");
-    const bool lz4 = request.compression == "lz4";
-    auto statement = std::make_shared<Statement>(*database, StatementRequest { token->user, request.body, *format, lz4 }, std::move(wake));
+    StatementRequest wanted { std::get<std::string>(user), request.body, *format, request.compression == "lz4" };
+    wanted.id = m_run + "-" + std::to_string(++m_lastStatement);
+    // A statement that ends the process has its line in the log before it runs.
+    const auto line = m_auditLog.add(auditLineOf("query", wanted, address, *database).add("statement", wanted.sql));
+    wanted.beforeRunning = [this, line] { m_auditLog.settle(line); };
+    auto statement = std::make_shared<Statement>(*database, std::move(wanted), std::move(wake));
     statement->submit();
     return statement;
 }
@@ -117,70 +157,88 @@ void Service::endQuery(const Statement &statement, const std::string &address, c
     using namespace std::chrono;
     const auto duration = duration_cast<microseconds>(Statement::Clock::now() - statement.begun());
     m_metrics.countStatement(duration, statement.rows(), statement.bytes());
-    m_auditLog.add({ .time = system_clock::now() - duration,
-        .user = statement.request().user,
-        .address = address,
-        .database = statement.database().configuration().name,
-        .duration = duration_cast<milliseconds>(duration),
-        .rows = statement.rows(),
-        .bytes = statement.bytes(),
-        .result = result,
-        .statement = statement.request().sql });
+    m_auditLog.add(auditLineOf("result", statement.request(), address, statement.database())
+                       .add("milliseconds", duration_cast<milliseconds>(duration).count())
+                       .add("rows", statement.rows())
+                       .add("bytes", std::int64_t(statement.bytes()))
+                       .add("result", result));
 }
 
-Response Service::time(const Request &request)
+void Service::time(const Request &request, const std::string &, Answer answer)
 {
-    if (!tokenOf(request))
-        return unauthorized();
+    const auto user = userOf(request);
+    if (const auto *refusal = std::get_if<Response>(&user))
+        return answer(*refusal);
     std::string text;
     packet::appendTimestamp(localSecondsNow(), text);
-    return { .body = "{\"time\":" + jsonText(text) + "}\n" };
+    answer({ .body = "{\"time\":" + jsonText(text) + "}\n" });
 }
 
-Response Service::metricsText() const
+void Service::health(const Request &, const std::string &, Answer answer) { answer(plainText(200, "ok\n")); }
+
+void Service::metricsText(const Request &request, const std::string &address, Answer answer)
 {
+    if (!maySeeNames(request, address))
+        return answer(errorResponse(403, "monitor", "只有本机、配置文件 monitors 中的地址和已登录的用户可以查看"));
+    m_metrics.usersUnreadable = m_users.isReadable() ? 0 : 1;
     std::map<std::string, Metrics::Load> databases;
     for (const auto &database : m_databases)
         databases[database->configuration().name] = { database->pool().running(), database->pool().waiting() };
-    return { .body = m_metrics.text(databases), .contentType = "text/plain; version=0.0.4; charset=utf-8" };
+    answer({ .body = m_metrics.text(databases), .contentType = "text/plain; version=0.0.4; charset=utf-8" });
 }
 
-void Service::askDatabases(Answer answer)
+void Service::readiness(const Request &request, const std::string &address, Answer answer)
 {
     if (m_phase != Phase::Serving)
         return answer(plainText(503, "stopping\n"));
-    const auto ask = [this, answer] {
-        std::string text;
-        bool isReady = true;
+    const auto ask = [this, answer, showsNames = maySeeNames(request, address)] {
+        bool isReady = m_users.isReadable();
+        std::string text = isReady ? "" : "users unavailable\n";
         for (const auto &database : m_databases) {
             const bool answers = database->isReady();
             isReady &= answers;
             text += database->configuration().name + (answers ? " ok\n" : " unavailable\n");
         }
-        answer(plainText(isReady ? 200 : 503, text));
+        answer(plainText(isReady ? 200 : 503, showsNames ? text : isReady ? "ok\n" : "unavailable\n"));
     };
     if (!m_asking.submit({}, ask))
         answer(plainText(503, "busy\n"));
 }
 
-/// The token of a user who still exists.
-std::optional<Token> Service::tokenOf(const Request &request)
-{
+/// The user whose token the request shows, as long as the account is still the one that got it, or why there is none.
+std::variant<std::string, Response> Service::userOf(const Request &request)
+try {
     constexpr std::string_view scheme = "Bearer ";
     if (!request.authorization.starts_with(scheme))
-        return std::nullopt;
+        return unauthorized();
     const auto token = m_key.verify(std::string_view(request.authorization).substr(scheme.size()), secondsNow());
-    return token && m_users.contains(token->user) ? token : std::nullopt;
+    const auto hash = token ? m_users.hashOf(token->user) : std::nullopt;
+    if (!hash || generationOf(*hash) != token->generation)
+        return unauthorized();
+    return token->user;
+} catch (const UsersUnknown &) {
+    return errorResponse(503, "unavailable", "服务器暂时无法核对用户，请稍候再试；仍然如此时请联系管理员");
+}
+
+bool Service::maySeeNames(const Request &request, const std::string &address)
+{
+    const auto &monitors = m_configuration.monitors;
+    return isLoopback(address) || std::find(monitors.begin(), monitors.end(), address) != monitors.end()
+        || std::holds_alternative<std::string>(userOf(request));
 }
 
 /// The database that the request names; the first one when it names none.
 Database *Service::databaseFor(const Request &request) const
 {
     const std::string name = request.database.empty() ? request.parameter("database") : request.database;
-    for (const auto &database : m_databases)
-        if (name.empty() || database->configuration().name == name)
-            return database.get();
-    return nullptr;
+    return name.empty() ? m_databases.front().get() : find(name);
+}
+
+Database *Service::find(std::string_view name) const
+{
+    const auto found = std::find_if(
+        m_databases.begin(), m_databases.end(), [&](const auto &database) { return database->configuration().name == name; });
+    return found == m_databases.end() ? nullptr : found->get();
 }
 
 Response responseTo(Outcome outcome, const std::string &message)

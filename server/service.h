@@ -1,8 +1,8 @@
 #pragma once
 
 #include "server/base/audit_log.h"
-#include "server/configuration.h"
 #include "server/http/request.h"
+#include "server/settings/configuration.h"
 #include "server/statements/statement.h"
 #include "server/users/logins.h"
 
@@ -16,7 +16,7 @@ public:
     /// How far the server is on its way to its end.
     enum class Phase {
         Serving,
-        Leaving, ///< still serves, but says that it is not ready
+        Draining, ///< still serves, but says that it is not ready
         Refusing, ///< lets finish what runs
     };
     using Answer = std::function<void(Response)>;
@@ -27,25 +27,34 @@ public:
     const Configuration &configuration() const { return m_configuration; }
     Metrics &metrics() { return m_metrics; }
     AuditLog &auditLog() { return m_auditLog; }
+    /// Throws std::out_of_range.
+    Database &database(std::string_view name);
     Phase phase() const { return m_phase; }
     void setPhase(Phase phase) { m_phase = phase; }
 
     /// The address of the client behind a request that came from `peer`.
     std::string clientAddress(const Request &request, const std::string &peer) const;
-    /// Answers every request but queries; `answer` is called once, at once or on another thread.
+    /// Whether the request is a query, which beginQuery() takes. All others are for answer().
+    static bool isQuery(const Request &request);
+    /// Answers a request; `answer` is called once, at once or on another thread.
     void answer(const Request &request, const std::string &address, Answer answer);
-    /// Begins a query: its statement, or why there is none.
-    std::variant<std::shared_ptr<Statement>, Response> beginQuery(const Request &request, std::function<void()> wake);
+    /// Begins a query of the client at that address: its statement, or why there is none.
+    std::variant<std::shared_ptr<Statement>, Response> beginQuery(
+        const Request &request, const std::string &address, std::function<void()> wake);
     /// Counts and logs a statement that has ended.
     void endQuery(const Statement &statement, const std::string &address, const std::string &result);
 
 private:
     struct Route;
     static const Route *routeOf(const std::string &path);
-    Response time(const Request &request);
-    Response metricsText() const;
-    void askDatabases(Answer answer);
-    std::optional<Token> tokenOf(const Request &request);
+    void login(const Request &request, const std::string &address, Answer answer);
+    void time(const Request &request, const std::string &address, Answer answer);
+    void health(const Request &request, const std::string &address, Answer answer);
+    void readiness(const Request &request, const std::string &address, Answer answer);
+    void metricsText(const Request &request, const std::string &address, Answer answer);
+    std::variant<std::string, Response> userOf(const Request &request);
+    bool maySeeNames(const Request &request, const std::string &address);
+    Database *find(std::string_view name) const;
     Database *databaseFor(const Request &request) const;
 
     const Configuration m_configuration;
@@ -55,6 +64,8 @@ private:
     Metrics m_metrics {};
     std::atomic<Phase> m_phase { Phase::Serving };
     std::vector<std::unique_ptr<Database>> m_databases {};
+    const std::string m_run = randomHex(4); ///< tells the statements of this run from others in the audit log
+    std::atomic<std::uint64_t> m_lastStatement { 0 };
     FairPool m_asking; ///< one thread that asks the databases whether they are there
     Logins m_logins;
 };

@@ -1,5 +1,6 @@
 #include "server/session.h"
 
+#include "server/base/address.h"
 #include "server/base/log.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -27,6 +28,10 @@ Response failureOf(int status)
         return errorResponse(413, "length", "请求内容超过 64 KB 的上限，请减少条件或单号");
     case 431:
         return errorResponse(431, "header", "请求头太长，请检查客户端");
+    case 501:
+        return errorResponse(501, "coding", "请求内容只能用 chunked 传输编码，请检查客户端和代理的设置");
+    case 505:
+        return errorResponse(505, "version", "只支持 HTTP/1.1 和 HTTP/1.0，请检查客户端和代理的设置");
     default:
         return errorResponse(400, "request", "请求不是正确的 HTTP/1.1，请检查客户端");
     }
@@ -38,6 +43,7 @@ Session::Session(TlsStream::Socket socket, std::shared_ptr<SSL_CTX> context, Ser
     : m_service(service)
     , m_context(std::move(context))
     , m_address(std::move(address))
+    , m_addressGroup(server::addressGroup(m_address))
     , m_stream(std::move(socket), *m_context)
     , m_deadline(never)
 {
@@ -55,11 +61,16 @@ void Session::check(Clock::time_point now)
 {
     if (m_deadline.load() <= now.time_since_epoch().count())
         post(&Session::expire);
-    if (m_isBusy)
-        post(&Session::beginWatching);
+    if (isBusy())
+        post(&Session::lookAfterStatement);
 }
 
 void Session::closeIfIdle() { post(&Session::doCloseIfIdle); }
+void Session::giveWay()
+{
+    m_givesWay = true;
+    post(&Session::doGiveWay);
+}
 void Session::cancel() { post(&Session::cancelNow); }
 
 void Session::post(void (Session::*action)())
@@ -80,10 +91,17 @@ void Session::expire()
 
 void Session::doCloseIfIdle()
 {
-    if (!m_isIdle)
+    if (m_state != State::Idle)
         return;
     boost::system::error_code ignored;
     m_stream.socket().cancel(ignored);
+}
+
+void Session::doGiveWay()
+{
+    boost::system::error_code ignored;
+    if (!isBusy())
+        m_stream.socket().cancel(ignored);
 }
 
 void Session::endAtOnce()
@@ -111,7 +129,8 @@ Session::Awaitable<void> Session::run()
             if (m_input.empty())
                 m_input.shrink_to_fit();
         }
-        isClean = !m_isBroken;
+        isClean = m_state != State::Broken;
+        m_state = State::Closing;
     } catch (const boost::system::system_error &) {
         // The connection has broken, which is the client's affair.
     } catch (const std::exception &error) {
@@ -137,35 +156,35 @@ Session::Awaitable<bool> Session::serveRequest()
     if (reader.state() != RequestReader::State::Done)
         co_return co_await respond(failureOf(m_isExpired ? 408 : reader.failure()), false);
     clearDeadline();
-    m_isBusy = true;
-    const Request request = reader.request();
+    m_state = State::Answering;
+    const Request &request = reader.request();
     bool stays = false;
-    if (request.path == "/v1/query" && request.method == "POST")
+    if (Service::isQuery(request))
         stays = co_await runQuery(request);
     else
         stays = co_await respond(co_await answerTo(request), request.keepAlive && mayStay(), request.method != "HEAD");
-    m_isBusy = false;
     co_return (stays && mayStay());
 }
 
 /// False when the client ended, or sent nothing for too long.
 Session::Awaitable<bool> Session::receive(RequestReader &reader)
 {
-    using State = RequestReader::State;
+    using Progress = RequestReader::State;
     const Configuration &configuration = m_service.configuration();
-    m_isIdle = m_input.empty();
-    setDeadline(m_isIdle ? configuration.idleTime : configuration.headerTime);
+    m_state = m_input.empty() ? State::Idle : State::Receiving;
+    const auto idleTime = m_isKnown ? configuration.idleTime : std::min(configuration.idleTime, configuration.strangerTime);
+    setDeadline(m_state == State::Idle ? idleTime : configuration.headerTime);
     bool isAtEnd = false;
     while (true) {
         if (!m_input.empty()) {
-            if (m_isIdle)
+            if (m_state == State::Idle)
                 setDeadline(configuration.headerTime);
-            m_isIdle = false;
-            const State before = reader.state();
+            m_state = State::Receiving;
+            const Progress before = reader.state();
             m_input.erase(0, reader.put(m_input));
-            if (reader.state() == State::Done || reader.state() == State::Failed)
+            if (reader.state() == Progress::Done || reader.state() == Progress::Failed)
                 co_return true;
-            if (before == State::Header && reader.state() == State::Body) {
+            if (before == Progress::Header && reader.state() == Progress::Body) {
                 setDeadline(configuration.bodyTime);
                 if (reader.expectsContinue())
                     m_stream.add("HTTP/1.1 100 Continue\r\n\r\n");
@@ -175,7 +194,7 @@ Session::Awaitable<bool> Session::receive(RequestReader &reader)
             isAtEnd = co_await m_stream.read(m_input) == TlsStream::Arrival::End;
         } catch (const boost::system::system_error &) {
             // At the end of its time a request that has begun gets an answer.
-            if (!m_isExpired || m_isIdle)
+            if (!m_isExpired || m_state == State::Idle)
                 throw;
             isAtEnd = false;
         }
@@ -203,6 +222,9 @@ Session::Awaitable<Response> Session::answerTo(const Request &request)
     });
     while (!*answered)
         co_await sleep();
+    // Everything below this path is for those alone whose user is known.
+    if ((*answered)->status == 200 && request.path.starts_with("/v1/"))
+        m_isKnown = true;
     co_return std::move(**answered);
 }
 

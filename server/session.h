@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/http/request_reader.h"
 #include "server/service.h"
 #include "server/tls/tls_context.h"
 #include "server/tls/tls_stream.h"
@@ -9,7 +10,7 @@
 namespace server {
 
 /// One connection of a client: reads its requests one after the other and sends the answers. Runs on its socket's executor;
-/// start(), check(), closeIfIdle() and cancel() may be called from any thread.
+/// start(), check(), closeIfIdle(), giveWay() and cancel() may be called from any thread.
 class Session : public std::enable_shared_from_this<Session> {
 public:
     using Clock = std::chrono::steady_clock;
@@ -18,19 +19,33 @@ public:
 
     /// `ended` is called once, when the connection has been closed.
     void start(std::function<void()> ended);
-    /// To be called now and then. Ends whatever the client has taken too long for, and watches the client while a statement takes its
-    /// time.
+    /// To be called now and then. Ends whatever has taken too long, and watches the client while a statement takes its time.
     void check(Clock::time_point now);
     void closeIfIdle();
+    /// Closes it, unless a request arrives that is still answered.
+    void giveWay();
+    /// Neither answers a request nor has been told to give way.
+    bool isDispensable() const { return !isBusy() && !m_givesWay; }
     /// Cancels the statement that runs.
     void cancel();
     /// Lets go of everything, when the executor has ended.
     void endAtOnce();
     /// True from a complete request to the end of its answer.
-    bool isBusy() const { return m_isBusy; }
-    const std::string &address() const { return m_address; }
+    bool isBusy() const { return m_state >= State::Answering; }
+    /// True once the client has shown who its user is.
+    bool isKnown() const { return m_isKnown; }
+    /// The client's, with a network of IPv6 for one; see addressGroup().
+    const std::string &addressGroup() const { return m_addressGroup; }
 
 private:
+    enum class State {
+        Idle, ///< waits for a request of which nothing has arrived
+        Receiving,
+        Closing, ///< all answers have been sent
+        Answering,
+        Watching, ///< answers, and looks for the client's end meanwhile
+        Broken, ///< nothing more can or may be sent; the statement is still to end
+    };
     template <class T>
     using Awaitable = boost::asio::awaitable<T>;
     using Milliseconds = std::chrono::milliseconds;
@@ -46,7 +61,7 @@ private:
     Awaitable<void> sendPieces(const std::vector<std::string> &pieces);
     Awaitable<void> flush();
     Awaitable<void> closeGracefully();
-    void beginWatching();
+    void lookAfterStatement();
     void watch();
     void readAhead();
 
@@ -57,23 +72,24 @@ private:
     void expire();
     void cancelNow();
     void doCloseIfIdle();
+    void doGiveWay();
     void setDeadline(Milliseconds fromNow);
     void clearDeadline();
-    bool mayStay() const { return m_service.phase() == Service::Phase::Serving; }
+    bool mayStay() const { return m_service.phase() == Service::Phase::Serving && !m_givesWay; }
 
     Service &m_service;
     const std::shared_ptr<SSL_CTX> m_context;
     const std::string m_address;
+    const std::string m_addressGroup;
+    std::atomic<bool> m_isKnown { false };
+    std::atomic<bool> m_givesWay { false };
     TlsStream m_stream;
     std::function<void()> m_resume {}; ///< goes on with what sleeps
     std::atomic<Clock::rep> m_deadline;
-    std::atomic<bool> m_isBusy { false };
+    std::atomic<State> m_state { State::Receiving }; ///< isBusy() may be asked on other threads
     bool m_isWoken = false;
     bool m_isExpired = false;
-    bool m_isIdle = false; ///< waits for a request of which nothing has arrived
-    bool m_isWatching = false; ///< for the client's end while a statement runs
-    bool m_watchPending = false;
-    bool m_isBroken = false; ///< nothing more can or may be sent
+    bool m_watchPending = false; ///< the socket has still been asked to tell of what arrives
     std::shared_ptr<Statement> m_statement {}; ///< the one that runs
     std::string m_queryAddress {}; ///< of its client
     std::string m_input {}; ///< what has arrived and was not used yet

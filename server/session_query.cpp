@@ -28,15 +28,15 @@ Session::Awaitable<bool> Session::runQuery(const Request &request)
 {
     const bool keepAlive = request.keepAlive && mayStay();
     m_queryAddress = m_service.clientAddress(request, m_address);
-    auto begun = m_service.beginQuery(request, [weak = weak_from_this()] {
+    auto begun = m_service.beginQuery(request, m_queryAddress, [weak = weak_from_this()] {
         if (const auto self = weak.lock())
             self->post(&Session::wake);
     });
     if (const auto *refusal = std::get_if<Response>(&begun))
         co_return co_await respond(*refusal, keepAlive);
+    m_isKnown = true;
     m_statement = std::get<std::shared_ptr<Statement>>(begun);
     const bool isSent = co_await sendResult(*m_statement, keepAlive);
-    m_isWatching = false;
     m_statement.reset();
     co_return (isSent && keepAlive);
 }
@@ -47,18 +47,19 @@ Session::Awaitable<bool> Session::sendResult(Statement &statement, bool keepAliv
     bool hasBegun = false;
     while (true) {
         const ResultQueue::Portion portion = statement.take();
-        if (!m_isBroken && (portion.isLast || !portion.pieces.empty())) {
+        if (m_state != State::Broken && (portion.isLast || !portion.pieces.empty())) {
             try {
                 co_await sendPortion(portion, keepAlive, hasBegun);
             } catch (const boost::system::system_error &) {
-                m_isBroken = true;
+                m_state = State::Broken;
             }
         }
         if (portion.isLast) {
-            m_service.endQuery(statement, m_queryAddress, std::string(nameOf(m_isBroken ? brokenOutcome(portion) : portion.outcome)));
-            co_return !m_isBroken;
+            const bool isBroken = m_state == State::Broken;
+            m_service.endQuery(statement, m_queryAddress, std::string(nameOf(isBroken ? brokenOutcome(portion) : portion.outcome)));
+            co_return !isBroken;
         }
-        if (m_isBroken)
+        if (m_state == State::Broken)
             statement.abandon();
         if (portion.pieces.empty())
             co_await sleep();
@@ -70,8 +71,9 @@ Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portio
 {
     const bool isComplete = portion.isLast && portion.outcome == Outcome::Complete;
     if (portion.isLast && !isComplete) {
-        m_isBroken = hasBegun;
-        if (!hasBegun)
+        if (hasBegun)
+            m_state = State::Broken;
+        else
             co_await respond(responseTo(portion.outcome, portion.message), keepAlive);
         co_return;
     }
@@ -109,11 +111,14 @@ Session::Awaitable<void> Session::sendPieces(const std::vector<std::string> &pie
     }
 }
 
-void Session::beginWatching()
+void Session::lookAfterStatement()
 {
-    if (!m_statement || m_isWatching)
+    if (!m_statement)
         return;
-    m_isWatching = true;
+    m_statement->check(Clock::now());
+    if (m_state != State::Answering)
+        return;
+    m_state = State::Watching;
     readAhead();
 }
 
@@ -125,7 +130,7 @@ void Session::watch()
     m_watchPending = true;
     m_stream.socket().async_wait(TlsStream::Socket::wait_read, [self = shared_from_this()](const boost::system::error_code &error) {
         self->m_watchPending = false;
-        if (!error && self->m_isWatching)
+        if (!error && self->m_statement && self->m_state == State::Watching)
             self->readAhead();
     });
 }
@@ -140,7 +145,7 @@ void Session::readAhead()
             return watch();
     } catch (const boost::system::system_error &) {
     }
-    m_isBroken = true;
+    m_state = State::Broken;
     if (m_statement)
         m_statement->abandon();
     wake();

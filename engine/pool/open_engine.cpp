@@ -21,8 +21,7 @@ std::unique_ptr<Engine> openEngine(std::string_view url, const EngineOptions &op
         const std::string parameters(url.substr(odbc.size()));
         return std::make_unique<PooledEngine>([parameters] { return std::make_unique<OdbcConnection>(parameters); }, options);
     }
-    throw Error(Failure::Unavailable,
-        "无法识别的数据库地址“" + std::string(url) + "”，应写作 sqlite:文件路径、postgresql://用户@主机/数据库 或 odbc:DSN=数据源");
+    throw Error(Failure::Unavailable, "无法识别数据库地址，应写作 sqlite:文件路径、postgresql://用户@主机/数据库 或 odbc:DSN=数据源");
 }
 
 } // namespace engine

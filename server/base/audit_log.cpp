@@ -1,8 +1,8 @@
 #include "server/base/audit_log.h"
 
+#include "server/base/files.h"
 #include "server/base/json.h"
 #include "server/base/log.h"
-#include "server/base/system.h"
 
 #include "packet/packet.h"
 
@@ -13,30 +13,43 @@ namespace server {
 
 namespace {
 
+constexpr auto longestSettling = std::chrono::seconds(2);
 constexpr std::size_t mostWaiting = 64 << 20; ///< bytes; a disk that stands still must not fill the memory
+
+bool endsWithLine(const std::filesystem::path &path)
+{
+    std::ifstream file(path, std::ios::binary | std::ios::ate);
+    if (!file || file.tellg() == std::streampos(0))
+        return true;
+    file.seekg(-1, std::ios::end);
+    return file.get() == '\n';
+}
 
 } // namespace
 
-std::string auditLine(const AuditEntry &entry)
+AuditLine::AuditLine(std::string_view event, std::chrono::system_clock::time_point time)
 {
     using namespace std::chrono;
-    const auto sinceEpoch = duration_cast<milliseconds>(entry.time.time_since_epoch());
+    const auto sinceEpoch = duration_cast<milliseconds>(time.time_since_epoch());
     const std::string fraction = std::to_string(1000 + sinceEpoch.count() % 1000);
-    std::string time;
-    packet::appendTimestamp(floor<seconds>(sinceEpoch).count(), time);
-    time[10] = 'T';
-    std::string line = "{\"time\":\"" + time + "." + fraction.substr(1) + "Z\",\"user\":";
-    appendJsonText(entry.user, line);
-    line += ",\"address\":";
-    appendJsonText(entry.address, line);
-    line += ",\"database\":";
-    appendJsonText(entry.database, line);
-    line += ",\"milliseconds\":" + std::to_string(entry.duration.count()) + ",\"rows\":" + std::to_string(entry.rows)
-        + ",\"bytes\":" + std::to_string(entry.bytes) + ",\"result\":";
-    appendJsonText(entry.result, line);
-    line += ",\"statement\":";
-    appendJsonText(entry.statement, line);
-    return line + "}\n";
+    std::string stamp;
+    packet::appendTimestamp(floor<seconds>(sinceEpoch).count(), stamp);
+    stamp[10] = 'T';
+    m_text = "{\"time\":\"" + stamp + "." + fraction.substr(1) + "Z\"";
+    add("event", event);
+}
+
+AuditLine &AuditLine::add(std::string_view name, std::string_view text)
+{
+    (m_text += ",\"").append(name) += "\":";
+    appendJsonText(text, m_text);
+    return *this;
+}
+
+AuditLine &AuditLine::add(std::string_view name, std::int64_t number)
+{
+    (m_text += ",\"").append(name) += "\":" + std::to_string(number);
+    return *this;
 }
 
 AuditLog::AuditLog(std::filesystem::path path)
@@ -61,18 +74,29 @@ AuditLog::~AuditLog()
         m_thread.join();
 }
 
-void AuditLog::add(const AuditEntry &entry)
+AuditLog::Ticket AuditLog::add(const AuditLine &line)
 {
     if (m_path.empty())
-        return;
-    const std::string line = auditLine(entry);
+        return 0;
+    const std::string text = line.text();
+    Ticket ticket = 0;
     {
         const std::lock_guard lock(m_mutex);
-        if (m_waiting.size() + line.size() > mostWaiting)
-            return logLine("审计日志写不动，丢下一条：" + line);
-        m_waiting += line;
+        if (m_waiting.size() + text.size() > mostWaiting) {
+            logLine("审计日志写不动，下面一条没有写入：" + text);
+            return 0;
+        }
+        m_waiting += text;
+        ticket = ++m_added;
     }
     m_changed.notify_one();
+    return ticket;
+}
+
+void AuditLog::settle(Ticket line)
+{
+    std::unique_lock lock(m_mutex);
+    m_settled.wait_for(lock, longestSettling, [this, line] { return m_written >= line; });
 }
 
 void AuditLog::reopen()
@@ -109,12 +133,16 @@ void AuditLog::open()
         return logLine(error.what());
     }
     m_file.open(m_path, std::ios::binary | std::ios::app);
+    // A full disk, or the end of the machine, may have left half a line.
+    if (m_file.is_open() && !endsWithLine(m_path))
+        m_file << '\n';
 }
 
 /// What cannot be written goes to the operator instead.
 void AuditLog::writeWaiting(std::unique_lock<std::mutex> &lock)
 {
     const std::string lines = std::exchange(m_waiting, {});
+    const Ticket last = m_added;
     lock.unlock();
     m_file << lines << std::flush;
     if (!m_file || !m_file.is_open()) {
@@ -122,6 +150,8 @@ void AuditLog::writeWaiting(std::unique_lock<std::mutex> &lock)
         open();
     }
     lock.lock();
+    m_written = last;
+    m_settled.notify_all();
 }
 
 } // namespace server

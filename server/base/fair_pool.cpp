@@ -69,6 +69,12 @@ std::size_t FairPool::waiting() const
     return m_waiting;
 }
 
+FairPool::Clock::duration FairPool::heldFor() const
+{
+    const std::lock_guard lock(m_mutex);
+    return m_running < m_limits.workers ? Clock::duration::zero() : Clock::now() - m_lastFree;
+}
+
 void FairPool::work()
 {
     std::unique_lock lock(m_mutex);
@@ -84,7 +90,8 @@ void FairPool::work()
         line->second.waiting.pop_front();
         m_lastServed = line->first;
         --m_waiting;
-        ++m_running;
+        if (++m_running == m_limits.workers)
+            m_lastFree = Clock::now();
         ++line->second.running; // keeps the line in its place
         lock.unlock();
         std::exchange(*ticket, nullptr)();

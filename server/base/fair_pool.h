@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <functional>
@@ -15,6 +16,7 @@ namespace server {
 /// Worker threads that serve the users in turn: whoever has much waiting holds nobody else up. To be used from any thread.
 class FairPool {
 public:
+    using Clock = std::chrono::steady_clock;
     using Work = std::function<void()>;
     /// Names work that has been taken in. What the work holds is let go of as soon as it is done or withdrawn.
     using Ticket = std::shared_ptr<Work>;
@@ -37,6 +39,8 @@ public:
     bool withdraw(const std::string &user, const Ticket &ticket);
     std::size_t running() const;
     std::size_t waiting() const;
+    /// How long no worker has been free or has finished anything; zero while one is free.
+    Clock::duration heldFor() const;
 
 private:
     /// A user that has work; forgotten when there is none left.
@@ -64,6 +68,7 @@ private:
     std::string m_lastServed;
     std::size_t m_running = 0;
     std::size_t m_waiting = 0;
+    Clock::time_point m_lastFree = Clock::now(); ///< when all workers run: since when none was free
     bool m_stopped = false;
     std::vector<std::thread> m_workers; ///< the last member: they use the others
 };

@@ -20,6 +20,7 @@ public:
     std::atomic<std::uint64_t> refusedConnections { 0 };
     std::atomic<std::uint64_t> loginFailures { 0 };
     std::atomic<std::uint64_t> passwordChecks { 0 };
+    std::atomic<int> usersUnreadable { 0 }; ///< 1 while the users file cannot be read
 
     /// The text of /metrics; running and waiting statements by the name of the database.
     struct Load {

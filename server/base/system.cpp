@@ -8,9 +8,7 @@
 #ifdef _WIN32
 #include <windows.h>
 #else
-#include <fcntl.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
 #endif
@@ -59,22 +57,6 @@ private:
 };
 
 } // namespace
-
-void createPrivateFile(const std::filesystem::path &path)
-{
-#ifdef _WIN32
-    // The rights of the folder are handed down.
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr);
-    const bool isMade = file != INVALID_HANDLE_VALUE && CloseHandle(file);
-#else
-    const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    const bool isMade = file >= 0 && fchmod(file, S_IRUSR | S_IWUSR) == 0;
-    if (file >= 0)
-        close(file);
-#endif
-    if (!isMade)
-        throw std::runtime_error("无法写入 " + path.string() + "，请检查目录和权限");
-}
 
 std::string askPassword(const std::string &prompt)
 {

@@ -1,15 +1,11 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <string>
 
 namespace server {
 
 /// What differs between systems.
-
-/// Makes the file, or empties it, so that nobody but its owner can open it. Throws std::runtime_error.
-void createPrivateFile(const std::filesystem::path &path);
 
 /// Asks at the terminal without showing what is typed. Throws std::runtime_error when there is no terminal.
 std::string askPassword(const std::string &prompt);

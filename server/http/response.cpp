@@ -36,8 +36,12 @@ std::string_view reasonOf(int status)
         return "Too Many Requests";
     case 431:
         return "Request Header Fields Too Large";
+    case 501:
+        return "Not Implemented";
     case 503:
         return "Service Unavailable";
+    case 505:
+        return "HTTP Version Not Supported";
     default:
         return "Internal Server Error";
     }

@@ -9,6 +9,22 @@ namespace {
 
 constexpr auto askEvery = std::chrono::seconds(1);
 constexpr auto readyLimit = std::chrono::seconds(2);
+constexpr auto endingTime = std::chrono::seconds(1); ///< that a statement may take beyond its limit
+
+/// Takes no rows but the first.
+class NoRows : public packet::BlockSink {
+public:
+    void begin(const std::vector<packet::Field> &) override { }
+    void block(const packet::Block &, std::span<const packet::Dictionary *const>) override { }
+    void end(bool) override { }
+};
+
+void readOneRow(engine::Engine &engine)
+{
+    const std::string table = engine.anyTable();
+    NoRows sink;
+    engine.stream("select 1 as ready from " + (table.empty() ? "dual" : table), sink, { .timeLimit = readyLimit, .rowLimit = 1 });
+}
 
 } // namespace
 
@@ -18,28 +34,54 @@ Database::Database(const DatabaseConfiguration &configuration)
 {
 }
 
-std::shared_ptr<engine::Engine> Database::engine()
+std::shared_ptr<engine::Engine> Database::open()
 {
     const std::lock_guard lock(m_openMutex);
     if (m_engine)
         return m_engine;
-    if (m_openError.empty() || Clock::now() - m_openTried >= askEvery) {
-        m_openTried = Clock::now();
-        try {
-            // One more than the workers use, for isReady().
-            m_engine = engine::openEngine(m_configuration.url, { m_configuration.workers + 1, m_configuration.tables });
-            return m_engine;
-        } catch (const std::exception &error) {
-            if (m_openError != error.what())
-                logLine("数据库“" + m_configuration.name + "”：" + error.what());
-            m_openError = error.what();
-        }
+    if (Clock::now() - m_openTried < askEvery)
+        throw engine::Error(engine::Failure::Unavailable, m_fault);
+    m_openTried = Clock::now();
+    // One more than the workers use, for isReady().
+    m_engine = engine::openEngine(m_configuration.url, { m_configuration.workers + 1, m_configuration.tables });
+    m_fault.clear();
+    return m_engine;
+}
+
+void Database::run(const std::function<void(engine::Engine &)> &use)
+{
+    std::shared_ptr<engine::Engine> engine;
+    try {
+        engine = open();
+        use(*engine);
+    } catch (const engine::Error &error) {
+        if (error.failure() == engine::Failure::Unavailable)
+            giveUp(engine, error.what());
+        throw;
     }
-    throw engine::Error(engine::Failure::Unavailable, m_openError);
+}
+
+/// The next statement opens the database anew, as a file or a server that came back may be another one.
+void Database::giveUp(const std::shared_ptr<engine::Engine> &engine, const std::string &reason)
+{
+    const std::lock_guard lock(m_openMutex);
+    if (m_engine == engine)
+        m_engine = nullptr;
+    if (m_fault == reason)
+        return;
+    m_fault = reason;
+    logLine("数据库“" + m_configuration.name + "”不能使用：" + reason);
+}
+
+std::string Database::unavailableMessage() const
+{
+    return "数据库“" + m_configuration.name + "”暂时不能使用，请稍候再试；仍然如此时请联系管理员";
 }
 
 bool Database::isReady()
 {
+    if (m_pool.heldFor() > m_configuration.statementTime + endingTime)
+        return false;
     const std::lock_guard lock(m_readyMutex);
     if (m_readyAsked == Clock::time_point() || Clock::now() - m_readyAsked >= askEvery) {
         m_isReady = answers();
@@ -48,14 +90,22 @@ bool Database::isReady()
     return m_isReady;
 }
 
+/// A database that has once answered is opened anew until it does again: an emptied file, say, only lacks its tables.
 bool Database::answers()
 {
+    std::shared_ptr<engine::Engine> asked;
     try {
-        engine()->query("select 1 as ready from dual", { .timeLimit = readyLimit });
+        asked = open();
+        readOneRow(*asked);
+        m_hasAnswered = true;
         return true;
-    } catch (const std::exception &) {
-        return false;
+    } catch (const engine::Error &error) {
+        if (error.failure() == engine::Failure::Unavailable || (m_hasAnswered && error.failure() == engine::Failure::Database))
+            giveUp(asked, error.what());
+    } catch (const std::exception &error) {
+        logLine("数据库“" + m_configuration.name + "”：" + error.what());
     }
+    return false;
 }
 
 } // namespace server

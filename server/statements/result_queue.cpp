@@ -33,6 +33,8 @@ void ResultQueue::push(std::span<const std::byte> bytes, const std::stop_token &
                 throw engine::Error(engine::Failure::Cancelled, "查询已取消");
             throw engine::Error(engine::Failure::TimeLimit, "查询和传送超过了规定的时间，请缩小查询范围");
         }
+        if (m_isFinished)
+            throw engine::Error(engine::Failure::Cancelled, "查询已取消");
         mustWake = m_size < worthWaking && m_size + piece.size() >= worthWaking;
         m_size += piece.size();
         m_portion.pieces.push_back(std::move(piece));
@@ -45,6 +47,8 @@ void ResultQueue::finish(Outcome outcome, std::string message)
 {
     {
         const std::lock_guard lock(m_mutex);
+        if (std::exchange(m_isFinished, true))
+            return;
         m_portion.isLast = true;
         m_portion.outcome = outcome;
         m_portion.message = std::move(message);

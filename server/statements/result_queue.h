@@ -42,6 +42,7 @@ public:
 
     /// Waits while the queue is full. Throws engine::Error(Cancelled) after a stop request, (TimeLimit) after the deadline.
     void push(std::span<const std::byte> bytes, const std::stop_token &stop, Clock::time_point deadline);
+    /// What comes after the first end is ignored.
     void finish(Outcome outcome, std::string message = {});
     /// Everything that is there; never waits.
     Portion take();
@@ -53,6 +54,7 @@ private:
     std::condition_variable_any m_taken;
     Portion m_portion;
     std::size_t m_size = 0;
+    bool m_isFinished = false;
 };
 
 } // namespace server

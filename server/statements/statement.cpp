@@ -6,6 +6,8 @@ namespace server {
 
 namespace {
 
+constexpr auto graceTime = std::chrono::milliseconds(500); ///< for a statement to end by itself at its deadline
+
 Outcome outcomeOf(engine::Failure failure)
 {
     switch (failure) {
@@ -68,13 +70,30 @@ void Statement::abandon()
         m_queue.finish(Outcome::Cancelled, "查询已取消");
 }
 
+void Statement::check(Clock::time_point now)
+{
+    if (now < m_deadline || !m_ticket)
+        return;
+    if (m_database.pool().withdraw(m_request.user, m_ticket))
+        return m_queue.finish(Outcome::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");
+    if (now < m_deadline + graceTime)
+        return;
+    m_queue.finish(Outcome::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
+    m_stop.request_stop();
+}
+
 void Statement::run()
 {
     try {
+        if (m_request.beforeRunning)
+            m_request.beforeRunning();
         stream();
         m_queue.finish(Outcome::Complete);
     } catch (const engine::Error &error) {
-        m_queue.finish(outcomeOf(error.failure()), error.what());
+        if (error.failure() == engine::Failure::Unavailable)
+            m_queue.finish(Outcome::Unavailable, m_database.unavailableMessage());
+        else
+            m_queue.finish(outcomeOf(error.failure()), error.what());
     } catch (const ResultTooLarge &error) {
         m_queue.finish(Outcome::TooLarge, error.what());
     } catch (const std::bad_alloc &) {
@@ -91,8 +110,10 @@ void Statement::stream()
         throw engine::Error(engine::Failure::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");
     const auto sink = makeSink(m_request.format, m_request.lz4, [this](std::span<const std::byte> bytes) { takeBytes(bytes); });
     CountingSink counting(*sink, m_rows);
-    m_database.engine()->stream(
-        m_request.sql, counting, { .stop = m_stop.get_token(), .timeLimit = left, .rowLimit = m_database.configuration().rows });
+    m_database.run([&](engine::Engine &engine) {
+        engine.stream(
+            m_request.sql, counting, { .stop = m_stop.get_token(), .timeLimit = left, .rowLimit = m_database.configuration().rows });
+    });
 }
 
 void Statement::takeBytes(std::span<const std::byte> bytes)

@@ -5,6 +5,7 @@
 #include "server/statements/result_queue.h"
 
 #include <atomic>
+#include <functional>
 
 namespace server {
 
@@ -13,6 +14,8 @@ struct StatementRequest {
     std::string sql {};
     Format format = Format::Arrow;
     bool lz4 = false;
+    std::string id {}; ///< for the audit log
+    std::function<void()> beforeRunning {}; ///< called on the worker
 };
 
 /// One statement from its place in the queue to the last byte of its result. Runs on a worker of the database; the other
@@ -28,6 +31,9 @@ public:
     void submit();
     /// Ends it soon, wherever it is; take() gives the end.
     void abandon();
+    /// To be called now and then: ends it when its time is over, also when no worker is free, or when the one that has it does not
+    /// come back.
+    void check(Clock::time_point now);
     ResultQueue::Portion take() { return m_queue.take(); }
 
     const StatementRequest &request() const { return m_request; }

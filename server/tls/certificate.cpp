@@ -1,6 +1,6 @@
 #include "server/tls/certificate.h"
 
-#include "server/base/system.h"
+#include "server/base/files.h"
 
 #include <openssl/bio.h>
 #include <openssl/ec.h>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/base/audit_log.h"
 #include "server/base/fair_pool.h"
 #include "server/base/metrics.h"
 #include "server/http/response.h"
@@ -16,8 +17,8 @@ class Logins {
 public:
     using Answer = std::function<void(Response)>;
 
-    /// `waiting` passwords at most wait to be compared.
-    Logins(UserFile &users, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, Metrics &metrics);
+    /// `waiting` passwords at most wait to be compared, half of them from one address.
+    Logins(UserFile &users, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, Metrics &metrics, AuditLog &auditLog);
 
     /// Takes the body of a login and calls `answer` once, at once or on another thread.
     void login(const std::string &body, const std::string &address, Answer answer);
@@ -27,14 +28,18 @@ private:
         std::string user;
         std::string password;
         std::string address;
+        std::string group; ///< of the address
     };
     Response compare(const Attempt &attempt);
-    Response tokenFor(const std::string &user) const;
+    Response wrong(const Attempt &attempt, bool exists);
+    void finish(const Attempt &attempt, LoginThrottle::Result result);
+    Response tokenFor(const std::string &user, const std::string &hash) const;
 
     UserFile &m_users;
     const TokenKey &m_key;
     const std::chrono::seconds m_tokenLife;
     Metrics &m_metrics;
+    AuditLog &m_auditLog;
     LoginThrottle m_throttle;
     const std::string m_nobodysHash; ///< compared for names that do not exist, so that they take as long
     FairPool m_pool; ///< the last member: its workers use the others

@@ -11,9 +11,9 @@ namespace server {
 
 namespace {
 
-constexpr char version = 1;
+constexpr char version = 2;
 constexpr std::size_t numberSize = 8;
-constexpr std::size_t headSize = 1 + 2 * numberSize;
+constexpr std::size_t headSize = 1 + 3 * numberSize;
 constexpr std::size_t signatureSize = 32;
 constexpr std::size_t longestToken = 1024;
 constexpr std::string_view digits = "0123456789abcdef";
@@ -71,7 +71,9 @@ std::int64_t numberOf(std::string_view bytes)
 
 std::string TokenKey::sign(const Token &token) const
 {
-    const std::string payload = version + bigEndian(token.expires) + randomBytes(numberSize) + token.user;
+    if (token.generation.size() != numberSize)
+        throw std::invalid_argument("a token needs the generation of its account");
+    const std::string payload = version + bigEndian(token.expires) + randomBytes(numberSize) + token.generation + token.user;
     return toHex(payload + signatureOf(payload));
 }
 
@@ -84,7 +86,8 @@ std::optional<Token> TokenKey::verify(std::string_view text, std::int64_t now) c
     const std::string expected = signatureOf(payload);
     if (CRYPTO_memcmp(expected.data(), bytes->data() + payload.size(), signatureSize) != 0)
         return std::nullopt;
-    const Token token { std::string(payload.substr(headSize)), numberOf(payload.substr(1, numberSize)) };
+    const Token token { std::string(payload.substr(headSize)), numberOf(payload.substr(1, numberSize)),
+        std::string(payload.substr(1 + 2 * numberSize, numberSize)) };
     return token.expires > now ? std::optional(token) : std::nullopt;
 }
 
@@ -95,6 +98,17 @@ std::string TokenKey::signatureOf(std::string_view payload) const
             reinterpret_cast<unsigned char *>(signature.data()), nullptr))
         throw std::runtime_error("无法计算令牌的签名");
     return signature;
+}
+
+std::string generationOf(std::string_view passwordHash)
+{
+    std::string digest(signatureSize, '\0');
+    if (EVP_Digest(
+            passwordHash.data(), passwordHash.size(), reinterpret_cast<unsigned char *>(digest.data()), nullptr, EVP_sha256(), nullptr)
+        != 1)
+        throw std::runtime_error("无法计算帐户的标记");
+    digest.resize(numberSize);
+    return digest;
 }
 
 std::string randomHex(std::size_t count) { return toHex(randomBytes(count)); }

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace server {
 
@@ -11,7 +12,12 @@ namespace server {
 struct Token {
     std::string user;
     std::int64_t expires = 0; ///< seconds since 1970
+    std::string generation; ///< of the user's account when the token was made, see generationOf()
 };
+
+/// Eight bytes that tell one password of an account from the next, also when it is the same one set again. They give nothing of the
+/// hash away.
+[[nodiscard]] std::string generationOf(std::string_view passwordHash);
 
 /// Signs tokens and checks them; servers with the same secret accept each other's.
 class TokenKey {
@@ -22,10 +28,10 @@ public:
         : m_secret(std::move(secret))
     {
     }
-    /// Hexadecimal: version, expiry, a random number and the user; then their HMAC-SHA256.
-    std::string sign(const Token &token) const;
+    /// Hexadecimal: version, expiry, a random number, the generation and the user; then their HMAC-SHA256.
+    [[nodiscard]] std::string sign(const Token &token) const;
     /// Nothing unless the text is exactly what sign() gave and has not expired.
-    std::optional<Token> verify(std::string_view text, std::int64_t now) const;
+    [[nodiscard]] std::optional<Token> verify(std::string_view text, std::int64_t now) const;
 
 private:
     std::string signatureOf(std::string_view payload) const;

@@ -1,10 +1,11 @@
 #include "server/users/user_file.h"
 
+#include "server/base/files.h"
 #include "server/base/log.h"
-#include "server/base/system.h"
 
 #include <algorithm>
 #include <fstream>
+#include <sstream>
 #include <stdexcept>
 
 namespace server {
@@ -25,45 +26,49 @@ bool isUserName(std::string_view name)
         && std::none_of(name.begin(), name.end(), isForbidden);
 }
 
-Users readUsers(const fs::path &path)
+Users parseUsers(std::string_view text, const std::string &name)
 {
-    std::ifstream file(path, std::ios::binary);
-    if (!file)
-        throw std::runtime_error("无法读取用户文件 " + path.string() + "；请检查路径和权限，或先用 kelvara-server user add 建立用户");
     Users users;
-    int number = 0;
-    for (std::string line; std::getline(file, line);) {
-        ++number;
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+    for (int number = 1; !text.empty(); ++number) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(std::min(end + 1, text.size()));
+        if (line.ends_with('\r'))
+            line.remove_suffix(1);
         if (line.empty() || line.front() == '#')
             continue;
-        const std::size_t colon = line.find(':');
-        const std::string name = line.substr(0, colon);
-        if (colon == std::string::npos || !isUserName(name) || line.compare(colon + 1, 10, "$argon2id$") != 0)
-            throw std::runtime_error("用户文件 " + path.string() + " 第 " + std::to_string(number) + " 行应写作“用户名:密码散列”，请改正");
-        users[name] = line.substr(colon + 1);
+        const std::size_t colon = std::min(line.find(':'), line.size());
+        const auto user = line.substr(0, colon);
+        const auto hash = line.substr(std::min(colon + 1, line.size()));
+        const bool isPlain = std::all_of(hash.begin(), hash.end(), [](char byte) { return byte > ' ' && byte < '\x7f'; });
+        if (!isUserName(user) || !hash.starts_with("$argon2id$") || !isPlain || !users.emplace(user, hash).second)
+            throw std::runtime_error(
+                "用户文件 " + name + " 第 " + std::to_string(number) + " 行应写作“用户名:密码散列”，每个用户一行，请改正");
     }
     return users;
 }
 
+Users readUsers(const fs::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    if (!file.is_open() || text.bad())
+        throw std::runtime_error("无法读取用户文件 " + path.string() + "；请检查路径和权限，或先用 kelvara-server user add 建立用户");
+    return parseUsers(text.str(), path.string());
+}
+
 void writeUsers(const fs::path &path, const Users &users)
 {
-    fs::path beside = path;
-    beside += ".new";
-    createPrivateFile(beside);
-    std::ofstream file(beside, std::ios::binary);
+    std::string text;
     for (const auto &[name, hash] : users)
-        file << name << ':' << hash << '\n';
-    file.close();
-    if (!file)
-        throw std::runtime_error("无法写入 " + beside.string() + "，请检查磁盘空间和目录权限");
-    fs::rename(beside, path);
+        text += name + ':' + hash + '\n';
+    replaceFile(path, text);
 }
 
 UserFile::UserFile(fs::path path)
     : m_path(std::move(path))
-    , m_stamp(stamp())
+    , m_stamp(fileStamp(m_path))
     , m_users(readUsers(m_path))
     , m_looked(Clock::now())
 {
@@ -73,14 +78,17 @@ std::optional<std::string> UserFile::hashOf(std::string_view name)
 {
     const std::lock_guard lock(m_mutex);
     refresh();
+    if (!m_fault.empty())
+        throw UsersUnknown(m_fault);
     const auto found = m_users.find(name);
     return found == m_users.end() ? std::nullopt : std::optional(found->second);
 }
 
-UserFile::Stamp UserFile::stamp() const
+bool UserFile::isReadable()
 {
-    std::error_code ignored;
-    return { fs::last_write_time(m_path, ignored), fs::file_size(m_path, ignored) };
+    const std::lock_guard lock(m_mutex);
+    refresh();
+    return m_fault.empty();
 }
 
 void UserFile::refresh()
@@ -88,15 +96,23 @@ void UserFile::refresh()
     if (Clock::now() - m_looked < lookEvery)
         return;
     m_looked = Clock::now();
-    const Stamp now = stamp();
-    if (now == m_stamp)
-        return;
-    m_stamp = now;
+    if (!m_fault.empty() || fileStamp(m_path) != m_stamp)
+        read();
+}
+
+/// The stamp is taken first, so that what changes meanwhile is seen the next time.
+void UserFile::read()
+{
+    const std::string stamp = fileStamp(m_path);
     try {
         m_users = readUsers(m_path);
+        m_stamp = stamp;
+        m_fault.clear();
         logLine("用户文件已重新读入，共 " + std::to_string(m_users.size()) + " 个用户");
     } catch (const std::exception &error) {
-        logLine(std::string("用户文件有变动但不能用，仍用原来的用户：") + error.what());
+        if (m_fault != error.what())
+            logLine(std::string("用户文件不能用，在它恢复之前拒绝所有登录和查询：") + error.what());
+        m_fault = error.what();
     }
 }
 

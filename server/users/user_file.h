@@ -5,44 +5,50 @@
 #include <map>
 #include <mutex>
 #include <optional>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace server {
 
 /// Names and their password hashes, in alphabetical order.
 using Users = std::map<std::string, std::string, std::less<>>;
 
-/// A line per user, "name:hash"; lines that begin with # are comments. Throws std::runtime_error, which names the line.
+/// A line per user, "name:hash"; lines that begin with # are comments. `name` is for the message. Throws std::runtime_error, which
+/// names the line.
+Users parseUsers(std::string_view text, const std::string &name);
 Users readUsers(const std::filesystem::path &path);
-/// Writes a new file beside the old one and puts it in its place; readable for its owner alone. Throws std::runtime_error.
+/// Replaces the file; its owner and mode stay. Throws std::runtime_error, and the old file is still there then.
 void writeUsers(const std::filesystem::path &path, const Users &users);
 /// 1 to 64 bytes of UTF-8 without colon, blanks at the ends and control characters, not beginning with #.
 bool isUserName(std::string_view name);
 
-/// The users of a running server. A changed file is read again; while it is broken, the users before it stay.
-/// To be used from any thread.
+/// The file cannot be read, so that nobody can be told from somebody who has been removed.
+class UsersUnknown : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The users of a running server, as the file has them: a changed one is read again within a second. To be used from any thread.
 class UserFile {
 public:
     /// Throws std::runtime_error.
     explicit UserFile(std::filesystem::path path);
-    /// Nothing for unknown users.
-    std::optional<std::string> hashOf(std::string_view name);
-    bool contains(std::string_view name) { return hashOf(name).has_value(); }
+    /// Nothing for unknown users. Throws UsersUnknown while the file cannot be read.
+    [[nodiscard]] std::optional<std::string> hashOf(std::string_view name);
+    /// False while the file cannot be read.
+    [[nodiscard]] bool isReadable();
 
 private:
     using Clock = std::chrono::steady_clock;
-    struct Stamp {
-        std::filesystem::file_time_type time;
-        std::uintmax_t size = 0;
-        bool operator==(const Stamp &) const = default;
-    };
-    Stamp stamp() const;
     void refresh();
+    void read();
 
     std::filesystem::path m_path;
     std::mutex m_mutex;
-    Stamp m_stamp;
+    std::string m_stamp; ///< of the file as it was read
     Users m_users;
+    std::string m_fault; ///< why the file cannot be read
     Clock::time_point m_looked;
 };
 

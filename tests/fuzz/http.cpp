@@ -1,14 +1,17 @@
-// What a client can send before it has shown a password: the bytes of a request in two pieces, and the parts of it that are read further.
+// What a client can send before it has shown a password: the bytes of a request in pieces of several sizes, and the parts of it that are
+// read further.
 
 #include "server/base/json.h"
-#include "server/http/request.h"
+#include "server/http/request_reader.h"
 #include "server/statements/result_format.h"
 #include "server/users/token.h"
 
+#include <algorithm>
 #include <cstdlib>
-#include <span>
 
 namespace {
+
+using State = server::RequestReader::State;
 
 void require(bool condition)
 {
@@ -16,19 +19,21 @@ void require(bool condition)
         std::abort();
 }
 
-/// Gives the bytes to a reader as a connection does: what it does not take yet comes again with what follows.
-void readInPieces(server::RequestReader &reader, std::string_view first, std::string_view rest)
+/// Gives the bytes to a reader as a connection does: what it does not take yet comes again with what follows. Returns how many it used.
+std::size_t readInPieces(server::RequestReader &reader, std::string_view bytes, std::size_t pieceSize)
 {
-    using State = server::RequestReader::State;
-    std::string input(first);
-    for (const std::string_view next : { std::string_view(), rest }) {
-        input += next;
-        for (std::size_t used = 1; used > 0 && !input.empty() && reader.state() != State::Done && reader.state() != State::Failed;) {
-            used = reader.put(input);
-            require(used <= input.size());
-            input.erase(0, used);
-        }
+    std::string input;
+    std::size_t used = 0;
+    while (!bytes.empty() && reader.state() != State::Done && reader.state() != State::Failed) {
+        const auto piece = bytes.substr(0, pieceSize);
+        bytes.remove_prefix(piece.size());
+        input += piece;
+        const std::size_t taken = reader.put(input);
+        require(taken <= input.size());
+        input.erase(0, taken);
+        used += taken;
     }
+    return used;
 }
 
 } // namespace
@@ -38,16 +43,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     constexpr std::size_t limit = 4096;
     const std::string_view bytes(reinterpret_cast<const char *>(data), size);
     server::RequestReader whole(limit, limit);
-    server::RequestReader pieces(limit, limit);
-    readInPieces(whole, bytes, {});
-    readInPieces(pieces, bytes.substr(0, size / 3), bytes.substr(size / 3));
-    // A mistake may be seen sooner in one of them.
-    const bool isDone = whole.state() == server::RequestReader::State::Done;
-    require(isDone == (pieces.state() == server::RequestReader::State::Done));
+    const std::size_t used = readInPieces(whole, bytes, std::max<std::size_t>(size, 1));
+    const bool isDone = whole.state() == State::Done;
+    for (const std::size_t pieceSize : { std::size_t(1), size / 3 + 1 }) {
+        server::RequestReader pieces(limit, limit);
+        const std::size_t usedOfPieces = readInPieces(pieces, bytes, pieceSize);
+        require(isDone == (pieces.state() == State::Done));
+        require(!isDone || (used == usedOfPieces && whole.request().body == pieces.request().body));
+    }
     if (!isDone)
         return 0;
-    const server::Request request = whole.request();
-    require(request.body == pieces.request().body && request.body.size() <= limit);
+    const server::Request &request = whole.request();
+    require(request.body.size() <= limit && (request.hasBody || request.body.empty()));
     server::acceptedFormat(request.accept);
     (void)request.parameter("database");
     require(!server::TokenKey(std::string(32, 'k')).verify(request.authorization, 0));

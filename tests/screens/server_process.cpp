@@ -46,7 +46,7 @@ ServerProcess::ServerProcess(int port, const QString &url)
     writeFile(name,
         QStringLiteral(
             "listen = 127.0.0.1:%1\ncertificate = server.crt\nprivate_key = server.key\nusers = users\ntoken_key_file = token.key\n"
-            "leave_seconds = 0\n[database main]\nurl = %2\n")
+            "drain_seconds = 0\n[database main]\nurl = %2\n")
             .arg(port)
             .arg(shown)
             .toUtf8());

@@ -143,7 +143,8 @@ TEST(Faults, AServerThatIsAskedToEndFinishesItsAnswersFirst)
     const HttpHeaders headers = server.logIn();
     HttpsClient client(server.port);
     const std::string sql = statement;
-    client.send("POST /v1/query HTTP/1.1\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + headers + json + "\r\n" + sql);
+    client.send(
+        "POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + headers + json + "\r\n" + sql);
     EXPECT_TRUE(becomesTrue([&] {
         return HttpsClient(server.port).get("/metrics").body.find("kelvara_statements_running{database=\"demo\"} 1") != std::string::npos;
     }));

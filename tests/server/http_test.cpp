@@ -2,6 +2,8 @@
 
 #include "server/base/system.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <gmock/gmock.h>
 
 #include <random>
@@ -56,24 +58,24 @@ TEST(Http, RefusesWhatItCannotServe)
         int status;
         std::string code;
     };
-    const std::string post = "POST /v1/query HTTP/1.1\r\nContent-Length: 5\r\n";
+    const std::string post = "POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: 5\r\n";
     const Case cases[] = {
-        { "GET /nothing HTTP/1.1\r\n\r\n", 404, "path" },
-        { "GET /v1/query HTTP/1.1\r\n\r\n", 405, "method" },
-        { "DELETE /v1/time HTTP/1.1\r\n\r\n", 405, "method" },
-        { "GET /v1/time HTTP/1.1\r\n\r\n", 401, "token" },
+        { "GET /nothing HTTP/1.1\r\nHost: x\r\n\r\n", 404, "path" },
+        { "GET /v1/query HTTP/1.1\r\nHost: x\r\n\r\n", 405, "method" },
+        { "DELETE /v1/time HTTP/1.1\r\nHost: x\r\n\r\n", 405, "method" },
+        { "GET /v1/time HTTP/1.1\r\nHost: x\r\n\r\n", 401, "token" },
         { post + "\r\n12345", 401, "token" },
-        { "POST /v1/query HTTP/1.1\r\n" + as + "\r\n", 411, "length" },
+        { "POST /v1/query HTTP/1.1\r\nHost: x\r\n" + as + "\r\n", 411, "length" },
         { "POST /v1/query HTTP/1.0\r\nContent-Length: 1\r\n" + as + "\r\n1", 400, "request" },
         { post + as + "Accept: image/png\r\n\r\n12345", 406, "accept" },
         { post + as + "X-Kelvara-Database: other\r\n\r\n12345", 404, "database" },
-        { "POST /v1/login HTTP/1.1\r\nContent-Length: 2\r\n\r\n{}", 400, "request" },
-        { "GET  / HTTP/1.1\r\n\r\n", 400, "request" },
-        { "GET / HTTP/1.1\r\nbad header\r\n\r\n", 400, "request" },
-        { "POST /v1/query HTTP/1.1\r\nContent-Length: 99999\r\n\r\n", 413, "length" },
-        { "POST /v1/query HTTP/1.1\r\nContent-Length: -1\r\n\r\n", 400, "request" },
-        { "POST /v1/query HTTP/1.1\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", 400, "request" },
-        { "GET / HTTP/1.1\r\nX: " + std::string(20'000, 'x') + "\r\n\r\n", 431, "header" },
+        { "POST /v1/login HTTP/1.1\r\nHost: x\r\nContent-Length: 2\r\n\r\n{}", 400, "request" },
+        { "GET  / HTTP/1.1\r\nHost: x\r\n\r\n", 400, "request" },
+        { "GET / HTTP/1.1\r\nHost: x\r\nbad header\r\n\r\n", 400, "request" },
+        { "POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: 99999\r\n\r\n", 413, "length" },
+        { "POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: -1\r\n\r\n", 400, "request" },
+        { "POST /v1/query HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n\r\nzz\r\n", 400, "request" },
+        { "GET / HTTP/1.1\r\nHost: x\r\nX: " + std::string(20'000, 'x') + "\r\n\r\n", 431, "header" },
         { "GET /" + std::string(20'000, 'x'), 431, "header" },
     };
     for (const Case &wrong : cases) {
@@ -96,7 +98,7 @@ TEST(Http, TokensOfOthersAndOldOnesDoNotCount)
     EXPECT_EQ(statusWith(good), 200);
     EXPECT_EQ(statusWith(server.token("ann", -1)), 401) << "expired";
     EXPECT_EQ(statusWith(server.token("nobody")), 401) << "a user who is gone";
-    EXPECT_EQ(statusWith(TokenKey(std::string(32, 'x')).sign({ "ann", 99'999'999'999 })), 401) << "another key";
+    EXPECT_EQ(statusWith(TokenKey(std::string(32, 'x')).sign({ "ann", 99'999'999'999, "12345678" })), 401) << "another key";
     EXPECT_EQ(statusWith(good.substr(0, good.size() - 2)), 401);
     EXPECT_EQ(statusWith(good + "00"), 401);
     EXPECT_EQ(statusWith(""), 401);
@@ -120,7 +122,7 @@ TEST(Http, WrongPasswordsAreSlowedDownAndUnknownUsersLookTheSame)
         EXPECT_GE(std::stoi(last.headers["retry-after"]), 1);
         EXPECT_EQ(client.post("/v1/login", loginBody(user, password)).status, 429) << "a right one has to wait as well";
     }
-    EXPECT_LE(server.metric("kelvara_password_checks_total"), 2 * LoginThrottle::freeTriesOfUser);
+    EXPECT_LE(server.metric("kelvara_password_checks_total"), 2 * LoginThrottle::here.free);
     EXPECT_EQ(client.post("/v1/login", loginBody("bob", password)).status, 200) << "others are not slowed down";
 }
 
@@ -131,7 +133,7 @@ TEST(Http, AHundredThousandWrongPasswordsCostAlmostNothing)
     const TestServer server;
     HttpsClient client(server.port());
     const std::string body = loginBody("ann", "falsch");
-    const std::string request = "POST /v1/login HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
+    const std::string request = "POST /v1/login HTTP/1.1\r\nHost: x\r\nContent-Length: " + std::to_string(body.size()) + "\r\n\r\n" + body;
     std::string requests;
     for (int number = 0; number < atOnce; ++number)
         requests += request;
@@ -142,7 +144,7 @@ TEST(Http, AHundredThousandWrongPasswordsCostAlmostNothing)
             ASSERT_TRUE(status == 401 || status == 429) << status;
         }
     }
-    EXPECT_LE(server.metric("kelvara_password_checks_total"), 2 * LoginThrottle::freeTriesOfUser);
+    EXPECT_LE(server.metric("kelvara_password_checks_total"), 2 * LoginThrottle::here.free);
     EXPECT_EQ(client.post("/v1/login", loginBody("bob", password)).status, 200) << "others are let in as ever";
     EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200);
 }
@@ -154,22 +156,22 @@ TEST(Http, AnswersRequestsInTheOrderInWhichTheyWereSent)
     const std::string body = "select count(*) as n from NUMBERS";
     std::string requests;
     for (int number = 0; number < 5; ++number)
-        requests += "GET /healthz HTTP/1.1\r\n\r\nPOST /v1/query HTTP/1.1\r\nContent-Length: " + std::to_string(body.size()) + "\r\n"
-            + server.as("ann") + csv + "\r\n" + body;
+        requests += "GET /healthz HTTP/1.1\r\nHost: x\r\n\r\nPOST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: "
+            + std::to_string(body.size()) + "\r\n" + server.as("ann") + csv + "\r\n" + body;
     client.send(requests);
     for (int number = 0; number < 5; ++number) {
         EXPECT_EQ(client.receive().body, "ok\n");
         EXPECT_THAT(client.receive().body, HasSubstr("1000"));
     }
-    client.send("POST /v1/query HTTP/1.1\r\nTransfer-Encoding: chunked\r\n" + server.as("ann") + csv
+    client.send("POST /v1/query HTTP/1.1\r\nHost: x\r\nTransfer-Encoding: chunked\r\n" + server.as("ann") + csv
         + "\r\n7\r\nselect \r\n3;x=y\r\nn f\r\n10\r\nrom NUMBERS wher\r\n5\r\ne n=1\r\n0\r\n\r\n");
     EXPECT_THAT(client.receive().body, HasSubstr("N\r\n1\r\n"));
-    client.send("POST /v1/query HTTP/1.1\r\nExpect: 100-continue\r\nContent-Length: " + std::to_string(body.size()) + "\r\n"
+    client.send("POST /v1/query HTTP/1.1\r\nHost: x\r\nExpect: 100-continue\r\nContent-Length: " + std::to_string(body.size()) + "\r\n"
         + server.as("ann") + "\r\n");
     EXPECT_THAT(client.receiveSome(), StartsWith("HTTP/1.1 100"));
     client.send(body);
     EXPECT_EQ(client.receive().status, 200);
-    client.send("GET /healthz HTTP/1.1\r\nConnection: close\r\n\r\n");
+    client.send("GET /healthz HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
     EXPECT_EQ(client.receive().headers["connection"], "close");
     EXPECT_EQ(client.receiveSome(), "");
 }
@@ -188,7 +190,7 @@ TEST(Http, EndsConnectionsThatAreTooSlow)
         if (number % 3 == 1)
             slow.back()->send("GET /hea");
         if (number % 3 == 2)
-            slow.back()->send("POST /v1/query HTTP/1.1\r\nContent-Length: 10\r\n\r\nhalf");
+            slow.back()->send("POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: 10\r\n\r\nhalf");
     }
     EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200) << "nobody else has to wait";
     for (std::size_t number = 0; number < slow.size(); ++number)
@@ -214,6 +216,57 @@ TEST(Http, ALimitOfConnectionsHoldsForOneAddress)
             return false;
         }
     }));
+}
+
+TEST(Http, SomeAddressesCannotTakeAllConnections)
+{
+    namespace asio = boost::asio;
+    const TestServer server([](Configuration &configuration) {
+        configuration.connections = 40;
+        configuration.connectionsPerAddress = 10;
+    });
+    asio::io_context io;
+    std::vector<asio::ip::tcp::socket> strangers;
+    for (int number = 0; number < 60; ++number) {
+        strangers.emplace_back(io, asio::ip::tcp::v4());
+        strangers.back().bind({ asio::ip::make_address("127.0.1." + std::to_string(1 + number % 6)), 0 });
+        strangers.back().connect({ asio::ip::address_v4::loopback(), server.port() });
+    }
+    std::vector<std::unique_ptr<HttpsClient>> honest;
+    for (int number = 0; number < 3; ++number) {
+        honest.push_back(std::make_unique<HttpsClient>(server.port()));
+        EXPECT_EQ(honest.back()->post("/v1/query", "select n from NUMBERS where n=1", server.as("ann")).status, 200);
+    }
+    for (const auto &client : honest)
+        EXPECT_EQ(client->get("/healthz").status, 200) << "whoever has few keeps them";
+    EXPECT_LE(server.metric("kelvara_connections"), 41);
+}
+
+TEST(Http, ConnectionsOfNobodyAreNotKeptLong)
+{
+    const TestServer server([](Configuration &configuration) { configuration.strangerTime = 300ms; });
+    HttpsClient known(server.port());
+    HttpsClient stranger(server.port());
+    EXPECT_EQ(known.get("/v1/time", server.as("ann")).status, 200);
+    EXPECT_EQ(stranger.get("/healthz").status, 200);
+    EXPECT_EQ(stranger.receiveSome(), "");
+    EXPECT_EQ(known.get("/healthz").status, 200);
+}
+
+TEST(Http, NamesOfDatabasesAreNotForEverybody)
+{
+    const TestServer server([](Configuration &configuration) {
+        configuration.trustedProxies = { "127.0.0.1" };
+        configuration.monitors = { "10.0.0.9" };
+    });
+    HttpsClient client(server.port());
+    const HttpHeaders far = "X-Forwarded-For: 10.0.0.8\r\n";
+    EXPECT_EQ(client.get("/metrics", far).status, 403);
+    EXPECT_EQ(client.get("/readyz", far).body, "ok\n");
+    for (const HttpHeaders &headers : { HttpHeaders(), HttpHeaders("X-Forwarded-For: 10.0.0.9\r\n"), far + server.as("ann") }) {
+        EXPECT_EQ(client.get("/metrics", headers).status, 200);
+        EXPECT_EQ(client.get("/readyz", headers).body, "main ok\n");
+    }
 }
 
 TEST(Http, LivesThroughRandomBytes)

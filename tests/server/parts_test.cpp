@@ -1,34 +1,34 @@
+#include "server/base/address.h"
+#include "server/base/audit_log.h"
 #include "server/base/fair_pool.h"
 #include "server/base/json.h"
 #include "server/statements/result_format.h"
-#include "server/user_command.h"
 #include "server/users/login_throttle.h"
-#include "server/users/password.h"
 #include "server/users/token.h"
-#include "server/users/user_file.h"
 #include "tests/server/test_server.h"
 
 #include <gmock/gmock.h>
 
-#include <fstream>
+#include <csignal>
 #include <future>
-#include <sstream>
+
+#include <sys/resource.h>
 
 namespace server::test {
 
 using namespace std::chrono_literals;
 using testing::ElementsAre;
-using testing::HasSubstr;
 using testing::Pair;
 
 TEST(Token, AcceptsExactlyWhatItSigned)
 {
     const TokenKey key(std::string(32, 'a'));
-    const std::string text = key.sign({ "李明", 1000 });
+    const std::string text = key.sign({ "李明", 1000, "12345678" });
     ASSERT_TRUE(key.verify(text, 999));
     EXPECT_EQ(key.verify(text, 999)->user, "李明");
+    EXPECT_EQ(key.verify(text, 999)->generation, "12345678");
     EXPECT_FALSE(key.verify(text, 1000));
-    EXPECT_NE(key.sign({ "李明", 1000 }), text) << "each has a number of its own";
+    EXPECT_NE(key.sign({ "李明", 1000, "12345678" }), text) << "each has a number of its own";
     for (std::size_t at = 0; at < text.size(); ++at) {
         for (const char other : { '0', 'f', 'A', ' ' }) {
             std::string changed = text;
@@ -39,27 +39,80 @@ TEST(Token, AcceptsExactlyWhatItSigned)
     }
 }
 
-TEST(Throttle, MakesWhoFailsWaitLongerAndLonger)
+namespace {
+
+using Answer = LoginThrottle::Answer;
+using Result = LoginThrottle::Result;
+
+/// Tries until it is told to wait; how many tries there were.
+int wrongTries(LoginThrottle &throttle, LoginThrottle::Clock::time_point now, const std::string &name, const std::string &address)
+{
+    int tries = 0;
+    for (; throttle.begin(now, name, address).answer == Answer::Welcome; ++tries)
+        throttle.finish(now, name, address, Result::Wrong);
+    return tries;
+}
+
+} // namespace
+
+TEST(Throttle, WhoFailsHasToWaitAndNobodyElse)
 {
     LoginThrottle throttle;
     auto now = LoginThrottle::Clock::now();
-    for (int tries = 0; tries < LoginThrottle::freeTriesOfUser; ++tries)
-        EXPECT_EQ(throttle.tryAt(now, "ann", "10.0.0.1"), 0s);
-    const auto first = throttle.tryAt(now, "ann", "10.0.0.2");
-    EXPECT_GT(first, 0s);
-    EXPECT_EQ(throttle.tryAt(now, "bob", "10.0.0.1"), 0s);
-    now += first;
-    EXPECT_EQ(throttle.tryAt(now, "ann", "10.0.0.2"), 0s);
-    EXPECT_GT(throttle.tryAt(now, "ann", "10.0.0.2"), first);
-    for (int tries = 0; tries < 100; ++tries) {
-        now += LoginThrottle::longestWait;
-        EXPECT_EQ(throttle.tryAt(now, "ann", "10.0.0.2"), 0s) << "nobody is locked out for good";
+    EXPECT_EQ(wrongTries(throttle, now, "ann", "10.0.0.1"), LoginThrottle::here.free);
+    const auto wait = throttle.begin(now, "ann", "10.0.0.1").wait;
+    EXPECT_GT(wait, 0s);
+    EXPECT_LE(wait, LoginThrottle::here.forgotten);
+    EXPECT_EQ(throttle.begin(now, "ann", "10.0.0.2").answer, Answer::Welcome) << "the same name elsewhere";
+    EXPECT_EQ(throttle.begin(now, "bob", "10.0.0.1").answer, Answer::Welcome) << "another name here";
+    now += wait;
+    EXPECT_EQ(wrongTries(throttle, now, "ann", "10.0.0.1"), 1) << "one try is forgotten at a time";
+    now += 1h;
+    EXPECT_EQ(wrongTries(throttle, now, "ann", "10.0.0.1"), LoginThrottle::here.free) << "all of them in the end";
+}
+
+TEST(Throttle, AnHonestUserIsLetInWhateverStrangersDo)
+{
+    LoginThrottle throttle;
+    auto now = LoginThrottle::Clock::now();
+    ASSERT_EQ(throttle.begin(now, "bob", "10.0.0.1").answer, Answer::Welcome);
+    throttle.finish(now, "bob", "10.0.0.1", Result::Right);
+    int strangers = 0;
+    for (int minute = 0; minute < 120; ++minute, now += 1min) {
+        for (int address = 0; address < 50; ++address)
+            strangers += wrongTries(throttle, now, "bob", "10.1.0." + std::to_string(address));
+        for (int name = 0; name < 200; ++name)
+            wrongTries(throttle, now, "name" + std::to_string(name), "10.0.0.1");
+        ASSERT_EQ(throttle.begin(now, "bob", "10.0.0.1").answer, Answer::Welcome) << minute;
+        throttle.finish(now, "bob", "10.0.0.1", Result::NotTried);
     }
-    throttle.succeeded("ann", "10.0.0.2");
-    EXPECT_EQ(throttle.tryAt(now, "ann", "10.0.0.3"), 0s);
-    for (int user = 0; user < LoginThrottle::freeTriesOfAddress; ++user)
-        throttle.tryAt(now, "user" + std::to_string(user), "10.0.0.9");
-    EXPECT_GT(throttle.tryAt(now, "fresh", "10.0.0.9"), 0s) << "many names from one address";
+    EXPECT_LE(strangers, LoginThrottle::ofName.free + 120 * 6 + 60) << "many addresses together do not get further with one name";
+}
+
+TEST(Throttle, TriesUnderWayAreNoFailuresButGetNoFurtherEither)
+{
+    LoginThrottle throttle;
+    const auto now = LoginThrottle::Clock::now();
+    for (int user = 0; user < 1000; ++user)
+        ASSERT_EQ(throttle.begin(now, "user" + std::to_string(user), "10.0.0.1").answer, Answer::Welcome) << "a whole office at eight";
+    int welcome = 0;
+    while (throttle.begin(now, "ann", "10.0.0.9").answer == Answer::Welcome)
+        ++welcome;
+    EXPECT_EQ(welcome, LoginThrottle::here.free);
+    EXPECT_EQ(throttle.begin(now, "ann", "10.0.0.9").answer, Answer::Busy);
+    for (; welcome > 0; --welcome)
+        throttle.finish(now, "ann", "10.0.0.9", Result::NotTried);
+    EXPECT_EQ(throttle.begin(now, "ann", "10.0.0.9").answer, Answer::Welcome);
+}
+
+TEST(Address, OneClientIsAnAddressOrANetwork)
+{
+    EXPECT_EQ(addressGroup("10.0.0.1"), "10.0.0.1");
+    EXPECT_EQ(addressGroup("2001:db8:1:2:3:4:5:6"), addressGroup("2001:db8:1:2::"));
+    EXPECT_NE(addressGroup("2001:db8:1:2::1"), addressGroup("2001:db8:1:3::1"));
+    EXPECT_EQ(addressOf("::ffff:10.0.0.1"), "10.0.0.1");
+    EXPECT_EQ(addressOf("010.0.0.1"), std::nullopt);
+    EXPECT_TRUE(isLoopback("::1") && isLoopback("127.9.9.9") && !isLoopback("10.0.0.1"));
 }
 
 TEST(FairPool, ServesUsersInTurn)
@@ -107,40 +160,43 @@ TEST(Accept, PrefersWhatTheClientPrefers)
     EXPECT_FALSE(acceptedFormat(",;,q=;="));
 }
 
-TEST(Users, AreManagedInAFileThatARunningServerReadsAgain)
+namespace {
+
+/// While it lives no file of this process can grow beyond so many bytes, as on a disk that is full.
+class FullDisk {
+public:
+    explicit FullDisk(std::uintmax_t bytes)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &m_before);
+        const rlimit limit { bytes, m_before.rlim_max };
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    FullDisk(const FullDisk &) = delete;
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
+
+private:
+    rlimit m_before {};
+};
+
+} // namespace
+
+TEST(AuditLog, AFullDiskSpoilsNoLineThatComesLater)
 {
     const TemporaryFolder folder;
-    const std::filesystem::path path = folder / "users";
-    const auto run = [&](const std::string &command, const std::string &name, const std::string &secret = {}) {
-        Options options { .mode = Options::Mode::User };
-        options.userCommand = command;
-        options.users = path;
-        options.userName = name;
-        options.passwordFromInput = true;
-        std::istringstream in(secret + "\n");
-        std::ostringstream out;
-        runUserCommand(options, in, out);
-        return out.str();
-    };
-    run("add", "ann", "long enough");
-    EXPECT_EQ(std::filesystem::status(path).permissions(), std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
-    EXPECT_THROW(run("add", "ann", "long enough"), std::runtime_error);
-    EXPECT_THROW(run("add", "bob", "short"), std::runtime_error);
-    EXPECT_THROW(run("add", "b:b", "long enough"), std::runtime_error);
-    EXPECT_THROW(run("passwd", "bob", "long enough"), std::runtime_error);
-    UserFile file(path);
-    const std::string before = file.hashOf("ann").value();
-    EXPECT_TRUE(passwordMatches(before, "long enough"));
-    EXPECT_FALSE(passwordMatches(before, "long enougH"));
-    run("passwd", "ann", "another one");
-    run("add", "李明", "long enough");
-    EXPECT_EQ(run("list", ""), "ann\n李明\n");
-    EXPECT_TRUE(becomesTrue([&] { return file.contains("李明") && file.hashOf("ann") != before; }));
-    std::ofstream(path) << "broken line\n";
-    EXPECT_THROW(readUsers(path), std::runtime_error);
-    EXPECT_TRUE(becomesTrue([&] { return file.contains("ann"); })) << "a broken file changes nothing";
-    writeUsers(path, {});
-    EXPECT_TRUE(becomesTrue([&] { return !file.contains("ann"); }));
+    const auto path = folder / "audit.log";
+    AuditLog log(path);
+    const auto write = [&log](const std::string &user) { log.settle(log.add(AuditLine("login").add("user", user))); };
+    write("first");
+    {
+        const FullDisk full(std::filesystem::file_size(path) + 20);
+        write("lost");
+    }
+    write("next");
+    const std::string text = contentOf(path);
+    EXPECT_THAT(text, testing::EndsWith("\"user\":\"next\"}\n"));
+    EXPECT_EQ(text[text.rfind("{") - 1], '\n') << text;
+    EXPECT_THAT(text, testing::Not(testing::HasSubstr("lost")));
 }
 
 } // namespace server::test

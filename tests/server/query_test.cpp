@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 
 #include <fstream>
+#include <future>
 #include <thread>
 
 namespace server::test {
@@ -28,8 +29,8 @@ packet::PacketPtr decoded(const std::string &body)
 std::unique_ptr<HttpsClient> begin(const TestServer &server, std::string_view sql, const std::string &user = "ann")
 {
     auto client = std::make_unique<HttpsClient>(server.port());
-    client->send(
-        "POST /v1/query HTTP/1.1\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + server.as(user) + "\r\n" + std::string(sql));
+    client->send("POST /v1/query HTTP/1.1\r\nHost: x\r\nContent-Length: " + std::to_string(sql.size()) + "\r\n" + server.as(user) + "\r\n"
+        + std::string(sql));
     return client;
 }
 
@@ -117,7 +118,7 @@ TEST(Query, EndsWhenTheClientGoesAway)
     ASSERT_NE(reading->receiveSome(), "");
     reading->reset();
     EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; }));
-    for (const std::string &line : server.auditLines(4))
+    for (const std::string &line : server.auditLines("result", 4))
         EXPECT_THAT(line, HasSubstr("\"result\":\"cancelled\""));
 }
 
@@ -212,34 +213,97 @@ TEST(Query, IsWrittenToTheAuditLog)
     TestServer server;
     server.query("select n from NUMBERS where n<=3", csv, "李明");
     server.query("drop \"x\"\n\xFF");
-    const auto lines = server.auditLines(2);
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_THAT(lines[0],
+    const auto results = server.auditLines("result", 2);
+    const auto queries = server.auditLines("query", 2);
+    ASSERT_EQ(results.size(), 2u);
+    ASSERT_EQ(queries.size(), 2u);
+    const auto idOf = [](const std::string &line) { return line.substr(line.find("\"id\":"), 20); };
+    for (const std::size_t at : { 0, 1 }) {
+        EXPECT_EQ(idOf(queries[at]), idOf(results[at]));
+        EXPECT_THAT(queries[at], Not(HasSubstr(server.token("ann").substr(100))));
+    }
+    EXPECT_THAT(queries[0],
         AllOf(HasSubstr("\"user\":\"李明\",\"address\":\"127.0.0.1\",\"database\":\"main\""),
-            HasSubstr("\"rows\":3,\"bytes\":15,\"result\":\"ok\""), HasSubstr("\"statement\":\"select n from NUMBERS where n<=3\"}")));
-    EXPECT_THAT(lines[1], AllOf(HasSubstr("\"result\":\"refused\""), HasSubstr("\"statement\":\"drop \\\"x\\\"\\u000a\xEF\xBF\xBD\"}")));
-    for (const std::string &line : lines)
-        EXPECT_THAT(line, AllOf(Not(HasSubstr(server.token("ann").substr(100))), Not(HasSubstr(password))));
+            HasSubstr("\"statement\":\"select n from NUMBERS where n<=3\"}")));
+    EXPECT_THAT(results[0], HasSubstr("\"rows\":3,\"bytes\":15,\"result\":\"ok\""));
+    EXPECT_THAT(queries[1], HasSubstr("\"statement\":\"drop \\\"x\\\"\\u000a\xEF\xBF\xBD\"}"));
+    EXPECT_THAT(results[1], HasSubstr("\"result\":\"refused\""));
     const std::filesystem::path log = server.configuration().auditLog;
     std::filesystem::rename(log, log.string() + ".1");
     server->reload();
     server.query("select n from NUMBERS where n=4");
-    const auto later = server.auditLines(1);
+    const auto later = server.auditLines("query", 1);
     ASSERT_EQ(later.size(), 1u) << "the old file was let go of";
     EXPECT_THAT(later[0], HasSubstr("n=4"));
 }
 
 TEST(Query, TheAddressThatAProxyNamesCountsWhenTheProxyIsTrusted)
 {
-    const HttpHeaders forwarded = "X-Forwarded-For: 1.2.3.4, 10.1.1.1\r\n";
+    const std::pair<HttpHeaders, std::string> cases[] = {
+        { "X-Forwarded-For: 1.2.3.4, 10.1.1.1\r\n", "10.1.1.1" }, // what the client wrote itself does not count
+        { "X-Forwarded-For: 6.6.6.6\r\nX-Forwarded-For: 10.1.1.1\r\n", "10.1.1.1" },
+        { "", "127.0.0.1" },
+        { "X-Forwarded-For: 10.1.1.1,\r\n", "127.0.0.1" },
+        { "X-Forwarded-For: 10.1.1.1, not an address\r\n", "127.0.0.1" },
+    };
     const TestServer trusting([](Configuration &configuration) { configuration.trustedProxies = { "10.0.0.5", "127.0.0.1" }; });
-    trusting.query("select n from NUMBERS where n=1", forwarded);
-    trusting.query("select n from NUMBERS where n=1");
-    EXPECT_THAT(trusting.auditLines(2)[0], HasSubstr("\"address\":\"10.1.1.1\"")) << "what the client wrote itself does not count";
-    EXPECT_THAT(trusting.auditLines(2)[1], HasSubstr("\"address\":\"127.0.0.1\""));
+    for (const auto &[headers, address] : cases)
+        trusting.query("select n from NUMBERS where n=1", headers);
+    const auto lines = trusting.auditLines("query", std::size(cases));
+    for (std::size_t at = 0; at < std::size(cases); ++at)
+        EXPECT_THAT(lines.at(at), HasSubstr("\"address\":\"" + cases[at].second + "\"")) << cases[at].first;
     const TestServer cautious;
-    cautious.query("select n from NUMBERS where n=1", forwarded);
-    EXPECT_THAT(cautious.auditLines(1)[0], HasSubstr("\"address\":\"127.0.0.1\""));
+    cautious.query("select n from NUMBERS where n=1", cases[0].first);
+    EXPECT_THAT(cautious.auditLines("query", 1)[0], HasSubstr("\"address\":\"127.0.0.1\""));
+}
+
+/// Two statements that no limit can stop, as a fault of the database would: they hold all workers.
+TEST(Query, ALimitHoldsWhileNoWorkerIsFreeAndReadinessSaysSo)
+{
+    TestServer server([](Configuration &configuration) {
+        configuration.databases[0].workers = 2;
+        configuration.databases[0].userStatements = 2;
+        configuration.databases[0].statementTime = 1s;
+    });
+    Database &database = server->service().database("main");
+    std::promise<void> release;
+    const auto released = release.get_future().share();
+    for (int number = 0; number < 2; ++number)
+        ASSERT_TRUE(database.pool().submit("stuck", [released] { released.wait(); }));
+    ASSERT_TRUE(becomesTrue([&] { return running(server) == 2; }));
+    EXPECT_EQ(HttpsClient(server.port()).get("/readyz").status, 200) << "busy is not stuck";
+    const auto begun = std::chrono::steady_clock::now();
+    const HttpReply late = server.query("select n from NUMBERS where n=1");
+    EXPECT_EQ(late.status, 408);
+    EXPECT_THAT(late.body, HasSubstr("排队"));
+    EXPECT_LT(std::chrono::steady_clock::now() - begun, 2s);
+    EXPECT_TRUE(becomesTrue([&] { return HttpsClient(server.port()).get("/readyz").status == 503; }));
+    release.set_value();
+    EXPECT_TRUE(becomesTrue([&] { return HttpsClient(server.port()).get("/readyz").status == 200; }));
+    EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200);
+}
+
+TEST(Query, AFileThatIsCutIsNotReadyAndAGoodOneInItsPlaceIs)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "secret-place.db";
+    std::filesystem::copy_file(numbersDatabase().path(), path);
+    const TestServer server([&](Configuration &configuration) {
+        configuration.databases[0].url = "sqlite:" + path.string();
+        configuration.databases[0].tables = { "NUMBERS" };
+    });
+    const auto ready = [&] { return HttpsClient(server.port()).get("/readyz").status; };
+    EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200);
+    EXPECT_EQ(ready(), 200);
+    std::filesystem::resize_file(path, 0);
+    EXPECT_TRUE(becomesTrue([&] { return ready() == 503; }));
+    const HttpReply gone = server.query("select n from NUMBERS where n=1");
+    EXPECT_NE(gone.status, 200);
+    EXPECT_THAT(gone.body, Not(HasSubstr("secret-place"))) << "where it lies is not for users";
+    std::filesystem::copy_file(numbersDatabase().path(), folder / "good.db");
+    std::filesystem::rename(folder / "good.db", path);
+    EXPECT_TRUE(becomesTrue([&] { return ready() == 200; }));
+    EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200) << "without a restart";
 }
 
 TEST(Query, FinishesWhatRunsBeforeTheServerStops)

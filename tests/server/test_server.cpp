@@ -6,6 +6,7 @@
 #include "server/users/user_file.h"
 
 #include <fstream>
+#include <iterator>
 #include <thread>
 
 namespace server::test {
@@ -46,7 +47,7 @@ TestServer::TestServer(const std::function<void(Configuration &)> &change)
     m_configuration.users = m_folder / "users";
     m_configuration.auditLog = m_folder / "audit.log";
     m_configuration.tokenKey = std::string(TokenKey::shortestSecret, 'k');
-    m_configuration.leaveTime = {};
+    m_configuration.drainTime = {};
     m_configuration.databases.push_back({ "main", numbersDatabase().url() });
     if (change)
         change(m_configuration);
@@ -58,8 +59,11 @@ TestServer::TestServer(const std::function<void(Configuration &)> &change)
 
 std::string TestServer::token(const std::string &user, std::int64_t lifeSeconds) const
 {
+    const Users users = readUsers(m_configuration.users);
+    const auto account = users.find(user);
+    const std::string generation = generationOf(account == users.end() ? "" : account->second);
     const auto now = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch());
-    return TokenKey(m_configuration.tokenKey).sign({ user, now.count() + lifeSeconds });
+    return TokenKey(m_configuration.tokenKey).sign({ user, now.count() + lifeSeconds, generation });
 }
 
 HttpHeaders TestServer::as(const std::string &user) const { return bearer(token(user)); }
@@ -76,17 +80,24 @@ double TestServer::metric(const std::string &name) const
     return line == std::string::npos ? -1 : std::stod(text.substr(line + name.size() + 2));
 }
 
-std::vector<std::string> TestServer::auditLines(std::size_t count) const
+std::vector<std::string> TestServer::auditLines(const std::string &event, std::size_t count) const
 {
     std::vector<std::string> lines;
     becomesTrue([&] {
         lines.clear();
         std::ifstream file(m_configuration.auditLog);
         for (std::string line; std::getline(file, line);)
-            lines.push_back(line);
+            if (line.find("\"event\":\"" + event + "\"") != line.npos)
+                lines.push_back(line);
         return lines.size() >= count;
     });
     return lines;
+}
+
+std::string contentOf(const std::filesystem::path &path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return { std::istreambuf_iterator<char>(file), {} };
 }
 
 bool becomesTrue(const std::function<bool()> &condition)

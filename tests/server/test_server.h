@@ -47,8 +47,8 @@ public:
     HttpReply query(std::string_view sql, const HttpHeaders &headers = {}, const std::string &user = "ann") const;
     /// The value of a line of /metrics.
     double metric(const std::string &name) const;
-    /// The lines of the audit log, once there are so many.
-    std::vector<std::string> auditLines(std::size_t count) const;
+    /// The lines of the audit log about such events, once there are so many.
+    std::vector<std::string> auditLines(const std::string &event, std::size_t count) const;
 
 private:
     TemporaryFolder m_folder;
@@ -58,6 +58,9 @@ private:
 
 const HttpHeaders csv = "Accept: text/csv\r\n";
 const HttpHeaders json = "Accept: application/json\r\n";
+
+/// The bytes of a file; empty when there is none.
+std::string contentOf(const std::filesystem::path &path);
 
 /// Looks again and again until the condition holds; false after a minute.
 bool becomesTrue(const std::function<bool()> &condition);

@@ -1,8 +1,7 @@
-#include "server/configuration.h"
+#include "server/settings/configuration.h"
 
-#include "server/tls/tls_context.h"
+#include "server/base/text.h"
 #include "server/users/token.h"
-#include "server/users/user_file.h"
 
 #include <charconv>
 #include <fstream>
@@ -17,22 +16,12 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string_view trimmed(std::string_view text)
-{
-    constexpr std::string_view blanks = " \t\r";
-    const std::size_t begin = text.find_first_not_of(blanks);
-    return begin == std::string_view::npos ? std::string_view() : text.substr(begin, text.find_last_not_of(blanks) - begin + 1);
-}
-
 std::vector<std::string> listOf(std::string_view text)
 {
     std::vector<std::string> items;
-    while (!text.empty()) {
-        const std::size_t comma = std::min(text.find(','), text.size());
-        if (const auto item = trimmed(text.substr(0, comma)); !item.empty())
+    while (!text.empty())
+        if (const auto item = nextPart(text, ','); !item.empty())
             items.emplace_back(item);
-        text.remove_prefix(std::min(comma + 1, text.size()));
-    }
     return items;
 }
 
@@ -49,6 +38,11 @@ std::int64_t wholeNumber(std::string_view text, std::int64_t low, std::int64_t h
         throw Unfit { "从 " + std::to_string(low) + " 到 " + std::to_string(high) + " 的整数" };
     return number;
 }
+
+/// Likewise, but the value must not be shown.
+struct Secret {
+    std::string wanted;
+};
 
 /// What is read into, and where relative paths begin.
 struct Place {
@@ -94,6 +88,16 @@ void setListen(const Place &place, std::string_view text)
     place.configuration.port = std::uint16_t(wholeNumber(text.substr(colon + 1), 0, 65535));
 }
 
+/// The address may hold a password, so no message repeats it.
+void setUrl(const Place &place, std::string_view text)
+{
+    const bool isKnown
+        = text.starts_with("sqlite:") || text.starts_with("postgresql://") || text.starts_with("postgres://") || text.starts_with("odbc:");
+    if (!isKnown)
+        throw Secret { "sqlite:文件、postgresql://用户:密码@主机/库 或 odbc:DSN=数据源" };
+    place.database().url = text;
+}
+
 constexpr std::int64_t day = 24 * 3600;
 constexpr std::int64_t millisecond = 1000; ///< in a second
 constexpr std::int64_t mebibyte = 1 << 20;
@@ -107,6 +111,7 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
     { "token_hours", number(&Configuration::tokenLife, 1, 24 * 31, 3600) },
     { "audit_log", path(&Configuration::auditLog) },
     { "trusted_proxies", [](const Place &place, std::string_view text) { place.configuration.trustedProxies = listOf(text); } },
+    { "monitors", [](const Place &place, std::string_view text) { place.configuration.monitors = listOf(text); } },
     { "login_queue", number(&Configuration::loginQueue, 1, 10'000) },
     { "io_threads", number(&Configuration::ioThreads, 1, 64) },
     { "connections", number(&Configuration::connections, 1, 1'000'000) },
@@ -116,13 +121,14 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
     { "header_seconds", number(&Configuration::headerTime, 1, 600, millisecond) },
     { "body_seconds", number(&Configuration::bodyTime, 1, 600, millisecond) },
     { "idle_seconds", number(&Configuration::idleTime, 1, day, millisecond) },
+    { "stranger_seconds", number(&Configuration::strangerTime, 1, day, millisecond) },
     { "write_seconds", number(&Configuration::writeTime, 1, 3600, millisecond) },
-    { "leave_seconds", number(&Configuration::leaveTime, 0, 3600, millisecond) },
+    { "drain_seconds", number(&Configuration::drainTime, 0, 3600, millisecond) },
     { "stop_seconds", number(&Configuration::stopTime, 0, day, millisecond) },
 };
 
 const std::map<std::string, Setter, std::less<>> databaseKeys {
-    { "url", [](const Place &place, std::string_view text) { place.database().url = text; } },
+    { "url", setUrl },
     { "tables", [](const Place &place, std::string_view text) { place.database().tables = listOf(text); } },
     { "workers", number(&DatabaseConfiguration::workers, 1, 1000) },
     { "queue", number(&DatabaseConfiguration::queue, 0, 100'000) },
@@ -186,7 +192,9 @@ private:
     void setKey(std::string_view key, std::string_view value)
     {
         const auto &setters = m_configuration.databases.empty() ? serverKeys : databaseKeys;
-        const std::string quoted = "键“" + std::string(key) + "”";
+        // A line that is no key at all may be an address with a password.
+        const bool isPlain = key.find_first_of(":/@ ") == key.npos;
+        const std::string quoted = isPlain ? "键“" + std::string(key) + "”" : "等号前面的键";
         const auto setter = setters.find(key);
         if (setter == setters.end())
             fail(quoted + (&setters == &databaseKeys ? "不属于数据库小节" : "不存在") + "，请检查拼写和位置");
@@ -198,6 +206,8 @@ private:
             setter->second({ m_configuration, m_directory }, value);
         } catch (const Unfit &unfit) {
             fail(quoted + "的值“" + std::string(value) + "”不能用，应是" + unfit.wanted);
+        } catch (const Secret &secret) {
+            fail(quoted + "的值不能用，应写作 " + secret.wanted);
         }
     }
 
@@ -255,23 +265,14 @@ std::string readTokenKey(const fs::path &path)
 
 Configuration parseConfiguration(std::string_view text, const std::string &name, const fs::path &directory)
 {
-    Configuration configuration = Parser(name, directory).run(text);
-    configuration.tokenKey = readTokenKey(configuration.tokenKeyFile);
-    return configuration;
+    return Parser(name, directory).run(text);
 }
 
 Configuration readConfiguration(const fs::path &path)
 {
-    return parseConfiguration(fileText(path, "配置文件"), path.string(), path.parent_path());
-}
-
-void checkFiles(const Configuration &configuration)
-{
-    makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
-    readUsers(configuration.users);
-    const fs::path folder = configuration.auditLog.parent_path();
-    if (!configuration.auditLog.empty() && !fs::is_directory(folder))
-        throw std::runtime_error("审计日志的目录 " + folder.string() + " 不存在，请先建立它");
+    Configuration configuration = parseConfiguration(fileText(path, "配置文件"), path.string(), path.parent_path());
+    configuration.tokenKey = readTokenKey(configuration.tokenKeyFile);
+    return configuration;
 }
 
 } // namespace server

@@ -23,9 +23,10 @@ struct Configuration {
     std::string tokenKey {}; ///< the file's text
     std::filesystem::path auditLog {}; ///< empty: none
     std::vector<std::string> trustedProxies {}; ///< whose X-Forwarded-For is believed
+    std::vector<std::string> monitors {}; ///< who may see numbers and names of databases without a token, beside this machine
 
     std::chrono::seconds tokenLife = std::chrono::hours(12);
-    std::size_t loginQueue = 64;
+    std::size_t loginQueue = 1024;
     std::size_t ioThreads = 2;
 
     std::size_t connections = 4000;
@@ -35,8 +36,9 @@ struct Configuration {
     std::chrono::milliseconds headerTime = std::chrono::seconds(10); ///< from the first byte of a request to the end of its header
     std::chrono::milliseconds bodyTime = std::chrono::seconds(20);
     std::chrono::milliseconds idleTime = std::chrono::minutes(5); ///< between requests
+    std::chrono::milliseconds strangerTime = std::chrono::seconds(20); ///< the same, of a client that has shown no user yet
     std::chrono::milliseconds writeTime = std::chrono::seconds(60); ///< for each 256 KiB that the client takes
-    std::chrono::milliseconds leaveTime = std::chrono::seconds(3); ///< between "not ready" and the refusal of requests
+    std::chrono::milliseconds drainTime = std::chrono::seconds(3); ///< between "not ready" and the refusal of requests
     std::chrono::milliseconds stopTime = std::chrono::seconds(60); ///< for the statements that still run when the server ends
 
     std::vector<DatabaseConfiguration> databases {};
@@ -48,11 +50,10 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// Reads the text of a configuration file. `name` is for the messages; relative paths are taken from `directory`.
-/// Reads the token key file as well. Throws ConfigurationError.
+/// Reads the text of a configuration file and no other file. `name` is for the messages; relative paths are taken from `directory`.
+/// Throws ConfigurationError.
 Configuration parseConfiguration(std::string_view text, const std::string &name, const std::filesystem::path &directory);
+/// Reads the file and the token key. Throws ConfigurationError.
 Configuration readConfiguration(const std::filesystem::path &path);
-/// Looks whether certificate, key, users and the audit log's folder can be used. Throws std::runtime_error.
-void checkFiles(const Configuration &configuration);
 
 } // namespace server

@@ -1,0 +1,35 @@
+#include "server/configuration_check.h"
+
+#include "engine/pool/open_engine.h"
+#include "server/base/files.h"
+#include "server/tls/tls_context.h"
+#include "server/users/user_file.h"
+
+namespace server {
+
+namespace fs = std::filesystem;
+
+void checkFiles(const Configuration &configuration)
+{
+    makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
+    readUsers(configuration.users);
+    if (!configuration.tokenKeyFile.empty() && readersOf(configuration.tokenKeyFile) == Readers::Everyone)
+        throw std::runtime_error("令牌密钥文件 " + configuration.tokenKeyFile.string()
+            + " 别人也能读取，谁读到它就能冒充任何用户；请执行 chmod 600 " + configuration.tokenKeyFile.string() + "，并更换密钥");
+    const fs::path folder = configuration.auditLog.parent_path();
+    if (!configuration.auditLog.empty() && !fs::is_directory(folder))
+        throw std::runtime_error("审计日志的目录 " + folder.string() + " 不存在，请先建立它");
+}
+
+void checkDatabases(const Configuration &configuration)
+{
+    for (const DatabaseConfiguration &database : configuration.databases) {
+        try {
+            engine::openEngine(database.url, { 1, database.tables });
+        } catch (const std::exception &error) {
+            throw std::runtime_error("数据库“" + database.name + "”不能使用：" + error.what());
+        }
+    }
+}
+
+} // namespace server

@@ -1,0 +1,12 @@
+#pragma once
+
+#include "server/settings/configuration.h"
+
+namespace server {
+
+/// Looks whether certificate, key, users and the audit log's folder can be used. Throws std::runtime_error.
+void checkFiles(const Configuration &configuration);
+/// Opens every database and reads its tables. Throws std::runtime_error, which names the database as configured.
+void checkDatabases(const Configuration &configuration);
+
+} // namespace server
