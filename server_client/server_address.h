@@ -13,6 +13,7 @@ enum class Failure {
     Certificate, ///< the server is not who it should be
     Login, ///< the user or the password is wrong, or the session has ended
     Refused, ///< the server or its database refused the statement
+    Result, ///< the result is damaged or larger than is taken; asking again would only cost the same once more
     Cancelled,
 };
 

@@ -148,7 +148,8 @@ ServerConnection::ServerConnection(ServerAddress address, std::shared_ptr<const 
 
 ServerConnection::~ServerConnection() = default;
 
-int ServerConnection::exchangeOver(std::unique_ptr<Link> link, const Request &request, const std::stop_token &stop, const Receive &receive)
+int ServerConnection::exchangeOver(
+    std::unique_ptr<Link> link, const Request &request, Delivery &delivery, const std::stop_token &stop, const Receive &receive)
 {
     constexpr unsigned http11 = 11;
     http::request<http::string_body> message(http::string_to_verb(request.method), request.path, http11, request.body);
@@ -156,10 +157,12 @@ int ServerConnection::exchangeOver(std::unique_ptr<Link> link, const Request &re
     for (const auto &[name, value] : request.headers)
         message.set(name, value);
     message.prepare_payload();
+    ++delivery.sends;
     link->send(message, m_timeouts.silence, stop);
     Link::Parser parser;
     parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // the reader of the body knows its own limits
     link->receiveHeader(parser, m_timeouts.answer, stop);
+    delivery.isAnswered = parser.get().result() == http::status::ok;
     while (!parser.is_done())
         link->receivePiece(parser, m_timeouts.silence, stop, receive);
     if (parser.keep_alive())
@@ -167,25 +170,20 @@ int ServerConnection::exchangeOver(std::unique_ptr<Link> link, const Request &re
     return int(parser.get().result_int());
 }
 
-int ServerConnection::exchange(const Request &request, const std::stop_token &stop, const Receive &receive)
+int ServerConnection::exchange(const Request &request, Delivery &delivery, const std::stop_token &stop, const Receive &receive)
 try {
-    bool answered = false;
-    const auto note = [&](int status, std::span<const std::byte> bytes) {
-        answered = true;
-        receive(status, bytes);
-    };
     // A connection that was kept may have been closed by the server meanwhile; that is no failure of this request.
     if (auto kept = std::exchange(m_link, nullptr)) {
         try {
-            return exchangeOver(std::move(kept), request, stop, note);
+            return exchangeOver(std::move(kept), request, delivery, stop, receive);
         } catch (const boost::system::system_error &) {
-            if (answered || stop.stop_requested())
+            if (!delivery.mayRepeat() || stop.stop_requested())
                 throw;
         }
     }
     auto link = std::make_unique<Link>(*m_trust, m_address);
     link->open(m_timeouts.connect, stop);
-    return exchangeOver(std::move(link), request, stop, note);
+    return exchangeOver(std::move(link), request, delivery, stop, receive);
 } catch (const boost::system::system_error &error) {
     if (stop.stop_requested())
         throw Error(Failure::Cancelled, "查询已取消");

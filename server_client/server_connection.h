@@ -39,6 +39,15 @@ struct Request {
     std::vector<std::pair<std::string, std::string>> headers {};
 };
 
+/// How far a request has got, whichever servers it was sent to. It is sent again once at most, and never after a part of its answer has
+/// come: a server may have died of it.
+struct Delivery {
+    int sends = 0; ///< how often it has left, if only in part
+    bool isAnswered = false; ///< a result has begun to come
+
+    bool mayRepeat() const { return sends < 2 && !isAnswered; }
+};
+
 /// One HTTPS connection to one server, made when it is needed and kept for the next request. Used by one thread at a time.
 class ServerConnection {
 public:
@@ -49,13 +58,14 @@ public:
     ServerConnection(const ServerConnection &) = delete;
     ~ServerConnection();
 
-    /// Sends the request and returns the status of the answer, its body handed over piece by piece. Throws Error(Unreachable)
-    /// unless the whole answer arrives, Error(Certificate) and Error(Cancelled); what `receive` throws passes through.
-    int exchange(const Request &request, const std::stop_token &stop, const Receive &receive);
+    /// Sends the request, as far as `delivery` allows it, and returns the status of the answer, its body handed over piece by piece. Throws
+    /// Error(Unreachable) unless the whole answer arrives, Error(Certificate) and Error(Cancelled); what `receive` throws passes through.
+    int exchange(const Request &request, Delivery &delivery, const std::stop_token &stop, const Receive &receive);
 
 private:
     class Link;
-    int exchangeOver(std::unique_ptr<Link> link, const Request &request, const std::stop_token &stop, const Receive &receive);
+    int exchangeOver(
+        std::unique_ptr<Link> link, const Request &request, Delivery &delivery, const std::stop_token &stop, const Receive &receive);
 
     ServerAddress m_address;
     std::shared_ptr<const Trust> m_trust;

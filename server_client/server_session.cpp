@@ -4,12 +4,16 @@
 
 #include <nlohmann/json.hpp>
 
+#include <condition_variable>
+#include <random>
+
 namespace server_client {
 
 namespace {
 
-enum Status { ok = 200, unauthorized = 401, unavailable = 503 };
+enum Status { ok = 200, unauthorized = 401, tooMany = 429, unavailable = 503 };
 
+constexpr int mostWaits = 30; ///< seconds, about
 constexpr std::size_t largestReply = 64 * 1024; ///< of what is no result
 
 /// A text of a JSON object; nothing when there is none.
@@ -37,6 +41,25 @@ std::string messageOf(int status, const std::string &reply)
     throw Error(failure, messageOf(status, reply));
 }
 
+/// Too many log in at this moment, which is nobody's fault and soon over.
+bool isBusy(int status, const std::string &reply) { return status == tooMany && jsonText(reply, "code") == "busy"; }
+
+/// About a second, not the same for all who wait.
+void waitForTurn(const std::stop_token &stop)
+{
+    std::random_device random;
+    std::mutex mutex;
+    std::unique_lock lock(mutex);
+    std::condition_variable_any().wait_for(lock, stop, std::chrono::milliseconds(700 + random() % 600), [] { return false; });
+    if (stop.stop_requested())
+        throw Error(Failure::Cancelled, "查询已取消");
+}
+
+[[noreturn]] void failTooLarge(const std::string &what)
+{
+    throw Error(Failure::Result, "查询结果的" + what + "超过了客户端的上限，没有取完，也没有显示；请缩小查询范围");
+}
+
 } // namespace
 
 ServerSession::ServerSession(SessionOptions options, Watch watch)
@@ -51,7 +74,7 @@ ServerSession::~ServerSession() = default;
 
 /// One server is asked twice, several are asked in a ring until the first comes again.
 template <class Ask>
-auto ServerSession::withServer(const Ask &ask)
+auto ServerSession::withServer(Delivery &delivery, const Ask &ask)
 {
     for (std::size_t tries = 0;; ++tries) {
         std::size_t server = 0;
@@ -70,22 +93,28 @@ auto ServerSession::withServer(const Ask &ask)
                 tell({});
                 throw;
             }
-            const std::lock_guard lock(m_mutex);
-            if (m_server == server)
-                m_server = (server + 1) % m_options.addresses.size();
+            {
+                const std::lock_guard lock(m_mutex);
+                if (m_server == server)
+                    m_server = (server + 1) % m_options.addresses.size();
+            }
+            if (!delivery.mayRepeat())
+                throw Error(Failure::Unreachable,
+                    std::string(error.what()) + "查询已经送达，没有自动再发一次；请重新查询，仍然如此时请缩小范围或联系管理员。");
         }
     }
 }
 
 /// Sends with the token at hand; a token that has run out is renewed once.
 template <class Send>
-ServerSession::Answer ServerSession::authorized(std::size_t server, const std::stop_token &stop, const Send &send)
+ServerSession::Answer ServerSession::authorized(std::size_t server, Delivery &delivery, const std::stop_token &stop, const Send &send)
 {
     for (bool renewed = false;; renewed = true) {
         const std::string used = token(server, stop);
         const Answer answer = send("Bearer " + used);
         if (answer.status == ok)
             return answer;
+        delivery = {}; // a refusal is an answer: nothing has been run
         if (answer.status != unauthorized || renewed)
             fail(answer.status, answer.text);
         const std::lock_guard lock(m_mutex);
@@ -102,20 +131,24 @@ void ServerSession::login(const std::string &user, const std::string &password)
         m_password = password;
         m_token.clear();
     }
-    withServer([this](std::size_t server) { return token(server, {}); });
+    Delivery delivery;
+    withServer(delivery, [this](std::size_t server) { return token(server, {}); });
 }
 
 packet::PacketPtr ServerSession::query(
     const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress)
 {
-    return withServer([&](std::size_t server) { return queryAt(server, statement, stop, progress); });
+    Delivery delivery;
+    return withServer(delivery, [&](std::size_t server) { return queryAt(server, statement, delivery, stop, progress); });
 }
 
 std::int64_t ServerSession::serverTime()
 {
-    const Answer answer = withServer([this](std::size_t server) {
-        return authorized(server, {}, [&](const std::string &header) {
-            return call(server, { .method = "GET", .path = "/v1/time", .headers = { { "Authorization", header } } }, {}, {});
+    Delivery delivery;
+    const Answer answer = withServer(delivery, [&](std::size_t server) {
+        delivery = {}; // may be asked as often as one likes
+        return authorized(server, delivery, {}, [&](const std::string &header) {
+            return call(server, { .method = "GET", .path = "/v1/time", .headers = { { "Authorization", header } } }, delivery, {}, {});
         });
     });
     const auto time = jsonText(answer.text, "time");
@@ -125,8 +158,8 @@ std::int64_t ServerSession::serverTime()
     return *seconds;
 }
 
-ServerSession::Answer ServerSession::call(
-    std::size_t server, const Request &request, const std::stop_token &stop, const ServerConnection::Receive &receiveRows)
+ServerSession::Answer ServerSession::call(std::size_t server, const Request &request, Delivery &delivery, const std::stop_token &stop,
+    const ServerConnection::Receive &receiveRows)
 {
     std::unique_ptr<ServerConnection> connection;
     {
@@ -139,7 +172,7 @@ ServerSession::Answer ServerSession::call(
     if (!connection)
         connection = std::make_unique<ServerConnection>(m_options.addresses[server], m_trust, m_options.timeouts);
     Answer answer;
-    answer.status = connection->exchange(request, stop, [&](int status, std::span<const std::byte> bytes) {
+    answer.status = connection->exchange(request, delivery, stop, [&](int status, std::span<const std::byte> bytes) {
         if (status == ok && receiveRows)
             return receiveRows(status, bytes);
         if (answer.text.size() + bytes.size() <= largestReply)
@@ -161,11 +194,11 @@ std::string ServerSession::token(std::size_t server, const std::stop_token &stop
         user = m_user;
         password = m_password;
     }
-    const Request login { .method = "POST",
-        .path = "/v1/login",
-        .body = nlohmann::json { { "user", user }, { "password", password } }.dump(),
-        .headers = { { "Content-Type", "application/json" } } };
-    const Answer answer = call(server, login, stop, {});
+    Answer answer = logIn(server, user, password, stop);
+    for (int waits = 0; waits < mostWaits && isBusy(answer.status, answer.text); ++waits) {
+        waitForTurn(stop);
+        answer = logIn(server, user, password, stop);
+    }
     if (answer.status != ok)
         fail(answer.status, answer.text);
     const auto token = jsonText(answer.text, "token");
@@ -175,12 +208,24 @@ std::string ServerSession::token(std::size_t server, const std::stop_token &stop
     return m_token = *token;
 }
 
-packet::PacketPtr ServerSession::queryAt(
-    std::size_t server, const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress)
+ServerSession::Answer ServerSession::logIn(
+    std::size_t server, const std::string &user, const std::string &password, const std::stop_token &stop)
+{
+    const Request request { .method = "POST",
+        .path = "/v1/login",
+        .body = nlohmann::json { { "user", user }, { "password", password } }.dump(),
+        .headers = { { "Content-Type", "application/json" } } };
+    Delivery delivery;
+    return call(server, request, delivery, stop, {});
+}
+
+packet::PacketPtr ServerSession::queryAt(std::size_t server, const std::string &statement, Delivery &delivery, const std::stop_token &stop,
+    const std::function<void(std::int64_t)> &progress)
 try {
     std::optional<packet::StreamReader> reader;
-    authorized(server, stop, [&](const std::string &header) {
-        reader.emplace();
+    std::uint64_t received = 0;
+    authorized(server, delivery, stop, [&](const std::string &header) {
+        reader.emplace(packet::StreamLimits { .totalBytes = m_options.mostBytes });
         Request request { .method = "POST",
             .path = "/v1/query",
             .body = statement,
@@ -188,15 +233,19 @@ try {
                 { "Content-Type", "application/sql; charset=utf-8" } } };
         if (m_options.compressed)
             request.headers.emplace_back("X-Kelvara-Compression", "lz4");
-        return call(server, request, stop, [&](int, std::span<const std::byte> bytes) {
+        return call(server, request, delivery, stop, [&](int, std::span<const std::byte> bytes) {
+            if ((received += bytes.size()) > m_options.mostBytes)
+                failTooLarge("大小");
             reader->feed(bytes);
+            if (reader->rows() > m_options.mostRows)
+                failTooLarge("行数");
             if (progress)
                 progress(std::int64_t(reader->rows()));
         });
     });
     return reader->finish();
 } catch (const packet::StreamError &error) {
-    throw Error(Failure::Unreachable, error.what()); // like a line that breaks
+    throw Error(Failure::Result, error.what());
 }
 
 void ServerSession::tell(const std::string &address)

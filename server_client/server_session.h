@@ -12,6 +12,8 @@ struct SessionOptions {
     std::vector<std::string> authorities {}; ///< PEM
     bool compressed = false; ///< for slow lines
     Timeouts timeouts {};
+    std::size_t mostRows = 2'000'000; ///< of one result, whatever the server sends
+    std::uint64_t mostBytes = std::uint64_t(2) << 30;
 };
 
 /// A user's session with servers that answer alike: when one is gone the next is asked. Safe to use from several threads at once;
@@ -26,10 +28,11 @@ public:
     ServerSession(const ServerSession &) = delete;
     ~ServerSession();
 
-    /// Throws Error: Login when user or password are wrong, Unreachable when no server answers.
+    /// While the servers have too many logins at a time it waits, half a minute at most. Throws Error: Login when user or password are
+    /// wrong, Unreachable when no server answers.
     void login(const std::string &user, const std::string &password);
-    /// Runs exactly one SELECT. A statement whose connection is lost is sent once more, to the next server that answers; what came
-    /// of it before is forgotten. Throws Error.
+    /// Runs exactly one SELECT. A statement whose connection is lost before anything of its result has come is sent once more, to the
+    /// next server that answers. Throws Error.
     packet::PacketPtr query(const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress);
     /// The servers' clock, in seconds since 1970 of their own time zone.
     std::int64_t serverTime();
@@ -39,15 +42,17 @@ private:
         int status = 0;
         std::string text {}; ///< of an error, or of a small reply
     };
-    /// Sends a request to the server at hand, and to the others in turn while they cannot be reached.
+    /// Sends a request to the server at hand, and to the others in turn while they cannot be reached and it may be repeated.
     template <class Ask>
-    auto withServer(const Ask &ask);
-    Answer call(std::size_t server, const Request &request, const std::stop_token &stop, const ServerConnection::Receive &receiveRows);
+    auto withServer(Delivery &delivery, const Ask &ask);
+    Answer call(std::size_t server, const Request &request, Delivery &delivery, const std::stop_token &stop,
+        const ServerConnection::Receive &receiveRows);
+    Answer logIn(std::size_t server, const std::string &user, const std::string &password, const std::stop_token &stop);
     std::string token(std::size_t server, const std::stop_token &stop);
     template <class Send>
-    Answer authorized(std::size_t server, const std::stop_token &stop, const Send &send);
-    packet::PacketPtr queryAt(
-        std::size_t server, const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress);
+    Answer authorized(std::size_t server, Delivery &delivery, const std::stop_token &stop, const Send &send);
+    packet::PacketPtr queryAt(std::size_t server, const std::string &statement, Delivery &delivery, const std::stop_token &stop,
+        const std::function<void(std::int64_t)> &progress);
     void tell(const std::string &address);
 
     const SessionOptions m_options;

@@ -1,12 +1,16 @@
 #include "engine/pool/open_engine.h"
 #include "server_client/server_session.h"
 
-#include "server/tls/certificate.h"
+#include "server/tls/tls_context.h"
+#include "server/users/user_file.h"
 #include "tests/server/test_server.h"
 #include "tests/support/cutting_proxy.h"
 
+#include <boost/asio/io_context.hpp>
+#include <boost/asio/ip/tcp.hpp>
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <fstream>
 #include <random>
 #include <sstream>
@@ -65,6 +69,63 @@ std::string cellsOf(const packet::Packet &rows)
     }
     return cells;
 }
+
+/// Has the certificate of another server, lets everybody in, and answers every query with the same bytes before it closes.
+class FakeServer {
+public:
+    FakeServer(const TestServer &other, std::string answer)
+        : m_context(server::makeTlsContext(other.configuration().certificate.string(), other.configuration().privateKey.string()))
+        , m_answer(std::move(answer))
+        , m_thread([this] { serve(); })
+    {
+    }
+    FakeServer(const FakeServer &) = delete;
+    ~FakeServer()
+    {
+        m_stops = true;
+        tcp::socket(m_io).connect({ boost::asio::ip::address_v4::loopback(), port() });
+        m_thread.join();
+    }
+    std::uint16_t port() const { return m_acceptor.local_endpoint().port(); }
+    int queries() const { return m_queries; }
+
+private:
+    using tcp = boost::asio::ip::tcp;
+
+    void serve()
+    {
+        while (true) {
+            tcp::socket socket = m_acceptor.accept();
+            if (m_stops)
+                return;
+            const std::unique_ptr<SSL, decltype(&SSL_free)> ssl(SSL_new(m_context.get()), SSL_free);
+            SSL_set_fd(ssl.get(), int(socket.native_handle()));
+            if (SSL_accept(ssl.get()) == 1)
+                serve(*ssl);
+        }
+    }
+    void serve(SSL &ssl)
+    {
+        std::string bytes(16 * 1024, '\0');
+        std::size_t size = 0;
+        if (SSL_read_ex(&ssl, bytes.data(), bytes.size(), &size) != 1)
+            return;
+        const bool isQuery = bytes.starts_with("POST /v1/query");
+        m_queries += isQuery ? 1 : 0;
+        const std::string token = "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 13\r\n\r\n{\"token\":\"t\"}";
+        const std::string &answer = isQuery ? m_answer : token;
+        SSL_write(&ssl, answer.data(), int(answer.size()));
+        SSL_shutdown(&ssl);
+    }
+
+    boost::asio::io_context m_io {};
+    tcp::acceptor m_acceptor { m_io, { boost::asio::ip::address_v4::loopback(), 0 } };
+    server::TlsContext m_context;
+    std::string m_answer;
+    std::atomic<int> m_queries { 0 };
+    std::atomic<bool> m_stops { false };
+    std::thread m_thread; ///< the last member: it uses the others
+};
 
 } // namespace
 
@@ -144,7 +205,7 @@ TEST(Session, CancelsAtTheServer)
     EXPECT_EQ(run(session, fewRows)->rowCount(), 1000U);
 }
 
-TEST(Session, ALineThatBreaksOnceIsNotNoticedAndOneThatBreaksAgainGivesNoPartOfAResult)
+TEST(Session, ALineThatBreaksGivesTheWholeResultOrNone)
 {
     const TestServer server;
     CuttingProxy broken(server.port());
@@ -152,28 +213,100 @@ TEST(Session, ALineThatBreaksOnceIsNotNoticedAndOneThatBreaksAgainGivesNoPartOfA
     constexpr std::uint64_t never = std::numeric_limits<std::uint64_t>::max();
     std::mt19937 random(20261123);
     int takenOver = 0;
+    int failed = 0;
     for (int time = 0; time < 40; ++time) {
         std::string told;
         broken.cutAfter(never);
         ServerSession session(
             optionsFor(server, { broken.port(), server.port() }), [&told](const std::string &address) { told = address; });
         session.login("ann", server::test::password);
-        // Somewhere in the header, the rows or the end mark.
-        broken.cutAfter(time < 10 ? random() % 1000 : random() % 2'500'000);
-        ASSERT_EQ(cellsOf(*run(session, manyRows)), whole);
-        takenOver += told == "127.0.0.1:" + std::to_string(server.port()) ? 1 : 0;
+        // Before the answer, or somewhere in the rows or the end mark.
+        const bool isEarly = time < 10;
+        broken.cutAfter(isEarly ? random() % 20 : 1000 + random() % 2'500'000);
+        try {
+            ASSERT_EQ(cellsOf(*run(session, manyRows)), whole);
+            takenOver += told == "127.0.0.1:" + std::to_string(server.port()) ? 1 : 0;
+        } catch (const server_client::Error &error) {
+            ASSERT_FALSE(isEarly) << "what has not begun to come is asked for again: " << error.what();
+            EXPECT_EQ(error.failure(), Failure::Unreachable);
+            ++failed;
+        }
     }
-    EXPECT_GT(takenOver, 10);
+    EXPECT_EQ(takenOver, 10);
+    EXPECT_GT(failed, 10);
+    const auto asked = server.auditLines("query", 50).size();
+    EXPECT_EQ(asked, 50u) << "40 statements, 10 of them twice";
+}
 
-    ServerSession alone(optionsFor(server, { broken.port() }));
-    broken.cutAfter(never);
-    alone.login("ann", server::test::password);
-    for (int time = 0; time < 20; ++time) {
-        broken.cutAfter(random() % 400'000);
-        const auto failure = failureOf([&] { run(alone, manyRows); });
-        ASSERT_TRUE(failure);
-        ASSERT_EQ(failure->failure(), Failure::Unreachable);
+TEST(Session, AStatementThatEndsServersIsNotCarriedToAllOfThem)
+{
+    const TestServer trusted;
+    std::vector<std::unique_ptr<FakeServer>> servers;
+    std::vector<std::uint16_t> ports;
+    for (int number = 0; number < 3; ++number) {
+        servers.push_back(std::make_unique<FakeServer>(trusted, ""));
+        ports.push_back(servers.back()->port());
     }
+    ServerSession session(optionsFor(trusted, ports));
+    session.login("ann", server::test::password);
+    const auto failure = failureOf([&] { run(session, fewRows); });
+    ASSERT_TRUE(failure);
+    EXPECT_THAT(failure->what(), HasSubstr("没有自动再发"));
+    EXPECT_EQ(servers[0]->queries() + servers[1]->queries() + servers[2]->queries(), 2);
+}
+
+TEST(Session, ADamagedResultIsNotAskedForAgain)
+{
+    const TestServer trusted;
+    FakeServer damaged(trusted, "HTTP/1.1 200 OK\r\nContent-Length: 24\r\n\r\nthis is no Arrow stream!");
+    ServerSession session(optionsFor(trusted, { damaged.port() }));
+    session.login("ann", server::test::password);
+    const auto failure = failureOf([&] { run(session, fewRows); });
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->failure(), Failure::Result);
+    EXPECT_EQ(damaged.queries(), 1);
+}
+
+TEST(Session, AResultLargerThanIsTakenIsRefusedOnce)
+{
+    const TestServer server;
+    for (const bool byRows : { true, false }) {
+        auto options = optionsFor(server, { server.port() });
+        (byRows ? options.mostRows : options.mostBytes) = 20'000;
+        ServerSession session(options);
+        session.login("ann", server::test::password);
+        const auto failure = failureOf([&] { run(session, manyRows); });
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->failure(), Failure::Result);
+        EXPECT_THAT(failure->what(), HasSubstr("上限"));
+        EXPECT_EQ(run(session, "select n from NUMBERS where n<3")->rowCount(), 2U) << "the session goes on";
+    }
+    EXPECT_EQ(server.auditLines("query", 4).size(), 4u);
+}
+
+TEST(Session, AWholeOfficeGetsInAtEight)
+{
+    constexpr int people = 150;
+    const TestServer server([](server::Configuration &configuration) { configuration.loginQueue = 40; });
+    server::Users users;
+    for (int number = 0; number < people; ++number)
+        users["user" + std::to_string(number)] = server::readUsers(server.configuration().users).at("ann");
+    server::writeUsers(server.configuration().users, users);
+    ServerSession first(optionsFor(server, { server.port() }));
+    ASSERT_TRUE(becomesTrue([&] { return !failureOf([&] { first.login("user0", server::test::password); }); }));
+    std::atomic<int> in { 0 };
+    std::vector<std::thread> threads;
+    for (int number = 0; number < people; ++number) {
+        threads.emplace_back([&, name = "user" + std::to_string(number)] {
+            ServerSession session(optionsFor(server, { server.port() }));
+            const auto failure = failureOf([&] { session.login(name, server::test::password); });
+            EXPECT_FALSE(failure) << failure->what();
+            in += failure ? 0 : 1;
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_EQ(in, people);
 }
 
 TEST(Session, ASilentLineIsGivenUpForTheNextServer)
