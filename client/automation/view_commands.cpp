@@ -98,6 +98,7 @@ QJsonObject Automation::columns(const QJsonObject &arguments)
 QJsonObject Automation::rows(const QJsonObject &arguments)
 {
     const TDBGridEh *grid = view(arguments);
+    const bool exact = arguments[u"exact"].toBool();
     const int total = grid->rowCount();
     const int from = qBound(0, arguments[u"from"].toInt(0), total);
     const int end = from + qBound(0, arguments[u"count"].toInt(total), total - from);
@@ -105,20 +106,24 @@ QJsonObject Automation::rows(const QJsonObject &arguments)
     for (int row = from; row < end; ++row) {
         QJsonArray cells;
         for (int column = 0; column < grid->columnCount(); ++column)
-            cells.append(grid->cellText(row, column));
+            cells.append(exact ? grid->cellText(row, column) : grid->displayText(row, column));
         rows.append(cells);
     }
-    return { { QStringLiteral("rows"), rows }, { QStringLiteral("total"), total } };
+    QJsonObject answer { { QStringLiteral("rows"), rows }, { QStringLiteral("total"), total } };
+    if (const QString note = grid->emptyNote(); !note.isEmpty())
+        answer.insert(QStringLiteral("note"), note);
+    return answer;
 }
 
 QJsonObject Automation::footer(const QJsonObject &arguments)
 {
     const TDBGridEh *grid = view(arguments);
+    const bool exact = arguments[u"exact"].toBool();
     QJsonArray rows;
     for (int row = 0; row < grid->footerRowCount(); ++row) {
         QJsonArray texts;
         for (int column = 0; column < grid->columnCount(); ++column)
-            texts.append(grid->footerText(row, column));
+            texts.append(exact ? grid->footerText(row, column) : grid->footerDisplayText(row, column));
         rows.append(texts);
     }
     return { { QStringLiteral("rows"), rows } };
@@ -136,7 +141,7 @@ QJsonObject Automation::cell(const QJsonObject &arguments)
     TDBGridEh *grid = view(arguments);
     const int row = rowOf(*grid, arguments);
     const int column = columnOf(*grid, arguments);
-    const QString text = grid->cellText(row, column);
+    const QString text = grid->displayText(row, column);
     grid->setCurrentCell(row, column);
     if (arguments[u"doubleClick"].toBool())
         doubleClick(grid, row, column);

@@ -94,7 +94,8 @@ void TCustomClientDataSet::load(packet::PacketPtr packet)
     }
     m_fields.clear();
     for (const packet::Field &field : m_overlay->packet().schema())
-        m_fields.push_back(std::make_unique<TField>(this, int(m_fields.size()), QString::fromStdString(field.name), fieldType(field.type)));
+        m_fields.push_back(
+            std::make_unique<TField>(this, int(m_fields.size()), QString::fromStdString(field.name), fieldType(field.type), field.scale));
     rebuildRows();
 }
 

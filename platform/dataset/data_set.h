@@ -26,17 +26,19 @@ class TDataSet;
 /// One column of an open dataset, seen at its current row. Owned by the dataset, valid until it closes.
 class TField {
 public:
-    TField(TDataSet *dataSet, int index, QString name, FieldType type)
+    TField(TDataSet *dataSet, int index, QString name, FieldType type, int scale = 0)
         : m_dataSet(dataSet)
         , m_index(index)
         , m_name(std::move(name))
         , m_type(type)
+        , m_scale(scale)
     {
     }
 
     const QString &fieldName() const { return m_name; }
     int index() const { return m_index; }
     FieldType type() const { return m_type; }
+    int scale() const { return m_scale; } ///< Decimal: the most digits behind the point in the rows as they came
     /// Null also when the dataset has no rows.
     bool isNull() const;
     /// As a person reads it: numbers without trailing zeros, times as "yyyy-mm-dd hh:mm:ss", null as "".
@@ -51,6 +53,7 @@ private:
     int m_index;
     QString m_name;
     FieldType m_type;
+    int m_scale;
 };
 
 /// A table of rows with a current row. Rows are counted from 0 in their shown order.

@@ -52,6 +52,8 @@ void CellPainter::paint(const QRect &rect)
     const int lastRow = std::min(m_view.rowCount - 1, m_view.topRow + rect.bottom() / m_view.rowHeight);
     const int bottom = lastRow < firstRow ? rect.top() : m_view.rowTop(lastRow) + m_view.rowHeight;
     m_painter.fillRect(rect, m_colors.base);
+    if (m_view.rowCount == 0)
+        return paintNote();
     for (const ColumnGeometry::Span &span : geometry.spans(rect)) {
         m_painter.setClipRect(span.clip);
         for (int row = firstRow; row <= lastRow; ++row) {
@@ -71,6 +73,13 @@ void CellPainter::paint(const QRect &rect)
     if (geometry.hasFrozen())
         m_painter.fillRect(geometry.frozenRight() - 1, rect.top(), 1, bottom - rect.top(), m_colors.frozenLine);
     paintIndicator(rect, firstRow, lastRow);
+}
+
+void CellPainter::paintNote()
+{
+    const QRect area(0, 0, m_view.geometry.viewWidth(), m_view.height);
+    m_painter.setPen(blend(m_colors.text, m_colors.base, 0.5));
+    m_view.texts.draw(m_painter, area, Qt::AlignHCenter, m_view.grid.font(), m_view.grid.emptyNote());
 }
 
 void CellPainter::paintCell(int row, int column)
@@ -102,7 +111,7 @@ void CellPainter::paintCell(int row, int column)
 
 void CellPainter::paintText(QRect box, int row, int column, const CellParameters &parameters)
 {
-    const QString text = m_view.grid.cellText(row, column);
+    const QString text = m_view.grid.displayText(row, column);
     const Column &shown = m_view.columns.at(column);
     if (shown.isCheckBox() && (text == shown.checkedKey || text == shown.uncheckedKey))
         return paintCheckBox(box, text == shown.checkedKey);

@@ -43,6 +43,7 @@ public:
     void paint(const QRect &rect);
 
 private:
+    void paintNote();
     void paintCell(int row, int column);
     void paintText(QRect box, int row, int column, const CellParameters &parameters);
     void paintCheckBox(const QRect &box, bool ticked);

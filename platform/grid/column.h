@@ -10,7 +10,14 @@ enum class FooterKind { None, StaticText, Sum, Count };
 struct ColumnFooter {
     FooterKind kind = FooterKind::None;
     QString value {}; ///< StaticText: the text
-    Qt::Alignment alignment = Qt::AlignHCenter;
+    Qt::Alignment alignment {}; ///< none: as its column
+};
+
+/// How a column shows its numbers; files and the clipboard get them as they are.
+enum class NumberForm {
+    Exact, ///< as they are: codes, years
+    Quantity, ///< thousands marks, and the same decimals in all rows
+    Money ///< the same, with at least two decimals
 };
 
 enum class ColumnScope { All, Visible };
@@ -25,6 +32,7 @@ struct Column {
     bool visible = true;
     bool readOnly = false;
     Qt::Alignment alignment = {}; ///< none: numbers right, everything else left
+    NumberForm numberForm = NumberForm::Exact; ///< a column of texts shows them as they are in every form
     QList<ColumnFooter> footers {}; ///< one for each footer row, from the top
     QString checkedKey {}; ///< the value shown as a ticked box; with uncheckedKey, a check-box column
     QString uncheckedKey {};

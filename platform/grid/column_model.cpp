@@ -4,6 +4,22 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr int moneyDecimals = 2;
+/// A mean may come with twenty digits; shorter numbers beside it are not filled up that far.
+constexpr int mostFilledDecimals = 4;
+
+int decimalsOf(const Column &column, const TField &field)
+{
+    if (column.numberForm == NumberForm::Exact || column.isCheckBox())
+        return -1;
+    const int least = column.numberForm == NumberForm::Money ? moneyDecimals : 0;
+    return std::max(least, std::min(field.scale(), mostFilledDecimals));
+}
+
+} // namespace
+
 void ColumnModel::design(const QList<Column> &columns)
 {
     m_design = columns;
@@ -62,6 +78,7 @@ void ColumnModel::bind(const TDataSet *dataSet)
         const TField *field = open && !entry.column.fieldName.isEmpty() ? dataSet->findField(entry.column.fieldName) : nullptr;
         entry.field = field ? field->index() : -1;
         entry.numeric = field && field->type() != FieldType::Text && field->type() != FieldType::DateTime;
+        entry.decimals = entry.numeric ? decimalsOf(entry.column, *field) : -1;
     }
 }
 
@@ -70,6 +87,13 @@ Qt::Alignment ColumnModel::alignment(int index) const
     if (at(index).alignment)
         return at(index).alignment;
     return m_columns[index].numeric ? Qt::AlignRight : Qt::AlignLeft;
+}
+
+Qt::Alignment ColumnModel::footerAlignment(int footerRow, int index) const
+{
+    const QList<ColumnFooter> &footers = at(index).footers;
+    const Qt::Alignment own = footerRow < footers.size() ? footers[footerRow].alignment : Qt::Alignment();
+    return own ? own : alignment(index);
 }
 
 QList<SortKey> ColumnModel::sortKeys() const

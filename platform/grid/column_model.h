@@ -33,8 +33,11 @@ public:
     /// Looks up the fields of an open dataset; null or a closed one leaves the columns without.
     void bind(const TDataSet *dataSet);
     int field(int index) const { return m_columns[index].field; } ///< index in the dataset, or -1
+    /// How many digits the column's numbers show behind the point; -1 when it shows its values as they are.
+    int decimals(int index) const { return m_columns[index].decimals; }
     /// The column's own alignment, or right for numbers and left for everything else.
     Qt::Alignment alignment(int index) const;
+    Qt::Alignment footerAlignment(int footerRow, int index) const; ///< its own, or its column's
 
     QList<SortKey> sortKeys() const;
     void setSortKeys(const QList<SortKey> &keys);
@@ -47,6 +50,7 @@ private:
         std::optional<bool> choice {}; ///< the person's
         int field = -1;
         bool numeric = false;
+        int decimals = -1;
     };
     QList<Entry> m_columns;
     QList<Column> m_design;

@@ -12,6 +12,7 @@
 #include "platform/grid/grid_header.h"
 #include "platform/grid/grid_menu.h"
 #include "platform/grid/grid_selection.h"
+#include "platform/grid/number_text.h"
 #include "platform/grid/sum_list.h"
 #include "platform/grid/text_painter.h"
 #include "platform/toolkit/exception.h"
@@ -25,6 +26,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 
 namespace {
 
@@ -56,7 +58,7 @@ TDBGridEh::TDBGridEh(QWidget *parent)
     , m_selection(std::make_unique<GridSelection>())
     , m_header(new GridHeader(*m_columns, *m_geometry, *m_texts, this))
     , m_footer(new GridFooter(
-          *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerText(row, column); }, this))
+          *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerDisplayText(row, column); }, this))
 {
     m_finder = std::make_unique<GridFinder>(*this);
     m_gestures = std::make_unique<GridGestures>(*this, *m_columns, *m_geometry);
@@ -282,6 +284,39 @@ QString TDBGridEh::footerText(int footerRow, int column) const
     return {};
 }
 
+QString TDBGridEh::displayText(int row, int column) const
+{
+    const int decimals = m_columns->decimals(column);
+    return decimals < 0 ? cellText(row, column) : shownNumber(cellText(row, column), decimals);
+}
+
+QString TDBGridEh::footerDisplayText(int footerRow, int column) const
+{
+    const QString text = footerText(footerRow, column);
+    const QList<ColumnFooter> &footers = m_columns->at(column).footers;
+    const FooterKind kind = footerRow >= 0 && footerRow < footers.size() ? footers[footerRow].kind : FooterKind::None;
+    const int decimals = m_columns->decimals(column);
+    if (kind == FooterKind::Count)
+        return shownNumber(text, 0);
+    return kind == FooterKind::Sum && decimals >= 0 ? shownNumber(text, decimals) : text;
+}
+
+QString TDBGridEh::displayFormat(int column) const
+{
+    const int decimals = m_columns->decimals(column);
+    return decimals < 0 ? QString() : numberFormat(decimals);
+}
+
+Qt::Alignment TDBGridEh::footerAlignment(int footerRow, int column) const { return m_columns->footerAlignment(footerRow, column); }
+
+QString TDBGridEh::emptyNote() const
+{
+    const TDataSet *rows = dataSet();
+    if (!rows || !rows->active())
+        return QStringLiteral("未查询");
+    return rows->recordCount() == 0 ? QStringLiteral("没有符合条件的记录") : QString();
+}
+
 CellView TDBGridEh::view() const
 {
     return {
@@ -312,9 +347,9 @@ void TDBGridEh::fitColumn(int index)
     const CellView view = this->view();
     const int last = std::min(rowCount(), view.topRow + pageRows() + 1);
     for (int row = view.topRow; row < last; ++row)
-        width = std::max(width, m_texts->width(view.parameters(row, index, colors).font, cellText(row, index)) + rowPadding + 2);
+        width = std::max(width, m_texts->width(view.parameters(row, index, colors).font, displayText(row, index)) + rowPadding + 2);
     for (int row = 0; row < footerRowCount(); ++row)
-        width = std::max(width, m_texts->width(font(), footerText(row, index)) + rowPadding + 2);
+        width = std::max(width, m_texts->width(font(), footerDisplayText(row, index)) + rowPadding + 2);
     setColumnWidth(index, std::min(width, widestFit));
 }
 
@@ -373,7 +408,12 @@ void TDBGridEh::arrange()
 void TDBGridEh::scrollContentsBy(int dx, int dy)
 {
     m_geometry->setScroll(horizontalScrollBar()->value());
-    if (dy != 0 && qAbs(dy) < pageRows())
+    if (rowCount() == 0) {
+        m_header->update();
+        m_footer->update();
+        return viewport()->update();
+    }
+    if (dy != 0 && std::abs(dy) < pageRows())
         viewport()->scroll(0, dy * m_rowHeight);
     else if (dy != 0)
         viewport()->update();

@@ -91,10 +91,18 @@ public:
     void addSelectedRow(int row); ///< and makes it current
     void toggleCell(int row, int column); ///< takes the cell in or out, and makes it current
 
-    /// Displayed texts: what is painted, printed, exported and copied.
     int rowCount() const;
+    /// The exact texts: what is copied, exported and searched.
     QString cellText(int row, int column) const;
     QString footerText(int footerRow, int column) const;
+    /// The texts that a person sees, on the screen and on paper: numbers in their column's form.
+    QString displayText(int row, int column) const;
+    QString footerDisplayText(int footerRow, int column) const;
+    /// The form of a column's numbers as a format of the report engine; "" when it shows its values as they are.
+    QString displayFormat(int column) const;
+    Qt::Alignment footerAlignment(int footerRow, int column) const;
+    /// What stands in place of rows: that nothing was asked, or that nothing was found; "" while there are rows.
+    QString emptyNote() const;
     QColor cellBackground(int row, int column) const;
     /// The record number that the sum list reports for a shown row, counted from 1; -1 when the list is not active.
     int recordNumber(int row) const;

@@ -241,7 +241,7 @@ bool TDBGridEh::viewportEvent(QEvent *event)
         const auto *help = static_cast<QHelpEvent *>(event);
         const int row = rowAt(help->pos().y());
         const int column = m_geometry->columnAt(help->pos().x());
-        const QString text = column >= 0 ? cellText(row, column) : QString();
+        const QString text = column >= 0 ? displayText(row, column) : QString();
         const bool cut = column >= 0 && m_texts->width(font(), text) > cellRect(row, column).width() - textMargins;
         QToolTip::showText(help->globalPos(), cut ? plainTip(text) : QString(), viewport());
     });

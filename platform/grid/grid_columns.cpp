@@ -1,16 +1,17 @@
 #include "platform/grid/grid_columns.h"
 
-GridColumn::GridColumn(const char *field, QStringView caption, int width, Qt::Alignment alignment)
+GridColumn::GridColumn(const char *field, QStringView caption, int width, Qt::Alignment alignment, NumberForm form)
 {
     m_column.fieldName = QString::fromLatin1(field);
     m_column.caption = caption.toString();
     m_column.width = width;
     m_column.alignment = alignment;
+    m_column.numberForm = form;
 }
 
-GridColumn &GridColumn::sum(QStringView title)
+GridColumn &GridColumn::sum(QStringView title, Qt::Alignment alignment)
 {
-    m_column.footers = { { FooterKind::StaticText, title.toString() }, { FooterKind::Sum } };
+    m_column.footers = { { FooterKind::StaticText, title.toString(), alignment }, { FooterKind::Sum, {}, alignment } };
     return *this;
 }
 
@@ -47,6 +48,23 @@ GridColumn &GridColumn::dropDown(const QStringList &fields)
 
 GridColumn text(const char *field, QStringView caption, int width) { return GridColumn(field, caption, width, Qt::AlignLeft); }
 
-GridColumn number(const char *field, QStringView caption, int width) { return GridColumn(field, caption, width, Qt::AlignRight); }
+GridColumn number(const char *field, QStringView caption, int width)
+{
+    return GridColumn(field, caption, width, Qt::AlignRight, NumberForm::Quantity);
+}
+
+GridColumn money(const char *field, QStringView caption, int width)
+{
+    return GridColumn(field, caption, width, Qt::AlignRight, NumberForm::Money);
+}
 
 GridColumn time(const char *field, QStringView caption, int width) { return GridColumn(field, caption, width, Qt::AlignLeft); }
+
+GridColumns centredFooters(GridColumns columns)
+{
+    for (Column &column : columns) {
+        for (ColumnFooter &footer : column.footers)
+            footer.alignment = Qt::AlignHCenter;
+    }
+    return columns;
+}

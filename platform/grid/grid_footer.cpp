@@ -65,5 +65,5 @@ void GridFooter::paintCell(QPainter &painter, int row, int column) const
         return;
     const int left = m_geometry.left(column) + textMargin - 1;
     const QRect box(left, row * m_rowHeight + 1, m_geometry.right(column) - textMargin - left, m_rowHeight - 1);
-    m_texts.draw(painter, box, m_columns.at(column).footers[row].alignment, font(), m_text(row, column));
+    m_texts.draw(painter, box, m_columns.footerAlignment(row, column), font(), m_text(row, column));
 }

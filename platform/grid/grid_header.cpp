@@ -13,6 +13,7 @@
 #include <QToolTip>
 
 #include <algorithm>
+#include <cstdlib>
 #include <utility>
 
 namespace {
@@ -108,7 +109,7 @@ int GridHeader::borderAt(QPoint position) const
     const auto reaches = [&](const Section &section) {
         const int right = section.box.left() + section.box.width();
         const bool hidden = !m_geometry.isFrozen(section.last) && right < m_geometry.frozenRight();
-        return section.first >= 0 && !hidden && qAbs(position.x() - right) <= borderReach;
+        return section.first >= 0 && !hidden && std::abs(position.x() - right) <= borderReach;
     };
     const Section here = sectionAt(position);
     if (reaches(here))
@@ -168,7 +169,7 @@ void GridHeader::mouseMoveEvent(QMouseEvent *event)
     const int distance = event->pos().x() - m_pressed.x();
     if (m_drag == Drag::Resize)
         Q_EMIT widthDragged(m_column, std::max(leastWidth, m_pressedWidth + distance));
-    if (m_drag == Drag::Press && qAbs(distance) >= QApplication::startDragDistance())
+    if (m_drag == Drag::Press && std::abs(distance) >= QApplication::startDragDistance())
         m_drag = Drag::Move;
     if (m_drag == Drag::Move) {
         m_dropIndex = dropIndex(event->pos().x());

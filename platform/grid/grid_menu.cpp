@@ -3,8 +3,10 @@
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_commands.h"
+#include "platform/grid/number_text.h"
 #include "platform/toolkit/handler.h"
 
+#include <QApplication>
 #include <QMenu>
 
 #include <utility>
@@ -29,6 +31,18 @@ void addShownColumns(QMenu *menu, TDBGridEh &grid)
         handle(
             action, &QAction::toggled, &grid, [&grid, index](bool visible) { visible ? grid.showColumn(index) : grid.hideColumn(index); });
     }
+}
+
+void addThousandsMarks(QMenu *menu, TDBGridEh &grid)
+{
+    QAction *action = menu->addAction(QStringLiteral("数字显示千分位"));
+    action->setCheckable(true);
+    action->setChecked(thousandsMarks() == ThousandsMarks::On);
+    handle(action, &QAction::toggled, &grid, [](bool on) {
+        setThousandsMarks(on ? ThousandsMarks::On : ThousandsMarks::Off);
+        for (QWidget *shown : QApplication::allWidgets())
+            shown->update();
+    });
 }
 
 } // namespace
@@ -66,6 +80,7 @@ std::unique_ptr<QMenu> columnMenu(TDBGridEh &grid, int column)
     if (grid.frozenColumns() > 0)
         add(QStringLiteral("取消冻结"), [&grid] { grid.freezeColumns(0); });
     addShownColumns(menu.get(), grid);
+    addThousandsMarks(menu.get(), grid);
     menu->addSeparator();
     add(QStringLiteral("恢复原始布局"), [&grid] { grid.restoreDesignedColumns(); });
     return menu;

@@ -14,14 +14,18 @@ public:
         , m_pattern(search.text, search.match, search.sensitivity)
         , m_titles(search.titles)
     {
+        // Only a text that could be part of a number is compared with numbers as they are shown, which takes longer.
+        const bool isNumber
+            = std::ranges::all_of(search.text, [](QChar letter) { return letter.isDigit() || QStringView(u",.-").contains(letter); });
         for (int column = 0; column < grid.columnCount(); ++column) {
             const Column &shown = grid.column(column);
             if (!shown.visible || shown.isCheckBox() || (search.column >= 0 && column != search.column))
                 continue;
             const TField *field = grid.rowCount() > 0 ? grid.dataSet()->findField(shown.fieldName) : nullptr;
             m_columns.append(column);
-            m_tests.push_back(field ? grid.dataSet()->textTest(field->index(), m_pattern)
-                                    : [this, column](int row) { return m_pattern.matches(m_grid.cellText(row, column)); });
+            m_tests.push_back(field ? grid.dataSet()->textTest(field->index(), m_pattern) : displayTest(column));
+            if (field && isNumber && !grid.displayFormat(column).isEmpty())
+                m_tests.back() = [exact = m_tests.back(), shown = displayTest(column)](int row) { return exact(row) || shown(row); };
         }
     }
     SearchedCells(const SearchedCells &) = delete;
@@ -44,6 +48,11 @@ public:
     }
 
 private:
+    TDataSet::RowTest displayTest(int column) const
+    {
+        return [this, column](int row) { return m_pattern.matches(m_grid.displayText(row, column)); };
+    }
+
     const TDBGridEh &m_grid;
     TextPattern m_pattern;
     bool m_titles;

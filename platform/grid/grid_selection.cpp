@@ -1,6 +1,7 @@
 #include "platform/grid/grid_selection.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 
@@ -44,7 +45,7 @@ void GridSelection::extendTo(QPoint cell) { replaceNewest(between(m_anchor, cell
 
 void GridSelection::extendToRow(int row, int columns)
 {
-    replaceNewest(QRect(0, std::min(row, m_anchor.y()), columns, qAbs(row - m_anchor.y()) + 1));
+    replaceNewest(QRect(0, std::min(row, m_anchor.y()), columns, std::abs(row - m_anchor.y()) + 1));
 }
 
 void GridSelection::add(const QRect &range)

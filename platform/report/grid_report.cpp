@@ -191,6 +191,7 @@ Band GridReport::rowBand(const QList<Slot> &places) const
                     : across       ? across
                     : numeric      ? Qt::AlignRight
                                    : Qt::AlignLeft);
+        style.format = grid.displayFormat(place.column);
         Object cell = memo(QRect(place.left, 0, place.width, band.height), QStringLiteral("[C%1]").arg(place.column), style);
         cell.name = QString::number(place.column);
         band.objects.append(cell);
@@ -206,11 +207,9 @@ Band GridReport::footerBand(const QList<Slot> &places) const
     Band band { .kind = BandKind::Summary, .height = level * grid.footerRowCount() };
     for (int row = 0; row < grid.footerRowCount(); ++row) {
         for (const Slot &place : places) {
-            const Column &column = grid.column(place.column);
-            style.alignment
-                = Qt::AlignVCenter | (row < column.footers.size() ? column.footers[row].alignment : Qt::Alignment(Qt::AlignHCenter));
+            style.alignment = Qt::AlignVCenter | grid.footerAlignment(row, place.column);
             const QRect box(place.left, row * level, place.width, level);
-            band.objects.append(memo(box, Template::literal(grid.footerText(row, place.column)), style));
+            band.objects.append(memo(box, Template::literal(grid.footerDisplayText(row, place.column)), style));
         }
     }
     return band;

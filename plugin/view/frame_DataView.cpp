@@ -1,6 +1,7 @@
 #include "plugin/view/frame_DataView.h"
 
 #include "platform/grid/grid_colors.h"
+#include "platform/grid/number_text.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/handler.h"
 #include "plugin/view/layout_file.h"
@@ -11,10 +12,13 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
 constexpr QRgb footerColor = 0xffddddff;
+const QString numbersSection = QStringLiteral("Numbers"); ///< of all grids
+const QString thousandsKey = QStringLiteral("ThousandsMarks");
 const QString fieldIndexKey = QStringLiteral("FieldIndex");
 // What a person arranged beyond order and widths stands in a section of its own.
 const QString arrangementSuffix = QStringLiteral(".Arrangement");
@@ -39,6 +43,22 @@ void tell(const LayoutFile &file)
 {
     if (!file.problem().isEmpty())
         Application->messageLater(file.problem(), QStringLiteral("表格布局"), mbOk | mbIconWarning);
+}
+
+/// Once: afterwards the person's menu says how numbers are shown, and the file only keeps it.
+void takeNumberSetting(const LayoutFile &file)
+{
+    static bool taken = false;
+    if (!std::exchange(taken, true) && file.value(numbersSection, thousandsKey) == u"0")
+        setThousandsMarks(ThousandsMarks::Off);
+}
+
+void storeNumberSetting(LayoutFile &file)
+{
+    if (thousandsMarks() == ThousandsMarks::Off)
+        file.setSection(numbersSection, { { thousandsKey, QStringLiteral("0") } });
+    else
+        file.setSection(numbersSection, {});
 }
 
 } // namespace
@@ -115,6 +135,7 @@ void TDataView::LoadLayout(const QString &iniFileName)
         return;
     const LayoutFile file(iniFileName);
     tell(file);
+    takeNumberSetting(file);
     loadArrangement(file);
     const QStringList names = file.value(m_section, fieldIndexKey).split(u';', Qt::SkipEmptyParts);
     for (const QString &name : names) {
@@ -146,6 +167,7 @@ void TDataView::SaveLayout(const QString &iniFileName) const
     LayoutFile file(iniFileName);
     file.setSection(m_section, values);
     saveArrangement(file);
+    storeNumberSetting(file);
     if (!file.save())
         tell(file);
 }

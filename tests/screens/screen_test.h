@@ -121,9 +121,12 @@ protected:
             { { QStringLiteral("control"), QStringLiteral("Memo1") }, { QStringLiteral("lines"), QJsonArray::fromStringList(lines) } });
     }
 
-    QJsonObject rows(const QString &view) { return m_client.obey(QStringLiteral("rows"), { { QStringLiteral("view"), view } }); }
+    QJsonObject rows(const QString &view)
+    {
+        return m_client.obey(QStringLiteral("rows"), { { QStringLiteral("view"), view }, { QStringLiteral("exact"), true } });
+    }
     int rowCount(const QString &view) { return rows(view)[u"total"].toInt(); }
-    /// The displayed texts of a field, from the first row.
+    /// The texts of a field, from the first row; numbers as they are.
     QStringList column(const QString &view, const QString &field)
     {
         const QJsonArray columns = m_client.obey(QStringLiteral("columns"), { { QStringLiteral("view"), view } })[u"columns"].toArray();
@@ -135,11 +138,13 @@ protected:
             texts.append(row[wanted].toString());
         return texts;
     }
-    /// The lower footer of a field.
+    /// The lower footer of a field; a number as it is.
     QString footer(const QString &view, const QString &field)
     {
         const QJsonArray columns = m_client.obey(QStringLiteral("columns"), { { QStringLiteral("view"), view } })[u"columns"].toArray();
-        const QJsonArray footers = m_client.obey(QStringLiteral("footer"), { { QStringLiteral("view"), view } })[u"rows"].toArray();
+        const QJsonArray footers
+            = m_client.obey(QStringLiteral("footer"), { { QStringLiteral("view"), view }, { QStringLiteral("exact"), true } })[u"rows"]
+                  .toArray();
         for (int index = 0; index < columns.size(); ++index)
             if (columns[index][u"field"].toString() == field)
                 return footers[1][index].toString();

@@ -1,7 +1,7 @@
 #include "plugin/forms/base/condition_layout.h"
 
-#include "platform/toolkit/plain_text.h"
 #include "platform/editors/editors.h"
+#include "platform/toolkit/plain_text.h"
 #include "plugin/forms/base/frame_Panel.h"
 
 #include <QAbstractButton>

@@ -27,8 +27,8 @@ GridColumns scanColumns(QStringView station, QStringView courier)
 GridColumns feeColumns()
 {
     return {
-        number("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 70).sum(u"总金额"),
-        number("other_fee", u"应收派件费", 70).sum(u"总金额"),
+        money("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 70).sum(u"总金额"),
+        money("other_fee", u"应收派件费", 70).sum(u"总金额"),
     };
 }
 
@@ -36,5 +36,5 @@ GridColumn remarkColumn() { return text("REMARK", u"备注", 200); }
 
 GridColumns scanListColumns(QStringView station, QStringView courier)
 {
-    return scanColumns(station, courier) + feeColumns() + GridColumns { number("TOPAYMENT", u"到付款", 70), remarkColumn() };
+    return scanColumns(station, courier) + feeColumns() + GridColumns { money("TOPAYMENT", u"到付款", 70), remarkColumn() };
 }

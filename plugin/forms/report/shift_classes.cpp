@@ -8,7 +8,7 @@ GridColumns classColumns(const char *count, const char *weight, const char *fee,
     return {
         number(count, QString(title + u"|票数"), 70).sum(u"总票数"),
         number(weight, QString(title + u"|重量"), 70).sum(u"总重量"),
-        number(fee, QString(title + u"|中转费"), 80).sum(u"总金额"),
+        money(fee, QString(title + u"|中转费"), 80).sum(u"总金额"),
     };
 }
 
@@ -33,7 +33,7 @@ GridColumns shiftClassColumns()
         + GridColumns {
               number("sum_bill65", u"合计|票数", 70).sum(u"总票数"),
               number("sum_weight65", u"合计|重量", 80).sum(u"总重量"),
-              number("sum_fee65", u"合计|金额", 90).sum(u"总金额"),
+              money("sum_fee65", u"合计|金额", 90).sum(u"总金额"),
           };
 }
 

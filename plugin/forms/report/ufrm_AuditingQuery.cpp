@@ -12,9 +12,9 @@ const GridColumns summaryColumns {
     text("PRE_OR_NEXT_STATION", u"网点名称", 120),
     number("bill_count", u"票数", 80).sum(u"总票数"),
     number("WEIGHT", u"重量", 80).sum(u"总重量"),
-    number("TRANSFER_OR_DISPATCH_FEE", u"中转费", 90).sum(u"总金额"),
-    number("aduiting_FEE", u"审核中转费", 90).sum(u"总金额"),
-    number("sum_fee", u"差值", 90).sum(u"总差额"),
+    money("TRANSFER_OR_DISPATCH_FEE", u"中转费", 90).sum(u"总金额"),
+    money("aduiting_FEE", u"审核中转费", 90).sum(u"总金额"),
+    money("sum_fee", u"差值", 90).sum(u"总差额"),
 };
 
 const GridColumns detailColumns {
@@ -35,10 +35,10 @@ const GridColumns detailColumns {
     number("WEIGHT", u"重量", 60).sum(u"总重量"),
     text("CLASS", u"班次", 60),
     text("FAST_TYPE", u"快件类型", 60),
-    number("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 72).sum(u"总金额"),
+    money("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 72).sum(u"总金额"),
     text("GOODS_TYPE", u"物品类别", 60),
-    number("other_fee", u"应收派件费", 70).sum(u"总金额"),
-    number("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
+    money("other_fee", u"应收派件费", 70).sum(u"总金额"),
+    money("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
     text("REMARK", u"备注", 200),
 };
 

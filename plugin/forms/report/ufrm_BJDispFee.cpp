@@ -11,10 +11,10 @@ const GridColumns summaryColumns {
     text("scan_site1", u"站点", 120),
     text("dispatch_or_send_man", u"业务员", 100),
     number("BILL_COUNT1", u"收件票数", 90).sum(u"总票数"),
-    number("DISPATCH_FEE1", u"收件费", 90).sum(u"总收件费"),
+    money("DISPATCH_FEE1", u"收件费", 90).sum(u"总收件费"),
     number("BILL_COUNT2", u"派件票数", 90).sum(u"总派件票数"),
-    number("DISPATCH_FEE2", u"派件费", 90).sum(u"总派件费"),
-    number("sum", u"合计", 90).sum(u"总金额"),
+    money("DISPATCH_FEE2", u"派件费", 90).sum(u"总派件费"),
+    money("sum", u"合计", 90).sum(u"总金额"),
 };
 
 const GridColumns detailColumns {
@@ -31,7 +31,7 @@ const GridColumns detailColumns {
     text("RECORD_MAN_CODE", u"录入人编号", 70),
     text("REMARK", u"备注", 200),
     text("REC_SITE", u"寄件网点", 80),
-    number("DISPATCH_FEE", u"派件费", 70).sum(u"总金额"),
+    money("DISPATCH_FEE", u"派件费", 70).sum(u"总金额"),
     text("scan_site1", u"收件扫描站点", 80),
     text("scan_site2", u"派件扫描站点", 80),
 };

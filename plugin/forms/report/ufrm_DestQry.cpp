@@ -21,8 +21,8 @@ const GridColumns summaryColumns = GridColumns {
 
 const GridColumns detailColumns = scanColumns(u"上一网点")
     + GridColumns {
-          number("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 72).sum(u"总金额"),
-          number("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
+          money("TRANSFER_OR_DISPATCH_FEE", u"中转/派件费", 72).sum(u"总金额"),
+          money("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
           remarkColumn(),
       };
 

@@ -12,10 +12,10 @@ const GridColumns summaryColumns {
     text("RECORD_SITE", u"派件站点", 120),
     text("REC_SITE", u"寄件站点", 80),
     text("type", u"同/外省", 80),
-    number("BILL_COUNT", u"同省票数", 80).sum(u"总票数"),
-    number("DISPATCH_FEE", u"同省派件费", 80).sum(u"总派件费"),
-    number("BILL_COUNT1", u"外省票数", 80).sum(u"总票数"),
-    number("DISPATCH_FEE1", u"外省派件费", 80).sum(u"总派件费"),
+    number("BILL_COUNT", u"同省票数", 80).sum(u"总票数", Qt::AlignHCenter),
+    money("DISPATCH_FEE", u"同省派件费", 80).sum(u"总派件费"),
+    number("BILL_COUNT1", u"外省票数", 80).sum(u"总票数", Qt::AlignHCenter),
+    money("DISPATCH_FEE1", u"外省派件费", 80).sum(u"总派件费"),
 };
 
 const GridColumns detailColumns {
@@ -34,7 +34,7 @@ const GridColumns detailColumns {
     text("REC_SITE_CENTER", u"寄件|所属财务中心", 80),
     text("SIGN_SITE", u"派件|所属一级网点", 80),
     text("SIGN_SITE_CENTER", u"派件|所属财务中心", 80),
-    number("DISPATCH_FEE", u"派件费", 80).sum(u"总金额"),
+    money("DISPATCH_FEE", u"派件费", 80).sum(u"总金额", Qt::AlignHCenter),
 };
 
 } // namespace

@@ -14,8 +14,8 @@ const GridColumns summaryColumns {
 
 const GridColumns detailColumns = scanColumns(u"上一网点") + feeColumns()
     + GridColumns {
-          number("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
-          number("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
+          money("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
+          money("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
           remarkColumn(),
       };
 

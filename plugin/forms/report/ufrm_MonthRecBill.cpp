@@ -11,7 +11,7 @@ const GridColumns summaryColumns {
     text("CUSTOMER_NAME", u"客户名称", 200),
     number("bill_count", u"票数", 100).sum(u"总票数"),
     number("weight", u"重量", 120).sum(u"总重量"),
-    number("TRANSFER_OR_DISPATCH_FEE", u"中转费", 120).sum(u"总金额"),
+    money("TRANSFER_OR_DISPATCH_FEE", u"中转费", 120).sum(u"总金额"),
 };
 
 /// Weighed once per parcel, on its main waybill, so that the detail adds up to its sum.
@@ -23,7 +23,7 @@ GridColumns detailColumns()
         if (column.fieldName == u"WEIGHT")
             column.fieldName = QStringLiteral("WEIGHT1");
     }
-    return columns;
+    return centredFooters(columns);
 }
 
 } // namespace
@@ -43,7 +43,7 @@ Tfrm_MonthRecBill::Tfrm_MonthRecBill(TComponentOwner *owner)
             siteRow(DBLookupComboboxEh5),
             shiftRow(),
         },
-        { row(Button2) }, summaryColumns, detailColumns());
+        { row(Button2) }, centredFooters(summaryColumns), detailColumns());
     handle(Button2, &QPushButton::clicked, this, [this] { printDetail(QStringLiteral("RecBill.frf")); });
 }
 

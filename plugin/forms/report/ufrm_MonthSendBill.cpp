@@ -16,7 +16,7 @@ const GridColumns summaryColumns {
     number("weight", u"重量", 100).sum(u"总重量"),
 };
 
-const GridColumns detailColumns = scanListColumns(u"下一网点");
+const GridColumns detailColumns = centredFooters(scanListColumns(u"下一网点"));
 
 } // namespace
 
@@ -37,7 +37,7 @@ Tfrm_MonthSendBill::Tfrm_MonthSendBill(TComponentOwner *owner)
             destinationRow(),
             row(u"上站片区", DBComboBoxEh3).areas(),
         },
-        { row(Button2), row(Button3) }, summaryColumns, detailColumns);
+        { row(Button2), row(Button3) }, centredFooters(summaryColumns), detailColumns);
     handle(Button2, &QPushButton::clicked, this, [this] { printDetail(QStringLiteral("SendBill1.frf")); });
     handle(Button3, &QPushButton::clicked, this, [this] { printDetail(QStringLiteral("SendBill2.frf")); });
 }

@@ -13,16 +13,16 @@ const GridColumns summaryColumns {
     text("PRE_OR_NEXT_STATION", u"上一站点", 120).hidden(),
     number("bill_count", u"票数", 70).sum(u"总票数"),
     number("WEIGHT", u"重量", 70).sum(u"总重量"),
-    number("TRANSFER_OR_DISPATCH_FEE", u"中转费", 80).sum(u"总金额"),
-    number("OTHER_FEE", u"应收派件费", 80).sum(u"总金额"),
-    number("NET_MANAGE_FEE", u"扫描费", 80).sum(u"总金额"),
-    number("sum_fee", u"合计金额", 80).sum(u"总金额"),
+    money("TRANSFER_OR_DISPATCH_FEE", u"中转费", 80).sum(u"总金额"),
+    money("OTHER_FEE", u"应收派件费", 80).sum(u"总金额"),
+    money("NET_MANAGE_FEE", u"扫描费", 80).sum(u"总金额"),
+    money("sum_fee", u"合计金额", 80).sum(u"总金额"),
 };
 
 const GridColumns detailColumns = scanColumns(u"上一网点") + feeColumns()
     + GridColumns {
-          number("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
-          number("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
+          money("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
+          money("TOPAYMENT", u"到付款", 70).sum(u"总金额"),
           remarkColumn(),
       };
 
@@ -57,8 +57,8 @@ Tfrm_SaleQry::Tfrm_SaleQry(TComponentOwner *owner)
             .completes(),
     } });
     placeLeft(InputList1);
-    summaryAndDetail(
-        { TabSheet1, u"统计数据", DataView2, cdsSum, summaryColumns }, { TabSheet2, u"明细数据", DataView1, cds, detailColumns, 1 });
+    summaryAndDetail({ TabSheet1, u"统计数据", DataView2, cdsSum, summaryColumns },
+        { TabSheet2, u"明细数据", DataView1, cds, centredFooters(detailColumns), 1 });
     openGuestFromDetail([] { return QList<TCustomRemoteServer *> { dm_BasicData->HostConnection, dm_GlobalData->SecondConnection }; });
 }
 

@@ -6,12 +6,12 @@
 
 GridColumns manDetailColumns(QStringView station)
 {
-    return scanColumns(station) + feeColumns()
+    return centredFooters(scanColumns(station) + feeColumns()
         + GridColumns {
-              number("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
-              number("", u"到付款", 70).sum(u"总金额").hidden(),
-              remarkColumn(),
-          };
+            money("NET_MANAGE_FEE", u"扫描费", 70).sum(u"总金额"),
+            money("", u"到付款", 70).sum(u"总金额").hidden(),
+            remarkColumn(),
+        });
 }
 
 void ManStatistics::design(const QList<ConditionRow> &rows, const GridColumns &summary, const GridColumns &detail)

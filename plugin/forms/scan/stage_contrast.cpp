@@ -4,7 +4,7 @@
 #include "plugin/forms/base/scan_columns.h"
 
 namespace {
-const GridColumns resultColumns = scanListColumns(u"下一网点", u"收件业务员");
+const GridColumns resultColumns = centredFooters(scanListColumns(u"下一网点", u"收件业务员"));
 }
 
 StageContrast::StageContrast(TComponentOwner *owner, const QString &name, QStringView caption, const Choice &first, const Choice &second)

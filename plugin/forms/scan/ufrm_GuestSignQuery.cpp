@@ -36,7 +36,7 @@ const GridColumns resultColumns {
     text("dispatch_site", u"派件网点", 70),
     text("GOODS_TYPE", u"物品类别", 60),
     number("SETTLEMENT_WEIGHT", u"结算重量", 60),
-    number("topayment", u"到付款", 70),
+    money("topayment", u"到付款", 70),
     text("REMARK", u"备注", 200),
     text("MODIFY_SITE", u"修改网点", 70),
     text("MODIFIER", u"修改人", 60),

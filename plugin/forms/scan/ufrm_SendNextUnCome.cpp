@@ -8,7 +8,7 @@ Tfrm_Basic *frm_SendNextUnCome = nullptr;
 
 namespace {
 
-const GridColumns resultColumns = scanListColumns(u"下一网点");
+const GridColumns resultColumns = centredFooters(scanListColumns(u"下一网点"));
 
 const QString notArrived = QStringLiteral(" and (not exists(select /*+index(b,TAB_SCAN_COME_I)*/1 from tab_scan_come b  "
                                           "where bill_code=a.bill_code and scan_site=a.PRE_OR_NEXT_STATION))");
