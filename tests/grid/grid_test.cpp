@@ -2,6 +2,8 @@
 
 #include "packet/builder.h"
 #include "platform/grid/dataset_features.h"
+#include "platform/grid/grid_commands.h"
+#include "platform/grid/grid_menu.h"
 #include "platform/toolkit/application.h"
 
 #include <QClipboard>
@@ -62,7 +64,7 @@ TEST_F(Grid, ColumnsMoveHideAndReturnToTheDesign)
 {
     m_grid.moveColumn(3, 0);
     m_grid.setColumnWidth(1, 123);
-    m_grid.setColumnVisible(2, false);
+    m_grid.hideColumn(2);
     EXPECT_EQ(order(), QStringLiteral("PIECE;CODE;SITE;FEE").split(u';'));
     EXPECT_EQ(m_grid.columnIndex(u"site"), 2);
     EXPECT_EQ(m_grid.columnIndex(u"site", ColumnScope::Visible), -1);
@@ -71,6 +73,75 @@ TEST_F(Grid, ColumnsMoveHideAndReturnToTheDesign)
     EXPECT_EQ(order(), QStringLiteral("CODE;SITE;FEE;PIECE").split(u';'));
     EXPECT_EQ(m_grid.column(0).width, 80);
     EXPECT_TRUE(m_grid.column(1).visible);
+}
+
+TEST_F(Grid, APersonsChoiceOfColumnsComesBeforeTheScreens)
+{
+    const auto visible = [this](int column) { return m_grid.column(column).visible; };
+    m_grid.setColumnVisible(1, false); // a screen
+    EXPECT_FALSE(visible(1));
+    EXPECT_EQ(m_grid.columnChoice(1), std::nullopt);
+    m_grid.showColumn(1);
+    m_grid.setColumnVisible(1, false);
+    EXPECT_TRUE(visible(1)) << "a screen does not take away what a person wants to see";
+    m_grid.hideColumn(1);
+    EXPECT_EQ(m_grid.columnChoice(1), std::nullopt) << "the screen hides it anyway";
+    m_grid.setColumnVisible(1, true);
+    EXPECT_TRUE(visible(1));
+    m_grid.hideColumn(2);
+    m_grid.setColumnVisible(2, false);
+    m_grid.setColumnVisible(2, true);
+    EXPECT_FALSE(visible(2)) << "hidden by the person, whatever the screen does meanwhile";
+    m_grid.restoreDesignedColumns();
+    EXPECT_TRUE(visible(2));
+}
+
+TEST_F(Grid, EveryCommandHasItsKeysAndStandsInTheMenu)
+{
+    QStringList keys;
+    QStringList texts;
+    for (const GridCommand &command : gridCommands()) {
+        texts.append(command.text.toString());
+        for (const QKeySequence &sequence : command.keys()) {
+            EXPECT_EQ(gridCommandFor(sequence[0]), &command) << "two commands with the same key, or none";
+            keys.append(sequence.toString());
+        }
+    }
+    EXPECT_EQ(keys.size(), texts.size());
+    const auto menu = cellMenu(m_grid);
+    for (const QAction *action : menu->actions())
+        texts.removeOne(action->text());
+    EXPECT_EQ(texts, QStringList());
+
+    m_grid.setCurrentCell(1, 2);
+    QTest::keyClick(&m_grid, Qt::Key_Space, Qt::ControlModifier);
+    EXPECT_EQ(m_grid.selectedRanges(), QList<QRect> { QRect(2, 0, 1, 3) });
+    QTest::keyClick(&m_grid, Qt::Key_Space, Qt::ShiftModifier);
+    EXPECT_EQ(m_grid.selectedRanges(), QList<QRect> { QRect(0, 1, 4, 1) });
+    QTest::keyClick(&m_grid, Qt::Key_Space);
+    EXPECT_EQ(m_grid.selectedRanges(), QList<QRect> {});
+    QTest::keyClick(&m_grid, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(&m_grid, Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    EXPECT_TRUE(QGuiApplication::clipboard()->text().startsWith(u"编号\t")) << QGuiApplication::clipboard()->text().toStdString();
+}
+
+TEST_F(Grid, ASelectionDraggedBeyondTheViewScrollsOnUntilTheButtonIsReleased)
+{
+    QString rows = QStringLiteral("CODE:text,SITE:text,FEE:decimal,PIECE:integer\n");
+    for (int row = 0; row < 200; ++row)
+        rows += QStringLiteral("%1,甲,1,1\n").arg(row);
+    m_dataSet.setData(packetOf(rows.toStdString()));
+    const QPoint below(m_grid.cellRect(0, 1).center().x(), m_grid.viewport()->height() + 5);
+    QTest::mousePress(m_grid.viewport(), Qt::LeftButton, {}, m_grid.cellRect(0, 1).center());
+    QMouseEvent move(QEvent::MouseMove, below, m_grid.viewport()->mapToGlobal(below), Qt::NoButton, Qt::LeftButton, {});
+    QCoreApplication::sendEvent(m_grid.viewport(), &move);
+    const int firstStep = m_grid.currentRow();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_grid.currentRow() > firstStep + 2; }));
+    QTest::mouseRelease(m_grid.viewport(), Qt::LeftButton, {}, below);
+    const int last = m_grid.currentRow();
+    QTest::qWait(150);
+    EXPECT_EQ(m_grid.currentRow(), last);
+    EXPECT_EQ(m_grid.selectedRanges(), QList<QRect> { QRect(1, 0, 1, last + 1) });
 }
 
 TEST_F(Grid, TheCurrentRowIsTheDataSetsBothWays)
