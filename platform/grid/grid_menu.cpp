@@ -21,6 +21,14 @@ int visibleColumns(const TDBGridEh &grid, int end)
     return count;
 }
 
+void fitAllColumns(TDBGridEh &grid)
+{
+    for (int column = 0; column < grid.columnCount(); ++column) {
+        if (grid.column(column).visible)
+            grid.fitColumn(column);
+    }
+}
+
 void addShownColumns(QMenu *menu, TDBGridEh &grid)
 {
     QMenu *shown = menu->addMenu(QStringLiteral("显示的列"));
@@ -75,6 +83,7 @@ std::unique_ptr<QMenu> columnMenu(TDBGridEh &grid, int column)
     if (column >= 0) {
         add(QStringLiteral("隐藏“%1”").arg(plainTitle(grid.column(column).caption)), [&grid, column] { grid.hideColumn(column); });
         add(QStringLiteral("适合内容的列宽"), [&grid, column] { grid.fitColumn(column); });
+        add(QStringLiteral("全部列适合内容"), [&grid] { fitAllColumns(grid); });
         add(QStringLiteral("冻结到此列"), [&grid, column] { grid.freezeColumns(visibleColumns(grid, column + 1)); });
     }
     if (grid.frozenColumns() > 0)
