@@ -85,7 +85,7 @@ std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
         html += u"<tr>";
         for (int position = 0; position < copied.columns.size(); ++position) {
             const int column = copied.columns[position];
-            const QString cell = copied.holds(row, column) ? grid.cellText(row, column) : QString();
+            const QString cell = copied.holds(row, column) ? grid.cellTextWithTicks(row, column) : QString();
             if (position > 0)
                 text += '\t';
             files::appendClipboardCell(text, cell.toStdString());

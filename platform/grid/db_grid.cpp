@@ -284,6 +284,15 @@ QString TDBGridEh::footerText(int footerRow, int column) const
     return {};
 }
 
+QString TDBGridEh::cellTextWithTicks(int row, int column) const
+{
+    const QString text = cellText(row, column);
+    const Column &shown = m_columns->at(column);
+    if (!shown.isCheckBox() || (text != shown.checkedKey && text != shown.uncheckedKey))
+        return text;
+    return text == shown.checkedKey ? QStringLiteral("√") : QString();
+}
+
 QString TDBGridEh::displayText(int row, int column) const
 {
     const int decimals = m_columns->decimals(column);

@@ -95,6 +95,8 @@ public:
     /// The exact texts: what is copied, exported and searched.
     QString cellText(int row, int column) const;
     QString footerText(int footerRow, int column) const;
+    /// The same for a place without check boxes: a ticked one is "√", another one nothing.
+    QString cellTextWithTicks(int row, int column) const;
     /// The texts that a person sees, on the screen and on paper: numbers in their column's form.
     QString displayText(int row, int column) const;
     QString footerDisplayText(int footerRow, int column) const;

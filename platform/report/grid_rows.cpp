@@ -13,15 +13,7 @@ GridRows::GridRows(const TDBGridEh &grid)
 
 int GridRows::recordCount() const { return m_grid && m_source && m_source->active() ? m_grid->rowCount() : -1; }
 
-QString GridRows::text(int field, int row) const
-{
-    const int index = m_columns[std::size_t(field)];
-    const Column &column = m_grid->column(index);
-    const QString shown = m_grid->cellText(row, index);
-    if (!column.isCheckBox() || (shown != column.checkedKey && shown != column.uncheckedKey))
-        return shown;
-    return shown == column.checkedKey ? QStringLiteral("√") : QString();
-}
+QString GridRows::text(int field, int row) const { return m_grid->cellTextWithTicks(row, m_columns[std::size_t(field)]); }
 
 std::optional<packet::Decimal> GridRows::number(int field, int row) const { return packet::Decimal::parse(text(field, row).toStdString()); }
 

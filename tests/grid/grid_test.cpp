@@ -174,6 +174,18 @@ TEST_F(Grid, ARangeIsCopiedAsTextAndAsHtmlThatKeepsCodes)
     EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("0.25"));
 }
 
+TEST_F(Grid, ACheckBoxIsCopiedAsATick)
+{
+    m_grid.setColumns({ { .fieldName = QStringLiteral("PIECE"),
+        .caption = QStringLiteral("已付"),
+        .checkedKey = QStringLiteral("1"),
+        .uncheckedKey = QStringLiteral("2") } });
+    m_dataSet.setData(packetOf("PIECE:integer\n1\n2\n3\n"));
+    m_grid.selectAll();
+    m_grid.copySelection(CopyTitles::Without);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), QStringLiteral("√\r\n\r\n3\r\n")) << "3 is no value of the box";
+}
+
 TEST_F(Grid, ACellEventMayColourACellAndAFailingOneIsReportedNotThrown)
 {
     m_grid.onGetCellParams = [](int row, int column, CellParameters &parameters) {
