@@ -57,6 +57,16 @@ TEST_F(PrintGrid, PrintsWhatTheScreenShows)
     EXPECT_TRUE(text.contains(QStringLiteral("|寄件|费用|编号|12.3|009|北京[1]|1.5|007|上海|0.25|008|"))) << text.toStdString();
 }
 
+TEST_F(PrintGrid, NumbersStandInLineAsOnTheScreen)
+{
+    Column fee = m_grid.column(3);
+    fee.numberForm = NumberForm::Money;
+    m_grid.setColumn(3, fee);
+    m_rows.setData(packetOf("CODE:text,SITE:text,FEE:decimal,PAID:text\n1234567,甲,12345.6,1\n008,乙,-7,0\n"));
+    const QString text = pagesOf(*m_printer.prepared()).join(u'/');
+    EXPECT_TRUE(text.contains(u"|1234567|√|甲|12,345.60|008|乙|-7.00|总金额|12,338.60|")) << text.toStdString();
+}
+
 TEST_F(PrintGrid, FitsThePageAndKeepsColours)
 {
     m_grid.onGetCellParams = [](int row, int column, CellParameters &parameters) {
