@@ -137,7 +137,9 @@ TEST_F(ScanContrast, ArrivalsAgainstSendOutsFillAllThreePagesAndTheFootersAddUp)
         const QString name = QString::fromLatin1(view);
         const QJsonArray shown = rows(name)[u"rows"].toArray();
         const QJsonArray columns = m_client.obey(QStringLiteral("columns"), { { QStringLiteral("view"), name } })[u"columns"].toArray();
-        const QJsonArray footers = m_client.obey(QStringLiteral("footer"), { { QStringLiteral("view"), name } })[u"rows"].toArray();
+        const QJsonArray footers
+            = m_client.obey(QStringLiteral("footer"), { { QStringLiteral("view"), name }, { QStringLiteral("exact"), true } })[u"rows"]
+                  .toArray();
         ASSERT_GT(shown.size(), 0) << view;
         EXPECT_EQ(footers[0][0].toString(), QStringLiteral("记录数"));
         EXPECT_EQ(footers[1][0].toString().toInt(), shown.size());
