@@ -58,7 +58,8 @@ private:
     const TDataSet &m_dataSet;
 };
 
-/// A dataset in a grid as the screens show it: two footer rows, sort marks, a frozen column, row colours, a two-level title.
+/// A dataset in a grid as the screens show it: two footer rows, sort marks, a frozen column, row colours, a two-level title, amounts
+/// in line.
 struct ShownGrid {
     TCustomClientDataSet dataSet;
     TDataSource source;
@@ -77,6 +78,7 @@ struct ShownGrid {
             columns.append({ .fieldName = QStringLiteral("FIELD%1").arg(column),
                 .caption = column < 8 ? QStringLiteral("扫描|列%1").arg(column) : QStringLiteral("列%1").arg(column),
                 .width = columnWidth,
+                .numberForm = column == 3 ? NumberForm::Money : NumberForm::Exact,
                 .footers = { count, count },
                 .titleButton = true,
                 .sortMark = column < 2 ? SortMark::Ascending : SortMark::None,
