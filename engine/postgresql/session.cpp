@@ -34,12 +34,11 @@ class Parameters {
 public:
     explicit Parameters(const std::string &url)
     {
-        char *error = nullptr;
-        m_options.reset(PQconninfoParse(url.c_str(), &error));
-        const std::string message = error != nullptr ? trimmedMessage(error) : "内存不足";
-        PQfreemem(error);
+        // What the library says of a wrong address may repeat the password in it.
+        m_options.reset(PQconninfoParse(url.c_str(), nullptr));
         if (!m_options)
-            throw Error(Failure::Unavailable, "无法识别数据库地址：" + message + "；应写作 postgresql://用户@主机/数据库");
+            throw Error(
+                Failure::Unavailable, "无法识别数据库地址，应写作 postgresql://用户:密码@主机/数据库；其中的 % 写作 %25，@ 写作 %40");
         for (const PQconninfoOption *option = m_options.get(); option->keyword != nullptr; ++option)
             add(*option);
         m_keywords.push_back("client_encoding");

@@ -3,6 +3,7 @@
 #include "server/base/text.h"
 #include "server/users/token.h"
 
+#include <algorithm>
 #include <charconv>
 #include <fstream>
 #include <functional>
@@ -45,13 +46,13 @@ struct Secret {
 };
 
 /// What is read into, and where relative paths begin.
-struct Place {
+struct Target {
     Configuration &configuration;
     const fs::path &directory;
     DatabaseConfiguration &database() const { return configuration.databases.back(); }
 };
 
-using Setter = std::function<void(const Place &, std::string_view)>;
+using Setter = std::function<void(const Target &, std::string_view)>;
 
 template <class Object, class Number>
 void assignNumber(Object &object, Number Object::*member, std::string_view text, std::int64_t low, std::int64_t high, std::int64_t unit)
@@ -62,21 +63,21 @@ void assignNumber(Object &object, Number Object::*member, std::string_view text,
 template <class Number>
 Setter number(Number Configuration::*member, std::int64_t low, std::int64_t high, std::int64_t unit = 1)
 {
-    return [=](const Place &place, std::string_view text) { assignNumber(place.configuration, member, text, low, high, unit); };
+    return [=](const Target &target, std::string_view text) { assignNumber(target.configuration, member, text, low, high, unit); };
 }
 
 template <class Number>
 Setter number(Number DatabaseConfiguration::*member, std::int64_t low, std::int64_t high, std::int64_t unit = 1)
 {
-    return [=](const Place &place, std::string_view text) { assignNumber(place.database(), member, text, low, high, unit); };
+    return [=](const Target &target, std::string_view text) { assignNumber(target.database(), member, text, low, high, unit); };
 }
 
 Setter path(fs::path Configuration::*member)
 {
-    return [=](const Place &place, std::string_view text) { place.configuration.*member = place.directory / fs::path(text); };
+    return [=](const Target &target, std::string_view text) { target.configuration.*member = target.directory / fs::path(text); };
 }
 
-void setListen(const Place &place, std::string_view text)
+void setListen(const Target &target, std::string_view text)
 {
     const std::size_t colon = text.rfind(':');
     if (colon == std::string_view::npos || colon == 0)
@@ -84,18 +85,18 @@ void setListen(const Place &place, std::string_view text)
     auto address = text.substr(0, colon);
     if (address.front() == '[' && address.back() == ']')
         address = address.substr(1, address.size() - 2);
-    place.configuration.address = address;
-    place.configuration.port = std::uint16_t(wholeNumber(text.substr(colon + 1), 0, 65535));
+    target.configuration.address = address;
+    target.configuration.port = std::uint16_t(wholeNumber(text.substr(colon + 1), 0, 65535));
 }
 
 /// The address may hold a password, so no message repeats it.
-void setUrl(const Place &place, std::string_view text)
+void setUrl(const Target &target, std::string_view text)
 {
     const bool isKnown
         = text.starts_with("sqlite:") || text.starts_with("postgresql://") || text.starts_with("postgres://") || text.starts_with("odbc:");
     if (!isKnown)
         throw Secret { "sqlite:文件、postgresql://用户:密码@主机/库 或 odbc:DSN=数据源" };
-    place.database().url = text;
+    target.database().url = text;
 }
 
 constexpr std::int64_t day = 24 * 3600;
@@ -110,8 +111,8 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
     { "token_key_file", path(&Configuration::tokenKeyFile) },
     { "token_hours", number(&Configuration::tokenLife, 1, 24 * 31, 3600) },
     { "audit_log", path(&Configuration::auditLog) },
-    { "trusted_proxies", [](const Place &place, std::string_view text) { place.configuration.trustedProxies = listOf(text); } },
-    { "monitors", [](const Place &place, std::string_view text) { place.configuration.monitors = listOf(text); } },
+    { "trusted_proxies", [](const Target &target, std::string_view text) { target.configuration.trustedProxies = listOf(text); } },
+    { "monitors", [](const Target &target, std::string_view text) { target.configuration.monitors = listOf(text); } },
     { "login_queue", number(&Configuration::loginQueue, 1, 10'000) },
     { "io_threads", number(&Configuration::ioThreads, 1, 64) },
     { "connections", number(&Configuration::connections, 1, 1'000'000) },
@@ -129,12 +130,13 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
 
 const std::map<std::string, Setter, std::less<>> databaseKeys {
     { "url", setUrl },
-    { "tables", [](const Place &place, std::string_view text) { place.database().tables = listOf(text); } },
+    { "tables", [](const Target &target, std::string_view text) { target.database().tables = listOf(text); } },
     { "workers", number(&DatabaseConfiguration::workers, 1, 1000) },
     { "queue", number(&DatabaseConfiguration::queue, 0, 100'000) },
     { "user_statements", number(&DatabaseConfiguration::userStatements, 1, 1000) },
     { "user_queue", number(&DatabaseConfiguration::userQueue, 0, 100'000) },
     { "statement_seconds", number(&DatabaseConfiguration::statementTime, 1, day, millisecond) },
+    { "statement_mib", number(&DatabaseConfiguration::statementMemory, 8, 1'000'000, mebibyte) },
     { "rows", number(&DatabaseConfiguration::rows, 1, 1'000'000'000) },
     { "result_mib", number(&DatabaseConfiguration::resultBytes, 1, 1'000'000, mebibyte) },
     { "send_buffer_mib", number(&DatabaseConfiguration::sendBuffer, 1, 1024, mebibyte) },

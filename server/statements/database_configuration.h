@@ -17,6 +17,7 @@ struct DatabaseConfiguration {
     std::size_t userStatements = 4; ///< of one user that run at a time
     std::size_t userQueue = 50; ///< of one user that wait
     std::chrono::milliseconds statementTime = std::chrono::minutes(10); ///< waiting and sending included
+    std::size_t statementMemory = 256 << 20; ///< bytes that one may take while it runs
     std::int64_t rows = 2'000'000; ///< of one result
     std::uint64_t resultBytes = std::uint64_t(1) << 30; ///< of one result, before compression and encryption
     std::size_t sendBuffer = 4 << 20; ///< bytes of a result that wait to be sent

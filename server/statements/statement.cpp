@@ -111,8 +111,11 @@ void Statement::stream()
     const auto sink = makeSink(m_request.format, m_request.lz4, [this](std::span<const std::byte> bytes) { takeBytes(bytes); });
     CountingSink counting(*sink, m_rows);
     m_database.run([&](engine::Engine &engine) {
-        engine.stream(
-            m_request.sql, counting, { .stop = m_stop.get_token(), .timeLimit = left, .rowLimit = m_database.configuration().rows });
+        engine.stream(m_request.sql, counting,
+            { .stop = m_stop.get_token(),
+                .timeLimit = left,
+                .memoryLimit = m_database.configuration().statementMemory,
+                .rowLimit = m_database.configuration().rows });
     });
 }
 
