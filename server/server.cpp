@@ -12,6 +12,7 @@
 #include <boost/asio/strand.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include <algorithm>
 #include <set>
 #include <thread>
 
@@ -123,7 +124,8 @@ private:
     void begin(tcp::socket socket)
     try {
         // An IPv4 address as such, also when the connection came in as IPv6.
-        const std::string address = addressOf(socket.remote_endpoint().address().to_string()).value();
+        const std::string peer = socket.remote_endpoint().address().to_string();
+        const std::string address = addressOf(peer).value_or(peer);
         const std::lock_guard lock(m_mutex);
         if (!hasRoomFor(addressGroup(address))) {
             ++m_service.metrics().refusedConnections;

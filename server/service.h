@@ -6,6 +6,8 @@
 #include "server/statements/statement.h"
 #include "server/users/logins.h"
 
+#include <functional>
+#include <memory>
 #include <variant>
 
 namespace server {

@@ -8,6 +8,10 @@
 #include <boost/asio/post.hpp>
 #include <boost/asio/use_awaitable.hpp>
 
+#include <algorithm>
+#include <limits>
+#include <utility>
+
 namespace server {
 
 namespace asio = boost::asio;

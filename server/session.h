@@ -6,6 +6,8 @@
 #include "server/tls/tls_stream.h"
 
 #include <atomic>
+#include <functional>
+#include <memory>
 
 namespace server {
 

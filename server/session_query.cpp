@@ -5,6 +5,7 @@
 #include <boost/asio/use_awaitable.hpp>
 
 #include <cstdio>
+#include <memory>
 
 namespace server {
 

@@ -3,6 +3,8 @@
 #include "packet/packet.h"
 #include "server_client/server_connection.h"
 
+#include <functional>
+#include <memory>
 #include <mutex>
 
 namespace server_client {

@@ -4,6 +4,8 @@
 #include "server/base/fair_pool.h"
 #include "server/statements/database_configuration.h"
 
+#include <functional>
+#include <memory>
 #include <mutex>
 
 namespace server {

@@ -2,6 +2,8 @@
 
 #include "server/statements/result_format.h"
 
+#include <memory>
+
 namespace server {
 
 /// RFC 4180 with a byte order mark, lines ended by CR LF, a first line of column names; null is an empty cell. A cut result is no

@@ -5,7 +5,9 @@
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
 #include <gmock/gmock.h>
+#include <openssl/ssl.h>
 
+#include <memory>
 #include <random>
 #include <thread>
 
@@ -47,6 +49,26 @@ TEST(Http, LogsInAndAnswersOnOneConnection)
     EXPECT_EQ(client.get("/readyz").status, 200);
     EXPECT_THAT(
         client.get("/healthz").headers["date"], testing::ContainsRegex("^[A-Z][a-z]{2}, [0-9]{2} [A-Z][a-z]{2} 20[0-9]{2} [0-9:]{8} GMT$"));
+}
+
+TEST(Http, EncryptsOnlyWithWhatAuthenticatesAsWell)
+{
+    namespace asio = boost::asio;
+    const TestServer server;
+    const auto connects = [&](const char *ciphers) {
+        asio::io_context io;
+        asio::ip::tcp::socket socket(io);
+        socket.connect({ asio::ip::address_v4::loopback(), server.port() });
+        const std::unique_ptr<SSL_CTX, decltype(&SSL_CTX_free)> context(SSL_CTX_new(TLS_client_method()), SSL_CTX_free);
+        SSL_CTX_set_max_proto_version(context.get(), TLS1_2_VERSION);
+        SSL_CTX_set_cipher_list(context.get(), ciphers);
+        const std::unique_ptr<SSL, decltype(&SSL_free)> ssl(SSL_new(context.get()), SSL_free);
+        SSL_set_fd(ssl.get(), int(socket.native_handle()));
+        return SSL_connect(ssl.get()) == 1;
+    };
+    EXPECT_TRUE(connects("ECDHE-ECDSA-AES128-GCM-SHA256"));
+    EXPECT_TRUE(connects("ECDHE-ECDSA-CHACHA20-POLY1305"));
+    EXPECT_FALSE(connects("ECDHE-ECDSA-AES128-SHA:ECDHE-ECDSA-AES256-SHA384"));
 }
 
 TEST(Http, RefusesWhatItCannotServe)

@@ -7,6 +7,7 @@
 
 #include <fstream>
 #include <future>
+#include <memory>
 #include <thread>
 
 namespace server::test {

@@ -6,6 +6,7 @@
 #include "tests/support/https_client.h"
 
 #include <functional>
+#include <memory>
 
 namespace server::test {
 

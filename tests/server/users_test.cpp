@@ -12,9 +12,11 @@
 #include <sstream>
 #include <thread>
 
+#ifndef _WIN32
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#endif
 
 namespace server::test {
 
@@ -28,7 +30,6 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr auto newPassword = "long enough";
-constexpr uid_t nobody = 65534;
 
 /// What the command says.
 std::string runUser(const fs::path &users, const std::string &command, const std::string &name, const std::string &secret = newPassword)
@@ -57,6 +58,9 @@ std::string tokenFor(std::uint16_t port, const std::string &user, const std::str
 }
 
 int timeStatus(std::uint16_t port, const std::string &token) { return HttpsClient(port).get("/v1/time", bearer(token)).status; }
+
+#ifndef _WIN32
+constexpr uid_t nobody = 65534;
 
 /// A server in a process of its own under another account, whose users file is that account's. Needs root.
 class ServerOfNobody {
@@ -106,6 +110,7 @@ private:
     pid_t m_process = 0;
     std::uint16_t m_port = 0;
 };
+#endif
 
 } // namespace
 
@@ -178,6 +183,7 @@ TEST(Users, WhileTheFileCannotBeReadNobodyIsTrusted)
     EXPECT_EQ(server.metric("kelvara_users_unreadable"), 0);
 }
 
+#ifndef _WIN32
 TEST(Users, TheToolOfRootServesAServerUnderAnotherAccount)
 {
     if (geteuid() != 0)
@@ -201,6 +207,7 @@ TEST(Users, TheToolOfRootServesAServerUnderAnotherAccount)
     ASSERT_EQ(chown(server.users.c_str(), nobody, nobody), 0);
     EXPECT_TRUE(becomesTrue([&] { return timeStatus(server.port(), ann) == 200; }));
 }
+#endif
 
 TEST(Logins, StrangersWhoTryANameDoNotKeepItsUserOut)
 {

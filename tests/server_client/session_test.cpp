@@ -12,6 +12,8 @@
 
 #include <atomic>
 #include <fstream>
+#include <limits>
+#include <memory>
 #include <random>
 #include <sstream>
 #include <thread>
