@@ -43,19 +43,19 @@ qint64 SafeFile::Part::writeData(const char *data, qint64 size)
     return written;
 }
 
-SafeFile::SafeFile(const QString &fileName)
+SafeFile::SafeFile(const QString &fileName, Kind kind)
     : m_fileName(targetOf(fileName))
     , m_part(partOf(m_fileName))
 {
     const QFileInfo before(m_fileName);
-    m_replaces = before.exists();
+    m_syncs = before.exists() && kind == Kind::Document;
     if (before.isDir())
         fail(QStringLiteral("这是一个目录"));
-    if (m_replaces && !before.isWritable())
+    if (before.exists() && !before.isWritable())
         fail(QStringLiteral("文件是只读的"));
     if (!m_part.open(QIODevice::ReadWrite | QIODevice::NewOnly))
         fail(reason());
-    if (m_replaces)
+    if (before.exists())
         m_part.setPermissions(before.permissions());
 }
 
@@ -76,7 +76,7 @@ void SafeFile::close()
 {
     if (std::exchange(m_closed, true))
         return;
-    const bool whole = m_part.flush() && (!m_replaces || syncToDisk(m_part.handle()));
+    const bool whole = m_part.flush() && (!m_syncs || syncToDisk(m_part.handle()));
     m_part.close();
     if (!whole || m_part.failure() != QFileDevice::NoError)
         fail(reason());

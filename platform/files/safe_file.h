@@ -9,8 +9,12 @@ namespace files {
 /// that it replaces; where the name is a link, it replaces what the link names.
 class SafeFile {
 public:
+    /// Documents wait for the disk before they replace an older file, so that a power cut cannot take both. What can be written again
+    /// does not wait.
+    enum class Kind { Copy, Document };
+
     /// Throws Exception when nothing can be written there. Each Exception of this class names the file and the reason.
-    explicit SafeFile(const QString &fileName);
+    explicit SafeFile(const QString &fileName, Kind kind = Kind::Copy);
     SafeFile(const SafeFile &) = delete;
     ~SafeFile();
 
@@ -21,8 +25,7 @@ public:
     /// Where the file lies meanwhile, for writers that open it by its name.
     QString path() const { return m_part.fileName(); }
 
-    /// Ends writing; throws Exception when not all of it is on the disk. Waits for the disk if an older file is to be replaced, so that
-    /// a power cut cannot take both.
+    /// Ends writing; throws Exception when the disk has not taken all of it. May wait for the disk.
     void close();
     /// Puts the file in its place, closing it first where close() was not called. Throws Exception when that fails.
     void commit();
@@ -47,7 +50,7 @@ private:
 
     QString m_fileName;
     Part m_part;
-    bool m_replaces = false;
+    bool m_syncs = false;
     bool m_closed = false;
 };
 

@@ -83,7 +83,7 @@ bool LayoutFile::save()
     }
     QDir().mkpath(QFileInfo(m_path).path());
     try {
-        files::SafeFile file(m_path);
+        files::SafeFile file(m_path, files::SafeFile::Kind::Document);
         file.write(text.toUtf8());
         file.commit();
         return true;

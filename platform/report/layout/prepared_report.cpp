@@ -130,7 +130,7 @@ void PreparedReport::save(const QString &fileName, const Progress &progress)
     if (!prepareAllPages(progress))
         throw Exception(QStringLiteral("保存已取消。"));
     const QByteArray bytes = packed();
-    files::SafeFile file(fileName);
+    files::SafeFile file(fileName, files::SafeFile::Kind::Document);
     file.write(bytes);
     file.write(checksum(bytes));
     file.commit();
