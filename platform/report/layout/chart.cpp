@@ -109,10 +109,11 @@ private:
     void drawLabels()
     {
         const int slot = std::max(1, m_plot.width() / int(m_task.points.size()));
+        const int right = m_plot.x() + m_plot.width();
         const int every = std::max(1, int(std::ceil(m_text.points * 35 * 3 / slot)));
         for (qsizetype point = 0; point < m_task.points.size(); point += every)
-            text(QRect(left(point), m_plot.y() + m_plot.height() + m_line / 4, slot * every, m_line), m_task.points[point].first,
-                Qt::AlignHCenter | Qt::AlignVCenter);
+            text(QRect(left(point), m_plot.y() + m_plot.height() + m_line / 4, std::min(slot * every, right - left(point)), m_line),
+                m_task.points[point].first, Qt::AlignHCenter | Qt::AlignVCenter);
     }
 
     void drawBars()
