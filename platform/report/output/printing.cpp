@@ -1,5 +1,6 @@
 #include "platform/report/output/printing.h"
 
+#include "platform/files/safe_file.h"
 #include "platform/report/layout/prepared_report.h"
 #include "platform/report/output/page_painter.h"
 #include "platform/toolkit/long_work.h"
@@ -22,7 +23,10 @@ void setReportPaper(QPrinter &printer, const PreparedReport &report)
     printer.setFullPage(true);
 }
 
-void printPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int)> &goesOn)
+namespace {
+
+/// False when `goesOn` broke it off.
+bool paintPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int)> &goesOn)
 {
     QPainter painter;
     if (!painter.begin(&printer))
@@ -37,9 +41,35 @@ void printPages(PreparedReport &report, QPrinter &printer, int from, int to, con
         pages.paint(painter, report.page(page - 1));
         if (goesOn && !goesOn(page - from + 1)) {
             printer.abort();
-            return;
+            return false;
         }
     }
+    return true;
+}
+
+/// A printer that writes a file does not say when the disk is full.
+bool isWhole(QFileDevice &file)
+{
+    constexpr QByteArrayView pdfEnd = "%%EOF\n";
+    return file.seek(file.size() - pdfEnd.size()) && file.read(pdfEnd.size()) == pdfEnd;
+}
+
+} // namespace
+
+void printPages(PreparedReport &report, QPrinter &printer, int from, int to, const std::function<bool(int)> &goesOn)
+{
+    const QString fileName = printer.outputFileName();
+    if (fileName.isEmpty()) {
+        paintPages(report, printer, from, to, goesOn);
+        return;
+    }
+    files::SafeFile file(fileName);
+    printer.setOutputFileName(file.path());
+    if (!paintPages(report, printer, from, to, goesOn))
+        return;
+    if (!isWhole(file.device()))
+        file.fail(QStringLiteral("磁盘已满或出了故障"));
+    file.commit();
 }
 
 bool printReport(PreparedReport &report, QWidget *parent)
