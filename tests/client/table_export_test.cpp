@@ -1,6 +1,7 @@
 #include "client/export/row_writer.h"
 #include "platform/toolkit/long_work.h"
 #include "tests/client/export_fixture.h"
+#include "tests/support/small_disk.h"
 
 #include <QApplication>
 #include <QJsonArray>
@@ -179,6 +180,32 @@ TEST_P(FailingExport, CancelLeavesWhatWasThere)
     expectTheOldFileAlone();
 }
 
-INSTANTIATE_TEST_SUITE_P(Forms, FailingExport, testing::Values("csv", "xlsx", "html"));
+TEST_P(FailingExport, AFullDiskIsNeverASuccess)
+{
+    const ExportTable table = exportTable(m_grid, QStringLiteral("表"), {});
+    for (const int room : { 0, 100'000, 1'000'000 }) {
+        const FileSizeLimit fullDisk(room);
+        try {
+            writeTable(table, { path(m_name) }, [](std::int64_t) {});
+            ADD_FAILURE() << "written on " << room << " bytes";
+        } catch (const Exception &exception) {
+            const QString &message = exception.message();
+            EXPECT_TRUE(message.contains(m_name) && (message.contains(u"磁盘已满") || message.contains(u"空间不足"))) << exception.what();
+        }
+        expectTheOldFileAlone();
+    }
+}
+
+TEST_P(FailingExport, AForeignFileBesideItSurvives)
+{
+    QFile foreign(path(m_name + u".part"));
+    ASSERT_TRUE(foreign.open(QIODevice::WriteOnly) && foreign.write("mine") == 4);
+    foreign.close();
+    EXPECT_NE(written(m_name), m_before);
+    EXPECT_EQ(contents(m_name + u".part"), QByteArray("mine"));
+    EXPECT_EQ(files().size(), 2);
+}
+
+INSTANTIATE_TEST_SUITE_P(Forms, FailingExport, testing::Values("csv", "txt", "json", "xlsx", "html"));
 
 } // namespace

@@ -6,8 +6,15 @@
 #include "platform/report/preview/page_view.h"
 #include "platform/report/preview/preview_window.h"
 #include "platform/report/report.h"
+#include "platform/toolkit/application.h"
+#include "tests/support/small_disk.h"
 
+#include <QAction>
+#include <QComboBox>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
+#include <QListView>
 #include <QPrinter>
 #include <QProcess>
 #include <QPushButton>
@@ -75,6 +82,87 @@ TEST(Preview, StopsLayingOutWhenAskedAndFindsBeyond)
     EXPECT_EQ(window.view()->currentPage(), 124);
 }
 
+TEST(Preview, RowsThatChangeMeanwhileAreToldOnceAndThePagesStay)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(40'000));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    QStringList told;
+    const auto connection
+        = QObject::connect(Application, &TApplication::happened, [&told](const QString &kind, const QVariantMap &particulars) {
+              if (kind == u"error")
+                  told.append(particulars[QStringLiteral("text")].toString());
+          });
+    Application->setMessageResponder([](const MessageRequest &) { return idOk; });
+    PreviewWindow window(prepared, {}, allPreviewButtons);
+    window.show();
+    QTest::qWait(30);
+    rows.setData(numberedRows(7));
+    QTest::qWait(100);
+    EXPECT_EQ(told, QStringList(QStringLiteral("数据在排版时已改变，请重新打印。")));
+    const int pages = window.pageCount();
+    EXPECT_GT(pages, 1);
+    EXPECT_TRUE(statusOf(window).contains(u"排版已停止"));
+    EXPECT_TRUE(window.find(QStringLiteral("no2")));
+    EXPECT_EQ(window.pageCount(), pages);
+    Application->setMessageResponder({});
+    QObject::disconnect(connection);
+}
+
+TEST(Preview, OffersOnlyWhatItIsGiven)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(1));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    const auto tools = [&prepared](PreviewButtons buttons) {
+        const PreviewWindow window(prepared, {}, buttons);
+        QStringList texts;
+        for (const QAction *action : window.findChildren<QAction *>())
+            texts.append(action->text());
+        return texts;
+    };
+    const std::pair<PreviewButton, QString> buttons[] { { PreviewButton::Load, QStringLiteral("打开") },
+        { PreviewButton::Save, QStringLiteral("保存") }, { PreviewButton::Print, QStringLiteral("打印") },
+        { PreviewButton::Find, QStringLiteral("查找") }, { PreviewButton::Export, QStringLiteral("导出") },
+        { PreviewButton::Exit, QStringLiteral("关闭") } };
+    for (const auto &[button, text] : buttons) {
+        EXPECT_TRUE(tools(button).contains(text)) << text.toStdString();
+        EXPECT_FALSE(tools(allPreviewButtons & ~PreviewButtons(button)).contains(text)) << text.toStdString();
+    }
+}
+
+TEST(Preview, KeepsItsZoomAndItsPageWithinBounds)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(40));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    prepared.prepareAllPages();
+    PreviewWindow window(prepared, {}, allPreviewButtons);
+    window.show();
+    auto *zoom = window.findChild<QComboBox *>();
+    const auto type = [&](const QString &text) {
+        zoom->setEditText(text);
+        Q_EMIT zoom->textActivated(text);
+        return window.view()->percent();
+    };
+    EXPECT_EQ(type(QStringLiteral("75%")), 75);
+    EXPECT_EQ(type(QStringLiteral("0")), 20);
+    EXPECT_EQ(type(QStringLiteral("1e9")), 500);
+    EXPECT_EQ(type(QStringLiteral("大")), 500);
+    EXPECT_EQ(zoom->currentText(), QStringLiteral("500%"));
+
+    auto *pageBox = window.findChild<QSpinBox *>();
+    pageBox->setValue(99);
+    EXPECT_EQ(window.view()->currentPage(), 4);
+    // Enter belongs to the boxes: it must not close the window.
+    QTest::keyClick(pageBox, Qt::Key_Return);
+    QTest::keyClick(zoom, Qt::Key_Return);
+    EXPECT_TRUE(window.isVisible());
+    const auto *thumbnails = window.findChild<QListView *>()->model();
+    EXPECT_EQ(thumbnails->rowCount(), 5);
+    EXPECT_FALSE(thumbnails->index(4, 0).data(Qt::DecorationRole).value<QPixmap>().isNull());
+}
+
 /// A printer that writes a file takes the same way as one that takes paper.
 TEST(Printing, SendsTheChosenPagesAndCanBeBrokenOff)
 {
@@ -103,6 +191,36 @@ TEST(Printing, SendsTheChosenPagesAndCanBeBrokenOff)
         return done < 2;
     });
     EXPECT_EQ(seen, 2);
+}
+
+TEST(Printing, ThePaperIsTheReportsAndAFileIsWholeOrNotThere)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(1));
+    Definition across = smallReport(band("master", 10, "no[N]"));
+    across.paper = { 29700, 21000 };
+    PreparedReport prepared(across, &rows);
+    prepared.prepareAllPages();
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    setReportPaper(printer, prepared);
+    EXPECT_EQ(printer.pageLayout().orientation(), QPageLayout::Landscape);
+    EXPECT_EQ(printer.pageLayout().fullRectPoints().size(), QSize(842, 595));
+    printer.setOutputFileName(QStringLiteral("/没有/printed.pdf"));
+    EXPECT_TRUE(errorOf([&] { printPages(prepared, printer, 1, 1); }).contains(u"/没有/printed.pdf"));
+
+    const QTemporaryDir directory;
+    const QString name = directory.filePath(QStringLiteral("printed.pdf"));
+    printer.setOutputFileName(name);
+    printPages(prepared, printer, 1, 1);
+    const qint64 size = QFileInfo(name).size();
+    for (const qint64 room : { qint64(0), qint64(1000), size - 1 }) {
+        const FileSizeLimit fullDisk(room);
+        printer.setOutputFileName(name);
+        EXPECT_TRUE(errorOf([&] { printPages(prepared, printer, 1, 1); }).contains(u"磁盘已满")) << room;
+        EXPECT_EQ(QFileInfo(name).size(), size);
+        EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files).size(), 1);
+    }
 }
 
 /// What a print command does when the automation looks in place of a person.
