@@ -132,7 +132,7 @@ void PreviewWindow::buildTools()
     zoom->setVisible(has(PreviewButton::Zoom));
     if (has(PreviewButton::Find))
         addTool(QStringLiteral("查找"), QStringLiteral("查找文字"), QKeySequence::Find, &PreviewWindow::showFindBar);
-    QAction *const thumbnails
+    QAction *thumbnails
         = addTool(QStringLiteral("缩略图"), QStringLiteral("显示或隐藏缩略图"), Qt::Key_F4, &PreviewWindow::toggleThumbnails);
     thumbnails->setCheckable(true);
     thumbnails->setChecked(true);
