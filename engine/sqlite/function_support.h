@@ -32,6 +32,10 @@ std::u32string charactersOf(sqlite3_value *value);
 packet::Decimal numberOf(sqlite3_value *value);
 std::int64_t integerOf(sqlite3_value *value);
 
+/// What SQLite has computed in binary fractions. What differs from a number of four digits after the point by no more than their error is
+/// that number; of anything else 15 digits are certain. Throws OracleError when it is too large.
+packet::Decimal computedNumber(double value);
+
 /// The empty text is null.
 void setText(sqlite3_context *context, std::string_view text);
 /// The most bytes of a text that a function has made longer than its arguments: those of Oracle's VARCHAR2.

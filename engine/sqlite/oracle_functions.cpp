@@ -5,6 +5,9 @@
 #include "engine/sqlite/statement_budget.h"
 #include "packet/utf8.h"
 
+#include <charconv>
+#include <cmath>
+
 namespace engine {
 
 namespace functions {
@@ -59,7 +62,7 @@ std::string textOf(sqlite3_value *value)
 {
     if (sqlite3_value_type(value) != SQLITE_FLOAT)
         return std::string(viewOf(value));
-    std::string text = numberOf(value).toString();
+    std::string text = computedNumber(sqlite3_value_double(value)).toString();
     const std::size_t digit = text.front() == '-' ? 1 : 0;
     if (text.size() > digit + 1 && text[digit] == '0')
         text.erase(digit, 1);
@@ -79,6 +82,21 @@ std::u32string charactersOf(sqlite3_value *value)
     }
     StatementBudget::work(text.size());
     return characters;
+}
+
+packet::Decimal computedNumber(double value)
+{
+    constexpr double unit = 10000;
+    const double moved = value * unit;
+    const double whole = std::nearbyint(moved);
+    if (std::fabs(moved) < 1e15 && std::fabs(moved - whole) < 1e-4)
+        return packet::Decimal { std::int64_t(whole), 4 };
+    char digits[32];
+    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific, 14);
+    const auto decimal = packet::Decimal::parse(std::string_view(digits, std::size_t(end - digits)));
+    if (!decimal)
+        throw OracleError("ORA-01426: 数字溢出");
+    return *decimal;
 }
 
 packet::Decimal numberOf(sqlite3_value *value)

@@ -2,10 +2,10 @@
 
 #include "engine/engine.h"
 #include "engine/gate/gate.h"
+#include "engine/sqlite/function_support.h"
 
 #include <algorithm>
 #include <charconv>
-#include <cmath>
 
 namespace engine {
 
@@ -154,27 +154,18 @@ try {
             }
         }
     }
+} catch (const functions::OracleError &error) {
+    throw Error(Failure::Database, error.what());
 } catch (const std::logic_error &error) {
     throw Error(Failure::Database, error.what());
 }
 
-/// SQLite computes in binary fractions. What differs from a number of four digits after the point by no more than their error
-/// is that number; of anything else 15 digits are certain.
 void SqliteRowReader::addDouble(std::size_t column, double value)
 {
-    if (m_sources[column] != Source::Computed)
-        return m_builder.addDouble(column, value);
-    constexpr double unit = 10000;
-    const double moved = value * unit;
-    const double whole = std::nearbyint(moved);
-    if (std::fabs(moved) < 1e15 && std::fabs(moved - whole) < 1e-4)
-        return m_builder.addDecimal(column, { std::int64_t(whole), 4 });
-    char digits[32];
-    const auto [end, error] = std::to_chars(digits, digits + sizeof digits, value, std::chars_format::scientific, 14);
-    const auto decimal = packet::Decimal::parse(std::string_view(digits, std::size_t(end - digits)));
-    if (!decimal)
-        throw std::invalid_argument("ORA-01426: 数字溢出");
-    m_builder.addDecimal(column, *decimal);
+    if (m_sources[column] == Source::Computed)
+        m_builder.addDecimal(column, functions::computedNumber(value));
+    else
+        m_builder.addDouble(column, value);
 }
 
 } // namespace engine

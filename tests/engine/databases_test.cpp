@@ -50,27 +50,6 @@ protected:
         std::filesystem::remove(s_link);
     }
 
-    /// A number is rounded to four digits after the point: SQLite computes in binary fractions.
-    static std::string valueOf(const packet::Packet &packet, std::size_t column, std::size_t row)
-    {
-        const ColumnType type = packet.schema()[column].type;
-        std::string text;
-        packet.appendText(column, row, text);
-        if (type != ColumnType::Int64 && type != ColumnType::Decimal)
-            return packet.isNull(column, row) ? "null" : "'" + text + "'";
-        return packet.isNull(column, row) ? "null" : packet.decimal(column, row).rescaled(4).toString();
-    }
-    /// The rows as lines, sorted: rows of equal sort keys may come in any order.
-    static std::vector<std::string> rowsOf(const packet::Packet &packet)
-    {
-        std::vector<std::string> rows(packet.rowCount());
-        for (std::size_t row = 0; row < rows.size(); ++row) {
-            for (std::size_t column = 0; column < packet.columnCount(); ++column)
-                rows[row] += valueOf(packet, column, row) + "|";
-        }
-        std::sort(rows.begin(), rows.end());
-        return rows;
-    }
     static std::vector<std::string> namesOf(const packet::Packet &packet)
     {
         std::vector<std::string> names;
@@ -124,7 +103,7 @@ protected:
         ASSERT_FALSE(expected.failed) << expected.message << "\n" << statement;
         ASSERT_FALSE(actual.failed) << actual.message << "\n" << statement;
         EXPECT_EQ(namesOf(*expected.packet), namesOf(*actual.packet)) << statement;
-        EXPECT_EQ(rowsOf(*expected.packet), rowsOf(*actual.packet)) << statement;
+        EXPECT_EQ(sortedRows(*expected.packet), sortedRows(*actual.packet)) << statement;
     }
 
     static inline std::unique_ptr<TemporaryDatabase> s_file;

@@ -55,6 +55,9 @@ TEST_P(Meaning, ExpressionsGiveWhatOracleGives)
         { "'a'||BLANK||'b'", "ab" },
         { "1+2||'x'", "3x" },
         { "'x'||PIECE*2", "x6" },
+        { "'x'||(WEIGHT-12.48)", "x.02" },
+        { "to_char(PIECE-2.95)", ".05" },
+        { "'x'||(1.23456789-0)", "x1.23456789" },
         { "0.5||'|'||-0.5", ".5|-.5" },
         { "(NAME||'-')||(BLANK||'.')", "北京市内部-." },
         // numbers

@@ -4,6 +4,7 @@
 
 #include <sqlite3.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <fstream>
@@ -90,6 +91,32 @@ Outcome outcomeOf(Engine &engine, std::string_view sql, const QueryOptions &opti
     } catch (const Error &error) {
         return { true, error.failure(), error.what(), nullptr };
     }
+}
+
+namespace {
+
+std::string valueOf(const packet::Packet &packet, std::size_t column, std::size_t row)
+{
+    using packet::ColumnType;
+    const ColumnType type = packet.schema()[column].type;
+    std::string text;
+    packet.appendText(column, row, text);
+    if (type != ColumnType::Int64 && type != ColumnType::Decimal)
+        return packet.isNull(column, row) ? "null" : "'" + text + "'";
+    return packet.isNull(column, row) ? "null" : packet.decimal(column, row).rescaled(4).toString();
+}
+
+} // namespace
+
+std::vector<std::string> sortedRows(const packet::Packet &packet)
+{
+    std::vector<std::string> rows(packet.rowCount());
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < packet.columnCount(); ++column)
+            rows[row] += valueOf(packet, column, row) + "|";
+    }
+    std::sort(rows.begin(), rows.end());
+    return rows;
 }
 
 std::string cell(const packet::PacketPtr &packet, std::size_t column, std::size_t row)

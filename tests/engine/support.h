@@ -56,6 +56,10 @@ struct Outcome {
 };
 Outcome outcomeOf(Engine &engine, std::string_view sql, const QueryOptions &options = {});
 
+/// The rows as lines, sorted: rows of equal sort keys may come in any order. A number is rounded to four digits after the point:
+/// SQLite computes in binary fractions.
+std::vector<std::string> sortedRows(const packet::Packet &packet);
+
 /// A cell as text; "null" for null.
 std::string cell(const packet::PacketPtr &packet, std::size_t column, std::size_t row);
 
