@@ -227,7 +227,7 @@ TEST(SqliteFile, WhatIsNoDatabaseIsUnavailable)
         return std::string("opened");
     };
     EXPECT_THAT(openingOf("sqlite:/nowhere/快件.db"), HasSubstr("/nowhere/快件.db"));
-    EXPECT_THAT(openingOf("mysql:host"), HasSubstr("mysql:host"));
+    EXPECT_THAT(openingOf("mysql:host"), HasSubstr("无法识别数据库地址"));
     const TemporaryDatabase database("");
     std::ofstream(database.path(), std::ios::trunc) << "This is certainly not a database, and long enough to be read as one.";
     EXPECT_THAT(openingOf(database.url()), HasSubstr(database.path().string()));
