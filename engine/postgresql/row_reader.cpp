@@ -100,7 +100,7 @@ const PostgresqlRowReader::Type *PostgresqlRowReader::typeOf(const PGresult *res
 bool PostgresqlRowReader::readsBinary(const PGresult *result)
 {
     for (int column = 0; column < PQnfields(result); ++column) {
-        if (typeOf(result, column) == nullptr)
+        if (!typeOf(result, column))
             return false;
     }
     return true;
@@ -148,9 +148,11 @@ PostgresqlRowReader::PostgresqlRowReader(const PGresult *result, const Job &job)
 void PostgresqlRowReader::addRow(const PGresult *row)
 try {
     std::size_t bytes = 0;
+    for (std::size_t column = 0; column < m_add.size(); ++column)
+        bytes += std::size_t(PQgetlength(row, 0, int(column)));
+    m_bytes.addRow(bytes);
     for (std::size_t column = 0; column < m_add.size(); ++column) {
         const auto size = std::size_t(PQgetlength(row, 0, int(column)));
-        bytes += size;
         // What has no bytes is null or the empty text, and that is null too.
         if (size == 0)
             m_builder.addNull(column);
@@ -158,7 +160,6 @@ try {
             m_add[column](m_builder, column, { PQgetvalue(row, 0, int(column)), size });
     }
     m_builder.endRow();
-    m_bytes.addRow(bytes);
 } catch (const std::logic_error &error) {
     throw Error(Failure::Database, error.what());
 }
