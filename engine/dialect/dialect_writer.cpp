@@ -48,31 +48,31 @@ std::string DialectWriter::numberOf(std::string_view literal) const
     return number ? number->toString() : call("to_number").append(literal) + ")";
 }
 
-void DialectWriter::writeCommon(const gate::Finding &finding)
+void DialectWriter::writeCommon(const gate::Annotation &annotation)
 {
-    switch (finding.construct) {
+    switch (annotation.construct) {
     case Construct::EmptyText:
-        return replace(finding, "NULL");
+        return replace(annotation, "NULL");
     case Construct::NumberText:
-        return replace(finding, numberOf(partOf(finding)));
+        return replace(annotation, numberOf(partOf(annotation)));
     case Construct::Division:
-        return replace(finding, "*1.0/");
+        return replace(annotation, "*1.0/");
     case Construct::DatePlus:
-        return wrap(finding, call("oracle_date_plus"), ")");
+        return wrap(annotation, call("oracle_date_plus"), ")");
     case Construct::DateMinus:
-        return wrap(finding, call("oracle_date_minus"), ")");
+        return wrap(annotation, call("oracle_date_minus"), ")");
     case Construct::DateSign:
-        return replace(finding, ",");
+        return replace(annotation, ",");
     case Construct::FromDual:
-        return replace(finding, "");
+        return replace(annotation, "");
     case Construct::MinusWord:
-        return replace(finding, "except");
+        return replace(annotation, "except");
     case Construct::UnnamedColumn:
-        return close(finding.end, columnName(partOf(finding)));
+        return close(annotation.end, columnName(partOf(annotation)));
     case Construct::RowCondition:
-        return replace(finding, "1=1");
+        return replace(annotation, "1=1");
     case Construct::LimitedBlock:
-        return close(finding.end, " limit " + std::to_string(finding.limit));
+        return close(annotation.end, " limit " + std::to_string(annotation.limit));
     case Construct::Rownum:
         throw Error(Failure::Refused,
             "语句被拒绝：rownum 只能以“and rownum<=n”的形式用于没有 group by、distinct 和汇总函数的查询，请把它移到外层的子查询");

@@ -16,20 +16,23 @@ public:
 
     void open(std::uint32_t position, std::string text) { add(position, 0, Placement::Open, std::move(text)); }
     void close(std::uint32_t position, std::string text) { add(position, 0, Placement::Close, std::move(text)); }
-    void replace(const gate::Finding &finding, std::string text)
+    void replace(const gate::Annotation &annotation, std::string text)
     {
-        add(finding.begin, finding.end - finding.begin, Placement::Replace, std::move(text));
+        add(annotation.begin, annotation.end - annotation.begin, Placement::Replace, std::move(text));
     }
-    void wrap(const gate::Finding &finding, std::string before, std::string after)
+    void wrap(const gate::Annotation &annotation, std::string before, std::string after)
     {
-        open(finding.begin, std::move(before));
-        close(finding.end, std::move(after));
+        open(annotation.begin, std::move(before));
+        close(annotation.end, std::move(after));
     }
     /// What every database but Oracle has to be told in the same way. Throws Error(Refused) for a use of rownum that none
     /// can express.
-    void writeCommon(const gate::Finding &finding);
+    void writeCommon(const gate::Annotation &annotation);
 
-    std::string_view partOf(const gate::Finding &finding) const { return m_sql.substr(finding.begin, finding.end - finding.begin); }
+    std::string_view partOf(const gate::Annotation &annotation) const
+    {
+        return m_sql.substr(annotation.begin, annotation.end - annotation.begin);
+    }
     /// The whole statement as it has become.
     std::string text();
 

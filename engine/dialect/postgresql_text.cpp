@@ -2,6 +2,7 @@
 #include "engine/dialect/dialect_writer.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace engine {
 
@@ -27,48 +28,45 @@ std::string quoted(std::string_view name)
     return lower.front() == '"' ? lower : '"' + lower + '"';
 }
 
-void write(DialectWriter &writer, const gate::Finding &finding)
+void write(DialectWriter &writer, const gate::Annotation &annotation)
 {
-    switch (finding.construct) {
+    switch (annotation.construct) {
     case Construct::Concat:
-        return writer.wrap(finding, "nullif(concat(kelvara.oracle_text(", "))::kelvara.varchar2,'')");
+        return writer.wrap(annotation, "nullif(concat(kelvara.oracle_text(", "))::kelvara.varchar2,'')");
     case Construct::ConcatSign:
-        return writer.replace(finding, "),kelvara.oracle_text(");
+        return writer.replace(annotation, "),kelvara.oracle_text(");
     case Construct::FunctionName:
-        return writer.replace(finding, functionName(writer.partOf(finding)));
+        return writer.replace(annotation, functionName(writer.partOf(annotation)));
     case Construct::Sysdate:
-        return writer.replace(finding, "localtimestamp(0)");
+        return writer.replace(annotation, "localtimestamp(0)");
     case Construct::ReservedName:
     case Construct::QuotedName:
-        return writer.replace(finding, quoted(writer.partOf(finding)));
+        return writer.replace(annotation, quoted(writer.partOf(annotation)));
     case Construct::IntersectedArms:
-        return writer.wrap(finding, "(", ")");
+        return writer.wrap(annotation, "(", ")");
     case Construct::LikePattern:
-        return writer.close(finding.end, " escape ''");
+        return writer.close(annotation.end, " escape ''");
     case Construct::UnnamedTable:
-        return writer.close(finding.end, " as unnamed" + std::to_string(finding.begin));
+        return writer.close(annotation.end, " as unnamed" + std::to_string(annotation.begin));
     case Construct::LimitedArm:
-        return writer.wrap(finding, "select * from (", " limit " + std::to_string(finding.limit) + ") as limited");
+        return writer.wrap(annotation, "select * from (", " limit " + std::to_string(annotation.limit) + ") as limited");
     default:
         // Nulls lie where Oracle puts them; a scalar subquery with a second row is an error here too.
-        return writer.writeCommon(finding);
+        return writer.writeCommon(annotation);
     }
 }
 
 } // namespace
 
-std::string postgresqlText(std::string_view sql, const std::vector<gate::Finding> &findings)
+std::string postgresqlText(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit)
 {
     DialectWriter writer(sql, "kelvara.");
-    for (const gate::Finding &finding : findings)
-        write(writer, finding);
-    return writer.text();
-}
-
-std::string postgresqlFirstRows(const std::string &text, std::int64_t rows)
-{
+    for (const gate::Annotation &annotation : annotations)
+        write(writer, annotation);
+    if (rowLimit == std::numeric_limits<std::int64_t>::max())
+        return writer.text();
     // The statement may end with a comment.
-    return "select * from (" + text + "\n) as first_rows limit " + std::to_string(rows);
+    return "select * from (" + writer.text() + "\n) as first_rows limit " + std::to_string(rowLimit + 1);
 }
 
 } // namespace engine

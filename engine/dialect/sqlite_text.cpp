@@ -20,57 +20,44 @@ bool isPlainNumber(std::string_view text)
     return text.find_first_not_of("0123456789.") == std::string_view::npos && text.find_first_not_of("0.") != std::string_view::npos;
 }
 
-void write(DialectWriter &writer, const gate::Finding &finding)
+void write(DialectWriter &writer, const gate::Annotation &annotation)
 {
-    switch (finding.construct) {
+    switch (annotation.construct) {
     case Construct::Concat:
-        return writer.wrap(finding, "oracle_concat(", ")");
+        return writer.wrap(annotation, "oracle_concat(", ")");
     case Construct::ConcatSign:
-        return writer.replace(finding, ",");
+        return writer.replace(annotation, ",");
     case Construct::FunctionName:
-        return writer.replace(finding, functionName(writer.partOf(finding)));
+        return writer.replace(annotation, functionName(writer.partOf(annotation)));
     case Construct::Sysdate:
-        return writer.replace(finding, "datetime('now','localtime')");
+        return writer.replace(annotation, "datetime('now','localtime')");
     case Construct::ReservedName:
-        return writer.wrap(finding, "\"", "\"");
+        return writer.wrap(annotation, "\"", "\"");
     case Construct::Divisor:
-        if (!isPlainNumber(writer.partOf(finding)))
-            writer.wrap(finding, "oracle_divisor(", ")");
+        if (!isPlainNumber(writer.partOf(annotation)))
+            writer.wrap(annotation, "oracle_divisor(", ")");
         return;
     case Construct::SortKey:
-        return writer.close(finding.end, " nulls last");
+        return writer.close(annotation.end, " nulls last");
     case Construct::SortKeyDescending:
-        return writer.close(finding.end, " nulls first");
+        return writer.close(annotation.end, " nulls first");
     case Construct::SingleValue:
-        return writer.wrap(finding, "oracle_single(", ")");
+        return writer.wrap(annotation, "oracle_single(", ")");
     case Construct::LimitedArm:
-        return writer.wrap(finding, "select * from (", " limit " + std::to_string(finding.limit) + ")");
+        return writer.wrap(annotation, "select * from (", " limit " + std::to_string(annotation.limit) + ")");
     default:
-        return writer.writeCommon(finding);
+        return writer.writeCommon(annotation);
     }
 }
 
 } // namespace
 
-std::string sqliteText(std::string_view sql, const std::vector<gate::Finding> &findings)
+std::string sqliteText(std::string_view sql, const std::vector<gate::Annotation> &annotations)
 {
     DialectWriter writer(sql, "");
-    for (const gate::Finding &finding : findings)
-        write(writer, finding);
+    for (const gate::Annotation &annotation : annotations)
+        write(writer, annotation);
     return writer.text();
-}
-
-std::string textFor(Dialect dialect, std::string_view sql, const std::vector<gate::Finding> &findings)
-{
-    switch (dialect) {
-    case Dialect::Sqlite:
-        return sqliteText(sql, findings);
-    case Dialect::Postgresql:
-        return postgresqlText(sql, findings);
-    case Dialect::Oracle:
-        break;
-    }
-    return std::string(sql);
 }
 
 } // namespace engine

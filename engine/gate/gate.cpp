@@ -25,7 +25,7 @@ std::string placeOf(std::string_view text, std::size_t position)
 
 } // namespace
 
-std::vector<Finding> check(std::string_view sql, const Schema &schema)
+std::vector<Annotation> check(std::string_view sql, const Schema &schema)
 {
     if (sql.size() > largestStatement)
         refuse("长度 " + std::to_string(sql.size()) + " 字节，超过 65536 字节的上限，请减少条件或单号");

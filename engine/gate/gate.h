@@ -43,7 +43,7 @@ enum class Construct : std::uint8_t {
     Rownum, ///< any other use of rownum
 };
 
-struct Finding {
+struct Annotation {
     Construct construct;
     std::uint32_t begin = 0; ///< bytes in the statement
     std::uint32_t end = 0;
@@ -52,7 +52,7 @@ struct Finding {
 
 /// Reads exactly one Oracle SELECT over the given tables and their columns. Takes time in proportion to its length.
 /// Throws engine::Error(Refused), which says what is wrong and where.
-std::vector<Finding> check(std::string_view sql, const Schema &schema);
+std::vector<Annotation> check(std::string_view sql, const Schema &schema);
 
 std::string upperCase(std::string_view text);
 

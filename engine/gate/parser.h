@@ -14,16 +14,16 @@ class Parser {
 public:
     Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema);
     /// Throws Refusal.
-    std::vector<Finding> run();
+    std::vector<Annotation> run();
 
 private:
-    enum class Kind : std::uint8_t { Unknown, Number, Text, TextLiteral, Date };
-    enum class Place : std::uint8_t { Top, Derived, Scalar, Set }; ///< Set: the subquery of "in" or "exists"
+    enum class ValueKind : std::uint8_t { Unknown, Number, Text, TextLiteral, Date };
+    enum class SubqueryKind : std::uint8_t { Top, Derived, Scalar, Set }; ///< Set: the subquery of "in" or "exists"
 
     struct Operand {
         std::uint32_t begin = 0;
         std::uint32_t end = 0;
-        Kind kind = Kind::Unknown;
+        ValueKind kind = ValueKind::Unknown;
         bool computed = true; ///< anything but a plain column or star
     };
 
@@ -43,11 +43,11 @@ private:
     class Nesting;
 
     // queries
-    Operand parseSubquery(Place place);
-    Kind parseQuery(Place place);
-    Block parseBlock(Place place, Scopes::Number parent);
-    void parseSelectList(Block &block, Place place);
-    void parseItem(Block &block, Place place);
+    Operand parseSubquery(SubqueryKind kind);
+    ValueKind parseQuery(SubqueryKind kind);
+    Block parseBlock(SubqueryKind kind, Scopes::Number parent);
+    void parseSelectList(Block &block, SubqueryKind kind);
+    void parseItem(Block &block, SubqueryKind kind);
     void parseFrom();
     void parseTableList();
     void parseJoinedTable();
@@ -55,7 +55,7 @@ private:
     void parseOrderBy();
     void parseGroupBy();
     void parseSortKey();
-    void finishBlock(const Block &block, Place place);
+    void finishBlock(const Block &block, SubqueryKind kind);
     void finishArm(const Block &block);
     bool isSetOperation() const;
     void acceptSetOperation();
@@ -78,7 +78,7 @@ private:
     Operand parseName();
     Operand parseColumnName();
     Operand parseCall(const Token &name);
-    Kind parseArguments(const Function &function, const Token &name);
+    ValueKind parseArguments(const Function &function, const Token &name);
     Operand added(const Operand &left, const Token &sign, const Operand &right);
     void takeRowCondition(std::size_t firstToken);
     void compare(const Operand &left, const Operand &right);
@@ -94,7 +94,7 @@ private:
     const Token &takeName(std::string_view description);
     std::string_view textOf(const Token &token) const { return m_text.substr(token.begin, token.end - token.begin); }
     std::string_view nameOf(const Token &token) const; ///< without quotes
-    void find(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit = 0);
+    void annotate(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit = 0);
     [[noreturn]] void refuse(std::string_view expected) const;
 
     std::string_view m_text;
@@ -104,7 +104,7 @@ private:
     std::size_t m_next = 0;
     int m_depth = 0;
     Block *m_block = nullptr;
-    std::vector<Finding> m_findings;
+    std::vector<Annotation> m_annotations;
 };
 
 } // namespace engine::gate

@@ -10,7 +10,7 @@ Parser::Operand Parser::parseCondition(bool conjunction)
     const std::int64_t limit = m_block->limit;
     Operand condition = parseConjunction(conjunction);
     if (at(Symbol::Or) && m_block->limit != limit)
-        find(Construct::Rownum, condition.begin, condition.end);
+        annotate(Construct::Rownum, condition.begin, condition.end);
     while (accept(Symbol::Or))
         condition = { condition.begin, parseConjunction(false).end };
     return condition;
@@ -47,7 +47,7 @@ void Parser::takeRowCondition(std::size_t firstToken)
         return;
     --m_block->rownums;
     m_block->limit = m_block->limit < 0 ? limit : std::min(limit, m_block->limit);
-    find(Construct::RowCondition, m_tokens[firstToken].begin, lastEnd());
+    annotate(Construct::RowCondition, m_tokens[firstToken].begin, lastEnd());
 }
 
 Parser::Operand Parser::parseNegation()
@@ -63,7 +63,7 @@ Parser::Operand Parser::parseComparison()
 {
     if (at(Symbol::Exists)) {
         const std::uint32_t begin = take().begin;
-        return { begin, parseSubquery(Place::Set).end };
+        return { begin, parseSubquery(SubqueryKind::Set).end };
     }
     const Operand left = parseSum();
     if (peek().symbol >= Symbol::Equal && peek().symbol <= Symbol::GreaterEqual) {
@@ -90,7 +90,7 @@ bool Parser::acceptTest(const Operand &left)
         if (accept(Symbol::Escape))
             expect(Symbol::Text, "转义字符");
         else
-            find(Construct::LikePattern, pattern.begin, pattern.end);
+            annotate(Construct::LikePattern, pattern.begin, pattern.end);
     } else if (accept(Symbol::Between)) {
         compare(left, parseSum());
         expect(Symbol::And, "and");
@@ -106,7 +106,7 @@ bool Parser::acceptTest(const Operand &left)
 void Parser::parseInList(const Operand &left)
 {
     if (peek(1).symbol == Symbol::Select) {
-        parseSubquery(Place::Set);
+        parseSubquery(SubqueryKind::Set);
         return;
     }
     const Nesting nesting(*this);
@@ -120,10 +120,10 @@ void Parser::parseInList(const Operand &left)
 /// Oracle compares a number with a text as numbers.
 void Parser::compare(const Operand &left, const Operand &right)
 {
-    if (left.kind == Kind::Number && right.kind == Kind::TextLiteral)
-        find(Construct::NumberText, right.begin, right.end);
-    if (left.kind == Kind::TextLiteral && right.kind == Kind::Number)
-        find(Construct::NumberText, left.begin, left.end);
+    if (left.kind == ValueKind::Number && right.kind == ValueKind::TextLiteral)
+        annotate(Construct::NumberText, right.begin, right.end);
+    if (left.kind == ValueKind::TextLiteral && right.kind == ValueKind::Number)
+        annotate(Construct::NumberText, left.begin, left.end);
 }
 
 /// Sums, differences and concatenations, which bind equally in Oracle.
@@ -136,29 +136,29 @@ Parser::Operand Parser::parseSum()
         const Operand right = parseProduct();
         if (sign.symbol == Symbol::Concat) {
             concatenation = true;
-            find(Construct::ConcatSign, sign.begin, sign.end);
-            left = { left.begin, right.end, Kind::Text };
+            annotate(Construct::ConcatSign, sign.begin, sign.end);
+            left = { left.begin, right.end, ValueKind::Text };
             continue;
         }
         if (concatenation)
-            find(Construct::Concat, left.begin, left.end);
+            annotate(Construct::Concat, left.begin, left.end);
         concatenation = false;
         left = added(left, sign, right);
     }
     if (concatenation)
-        find(Construct::Concat, left.begin, left.end);
+        annotate(Construct::Concat, left.begin, left.end);
     return left;
 }
 
 Parser::Operand Parser::added(const Operand &left, const Token &sign, const Operand &right)
 {
-    Operand sum { left.begin, right.end, Kind::Number };
-    if (left.kind != Kind::Date && right.kind != Kind::Date)
+    Operand sum { left.begin, right.end, ValueKind::Number };
+    if (left.kind != ValueKind::Date && right.kind != ValueKind::Date)
         return sum;
     const bool minus = sign.symbol == Symbol::Minus;
-    find(Construct::DateSign, sign.begin, sign.end);
-    find(minus ? Construct::DateMinus : Construct::DatePlus, sum.begin, sum.end);
-    sum.kind = minus && right.kind == Kind::Date ? Kind::Number : Kind::Date;
+    annotate(Construct::DateSign, sign.begin, sign.end);
+    annotate(minus ? Construct::DateMinus : Construct::DatePlus, sum.begin, sum.end);
+    sum.kind = minus && right.kind == ValueKind::Date ? ValueKind::Number : ValueKind::Date;
     return sum;
 }
 
@@ -169,10 +169,10 @@ Parser::Operand Parser::parseProduct()
         const Token &sign = take();
         const Operand right = parseSign();
         if (sign.symbol == Symbol::Slash) {
-            find(Construct::Division, sign.begin, sign.end);
-            find(Construct::Divisor, right.begin, right.end);
+            annotate(Construct::Division, sign.begin, sign.end);
+            annotate(Construct::Divisor, right.begin, right.end);
         }
-        left = { left.begin, right.end, Kind::Number };
+        left = { left.begin, right.end, ValueKind::Number };
     }
     return left;
 }
@@ -183,7 +183,7 @@ Parser::Operand Parser::parseSign()
         return parsePrimary();
     const std::uint32_t begin = peek().begin;
     while (accept(Symbol::Plus) || accept(Symbol::Minus)) { }
-    return { begin, parsePrimary().end, Kind::Number };
+    return { begin, parsePrimary().end, ValueKind::Number };
 }
 
 Parser::Operand Parser::parsePrimary()
@@ -191,9 +191,11 @@ Parser::Operand Parser::parsePrimary()
     const Token &token = peek();
     switch (token.symbol) {
     case Symbol::Number:
-        return take(), Operand { token.begin, token.end, Kind::Number };
+        take();
+        return { token.begin, token.end, ValueKind::Number };
     case Symbol::Null:
-        return take(), Operand { token.begin, token.end };
+        take();
+        return { token.begin, token.end };
     case Symbol::LeftParenthesis:
         return parseParenthesis();
     case Symbol::Case:
@@ -201,15 +203,17 @@ Parser::Operand Parser::parsePrimary()
     case Symbol::Text:
         take();
         if (token.end - token.begin > 2)
-            return { token.begin, token.end, Kind::TextLiteral };
-        find(Construct::EmptyText, token.begin, token.end);
+            return { token.begin, token.end, ValueKind::TextLiteral };
+        annotate(Construct::EmptyText, token.begin, token.end);
         return { token.begin, token.end };
     case Symbol::Rownum:
         ++m_block->rownums;
-        return take(), Operand { token.begin, token.end, Kind::Number };
+        take();
+        return { token.begin, token.end, ValueKind::Number };
     case Symbol::Sysdate:
-        find(Construct::Sysdate, token.begin, token.end);
-        return take(), Operand { token.begin, token.end, Kind::Date };
+        annotate(Construct::Sysdate, token.begin, token.end);
+        take();
+        return { token.begin, token.end, ValueKind::Date };
     default:
         return parseName();
     }
@@ -218,12 +222,12 @@ Parser::Operand Parser::parsePrimary()
 Parser::Operand Parser::parseParenthesis()
 {
     if (peek(1).symbol == Symbol::Select)
-        return parseSubquery(Place::Scalar);
+        return parseSubquery(SubqueryKind::Scalar);
     const Nesting nesting(*this);
     const std::uint32_t begin = take().begin;
     const Operand inner = parseCondition();
     expect(Symbol::RightParenthesis, "右括号");
-    return { begin, lastEnd(), inner.kind == Kind::TextLiteral ? Kind::Text : inner.kind };
+    return { begin, lastEnd(), inner.kind == ValueKind::TextLiteral ? ValueKind::Text : inner.kind };
 }
 
 Parser::Operand Parser::parseCase()
@@ -232,9 +236,9 @@ Parser::Operand Parser::parseCase()
     const std::uint32_t begin = take().begin;
     const bool simple = !at(Symbol::When);
     const Operand subject = simple ? parseSum() : Operand {};
-    Kind kind = Kind::Unknown;
+    ValueKind kind = ValueKind::Unknown;
     const auto parseResult = [&] {
-        if (const Operand result = parseSum(); result.kind == Kind::Number || result.kind == Kind::Date)
+        if (const Operand result = parseSum(); result.kind == ValueKind::Number || result.kind == ValueKind::Date)
             kind = result.kind;
     };
     if (!at(Symbol::When))
@@ -268,27 +272,27 @@ Parser::Operand Parser::parseColumnName()
     if (at(Symbol::Dot) || at(Symbol::LeftParenthesis))
         refuse("“表.列”形式的列名");
     m_scopes.use({ qualified ? nameOf(first) : std::string_view(), nameOf(column), first.begin, m_block->scope, m_block->clause });
-    return { first.begin, lastEnd(), Kind::Unknown, false };
+    return { first.begin, lastEnd(), ValueKind::Unknown, false };
 }
 
 Parser::Operand Parser::parseCall(const Token &name)
 {
     const Function *const function = name.symbol == Symbol::Name ? functionNamed(textOf(name)) : nullptr;
-    if (function == nullptr)
+    if (!function)
         throw Refusal(name.begin, "的函数“" + std::string(textOf(name)) + "”不在允许使用的函数之列");
     const Nesting nesting(*this);
     take();
-    find(Construct::FunctionName, name.begin, name.end);
+    annotate(Construct::FunctionName, name.begin, name.end);
     m_block->aggregate |= function->aggregate;
-    const Kind kind = parseArguments(*function, name);
+    const ValueKind kind = parseArguments(*function, name);
     expect(Symbol::RightParenthesis, "右括号");
     return { name.begin, lastEnd(), kind };
 }
 
-Parser::Kind Parser::parseArguments(const Function &function, const Token &name)
+Parser::ValueKind Parser::parseArguments(const Function &function, const Token &name)
 {
-    constexpr Kind kinds[] = { Kind::Unknown, Kind::Number, Kind::Text, Kind::Date };
-    Kind kind = kinds[int(function.result)];
+    constexpr ValueKind kinds[] = { ValueKind::Unknown, ValueKind::Number, ValueKind::Text, ValueKind::Date };
+    ValueKind kind = kinds[int(function.result)];
     if (function.name == "COUNT" && accept(Symbol::Star))
         return kind;
     if (function.aggregate && !accept(Symbol::Distinct))
@@ -297,8 +301,8 @@ Parser::Kind Parser::parseArguments(const Function &function, const Token &name)
     do {
         const Operand argument = parseSum();
         const bool isValue = function.name != "DECODE" || count >= 2;
-        if (function.result == FunctionResult::Argument && isValue && (argument.kind == Kind::Number || argument.kind == Kind::Date)
-            && kind == Kind::Unknown)
+        if (function.result == FunctionResult::Argument && isValue
+            && (argument.kind == ValueKind::Number || argument.kind == ValueKind::Date) && kind == ValueKind::Unknown)
             kind = argument.kind;
         ++count;
     } while (accept(Symbol::Comma));

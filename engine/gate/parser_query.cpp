@@ -7,39 +7,39 @@ Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const Sc
     , m_tokens(tokens)
     , m_schema(schema)
 {
-    m_findings.reserve(64);
+    m_annotations.reserve(64);
 }
 
-std::vector<Finding> Parser::run()
+std::vector<Annotation> Parser::run()
 {
     if (!at(Symbol::Select))
         throw Refusal(peek().begin, "的“" + std::string(textOf(peek())) + "”不允许使用，只允许以 select 开头的查询语句");
-    parseQuery(Place::Top);
+    parseQuery(SubqueryKind::Top);
     if (!at(Symbol::End))
         refuse("语句到此结束");
     m_scopes.resolve(m_tokens.size());
-    return std::move(m_findings);
+    return std::move(m_annotations);
 }
 
 /// A subquery with its parentheses.
-Parser::Operand Parser::parseSubquery(Place place)
+Parser::Operand Parser::parseSubquery(SubqueryKind kind)
 {
     const Nesting nesting(*this);
     const Token &open = expect(Symbol::LeftParenthesis, "左括号");
     if (!at(Symbol::Select))
         refuse("select");
-    const Kind kind = parseQuery(place);
+    const ValueKind value = parseQuery(kind);
     expect(Symbol::RightParenthesis, "右括号");
-    return { open.begin, lastEnd(), kind };
+    return { open.begin, lastEnd(), value };
 }
 
-Parser::Kind Parser::parseQuery(Place place)
+Parser::ValueKind Parser::parseQuery(SubqueryKind kind)
 {
     Block *const outer = m_block;
     // What stands beside a subquery in a from clause is not visible in it.
     const Scopes::Number around = outer ? outer->scope : Scopes::none;
-    const Scopes::Number parent = place == Place::Derived ? m_scopes.parentOf(around) : around;
-    Block first = parseBlock(place, parent);
+    const Scopes::Number parent = kind == SubqueryKind::Derived ? m_scopes.parentOf(around) : around;
+    Block first = parseBlock(kind, parent);
     m_block = &first;
     bool onlyArm = true;
     bool united = false;
@@ -50,12 +50,12 @@ Parser::Kind Parser::parseQuery(Place place)
         if (onlyArm)
             finishArm(first);
         if (intersects && united)
-            find(Construct::IntersectedArms, first.begin, end);
+            annotate(Construct::IntersectedArms, first.begin, end);
         united = !intersects;
         onlyArm = false;
         if (!at(Symbol::Select))
             refuse("select");
-        const Block arm = parseBlock(Place::Derived, parent);
+        const Block arm = parseBlock(SubqueryKind::Derived, parent);
         m_scopes.addArm(first.scope, arm.scope);
         finishArm(arm);
     }
@@ -64,9 +64,9 @@ Parser::Kind Parser::parseQuery(Place place)
         parseOrderBy();
     first.end = onlyArm ? lastEnd() : first.end;
     if (onlyArm)
-        finishBlock(first, place);
+        finishBlock(first, kind);
     else if (first.rownums != rownums)
-        find(Construct::Rownum, first.begin, first.end);
+        annotate(Construct::Rownum, first.begin, first.end);
     m_block = outer;
     return first.firstItem.kind;
 }
@@ -76,12 +76,12 @@ bool Parser::isSetOperation() const { return at(Symbol::Union) || at(Symbol::Min
 void Parser::acceptSetOperation()
 {
     if (at(Symbol::MinusWord))
-        find(Construct::MinusWord, peek().begin, peek().end);
+        annotate(Construct::MinusWord, peek().begin, peek().end);
     if (take().symbol == Symbol::Union)
         accept(Symbol::All);
 }
 
-Parser::Block Parser::parseBlock(Place place, Scopes::Number parent)
+Parser::Block Parser::parseBlock(SubqueryKind kind, Scopes::Number parent)
 {
     Block block { .scope = m_scopes.open(parent), .begin = take().begin };
     Block *const outer = m_block;
@@ -89,7 +89,7 @@ Parser::Block Parser::parseBlock(Place place, Scopes::Number parent)
     block.merged = accept(Symbol::Distinct);
     if (!block.merged)
         accept(Symbol::All);
-    parseSelectList(block, place);
+    parseSelectList(block, kind);
     parseFrom();
     if (accept(Symbol::Where))
         parseCondition(true);
@@ -107,14 +107,14 @@ Parser::Block Parser::parseBlock(Place place, Scopes::Number parent)
     return block;
 }
 
-void Parser::parseSelectList(Block &block, Place place)
+void Parser::parseSelectList(Block &block, SubqueryKind kind)
 {
     do {
-        parseItem(block, place);
+        parseItem(block, kind);
     } while (accept(Symbol::Comma));
 }
 
-void Parser::parseItem(Block &block, Place place)
+void Parser::parseItem(Block &block, SubqueryKind kind)
 {
     ++block.items;
     const bool qualified = isName(peek().symbol) && peek(1).symbol == Symbol::Dot && peek(2).symbol == Symbol::Star;
@@ -137,8 +137,8 @@ void Parser::parseItem(Block &block, Place place)
     std::string_view name = item.computed ? std::string_view() : nameOf(m_tokens[m_next - 1]);
     if (accept(Symbol::As) || isName(peek().symbol))
         name = nameOf(takeName("列的别名"));
-    else if (place == Place::Top && item.computed)
-        find(Construct::UnnamedColumn, item.begin, item.end);
+    else if (kind == SubqueryKind::Top && item.computed)
+        annotate(Construct::UnnamedColumn, item.begin, item.end);
     m_scopes.addColumn(block.scope, name, firstUse, tokens);
 }
 
@@ -153,7 +153,7 @@ void Parser::parseFrom()
         take();
     if (at(Symbol::Comma))
         refuse("只有 dual 一个表");
-    find(Construct::FromDual, from.begin, lastEnd());
+    annotate(Construct::FromDual, from.begin, lastEnd());
 }
 
 void Parser::parseTableList()
@@ -205,10 +205,10 @@ void Parser::parseTable()
 {
     if (at(Symbol::LeftParenthesis) && peek(1).symbol == Symbol::Select) {
         const Scopes::Number derived = m_scopes.next();
-        const Operand table = parseSubquery(Place::Derived);
+        const Operand table = parseSubquery(SubqueryKind::Derived);
         const std::string_view alias = acceptTableAlias();
         if (alias.empty())
-            find(Construct::UnnamedTable, table.begin, table.end);
+            annotate(Construct::UnnamedTable, table.begin, table.end);
         m_scopes.addDerived(m_block->scope, alias, derived, table.begin);
         return;
     }
@@ -266,27 +266,27 @@ void Parser::parseSortKey()
             refuse("first 或 last");
         return;
     }
-    find(descending ? Construct::SortKeyDescending : Construct::SortKey, begin, lastEnd());
+    annotate(descending ? Construct::SortKeyDescending : Construct::SortKey, begin, lastEnd());
 }
 
-void Parser::finishBlock(const Block &block, Place place)
+void Parser::finishBlock(const Block &block, SubqueryKind kind)
 {
     const bool limited = block.limit >= 0;
     const bool rowByRow = !block.aggregate && !block.merged;
     if (block.rownums > 0 || (limited && !rowByRow))
-        find(Construct::Rownum, block.begin, block.end);
+        annotate(Construct::Rownum, block.begin, block.end);
     else if (limited)
-        find(Construct::LimitedBlock, block.begin, block.end, block.limit);
-    else if (place == Place::Scalar && rowByRow && block.items == 1)
-        find(Construct::SingleValue, block.firstItem.begin, block.firstItem.end);
+        annotate(Construct::LimitedBlock, block.begin, block.end, block.limit);
+    else if (kind == SubqueryKind::Scalar && rowByRow && block.items == 1)
+        annotate(Construct::SingleValue, block.firstItem.begin, block.firstItem.end);
 }
 
 void Parser::finishArm(const Block &block)
 {
     if (block.rownums > 0 || (block.limit >= 0 && (block.aggregate || block.merged)))
-        find(Construct::Rownum, block.begin, block.end);
+        annotate(Construct::Rownum, block.begin, block.end);
     else if (block.limit >= 0)
-        find(Construct::LimitedArm, block.begin, block.end, block.limit);
+        annotate(Construct::LimitedArm, block.begin, block.end, block.limit);
 }
 
 bool Parser::accept(Symbol symbol)
@@ -333,9 +333,9 @@ const Token &Parser::takeName(std::string_view description)
     if (!isName(peek().symbol))
         refuse(description);
     if (at(Symbol::ReservedElsewhere))
-        find(Construct::ReservedName, peek().begin, peek().end);
+        annotate(Construct::ReservedName, peek().begin, peek().end);
     else if (at(Symbol::QuotedName))
-        find(Construct::QuotedName, peek().begin, peek().end);
+        annotate(Construct::QuotedName, peek().begin, peek().end);
     return take();
 }
 
@@ -345,9 +345,9 @@ std::string_view Parser::nameOf(const Token &token) const
     return token.symbol == Symbol::QuotedName ? text.substr(1, text.size() - 2) : text;
 }
 
-void Parser::find(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit)
+void Parser::annotate(Construct construct, std::uint32_t begin, std::uint32_t end, std::int64_t limit)
 {
-    m_findings.push_back({ construct, begin, end, limit });
+    m_annotations.push_back({ construct, begin, end, limit });
 }
 
 void Parser::refuse(std::string_view expected) const

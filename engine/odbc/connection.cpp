@@ -13,6 +13,7 @@ namespace {
 
 using namespace std::chrono_literals;
 using odbc::Handle;
+using odbc::System;
 
 constexpr SQLULEN loginSeconds = 10;
 
@@ -48,7 +49,7 @@ OdbcConnection::OdbcConnection(const std::string &parameters)
 
 OdbcConnection::~OdbcConnection()
 {
-    if (m_connection != nullptr)
+    if (m_connection)
         rollBack();
 }
 
@@ -66,8 +67,8 @@ void OdbcConnection::connect()
             "无法连接 ODBC 数据源：" + odbc::diagnosisOf(connection).message + "；请检查数据源的设置、数据库服务器和网络");
     m_connection = std::move(connection);
     m_hasWaited = false;
-    const std::string system = information(SQL_DBMS_NAME);
-    m_dialect = system == "PostgreSQL" ? Dialect::Postgresql : system == "SQLite" ? Dialect::Sqlite : Dialect::Oracle;
+    const std::string name = information(SQL_DBMS_NAME);
+    m_system = name == "PostgreSQL" ? System::Postgresql : name == "SQLite" ? System::Sqlite : System::Oracle;
     findEncoding();
     makeReadOnly();
     SQLSetConnectAttrW(m_connection, SQL_ATTR_AUTOCOMMIT, attribute(SQL_AUTOCOMMIT_OFF), 0);
@@ -76,9 +77,9 @@ void OdbcConnection::connect()
 /// The attribute is a hint that drivers may pass over.
 void OdbcConnection::makeReadOnly()
 {
-    if (m_dialect == Dialect::Sqlite)
+    if (m_system == System::Sqlite)
         command("pragma query_only=1");
-    if (m_dialect == Dialect::Postgresql) {
+    if (m_system == System::Postgresql) {
         command("set default_transaction_read_only = on");
         // While the server compiles a statement it cannot be stopped.
         command("set jit = off");
@@ -99,9 +100,8 @@ void OdbcConnection::findEncoding()
     std::string text;
     SQLWCHAR value[8] = {};
     SQLLEN bytes = 0;
-    if (odbc::execute(statement, m_dialect == Dialect::Oracle ? "select '中' from dual" : "select '中'")
-        && SQL_SUCCEEDED(SQLFetch(statement)) && SQL_SUCCEEDED(SQLGetData(statement, 1, SQL_C_WCHAR, value, sizeof value, &bytes))
-        && bytes > 0)
+    if (odbc::execute(statement, m_system == System::Oracle ? "select '中' from dual" : "select '中'") && SQL_SUCCEEDED(SQLFetch(statement))
+        && SQL_SUCCEEDED(SQLGetData(statement, 1, SQL_C_WCHAR, value, sizeof value, &bytes)) && bytes > 0)
         odbc::appendText(value, std::min(std::size_t(bytes) / sizeof(SQLWCHAR), std::size(value)), text);
     m_encoding = text.empty() || text == "中" ? odbc::Encoding::Wide : odbc::Encoding::Utf8;
 }
@@ -121,7 +121,7 @@ std::string OdbcConnection::information(SQLUSMALLINT type) const
 gate::Schema OdbcConnection::readTables(const std::vector<std::string> &names)
 {
     gate::Schema schema;
-    if (m_dialect == Dialect::Postgresql) {
+    if (m_system == System::Postgresql) {
         const Handle statement = newStatement();
         if (!odbc::execute(statement, postgresqlColumns))
             odbc::fail(statement);
@@ -151,7 +151,7 @@ std::vector<std::string> OdbcConnection::listTables() const
     auto schema = odbc::wideOf(gate::upperCase(information(SQL_USER_NAME)));
     auto name = odbc::wideOf("%");
     auto types = odbc::wideOf("TABLE,VIEW");
-    if (!SQL_SUCCEEDED(SQLTablesW(statement, nullptr, 0, m_dialect == Dialect::Oracle ? schema.data() : nullptr, SQL_NTS, name.data(),
+    if (!SQL_SUCCEEDED(SQLTablesW(statement, nullptr, 0, m_system == System::Oracle ? schema.data() : nullptr, SQL_NTS, name.data(),
             SQL_NTS, types.data(), SQL_NTS)))
         odbc::fail(statement);
     std::vector<std::string> tables;
@@ -171,6 +171,19 @@ gate::ColumnSet OdbcConnection::readColumns(const std::string &table) const
     for (SQLSMALLINT column = 1; column <= count; ++column)
         columns.insert(odbc::describe(statement, SQLUSMALLINT(column)).name);
     return columns;
+}
+
+std::string OdbcConnection::textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const
+{
+    switch (m_system) {
+    case System::Sqlite:
+        return sqliteText(sql, annotations);
+    case System::Postgresql:
+        return postgresqlText(sql, annotations, rowLimit);
+    case System::Oracle:
+        break;
+    }
+    return std::string(sql);
 }
 
 packet::PacketPtr OdbcConnection::run(const Job &job)
@@ -198,7 +211,7 @@ packet::PacketPtr OdbcConnection::run(const Job &job)
 /// False when the connection was lost while it waited in the pool.
 bool OdbcConnection::answers() const
 {
-    return odbc::execute(newStatement(), m_dialect == Dialect::Oracle ? "select 1 from dual" : "select 1");
+    return odbc::execute(newStatement(), m_system == System::Oracle ? "select 1 from dual" : "select 1");
 }
 
 /// Whether the connection is gone; not every driver says so by the state of the error.
@@ -222,7 +235,7 @@ packet::PacketPtr OdbcConnection::execute(const Job &job)
 
 packet::PacketPtr OdbcConnection::readRows(const Job &job, const Handle &statement)
 {
-    odbc::RowReader reader(statement, m_dialect, job);
+    odbc::RowReader reader(statement, m_system, job);
     std::int64_t rows = 0;
     while (const std::size_t fetched = reader.fetch()) {
         job.throwIfStopped();

@@ -12,8 +12,8 @@ public:
     explicit OdbcConnection(const std::string &parameters);
     ~OdbcConnection() override;
 
-    /// By the name of the database system; what is neither PostgreSQL nor SQLite gets Oracle's words.
-    Dialect dialect() const override { return m_dialect; }
+    /// What is neither PostgreSQL nor SQLite gets Oracle's own text, hints included.
+    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const override;
     gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;
     bool isUsable() const override { return m_usable; }
@@ -36,7 +36,7 @@ private:
     std::string m_parameters;
     odbc::Handle m_environment;
     odbc::Handle m_connection;
-    Dialect m_dialect = Dialect::Oracle;
+    odbc::System m_system = odbc::System::Oracle;
     odbc::Encoding m_encoding = odbc::Encoding::Wide;
     bool m_usable = true;
     bool m_hasWaited = false; ///< in the pool, where it may have been lost unnoticed

@@ -42,7 +42,7 @@ Handle::Handle(SQLSMALLINT type, SQLHANDLE parent, Encoding encoding)
 
 Handle::~Handle()
 {
-    if (m_handle == nullptr)
+    if (!m_handle)
         return;
     if (m_type == SQL_HANDLE_DBC)
         SQLDisconnect(m_handle);

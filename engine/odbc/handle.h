@@ -3,11 +3,15 @@
 #include <sql.h>
 #include <sqlext.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
 
 namespace engine::odbc {
+
+/// What answers behind the driver, by the name it gives itself; every other system is taken for one of Oracle's class.
+enum class System : std::uint8_t { Oracle, Sqlite, Postgresql };
 
 /// How texts pass between us and a driver: wide characters, or UTF-8 where the driver knows bytes alone.
 enum class Encoding : std::uint8_t { Wide, Utf8 };

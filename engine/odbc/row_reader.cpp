@@ -39,9 +39,9 @@ Value valueAt(const char *bytes)
 
 } // namespace
 
-RowReader::RowReader(const Handle &statement, Dialect dialect, const Job &job)
+RowReader::RowReader(const Handle &statement, System system, const Job &job)
     : m_statement(statement)
-    , m_columns(columnsOf(statement, dialect))
+    , m_columns(columnsOf(statement, system))
     , m_builder(fieldsOf(m_columns), job.sink)
     , m_bytes(job.options.memoryLimit)
 {
@@ -54,22 +54,22 @@ RowReader::~RowReader()
     SQLSetStmtAttr(m_statement, SQL_ATTR_ROWS_FETCHED_PTR, nullptr, 0);
 }
 
-std::vector<RowReader::Column> RowReader::columnsOf(const Handle &statement, Dialect dialect)
+std::vector<RowReader::Column> RowReader::columnsOf(const Handle &statement, System system)
 {
     SQLSMALLINT count = 0;
     if (!SQL_SUCCEEDED(SQLNumResultCols(statement, &count)))
         fail(statement);
     std::vector<Column> columns;
     for (int number = 1; number <= count; ++number)
-        columns.push_back(columnOf(statement, SQLUSMALLINT(number), dialect));
+        columns.push_back(columnOf(statement, SQLUSMALLINT(number), system));
     return columns;
 }
 
-RowReader::Column RowReader::columnOf(const Handle &statement, SQLUSMALLINT number, Dialect dialect)
+RowReader::Column RowReader::columnOf(const Handle &statement, SQLUSMALLINT number, System system)
 {
     const Description description = describe(statement, number);
     Column column { .field = { description.name }, .size = description.size };
-    if (dialect == Dialect::Sqlite) {
+    if (system == System::Sqlite) {
         describeSqlite(column, description.typeName);
         return column;
     }
@@ -90,7 +90,7 @@ RowReader::Column RowReader::columnOf(const Handle &statement, SQLUSMALLINT numb
     case SQL_FLOAT:
     case SQL_DOUBLE:
         // Oracle describes a NUMBER without digits so; as text it stays exact.
-        column.source = dialect == Dialect::Oracle ? Source::Number : Source::Double;
+        column.source = system == System::Oracle ? Source::Number : Source::Double;
         if (column.source == Source::Double)
             column.field.type = ColumnType::Float64;
         break;

@@ -14,7 +14,7 @@ namespace engine::odbc {
 class RowReader {
 public:
     /// The rows go where the job says.
-    RowReader(const Handle &statement, Dialect dialect, const Job &job);
+    RowReader(const Handle &statement, System system, const Job &job);
     RowReader(const RowReader &) = delete;
     ~RowReader();
 
@@ -36,8 +36,8 @@ private:
         std::vector<SQLLEN> lengths {}; ///< bytes, or SQL_NULL_DATA
     };
 
-    static std::vector<Column> columnsOf(const Handle &statement, Dialect dialect);
-    static Column columnOf(const Handle &statement, SQLUSMALLINT number, Dialect dialect);
+    static std::vector<Column> columnsOf(const Handle &statement, System system);
+    static Column columnOf(const Handle &statement, SQLUSMALLINT number, System system);
     static void describeNumber(Column &column, SQLSMALLINT digits);
     static void describeSqlite(Column &column, std::string_view typeName);
     static std::vector<packet::Builder::Column> fieldsOf(const std::vector<Column> &columns);

@@ -36,7 +36,6 @@ PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
     , m_limit(std::max<std::size_t>(options.connections, 1))
 {
     auto first = m_open();
-    m_dialect = first->dialect();
     m_schema = first->readTables(options.tables);
     first->restrictTo(m_schema);
     m_idle.push_back(std::move(first));
@@ -44,12 +43,10 @@ PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
 
 packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
 {
-    std::string text = textFor(m_dialect, sql, gate::check(sql, m_schema));
-    // One row more than wanted, so that a cut is known.
-    if (m_dialect == Dialect::Postgresql && options.rowLimit < std::numeric_limits<std::int64_t>::max())
-        text = postgresqlFirstRows(text, options.rowLimit + 1);
-    const Job job { std::move(text), options, deadlineIn(options.timeLimit), sink };
-    return Lease(*this, options.stop, job.deadline)->run(job);
+    const auto annotations = gate::check(sql, m_schema);
+    const auto deadline = deadlineIn(options.timeLimit);
+    const Lease connection(*this, options.stop, deadline);
+    return connection->run({ connection->textFor(sql, annotations, options.rowLimit), options, deadline, sink });
 }
 
 std::unique_ptr<Connection> PooledEngine::acquire(const std::stop_token &stop, Clock::time_point deadline)

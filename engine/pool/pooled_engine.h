@@ -28,7 +28,6 @@ private:
 
     Opener m_open;
     std::size_t m_limit;
-    Dialect m_dialect {};
     gate::Schema m_schema;
     std::mutex m_mutex;
     std::condition_variable_any m_released;

@@ -134,8 +134,9 @@ PostgresqlConnection::Result PostgresqlConnection::next(const Job &job)
 {
     PGconn *const connection = m_connection.get();
     const int socket = PQsocket(connection);
-    // The library holds a row several times over before it gives it away, and tells nobody how long it is.
-    const std::size_t longestRow = job.options.memoryLimit / 4;
+    // The library holds a row twice before it gives it away, and tells nobody how long it is. It may read more than what lies ready
+    // here, while the server goes on sending.
+    const std::size_t longestRow = job.options.memoryLimit / 8;
     std::size_t arrived = 0;
     while (PQisBusy(connection)) {
         job.throwIfStopped();
@@ -185,7 +186,7 @@ void PostgresqlConnection::fail(const Job &job, const PGresult *result)
     // Our own bounds are constraints, whose names say what is wrong.
     const char *const constraint = PQresultErrorField(result, PG_DIAG_CONSTRAINT_NAME);
     const std::string words = constraint ? constraint : primary ? primary : trimmedMessage(PQresultErrorMessage(result));
-    const bool isCancelled = code != nullptr && code == cancelled;
+    const bool isCancelled = code && code == cancelled;
     while (Result(PQgetResult(m_connection.get()))) { }
     if (PQstatus(m_connection.get()) != CONNECTION_OK)
         throw Error(Failure::Unavailable, "数据库连接中断：" + words + "；请稍后再试");

@@ -13,7 +13,10 @@ public:
     /// Takes a URL "postgresql://user@host/database" with libpq's parameters. Throws Error(Unavailable).
     explicit PostgresqlConnection(const std::string &url);
 
-    Dialect dialect() const override { return Dialect::Postgresql; }
+    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const override
+    {
+        return postgresqlText(sql, annotations, rowLimit);
+    }
     gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;
     bool isUsable() const override { return m_usable; }

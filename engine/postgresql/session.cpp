@@ -39,7 +39,7 @@ public:
         if (!m_options)
             throw Error(
                 Failure::Unavailable, "无法识别数据库地址，应写作 postgresql://用户:密码@主机/数据库；其中的 % 写作 %25，@ 写作 %40");
-        for (const PQconninfoOption *option = m_options.get(); option->keyword != nullptr; ++option)
+        for (const PQconninfoOption *option = m_options.get(); option->keyword; ++option)
             add(*option);
         m_keywords.push_back("client_encoding");
         m_values.push_back("UTF8");
@@ -54,12 +54,12 @@ private:
         const std::string_view keyword = option.keyword;
         const char *value = option.val;
         if (keyword == "options") {
-            m_sessionOptions = std::string(preferredOptions).append(value != nullptr ? value : "").append(sessionOptions);
+            m_sessionOptions = std::string(preferredOptions).append(value ? value : "").append(sessionOptions);
             value = m_sessionOptions.c_str();
         }
         const auto *const ours
             = std::find_if(std::begin(defaults), std::end(defaults), [keyword](const auto &entry) { return entry.first == keyword; });
-        if (value == nullptr && ours != std::end(defaults))
+        if (!value && ours != std::end(defaults))
             value = ours->second;
         m_keywords.push_back(option.keyword);
         m_values.push_back(value);

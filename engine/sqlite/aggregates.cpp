@@ -50,9 +50,9 @@ template <class State>
 State &stateOf(sqlite3_context *context)
 {
     auto **const state = static_cast<State **>(sqlite3_aggregate_context(context, sizeof(State *)));
-    if (state == nullptr)
+    if (!state)
         throw std::bad_alloc();
-    if (*state == nullptr)
+    if (!*state)
         *state = new State;
     return **state;
 }
@@ -61,7 +61,7 @@ template <class State>
 std::unique_ptr<State> takeState(sqlite3_context *context)
 {
     auto **const state = static_cast<State **>(sqlite3_aggregate_context(context, 0));
-    return std::unique_ptr<State>(state != nullptr ? *state : nullptr);
+    return std::unique_ptr<State>(state ? *state : nullptr);
 }
 
 void sumStep(sqlite3_context *context, int, sqlite3_value **values)
@@ -96,7 +96,7 @@ void singleStep(sqlite3_context *context, int, sqlite3_value **values)
 {
     guarded(context, [&] {
         auto &single = stateOf<Single>(context);
-        if (single.value != nullptr)
+        if (single.value)
             throw OracleError("ORA-01427: 单行子查询返回多个行");
         single.value = sqlite3_value_dup(values[0]);
     });

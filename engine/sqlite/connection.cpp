@@ -197,7 +197,7 @@ int SqliteConnection::authorizeAction(int action, const char *first, const char 
     if (action == SQLITE_FUNCTION) {
         const auto isNamed = [second](std::string_view helper) { return helper == second; };
         const bool helper = std::any_of(std::begin(helperFunctions), std::end(helperFunctions), isNamed);
-        return helper || gate::functionNamed(second) != nullptr ? SQLITE_OK : SQLITE_DENY;
+        return helper || gate::functionNamed(second) ? SQLITE_OK : SQLITE_DENY;
     }
     return SQLITE_DENY;
 }

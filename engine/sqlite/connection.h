@@ -16,7 +16,10 @@ public:
     SqliteConnection(const SqliteConnection &) = delete;
     ~SqliteConnection() override;
 
-    Dialect dialect() const override { return Dialect::Sqlite; }
+    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t) const override
+    {
+        return sqliteText(sql, annotations);
+    }
     gate::Schema readTables(const std::vector<std::string> &names) override;
     void restrictTo(const gate::Schema &schema) override;
     packet::PacketPtr run(const Job &job) override;
@@ -36,7 +39,7 @@ private:
     packet::PacketPtr readRows(sqlite3_stmt *statement, StatementBudget &budget);
     int step(sqlite3_stmt *statement);
     [[noreturn]] void fail();
-    bool mustStop() const { return m_job != nullptr && m_job->mustStop(); }
+    bool mustStop() const { return m_job && m_job->mustStop(); }
     static int onProgress(void *connection);
     static int onBusy(void *connection, int attempts);
     static int authorize(void *connection, int action, const char *first, const char *second, const char *, const char *);

@@ -38,7 +38,7 @@ void declareNumber(packet::Builder::Column &column, std::string_view declared)
 
 void declare(packet::Builder::Column &column, const char *declared)
 {
-    if (declared == nullptr)
+    if (!declared)
         return;
     const std::string type = gate::upperCase(declared);
     const auto begins = [&type](std::string_view prefix) { return type.starts_with(prefix); };
@@ -114,7 +114,7 @@ inline void SqliteRowReader::gatherText(sqlite3_value *value)
 {
     // The bytes, unlike the text, need no terminating zero; those of null are none.
     const auto *bytes = static_cast<const char *>(sqlite3_value_blob(value));
-    if (bytes == nullptr)
+    if (!bytes)
         m_batch.addNull();
     else
         m_batch.addText(std::string_view(bytes, std::size_t(sqlite3_value_bytes(value))));
