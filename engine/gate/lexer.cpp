@@ -3,6 +3,7 @@
 #include "engine/gate/utf8.h"
 #include "packet/utf8.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 

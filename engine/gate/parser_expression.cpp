@@ -1,5 +1,6 @@
 #include "engine/gate/nesting.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace engine::gate {

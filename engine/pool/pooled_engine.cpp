@@ -1,6 +1,7 @@
 #include "engine/pool/pooled_engine.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace engine {
 

@@ -3,6 +3,8 @@
 #include "engine/dialect/connection.h"
 
 #include <condition_variable>
+#include <functional>
+#include <memory>
 #include <mutex>
 
 namespace engine {

@@ -4,6 +4,8 @@
 
 #include <libpq-fe.h>
 
+#include <memory>
+
 namespace engine {
 
 /// One session of a PostgreSQL server. Every statement runs in a read-only transaction that is rolled back, and the session

@@ -3,6 +3,7 @@
 #include "engine/gate/gate.h"
 #include "engine/sqlite/function_support.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 
