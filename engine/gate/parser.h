@@ -29,10 +29,10 @@ private:
 
     /// One select, from "select" to what stands before the next set operation.
     struct Block {
-        Scopes::Number scope = Scopes::none;
+        Scope::Number scope = Scope::none;
         std::uint32_t begin = 0;
         std::uint32_t end = 0;
-        Scopes::Clause clause = Scopes::Clause::Expression; ///< being read
+        Clause clause = Clause::Expression; ///< being read
         Operand firstItem {};
         int items = 0;
         int rownums = 0; ///< not yet understood as a limit
@@ -45,7 +45,7 @@ private:
     // queries
     Operand parseSubquery(SubqueryKind kind);
     ValueKind parseQuery(SubqueryKind kind);
-    Block parseBlock(SubqueryKind kind, Scopes::Number parent);
+    Block parseBlock(SubqueryKind kind, Scope::Number parent);
     void parseSelectList(Block &block, SubqueryKind kind);
     void parseItem(Block &block, SubqueryKind kind);
     void parseFrom();
@@ -61,6 +61,7 @@ private:
     void acceptSetOperation();
     bool acceptJoin(bool &conditional);
     std::string_view acceptTableAlias();
+    void addSource(const Scope::Source &source, std::uint32_t position);
 
     // conditions and expressions
     Operand parseCondition(bool conjunction = false);

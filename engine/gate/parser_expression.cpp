@@ -272,7 +272,8 @@ Parser::Operand Parser::parseColumnName()
     const Token &column = qualified ? takeName("列名") : first;
     if (at(Symbol::Dot) || at(Symbol::LeftParenthesis))
         refuse("“表.列”形式的列名");
-    m_scopes.use({ qualified ? nameOf(first) : std::string_view(), nameOf(column), first.begin, m_block->scope, m_block->clause });
+    m_scopes.uses.push_back(
+        { qualified ? nameOf(first) : std::string_view(), nameOf(column), first.begin, m_block->scope, m_block->clause });
     return { first.begin, lastEnd(), ValueKind::Unknown, false };
 }
 

@@ -1,3 +1,4 @@
+#include "engine/gate/name_resolver.h"
 #include "engine/gate/nesting.h"
 
 namespace engine::gate {
@@ -8,6 +9,7 @@ Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const Sc
     , m_schema(schema)
 {
     m_annotations.reserve(64);
+    m_scopes.uses.reserve(64);
 }
 
 std::vector<Annotation> Parser::run()
@@ -17,7 +19,7 @@ std::vector<Annotation> Parser::run()
     parseQuery(SubqueryKind::Top);
     if (!at(Symbol::End))
         refuse("语句到此结束");
-    m_scopes.resolve(m_tokens.size());
+    resolveNames(m_scopes, m_tokens.size());
     return std::move(m_annotations);
 }
 
@@ -37,8 +39,8 @@ Parser::ValueKind Parser::parseQuery(SubqueryKind kind)
 {
     Block *const outer = m_block;
     // What stands beside a subquery in a from clause is not visible in it.
-    const Scopes::Number around = outer ? outer->scope : Scopes::none;
-    const Scopes::Number parent = kind == SubqueryKind::Derived ? m_scopes.parentOf(around) : around;
+    const Scope::Number around = outer ? outer->scope : Scope::none;
+    const Scope::Number parent = kind == SubqueryKind::Derived ? m_scopes.parentOf(around) : around;
     Block first = parseBlock(kind, parent);
     m_block = &first;
     bool onlyArm = true;
@@ -56,7 +58,7 @@ Parser::ValueKind Parser::parseQuery(SubqueryKind kind)
         if (!at(Symbol::Select))
             refuse("select");
         const Block arm = parseBlock(SubqueryKind::Derived, parent);
-        m_scopes.addArm(first.scope, arm.scope);
+        m_scopes.blocks[first.scope].arms.push_back(arm.scope);
         finishArm(arm);
     }
     const int rownums = first.rownums;
@@ -81,7 +83,7 @@ void Parser::acceptSetOperation()
         accept(Symbol::All);
 }
 
-Parser::Block Parser::parseBlock(SubqueryKind kind, Scopes::Number parent)
+Parser::Block Parser::parseBlock(SubqueryKind kind, Scope::Number parent)
 {
     Block block { .scope = m_scopes.open(parent), .begin = take().begin };
     Block *const outer = m_block;
@@ -102,7 +104,7 @@ Parser::Block Parser::parseBlock(SubqueryKind kind, Scopes::Number parent)
         parseCondition();
     }
     block.end = lastEnd();
-    m_scopes.close(block.scope, !block.merged && !block.aggregate);
+    m_scopes.blocks[block.scope].isCopied = !block.merged && !block.aggregate;
     m_block = outer;
     return block;
 }
@@ -120,7 +122,8 @@ void Parser::parseItem(Block &block, SubqueryKind kind)
     const bool qualified = isName(peek().symbol) && peek(1).symbol == Symbol::Dot && peek(2).symbol == Symbol::Star;
     if (at(Symbol::Star) || qualified) {
         ++block.items; // A star stands for any number of columns.
-        m_scopes.addStar(block.scope, qualified ? nameOf(peek()) : std::string_view(), peek().begin);
+        m_scopes.blocks[block.scope].columns.push_back(
+            { .name = qualified ? nameOf(peek()) : std::string_view(), .tokens = 1, .position = peek().begin, .isStar = true });
         if (qualified) {
             takeName("名称");
             take();
@@ -129,9 +132,9 @@ void Parser::parseItem(Block &block, SubqueryKind kind)
         return;
     }
     const std::size_t firstToken = m_next;
-    const std::uint32_t firstUse = m_scopes.usesSoFar();
+    const auto firstUse = std::uint32_t(m_scopes.uses.size());
     const Operand item = parseSum();
-    const std::size_t tokens = m_next - firstToken;
+    const auto tokens = std::uint32_t(m_next - firstToken);
     if (block.items == 1)
         block.firstItem = item;
     std::string_view name = item.computed ? std::string_view() : nameOf(m_tokens[m_next - 1]);
@@ -139,7 +142,8 @@ void Parser::parseItem(Block &block, SubqueryKind kind)
         name = nameOf(takeName("列的别名"));
     else if (kind == SubqueryKind::Top && item.computed)
         annotate(Construct::UnnamedColumn, item.begin, item.end);
-    m_scopes.addColumn(block.scope, name, firstUse, tokens);
+    m_scopes.blocks[block.scope].columns.push_back(
+        { .name = name, .firstUse = firstUse, .lastUse = std::uint32_t(m_scopes.uses.size()), .tokens = tokens });
 }
 
 void Parser::parseFrom()
@@ -204,12 +208,12 @@ bool Parser::acceptJoin(bool &conditional)
 void Parser::parseTable()
 {
     if (at(Symbol::LeftParenthesis) && peek(1).symbol == Symbol::Select) {
-        const Scopes::Number derived = m_scopes.next();
+        const Scope::Number derived = Scope::Number(m_scopes.blocks.size());
         const Operand table = parseSubquery(SubqueryKind::Derived);
         const std::string_view alias = acceptTableAlias();
         if (alias.empty())
             annotate(Construct::UnnamedTable, table.begin, table.end);
-        m_scopes.addDerived(m_block->scope, alias, derived, table.begin);
+        addSource({ alias, nullptr, derived }, table.begin);
         return;
     }
     if (at(Symbol::LeftParenthesis)) {
@@ -224,7 +228,15 @@ void Parser::parseTable()
     if (table == m_schema.end())
         throw Refusal(name.begin, "的表“" + upperCase(nameOf(name)) + "”不在允许查询的表之列");
     const std::string_view alias = acceptTableAlias();
-    m_scopes.addTable(m_block->scope, alias.empty() ? nameOf(name) : alias, table->second, name.begin);
+    addSource({ alias.empty() ? nameOf(name) : alias, &table->second, Scope::none }, name.begin);
+}
+
+void Parser::addSource(const Scope::Source &source, std::uint32_t position)
+{
+    std::vector<Scope::Source> &sources = m_scopes.blocks[m_block->scope].sources;
+    if (sources.size() == mostTables)
+        throw Refusal(position, "的表太多，一个 from 后最多 " + std::to_string(mostTables) + " 个表");
+    sources.push_back(source);
 }
 
 /// Empty when there is none.
@@ -238,21 +250,21 @@ std::string_view Parser::acceptTableAlias()
 void Parser::parseGroupBy()
 {
     expect(Symbol::By, "by");
-    m_block->clause = Scopes::Clause::Key;
+    m_block->clause = Clause::Key;
     do {
         parseSum();
     } while (accept(Symbol::Comma));
-    m_block->clause = Scopes::Clause::Expression;
+    m_block->clause = Clause::Expression;
 }
 
 void Parser::parseOrderBy()
 {
     expect(Symbol::By, "by");
-    m_block->clause = Scopes::Clause::Key;
+    m_block->clause = Clause::Key;
     do {
         parseSortKey();
     } while (accept(Symbol::Comma));
-    m_block->clause = Scopes::Clause::Expression;
+    m_block->clause = Clause::Expression;
 }
 
 void Parser::parseSortKey()

@@ -128,6 +128,8 @@ TEST(Gate, KnowsTheColumnsOfEveryTable)
         { "select ctid from TAB_BILL", "ctid" },
         { "select a.xmin,a.tableoid from TAB_BILL a", "xmin" },
         { "select rowid from TAB_BILL", "rowid" },
+        { "select (select ctid from TAB_BILL) from (select 1 ctid from dual) o", "ctid" },
+        { "select 1 as xmin from TAB_BILL group by xmin", "xmin" },
         { "select dbms_random.value from dual", "dbms_random" },
         { "select BILL_SEQ.nextval from dual", "BILL_SEQ" },
         { "select X from TAB_BILL where X=some_pkg.some_fn", "some_pkg" },
