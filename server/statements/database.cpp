@@ -22,8 +22,10 @@ public:
 void readOneRow(engine::Engine &engine)
 {
     const std::string table = engine.anyTable();
+    if (table.empty())
+        throw engine::Error(engine::Failure::Unavailable, "其中没有可以查询的表；请检查数据库，以及配置中的 tables");
     NoRows sink;
-    engine.stream("select 1 as ready from " + (table.empty() ? "dual" : table), sink, { .timeLimit = readyLimit, .rowLimit = 1 });
+    engine.stream("select 1 as ready from " + table, sink, { .timeLimit = readyLimit, .rowLimit = 1 });
 }
 
 } // namespace
