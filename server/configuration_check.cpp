@@ -13,12 +13,16 @@ void checkFiles(const Configuration &configuration)
 {
     makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
     readUsers(configuration.users);
-    if (!configuration.tokenKeyFile.empty() && readersOf(configuration.tokenKeyFile) == Readers::Everyone)
-        throw std::runtime_error("令牌密钥文件 " + configuration.tokenKeyFile.string()
-            + " 别人也能读取，谁读到它就能冒充任何用户；请执行 chmod 600 " + configuration.tokenKeyFile.string() + "，并更换密钥");
     const fs::path folder = configuration.auditLog.parent_path();
     if (!configuration.auditLog.empty() && !fs::is_directory(folder))
         throw std::runtime_error("审计日志的目录 " + folder.string() + " 不存在，请先建立它");
+}
+
+void checkSecrets(const Configuration &configuration)
+{
+    if (!configuration.tokenKeyFile.empty() && readersOf(configuration.tokenKeyFile) == Readers::Everyone)
+        throw std::runtime_error("令牌密钥文件 " + configuration.tokenKeyFile.string()
+            + " 别人也能读取，谁读到它就能冒充任何用户；请执行 chmod 600 " + configuration.tokenKeyFile.string() + "，并更换密钥");
 }
 
 void checkDatabases(const Configuration &configuration)

@@ -6,6 +6,8 @@ namespace server {
 
 /// Looks whether certificate, key, users and the audit log's folder can be used. Throws std::runtime_error.
 void checkFiles(const Configuration &configuration);
+/// Looks whether strangers can read the token key. Throws std::runtime_error.
+void checkSecrets(const Configuration &configuration);
 /// Opens every database and reads its tables. Throws std::runtime_error, which names the database as configured.
 void checkDatabases(const Configuration &configuration);
 

@@ -31,10 +31,19 @@ void runUntilStopped(server::Server &running)
     server::logLine("已停机");
 }
 
+/// A server that has run so far must still start.
+void warnOfSecrets(const server::Configuration &configuration)
+try {
+    server::checkSecrets(configuration);
+} catch (const std::exception &error) {
+    server::logLine(std::string("警告：") + error.what());
+}
+
 void serve(const Options &options)
 {
     const server::Configuration configuration = server::readConfiguration(options.config);
     server::checkFiles(configuration);
+    warnOfSecrets(configuration);
     server::Server running(configuration);
     server::logLine("正在 " + configuration.address + ":" + std::to_string(running.port()) + " 上提供服务");
     runUntilStopped(running);
@@ -44,6 +53,7 @@ void checkConfiguration(const Options &options)
 {
     const server::Configuration configuration = server::readConfiguration(options.config);
     server::checkFiles(configuration);
+    server::checkSecrets(configuration);
     server::checkDatabases(configuration);
     std::cout << "配置文件 " << options.config.string() << " 可以使用" << std::endl;
 }

@@ -138,9 +138,9 @@ TEST_F(ConfigurationTest, FilesAreCheckedBeforeAnythingStarts)
     open.tokenKeyFile = m_folder / "token.key";
     namespace fs = std::filesystem;
     fs::permissions(open.tokenKeyFile, fs::perms::others_read, fs::perm_options::add);
-    EXPECT_THROW(checkFiles(open), std::runtime_error) << "everybody could make tokens";
+    EXPECT_THROW(checkSecrets(open), std::runtime_error) << "everybody could make tokens";
     fs::permissions(open.tokenKeyFile, fs::perms::owner_read);
-    EXPECT_NO_THROW(checkFiles(open));
+    EXPECT_NO_THROW(checkSecrets(open));
     Configuration folderless = good;
     folderless.auditLog = m_folder / "none/audit.log";
     EXPECT_THROW(checkFiles(folderless), std::runtime_error);
