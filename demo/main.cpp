@@ -48,7 +48,11 @@ int main(int argc, char **argv)
         const std::vector<std::string> arguments(argv + 1, argv + argc);
         const auto options = demo::readOptions(arguments, demo::localNow());
         if (options.wantsHelp) {
-            std::cout << demo::helpText;
+            std::cout << demo::helpText();
+            return 0;
+        }
+        if (options.wantsVersion) {
+            std::cout << "kelvara-demo " KELVARA_VERSION << std::endl;
             return 0;
         }
         demo::generate(options.settings, ProgressLine());

@@ -4,15 +4,16 @@
 
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace demo {
 
-extern const std::string_view helpText;
+/// The text of --help.
+std::string helpText();
 
 struct Options {
     Settings settings;
     bool wantsHelp = false;
+    bool wantsVersion = false;
 };
 
 /// Reads the arguments after the program's name. Throws std::invalid_argument with a message in Chinese.

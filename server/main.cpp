@@ -70,7 +70,7 @@ void run(const Options &options)
 {
     switch (options.mode) {
     case Options::Mode::Help:
-        std::cout << server::helpText;
+        std::cout << server::helpText();
         return;
     case Options::Mode::Version:
         std::cout << "kelvara-server " << KELVARA_VERSION << std::endl;

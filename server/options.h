@@ -5,11 +5,11 @@
 #include <optional>
 #include <span>
 #include <string>
-#include <string_view>
 
 namespace server {
 
-extern const std::string_view helpText;
+/// The text of --help.
+std::string helpText();
 
 struct Options {
     enum class Mode { Help, Version, Serve, CheckConfig, Demo, User };

@@ -174,7 +174,8 @@ TEST(Options, AreReadOrRefused)
     EXPECT_EQ(user.userName, "李明");
     EXPECT_TRUE(user.passwordFromInput);
     EXPECT_EQ(read({ "--config", "c", "--check-config" }).mode, Options::Mode::CheckConfig);
-    EXPECT_EQ(read({ "--demo", "--port", "0" }).port, 0);
+    EXPECT_EQ(read({ "--demo", "--port=0" }).port, 0);
+    EXPECT_EQ(read({ "user", "--help" }).mode, Options::Mode::Help);
     const std::vector<std::vector<std::string>> wrong { {}, { "--config" }, { "--check-config" }, { "--demo", "--port", "70000" },
         { "user" }, { "user", "add", "--users", "u" }, { "user", "add", "x" }, { "user", "list", "x", "--users", "u" }, { "--nothing" } };
     for (const auto &arguments : wrong)
