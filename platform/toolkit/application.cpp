@@ -76,19 +76,17 @@ void TApplication::setMessageResponder(std::function<int(const MessageRequest &)
 
 void TApplication::handleException(std::exception_ptr exception)
 {
-    QString message;
-    int icon = mbIconError;
+    const auto recordText = [this](const QString &kind, const QString &text) { record(kind, { { QStringLiteral("text"), text } }); };
     try {
         std::rethrow_exception(exception);
     } catch (const Abort &abort) {
-        message = abort.message();
-        icon = mbOk;
+        recordText(QStringLiteral("cancelled"), abort.message());
     } catch (...) {
-        message = currentExceptionMessage();
+        const QString message = currentExceptionMessage();
+        recordText(QStringLiteral("error"), message);
+        if (!m_responder)
+            askPerson({ message, QApplication::applicationDisplayName(), mbIconError }, QApplication::activeWindow());
     }
-    record(QStringLiteral("error"), { { QStringLiteral("text"), message } });
-    if (!m_responder)
-        askPerson({ message, QApplication::applicationDisplayName(), mbOk | icon }, QApplication::activeWindow());
 }
 
 QString TApplication::directory() const { return QApplication::applicationDirPath(); }

@@ -48,7 +48,8 @@ public:
     /// Whoever answers message boxes in place of a person; empty: a person does.
     void setMessageResponder(std::function<int(const MessageRequest &)> responder);
 
-    /// Shows an exception the way the host shows errors. An Abort is shown as a plain note.
+    /// Shows an exception the way the host shows errors, and records it as "error". An Abort is what the person wanted: it is only
+    /// recorded, as "cancelled", for the host to say so without a box.
     void handleException(std::exception_ptr exception);
 
     /// The directory of the running program, without a trailing separator.
