@@ -9,6 +9,8 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/component.h"
 
+#include <QLocale>
+
 #include <algorithm>
 #include <numeric>
 
@@ -72,6 +74,13 @@ RowSnapshot TCustomClientDataSet::snapshot() const
 }
 
 bool TCustomClientDataSet::truncated() const { return m_overlay && m_overlay->packet().truncated(); }
+
+QString TCustomClientDataSet::truncationNotice() const
+{
+    if (!truncated())
+        return {};
+    return u"已截断：只有前 " + QLocale(QLocale::Chinese, QLocale::China).toString(qulonglong(m_overlay->packet().rowCount())) + u" 行";
+}
 
 void TCustomClientDataSet::emptyDataSet()
 {

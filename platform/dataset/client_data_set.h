@@ -45,6 +45,7 @@ public:
     RowSnapshot snapshot() const;
     /// True when the server's row limit cut the result.
     bool truncated() const;
+    QString truncationNotice() const override;
     /// Removes all rows and the change log; the structure stays. An edit under way is dropped.
     void emptyDataSet();
 

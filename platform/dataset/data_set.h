@@ -77,6 +77,8 @@ public:
 
     virtual int recordCount() const = 0; ///< shown rows
     bool isEmpty() const { return recordCount() == 0; }
+    /// "已截断：只有前 20,000 行" when a limit of the server cut the rows, "" otherwise: what every paper and file has to say.
+    virtual QString truncationNotice() const { return {}; }
     int recordIndex() const { return m_recordIndex; } ///< the current row, -1 without rows
     bool bof() const { return m_ends.bof; }
     bool eof() const { return m_ends.eof; }

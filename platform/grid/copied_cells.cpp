@@ -95,6 +95,12 @@ std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
         if (titles || copied.rows.size() > 1)
             text += "\r\n";
     }
+    // Whoever takes all rows for all that there are must see it.
+    if (const QString notice = grid.dataSet() ? grid.dataSet()->truncationNotice() : QString();
+        !notice.isEmpty() && copied.rows.size() > 1 && copied.rows.size() == grid.rowCount()) {
+        text += notice.toStdString() + "\r\n";
+        html += u"<tr><td>" + notice + u"</td></tr>\n";
+    }
     html += u"</table></body></html>";
     auto data = std::make_unique<QMimeData>();
     data->setText(QString::fromUtf8(text.view()));

@@ -265,6 +265,14 @@ QString TDBGridEh::cellText(int row, int column) const
     return onCellText ? onCellText(row, column) : QString();
 }
 
+/// Whether a footer is the heading of a count that a limit of the server made too small.
+bool TDBGridEh::countsCutRows(int footerRow, int column) const
+{
+    const QList<ColumnFooter> &footers = m_columns->at(column).footers;
+    return footerRow + 1 < footers.size() && footers[footerRow + 1].kind == FooterKind::Count && dataSet()
+        && !dataSet()->truncationNotice().isEmpty();
+}
+
 QString TDBGridEh::footerText(int footerRow, int column) const
 {
     const QList<ColumnFooter> &footers = m_columns->at(column).footers;
@@ -275,7 +283,7 @@ QString TDBGridEh::footerText(int footerRow, int column) const
     case FooterKind::None:
         return {};
     case FooterKind::StaticText:
-        return footers[footerRow].value;
+        return footers[footerRow].value + (countsCutRows(footerRow, column) ? QStringLiteral("(截断)") : QString());
     case FooterKind::Count:
         return QString::number(rowCount());
     case FooterKind::Sum:
@@ -410,6 +418,7 @@ void TDBGridEh::arrange()
     horizontalScrollBar()->setRange(0, m_geometry->maximumScroll());
     m_geometry->setScroll(horizontalScrollBar()->value());
     m_header->update();
+    m_footer->setTextColor(dataSet() && !dataSet()->truncationNotice().isEmpty() ? alarmColor : QColor());
     m_footer->update();
     viewport()->update();
 }

@@ -164,6 +164,7 @@ private:
     void showCurrentCell();
     void goTo(int row, int column);
     void announceSelection();
+    bool countsCutRows(int footerRow, int column) const;
     CellView view() const;
 
     QPointer<TDataSource> m_dataSource;

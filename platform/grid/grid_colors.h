@@ -25,6 +25,9 @@ struct GridColors {
     QColor selected(const QColor &background) const;
 };
 
+/// Text that wants a person's attention.
+inline constexpr QColor alarmColor(0xb0, 0x00, 0x20);
+
 /// The background of a result's row, by its number from 1: every other row has the darker one.
 QColor rowStripe(int number);
 

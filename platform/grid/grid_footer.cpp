@@ -36,7 +36,7 @@ void GridFooter::paintEvent(QPaintEvent *event)
     const GridColors colors(palette());
     const QColor background = m_color.isValid() ? m_color : colors.title;
     const QColor line = blend(background, Qt::black, 0.15);
-    const QColor text = readableOn(background);
+    const QColor text = m_textColor.isValid() ? m_textColor : readableOn(background);
     QPainter painter(this);
     painter.fillRect(event->rect(), background);
     for (const ColumnGeometry::Span &span : m_geometry.spans(event->rect())) {

@@ -19,6 +19,8 @@ public:
     void setRows(int rows) { m_rows = rows; }
     void setRowHeight(int height) { m_rowHeight = height; }
     void setColor(const QColor &color);
+    /// Invalid: whatever can be read on the background.
+    void setTextColor(const QColor &color) { m_textColor = color; }
     int preferredHeight() const { return m_rows == 0 ? 0 : m_rows * m_rowHeight + 1; }
 
 protected:
@@ -32,6 +34,7 @@ private:
     TextPainter &m_texts;
     std::function<QString(int, int)> m_text;
     QColor m_color; ///< invalid: that of the titles
+    QColor m_textColor;
     int m_rows = 0;
     int m_rowHeight = 0;
 };

@@ -56,7 +56,7 @@ Definition GridReport::definition() const
         report.paper.transpose();
     const int room = this->room();
     const QList<Slot> places = columnPlaces();
-    if (!title.isEmpty())
+    if (!title.isEmpty() || !notes.isEmpty())
         report.bands.append(titleBand(room));
     report.bands.append(pageBand(BandKind::PageHeader, header, room));
     report.bands.append(columnTitles(places));
@@ -116,9 +116,19 @@ Style GridReport::cellStyle() const
 
 Band GridReport::titleBand(int room) const
 {
-    const Style style { .family = QStringLiteral("黑体"), .points = 14, .bold = true, .alignment = Qt::AlignHCenter | Qt::AlignVCenter };
-    const int height = lineHeight(style) + 2 * millimetre;
-    return { .kind = BandKind::Title, .height = height, .objects = { memo(QRect(0, 0, room, height), Template::literal(title), style) } };
+    Style style { .family = QStringLiteral("黑体"), .points = 14, .bold = true, .alignment = Qt::AlignHCenter | Qt::AlignVCenter };
+    Band band { .kind = BandKind::Title };
+    const auto addLine = [&](const QString &text, int space) {
+        const int height = lineHeight(style) + space;
+        band.objects.append(memo(QRect(0, band.height, room, height), Template::literal(text), style));
+        band.height += height;
+    };
+    if (!title.isEmpty())
+        addLine(title, 2 * millimetre);
+    style.points = 10;
+    for (const QString &note : notes)
+        addLine(note, millimetre);
+    return band;
 }
 
 Band GridReport::pageBand(BandKind kind, const PrintBand &source, int room) const

@@ -12,6 +12,7 @@ struct GridReport {
     const PrintBand &header;
     const PrintBand &footer;
     const QString &title;
+    const QStringList &notes; ///< below the title
 
     /// A report over the grid's GridRows: titles of up to two levels on each page, a row of cells, and the grid's footers at the end.
     Definition definition() const;

@@ -15,6 +15,7 @@ public:
     explicit GridRows(const TDBGridEh &grid);
 
     int recordCount() const override;
+    QString truncationNotice() const override { return m_source ? m_source->truncationNotice() : QString(); }
     Bookmark bookmark() const override { return {}; }
     bool gotoBookmark(const Bookmark &) override { return false; }
     bool isNull(int field, int row) const override { return text(field, row).isEmpty(); }

@@ -72,7 +72,13 @@ std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
         if (background != paper && background != stripes)
             style.fill = onPaper(background);
     };
-    const GridReport report { *m_grid, m_margins, m_header, m_footer, m_title };
+    QStringList notes = m_notes;
+    PrintBand footer = m_footer;
+    if (const QString notice = m_grid->dataSet()->truncationNotice(); !notice.isEmpty()) {
+        notes.append(notice);
+        footer.left = footer.left.isEmpty() ? notice : notice + u'　' + footer.left;
+    }
+    const GridReport report { *m_grid, m_margins, m_header, footer, m_title, notes };
     auto prepared = std::make_unique<PreparedGrid>(report.definition(), std::move(rows), look);
     prepared->prepareNextPage();
     return prepared;

@@ -45,6 +45,8 @@ public:
     /// Stands above the titles of the first page, and names the print job; "" leaves it out.
     const QString &title() const { return m_title; }
     void setTitle(const QString &title) { m_title = title; }
+    /// Lines below the title. One that tells of cut rows is added by itself, and stands in the foot of every page too.
+    void setNotes(const QStringList &notes) { m_notes = notes; }
 
     /// The pages; they hold what the grid showed, as far as they are laid out, whatever happens to it afterwards. Throws Exception when
     /// the grid shows no columns or no rows.
@@ -59,4 +61,5 @@ private:
     report::PrintBand m_header;
     report::PrintBand m_footer;
     QString m_title;
+    QStringList m_notes;
 };

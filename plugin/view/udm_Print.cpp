@@ -54,13 +54,12 @@ void Tdm_Print::PrintReport(TDataSet *DataSet, const QString &FileName, const st
         refuse(QStringLiteral("报表文件\"%1\"不存在！").arg(path));
         return;
     }
-    Screen->setCursor(crQueryBusy);
+    const BusyCursor busy;
     DataSet->disableControls();
     const TDataSet::Bookmark current = DataSet->bookmark();
     const auto finish = qScopeGuard([&] {
         guarded([&] { DataSet->gotoBookmark(current); });
         DataSet->enableControls();
-        Screen->setCursor(crDefault);
     });
     guarded([&] {
         frDBDataSet->setDataSet(DataSet);
@@ -84,9 +83,14 @@ void Tdm_Print::FillReportHeader()
 {
     if (report::ReportObject *title = frReport->findObject(u"ReportTitle"))
         title->setText(report::ReportObject::literal(CompanyName) + title->text().trimmed());
+    QString pageNumber = QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页");
+    if (const QString notice = frDBDataSet->dataSet()->truncationNotice(); !notice.isEmpty()) {
+        append(u"ReportTitle", u"（" + notice + u'）');
+        pageNumber.prepend(report::ReportObject::literal(notice) + u'　');
+    }
     append(u"PrintMan", EmployeeName + u'(' + EmployeeCode + u')');
     append(u"PrintSite", Site);
     append(u"PrintDateTime", GetServerDateTime().toString(u"yyyy-MM-dd hh:mm:ss"));
     if (report::ReportObject *page = frReport->findObject(u"PrintPage"))
-        page->setText(QStringLiteral("第[PAGE#]页/共[TOTALPAGES]页"));
+        page->setText(pageNumber);
 }

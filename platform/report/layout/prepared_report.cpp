@@ -28,6 +28,7 @@ PreparedReport::PreparedReport(Definition definition, TDataSet *rows, const QLis
     , m_paper(definition.paper)
     , m_builder(std::make_unique<PageBuilder>(std::move(definition), rows, addIns, std::move(styleEvent), m_resources))
     , m_rowCount(m_builder->rowCount())
+    , m_truncated(!rows->truncationNotice().isEmpty())
 {
 }
 

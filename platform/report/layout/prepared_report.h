@@ -33,6 +33,7 @@ public:
     bool prepareAllPages(const Progress &progress = {});
     int rowsDone() const;
     int rowCount() const;
+    bool isTruncated() const { return m_truncated; } ///< the server's limit cut the rows; false for a loaded report
 
     /// A page that is laid out, from 0. Where the number of pages stands, "?" until isComplete().
     Page page(int index) const;
@@ -56,6 +57,7 @@ private:
     Resources m_resources;
     std::unique_ptr<PageBuilder> m_builder; ///< null when all pages are there
     int m_rowCount = 0;
+    bool m_truncated = false;
     std::vector<QByteArray> m_pages;
 };
 
