@@ -52,6 +52,8 @@ inline constexpr char resetSearch[] = "ResetSearch"; ///< method: takes the grid
 namespace published_by_screen {
 inline constexpr char queryButton[] = "QueryButton"; ///< property: a QAbstractButton, or null
 inline constexpr const char *rights[] = { "Right1", "Right2", "Right3" }; ///< properties: bool
+/// Property of the dataset of a detail: the summary row that its rows belong to, in words; nothing for other datasets.
+inline constexpr char summaryRow[] = "SummaryRow";
 } // namespace published_by_screen
 
 /// A date-time, whatever its time zone, as days since 1899-12-30 with the time of day as fraction; exact to the millisecond.

@@ -76,6 +76,8 @@ TDataView::TDataView()
     Panel1->setTextFormat(Qt::PlainText);
     Panel1->setText(QStringLiteral("在这里描述您下面的表的意义"));
     Panel1->setFixedHeight(16);
+    Panel1->setTextFormat(Qt::PlainText);
+    Panel1->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
     Panel1->hide();
 
     DataViewPrint->setDBGridEh(DataViewGrid);
@@ -87,6 +89,7 @@ TDataView::TDataView()
     DataViewGrid->onCellText = [this](int row, int column) { return DataViewGridDrawColumnCell(row, column); };
     handle(DataViewGrid, &TDBGridEh::titleClicked, DataViewGrid, &TDBGridEh::clearSelection);
     handle(DS, &TDataSource::stateChanged, this, &TDataView::DSStateChange);
+    handle(DS, &TDataSource::rowsChanged, this, &TDataView::showDescription);
 }
 
 TDataView::~TDataView()
@@ -100,6 +103,28 @@ void TDataView::design(const GridColumns &columns, TDataSet *dataSet, int frozen
     DataViewGrid->setColumns(columns);
     DataViewGrid->setFrozenColumns(frozen);
     DS->setDataSet(dataSet);
+}
+
+void TDataView::describeRows(const QString &text, Attention attention)
+{
+    m_description = text;
+    m_attention = attention;
+    showDescription();
+}
+
+void TDataView::showDescription()
+{
+    const TDataSet *dataSet = DS->dataSet();
+    const bool open = dataSet && dataSet->active();
+    const QString notice = open ? dataSet->truncationNotice() : QString();
+    const QString text = open ? QStringList({ notice, m_description }).join(u'　').trimmed() : QString();
+    QPalette colors;
+    if (!notice.isEmpty() || m_attention == Attention::Wanted)
+        colors.setColor(QPalette::WindowText, alarmColor);
+    Panel1->setPalette(colors);
+    Panel1->setText(text);
+    Panel1->setToolTip(text.toHtmlEscaped());
+    Panel1->setVisible(!text.isEmpty());
 }
 
 bool TDataView::event(QEvent *event)

@@ -10,6 +10,9 @@
 
 class LayoutFile;
 
+/// Whether what is said of rows needs a person's attention.
+enum class Attention { None, Wanted };
+
 /// The result grid of every screen: striped rows, row numbers, a record count, titles that sort, and a column layout that
 /// survives in the plug-in's INI file.
 class TDataView : public TFrame {
@@ -21,13 +24,15 @@ public:
     ~TDataView() override;
 
     PUBLISHED(TDBGridEh, DataViewGrid);
-    PUBLISHED(QLabel, Panel1); ///< a line about the table below it; hidden by design
+    PUBLISHED(QLabel, Panel1); ///< a line about the rows below it; hidden while there is nothing to say
     PUBLISHED(TPrintDBGridEh, DataViewPrint); ///< screens set its page header: the report's title
     PUBLISHED(TDataSource, DS);
     bool Striped = true;
 
     /// Gives the frame its columns and its dataset; the first `frozen` columns stay in sight.
     void design(const GridColumns &columns, TDataSet *dataSet, int frozen = 0);
+    /// Says above the rows what they are; in red when it wants attention. That a limit has cut them is said by itself.
+    void describeRows(const QString &text, Attention attention);
     void LoadLayout(const QString &iniFileName);
     void SaveLayout(const QString &iniFileName) const;
 
@@ -38,10 +43,13 @@ protected:
 
 private:
     void InitColumns();
+    void showDescription();
     void loadArrangement(const LayoutFile &file);
     void saveArrangement(LayoutFile &file) const;
     void DSStateChange();
     QString DataViewGridDrawColumnCell(int row, int column) const;
 
+    QString m_description; ///< of the rows, as long as the dataset is open
+    Attention m_attention = Attention::None;
     QString m_section; ///< of the layout file; empty until the columns are initialised
 };

@@ -74,12 +74,7 @@ bool QueryScreen::refuseRange(int mostDays) { return CheckDateRange(DBDateTimeEd
 QueryRun::QueryRun(QueryScreen *screen)
     : m_screen(screen)
 {
-    Screen->setCursor(crQueryBusy);
     focusControl(screen->WorkPanel1);
 }
 
-QueryRun::~QueryRun()
-{
-    m_screen->showFirstPage();
-    Screen->setCursor(crDefault);
-}
+QueryRun::~QueryRun() { m_screen->showFirstPage(); }

@@ -7,6 +7,7 @@
 #include "plugin/view/frame_InputList.h"
 
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/screen.h"
 
 #include <QCheckBox>
 #include <QFrame>
@@ -82,4 +83,5 @@ public:
 
 private:
     QueryScreen *m_screen;
+    const BusyCursor m_busy;
 };

@@ -44,6 +44,7 @@ protected:
 private:
     void showDetailSheet();
     void loadDetail();
+    void describeDetail();
     void openGuest(const QList<TCustomRemoteServer *> &connections) const;
 
     TClientDataSetEx *m_summary = nullptr;

@@ -116,7 +116,7 @@ void Tfrm_GuestSignQuery::Splitter1Moved()
 
 void Tfrm_GuestSignQuery::Button1Click()
 {
-    Screen->setCursor(crQueryBusy);
+    const BusyCursor busy;
     cds->disableControls();
     const auto finish = qScopeGuard([this] {
         // The rows were put together here: they are the result, not edits of it.
@@ -125,7 +125,6 @@ void Tfrm_GuestSignQuery::Button1Click()
                 cds->mergeChangeLog();
         });
         cds->enableControls();
-        Screen->setCursor(crDefault);
     });
     QString bills;
     if (InputList1->CheckBox1->isChecked())
