@@ -1,5 +1,6 @@
 #include "guest/bill_fields.h"
 
+namespace guest {
 namespace {
 
 constexpr BillField fields[] = {
@@ -48,3 +49,5 @@ constexpr BillField fields[] = {
 } // namespace
 
 std::span<const BillField> billFields() { return fields; }
+
+} // namespace guest

@@ -4,6 +4,8 @@
 
 #include <span>
 
+namespace guest {
+
 /// One value of a waybill as it was entered.
 struct BillField {
     QStringView expression; ///< in a statement over tab_bill a
@@ -13,3 +15,5 @@ struct BillField {
 
 /// In the order in which a person reads them.
 std::span<const BillField> billFields();
+
+} // namespace guest

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <memory>
 
+using namespace guest;
+
 namespace {
 
 void refuse(const QString &text) { Application->messageBox(u"详细：" + text, QStringLiteral("客户查询"), mbIconWarning); }

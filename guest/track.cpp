@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <tuple>
 
+namespace guest {
 namespace {
 
 const QString alarmText = QStringLiteral("未到件");
@@ -157,3 +158,5 @@ const QList<TrackColumn> &trackColumns()
     };
     return columns;
 }
+
+} // namespace guest

@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace guest {
+
 /// What happened to a parcel. Things of the same second happened in this order.
 enum class EventKind { PickUp, Arrival, Other, SendOut, Delivery, Problem, Signature };
 
@@ -67,3 +69,5 @@ struct TrackColumn {
     Type type = Text;
 };
 const QList<TrackColumn> &trackColumns();
+
+} // namespace guest

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <span>
 
+namespace guest {
 namespace {
 
 constexpr qsizetype longestNumber = 32;
@@ -192,3 +193,5 @@ QList<Track> queryTracks(const QStringList &numbers, const QList<TCustomRemoteSe
         guarded([&] { complete(tracks, server); });
     return tracks;
 }
+
+} // namespace guest

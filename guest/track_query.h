@@ -3,6 +3,8 @@
 #include "guest/track.h"
 #include "platform/connection/remote_server.h"
 
+namespace guest {
+
 /// The waybill numbers of a list, without blanks and repetitions, in the list's order.
 struct WantedNumbers {
     QStringList numbers;
@@ -14,3 +16,5 @@ WantedNumbers wantedNumbers(const QStringList &bills);
 /// none before it knows; should one of the further ones fail, the application object tells so and what is known stays.
 /// Throws what the first server throws.
 QList<Track> queryTracks(const QStringList &numbers, const QList<TCustomRemoteServer *> &servers);
+
+} // namespace guest

@@ -20,10 +20,10 @@
 
 #include <algorithm>
 
+namespace guest {
 namespace {
 
 constexpr QRgb alarmRowColor = 0xffffc8c8;
-constexpr QRgb alarmTextColor = 0xffb00000;
 constexpr int fieldsPerLine = 4;
 
 QList<TrackWindow *> windows;
@@ -85,7 +85,7 @@ Column columnOf(const TrackColumn &track)
 void raiseAlarm(CellParameters &parameters)
 {
     parameters.background = QColor::fromRgba(alarmRowColor);
-    parameters.textColor = QColor::fromRgba(alarmTextColor);
+    parameters.textColor = alarmColor;
 }
 
 void design(TDBGridEh *grid, TDataSource *source, TDataSet *dataSet, const GridColumns &columns)
@@ -238,8 +238,7 @@ void TrackWindow::showTrack()
     if (!track)
         return;
     QPalette palette = positionLabel->palette();
-    palette.setColor(
-        QPalette::WindowText, gapsOf(*track).isEmpty() ? this->palette().color(QPalette::WindowText) : QColor::fromRgba(alarmTextColor));
+    palette.setColor(QPalette::WindowText, gapsOf(*track).isEmpty() ? this->palette().color(QPalette::WindowText) : alarmColor);
     positionLabel->setPalette(palette);
     positionLabel->setText(positionOf(*track).sentence);
     m_billBox->setTitle(u"运单 " + track->number + (track->bill.isEmpty() ? QStringLiteral("（没有录入）") : QString()));
@@ -303,3 +302,5 @@ void closeTrackWindows()
             delete window;
     }
 }
+
+} // namespace guest

@@ -12,6 +12,8 @@
 
 class QLineEdit;
 
+namespace guest {
+
 /// The customer query of some waybills: where the parcel is, the waybill as entered, and its track; with several waybills a list
 /// of them stands on the left. Notifies the host as its screens do, so that the host's commands work on it.
 class TrackWindow : public TForm {
@@ -64,3 +66,5 @@ private:
 
 /// Closes every window that there is, at once.
 void closeTrackWindows();
+
+} // namespace guest

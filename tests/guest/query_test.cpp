@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace guest;
+
 namespace {
 
 const QString sendTable = QStringLiteral("TAB_SCAN_SEND");

@@ -4,6 +4,8 @@
 
 #include <QStringList>
 
+using namespace guest;
+
 namespace {
 
 /// An event a line: kind, hour, site, and what is known of station and piece.

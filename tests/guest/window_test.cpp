@@ -138,3 +138,5 @@ TEST_F(Window, TheHostHearsOfItAsOfItsScreens)
 } // namespace
 
 #include "window_test.moc"
+
+using namespace guest;
