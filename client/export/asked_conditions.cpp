@@ -1,42 +1,54 @@
 #include "client/export/asked_conditions.h"
 
 #include "client/export/screen_conditions.h"
+#include "platform/dataset/data_set.h"
 #include "platform/grid/db_grid.h"
-#include "platform/toolkit/application.h"
+#include "platform/toolkit/form.h"
 #include "platform/toolkit/handler.h"
 
 #include <QAbstractButton>
 
-AskedConditions::AskedConditions()
+void AskedConditions::watch(TForm *screen, const QAbstractButton *queryButton)
 {
-    handle(Application, &TApplication::happened, this, [this](const QString &kind, const QVariantMap &) {
-        if (m_asking && kind == u"statement")
-            m_asked.insert(m_asking, m_pressed);
-    });
-}
-
-void AskedConditions::watch(const QWidget *screen, const QAbstractButton *queryButton)
-{
-    if (m_watched.contains(screen))
+    if (m_screens.contains(screen))
         return;
-    m_watched.append(screen);
+    m_screens.insert(screen, {});
     handle(queryButton, &QAbstractButton::pressed, this, [this, screen] {
-        m_asking = screen;
-        m_pressed = screenConditions(*screen);
+        Asking &asking = m_screens[screen];
+        asking.pressed = screenConditions(*screen);
+        asking.isAsking = true;
     });
     // The screen's own handler is connected before: it has done its work.
-    handle(queryButton, &QAbstractButton::clicked, this, [this](bool) { m_asking = nullptr; });
-    handle(screen, &QObject::destroyed, this, [this](const QObject *gone) {
-        m_asked.remove(gone);
-        m_watched.removeOne(gone);
-        if (m_asking == gone)
-            m_asking = nullptr;
-    });
+    handle(queryButton, &QAbstractButton::clicked, this, [this, screen](bool) { m_screens[screen].isAsking = false; });
+    handle(screen, &QObject::destroyed, this, [this](const QObject *gone) { m_screens.remove(gone); });
+    for (QObject *component : screen->components()) {
+        auto *dataSet = qobject_cast<TDataSet *>(component);
+        if (!dataSet)
+            continue;
+        handle(dataSet, &TDataSet::afterOpen, this, [this, screen, dataSet] { remember(screen, dataSet); });
+        handle(dataSet, &QObject::destroyed, this, [this](const QObject *gone) { m_asked.remove(gone); });
+    }
+}
+
+void AskedConditions::remember(const TForm *screen, const TDataSet *dataSet)
+{
+    Asking &asking = m_screens[screen];
+    if (asking.isAsking) {
+        asking.asked = asking.pressed;
+        asking.wasAsked = true;
+    }
+    if (asking.wasAsked)
+        m_asked.insert(dataSet, asking.asked);
 }
 
 QList<ExportNote> AskedConditions::of(const TDBGridEh &grid) const
 {
-    const QWidget *screen = screenOf(grid);
-    const auto asked = m_asked.constFind(screen);
-    return asked == m_asked.constEnd() ? screenConditions(*screen) : *asked;
+    const auto asked = m_asked.constFind(grid.dataSet());
+    return asked == m_asked.constEnd() ? screenConditions(*screenOf(grid)) : *asked;
+}
+
+bool AskedConditions::haveChanged(const TDBGridEh &grid) const
+{
+    const auto asked = m_asked.constFind(grid.dataSet());
+    return grid.dataSet() && grid.dataSet()->active() && asked != m_asked.constEnd() && *asked != screenConditions(*screenOf(grid));
 }

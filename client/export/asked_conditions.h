@@ -6,23 +6,32 @@
 #include <QObject>
 
 class QAbstractButton;
+class TDataSet;
+class TForm;
 
-/// Keeps the conditions of each screen's last query: a person may change the fields afterwards, and an export must name those by
-/// which its rows were asked for.
+/// Keeps the conditions by which each dataset was asked for: a person may change the fields afterwards, and a query may fail and
+/// leave the rows of the one before it. An export must name the conditions of the rows that it writes.
 class AskedConditions : public QObject {
     Q_OBJECT
 
 public:
-    AskedConditions();
-
-    /// Looks at the screen's conditions whenever its query button is pressed, and keeps them when a statement is sent.
-    void watch(const QWidget *screen, const QAbstractButton *queryButton);
-    /// The conditions of the grid's screen; those that stand there now, when it has not been queried by its button.
+    /// Looks at the screen's conditions whenever its query button is pressed, and keeps them for every dataset of the screen that
+    /// opens then, and for those that open later (a detail) until it is queried again.
+    void watch(TForm *screen, const QAbstractButton *queryButton);
+    /// The conditions of a grid's rows; those that stand on its screen now, when it has not been queried by its button.
     QList<ExportNote> of(const TDBGridEh &grid) const;
+    /// Whether other conditions stand on the screen now than those of a grid's rows.
+    bool haveChanged(const TDBGridEh &grid) const;
 
 private:
-    QHash<const QObject *, QList<ExportNote>> m_asked;
-    QList<const QObject *> m_watched;
-    const QWidget *m_asking = nullptr; ///< its query button is down
-    QList<ExportNote> m_pressed; ///< its conditions then
+    struct Asking {
+        QList<ExportNote> pressed; ///< when its button was pressed last
+        QList<ExportNote> asked; ///< of the last press that opened a dataset
+        bool isAsking = false; ///< its button is down
+        bool wasAsked = false;
+    };
+    void remember(const TForm *screen, const TDataSet *dataSet);
+
+    QHash<const QObject *, Asking> m_screens;
+    QHash<const QObject *, QList<ExportNote>> m_asked; ///< by dataset
 };

@@ -83,7 +83,8 @@ ExportTable exportTable(const TDBGridEh &grid, const QString &title, const QList
         .columns = {},
         .footerRows = grid.footerRowCount(),
         .rows = dataSet ? dataSet->snapshot() : TCustomClientDataSet().snapshot(),
-        .truncated = dataSet && dataSet->truncated() };
+        .truncated = dataSet && dataSet->truncated(),
+        .truncationNotice = dataSet ? dataSet->truncationNotice() : QString() };
     table.notes.append({ QStringLiteral("行数"), QString::number(table.rows.rowCount()) });
     if (table.truncated)
         table.notes.append({ QStringLiteral("注意"), QStringLiteral("结果超过了行数上限，这里只有取到的部分，不是全部数据。") });

@@ -38,6 +38,8 @@ struct ExportColumn {
 struct ExportNote {
     QString caption;
     QString value;
+
+    bool operator==(const ExportNote &) const = default;
 };
 
 /// What a grid shows at one moment, for another thread to write: it shares the rows and nothing else with the grid.
@@ -49,6 +51,7 @@ struct ExportTable {
     int footerRows = 0;
     RowSnapshot rows;
     bool truncated = false; ///< the server's limit cut the rows
+    QString truncationNotice {}; ///< in words; "" when nothing is cut
 
     /// A cell as the grid shows it, a tick as "√".
     std::string_view text(std::size_t column, std::size_t row, std::string &buffer) const;

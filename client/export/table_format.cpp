@@ -21,7 +21,11 @@ public:
         appendTitles(out, table);
         out += "\r\n";
     }
-    void appendTail(files::TextBuffer &, const ExportTable &) const override { }
+    void appendTail(files::TextBuffer &out, const ExportTable &table) const override
+    {
+        if (!table.truncationNotice.isEmpty())
+            out += table.truncationNotice.toStdString() + "\r\n";
+    }
     std::string_view beforeRow(bool) const override { return {}; }
     std::string_view afterRow() const override { return "\r\n"; }
     std::string beforeCell(const ExportTable &, std::size_t column) const override { return std::string(column > 0 ? 1 : 0, m_separator); }

@@ -1,6 +1,8 @@
 #include "client/export/asked_conditions.h"
 #include "client/export/screen_conditions.h"
 
+#include "packet/builder.h"
+#include "platform/dataset/client_data_set.h"
 #include "platform/editors/editors.h"
 #include "platform/grid/db_grid.h"
 #include "platform/toolkit/application.h"
@@ -63,7 +65,7 @@ TEST(ScreenConditions, AreToldByTheirLabelsInTabOrder)
     EXPECT_EQ(screenTitle(*grid), QStringLiteral("月发件清单 明细数据"));
 }
 
-TEST(ScreenConditions, OfAQueryAreKeptWhenTheFieldsChange)
+TEST(ScreenConditions, StayWithTheRowsThatTheyAskedFor)
 {
     auto form = std::make_unique<TForm>(Application, QStringLiteral("frm_Any"), QStringLiteral("月发件清单"));
     auto *layout = new QFormLayout(form.get());
@@ -73,9 +75,16 @@ TEST(ScreenConditions, OfAQueryAreKeptWhenTheFieldsChange)
     auto *grid = new TDBGridEh;
     layout->addRow(query);
     layout->addRow(grid);
-    QObject::connect(query, &QPushButton::clicked, [site] {
-        if (!site->text().isEmpty())
-            Application->record(QStringLiteral("statement"), {});
+    auto *rows = form->own(new TClientDataSetEx, "cds");
+    auto *detail = form->own(new TClientDataSetEx, "cds1");
+    TDataSource source;
+    source.setDataSet(rows);
+    grid->setDataSource(&source);
+    const packet::PacketPtr one = packet::Builder({ { "CODE", packet::ColumnType::Text } }).finish();
+    bool fails = false;
+    QObject::connect(query, &QPushButton::clicked, [&] {
+        if (!site->text().isEmpty() && !fails)
+            rows->setData(one);
     });
     AskedConditions asked;
     for (int activation = 0; activation < 2; ++activation)
@@ -83,17 +92,28 @@ TEST(ScreenConditions, OfAQueryAreKeptWhenTheFieldsChange)
     const auto value = [&] { return asked.of(*grid).value(0).value; };
     site->setText(QStringLiteral("上海"));
     EXPECT_EQ(value(), QStringLiteral("上海")) << "not queried yet";
+    EXPECT_FALSE(asked.haveChanged(*grid));
     query->click();
+    EXPECT_FALSE(asked.haveChanged(*grid));
     site->setText(QStringLiteral("广州"));
     EXPECT_EQ(value(), QStringLiteral("上海"));
-    site->clear();
+    EXPECT_TRUE(asked.haveChanged(*grid));
+    for (const bool refuses : { true, false }) {
+        site->setText(refuses ? QString() : QStringLiteral("成都"));
+        fails = !refuses;
+        query->click();
+        EXPECT_EQ(value(), QStringLiteral("上海")) << "what was refused, or failed, has no rows";
+    }
+    detail->setData(one);
+    source.setDataSet(detail);
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "a detail of those rows";
+    fails = false;
     query->click();
-    EXPECT_EQ(value(), QStringLiteral("上海")) << "the screen refused";
-    site->setText(QStringLiteral("成都"));
-    Application->record(QStringLiteral("statement"), {});
-    EXPECT_EQ(value(), QStringLiteral("上海")) << "not its query";
-    query->click();
+    EXPECT_EQ(value(), QStringLiteral("上海")) << "the detail has stayed";
+    source.setDataSet(rows);
     EXPECT_EQ(value(), QStringLiteral("成都"));
+    rows->close();
+    EXPECT_FALSE(asked.haveChanged(*grid));
 }
 
 } // namespace
