@@ -12,6 +12,7 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
+namespace client {
 namespace {
 
 /// The system's certificates and the one that the options name, as PEM.
@@ -102,3 +103,5 @@ void Connections::login(const QString &user, const QString &password)
 }
 
 QDateTime Connections::serverTime() const { return m_timeAtLogin.isValid() ? m_timeAtLogin.addMSecs(m_sinceLogin.elapsed()) : QDateTime(); }
+
+} // namespace client

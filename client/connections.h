@@ -10,6 +10,8 @@ namespace server_client {
 class ServerSession;
 }
 
+namespace client {
+
 struct Options;
 
 /// Where the host's statements go: to a database in this process, or to application servers.
@@ -52,3 +54,5 @@ private:
     QDateTime m_timeAtLogin;
     QElapsedTimer m_sinceLogin;
 };
+
+} // namespace client

@@ -3,6 +3,8 @@
 #include "engine/engine.h"
 #include "platform/connection/socket_connection.h"
 
+namespace client {
+
 /// Runs statements on an engine in the client's own process.
 class EmbeddedChannel : public StatementChannel {
 public:
@@ -22,3 +24,5 @@ private:
 
     std::shared_ptr<engine::Engine> m_engine;
 };
+
+} // namespace client

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+namespace client {
 namespace {
 
 struct HostDataSet {
@@ -82,3 +83,5 @@ void HostData::addValue(const QString &name, const QString &text, QWidget *owner
     value->hide();
     m_values.append(value);
 }
+
+} // namespace client

@@ -5,6 +5,8 @@
 
 class QWidget;
 
+namespace client {
+
 /// The datasets and values that the host keeps for all its modules, loaded once after login.
 class HostData {
 public:
@@ -25,3 +27,5 @@ private:
     TList m_values;
     QString m_employeeName;
 };
+
+} // namespace client

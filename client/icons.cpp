@@ -4,6 +4,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+namespace client {
 namespace {
 
 constexpr int iconSize = 20;
@@ -87,3 +88,5 @@ QIcon programIcon()
         painter.drawLine(QPointF(16, 17), QPointF(16, 27));
     });
 }
+
+} // namespace client

@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+namespace client {
+
 LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget *parent)
     : QDialog(parent)
     , m_connections(connections)
@@ -59,3 +61,5 @@ void LoginDialog::tryLogin()
         m_password->setFocus();
     }
 }
+
+} // namespace client

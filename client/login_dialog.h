@@ -2,10 +2,13 @@
 
 #include <QDialog>
 
-class Connections;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+
+namespace client {
+
+class Connections;
 
 /// Asks who logs in at the servers, and stays open until they let the person in or the person gives up.
 class LoginDialog : public QDialog {
@@ -24,3 +27,5 @@ private:
     QLabel *m_refusal;
     QPushButton *m_login;
 };
+
+} // namespace client

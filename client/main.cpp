@@ -2,9 +2,9 @@
 #include "client/automation/dispatcher.h"
 #include "client/connections.h"
 #include "client/login_dialog.h"
-#include "client/look.h"
 #include "client/main_window.h"
 #include "client/options.h"
+#include "client/theme.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/exception.h"
@@ -16,6 +16,8 @@
 
 #include <cstdio>
 #include <optional>
+
+using namespace client;
 
 namespace {
 
@@ -34,7 +36,7 @@ void useOffscreenWithoutDisplay()
 void reportFailure(const QString &message, bool automated)
 {
     if (automated)
-        std::fputs(failureReply(message).constData(), stdout);
+        std::fputs(replyLine(failureReply(message)).constData(), stdout);
     else if (QApplication::platformName() == u"offscreen")
         std::fprintf(stderr, "%s\n", message.toUtf8().constData());
     else
@@ -98,7 +100,7 @@ int runClient(const Options &options)
         window->show();
         window->activateWindow();
         if (options.automation)
-            automation = std::make_unique<Automation>(window.get());
+            automation = std::make_unique<Automation>(window.get(), options.strict ? Strictness::StopAtFailure : Strictness::GoOn);
         const int result = QApplication::exec();
         // What closed screens still have to say.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
@@ -121,15 +123,15 @@ int main(int argc, char **argv)
     Options options;
     try {
         options = readOptions(QApplication::arguments().mid(1));
-    } catch (const Exception &exception) {
+    } catch (const std::exception &exception) {
         std::fprintf(stderr, "%s\n", exception.what());
         return wrongOptions;
     }
-    if (options.help) {
-        std::fputs(optionsHelp().toUtf8().constData(), stdout);
+    if (options.help || options.version) {
+        std::fputs(options.help ? optionsHelp().toUtf8().constData() : "kelvara-client " KELVARA_VERSION "\n", stdout);
         return succeeded;
     }
-    setLook();
+    applyTheme();
     const int result = runClient(options);
     waitForAbandonedWork();
     return result;

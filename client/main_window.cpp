@@ -15,6 +15,8 @@
 #include <QDir>
 #include <QMdiArea>
 
+namespace client {
+
 MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> connections)
     : m_options(options)
     , m_connections(std::move(connections))
@@ -34,16 +36,25 @@ MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> conn
         m_status->showServer(m_connections->reachedAddress());
 
     Screen->registerCursor(crQueryBusy, Qt::BusyCursor);
+    handle(Application, &TApplication::happened, this, [this](const QString &kind, const QVariantMap &particulars) {
+        if (kind == u"cancelled")
+            m_status->showMessage(particulars[QStringLiteral("text")].toString(), messageMilliseconds);
+    });
     setWindowTitle(QApplication::applicationDisplayName() + u" - " + options.loginSite);
     mdiArea()->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     mdiArea()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    // Closing a screen leads back to the one that it was opened from.
+    mdiArea()->setActivationOrder(QMdiArea::ActivationHistoryOrder);
     mdiArea()->setBackground(palette().window());
     createScreenMenus();
     createCommands();
     createWindowTabs();
     createStartPage();
     updateCommands();
-    handle(&m_clock, &QTimer::timeout, this, [this] { m_status->showTime(dateTimeToText(serverTime())); });
+    handle(&m_clock, &QTimer::timeout, this, [this] {
+        m_status->showTime(dateTimeToText(serverTime()));
+        showRows();
+    });
     m_status->showTime(dateTimeToText(serverTime()));
     m_clock.start(1000);
     loadPlugin();
@@ -97,6 +108,12 @@ void MainWindow::ResetSearch(QObject *grid)
     useGrid(qobject_cast<TDBGridEh *>(grid));
 }
 
+void MainWindow::showRows()
+{
+    m_status->showRows(m_grid);
+    m_status->showConditions(m_grid && m_asked.haveChanged(*m_grid) ? ConditionState::Changed : ConditionState::AsAsked);
+}
+
 void MainWindow::useGrid(TDBGridEh *grid)
 {
     if (m_grid)
@@ -108,7 +125,7 @@ void MainWindow::useGrid(TDBGridEh *grid)
     if (m_grid)
         handle(m_grid.data(), &TDBGridEh::selectionChanged, this, [this] { m_status->showSelection(m_grid); });
     if (m_gridSource)
-        handle(m_gridSource.data(), &TDataSource::rowsChanged, this, [this] { m_status->showRows(m_grid); });
+        handle(m_gridSource.data(), &TDataSource::rowsChanged, this, &MainWindow::showRows);
     updateCommands();
 }
 
@@ -139,3 +156,5 @@ void MainWindow::closeEvent(QCloseEvent *event)
     }
     event->accept();
 }
+
+} // namespace client

@@ -11,14 +11,17 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
-class Connections;
 class QAction;
 class QMenu;
 class QToolBar;
+struct ExportTarget;
+
+namespace client {
+
+class Connections;
 class StartPage;
 class StatusLine;
 class WindowTabs;
-struct ExportTarget;
 
 /// The host: publishes its datasets and values, opens the plug-in's screens as child windows and offers the commands that work
 /// on the current one.
@@ -55,6 +58,7 @@ private:
 
     void loadPlugin();
     void useGrid(TDBGridEh *grid);
+    void showRows();
     QObject *queryButton() const;
 
     void createCommands();
@@ -97,3 +101,5 @@ private:
     QString m_exportDirectory;
     QString m_exportFilter; ///< chosen last
 };
+
+} // namespace client

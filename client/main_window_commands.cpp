@@ -14,6 +14,7 @@
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
+#include "platform/toolkit/plugin_interface.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -25,6 +26,23 @@
 #include <QStandardPaths>
 #include <QToolBar>
 #include <QVBoxLayout>
+
+namespace client {
+namespace {
+
+/// An empty result can be exported, but not one that was never asked for.
+void requireRows(const TDBGridEh &grid)
+{
+    if (!grid.dataSet() || !grid.dataSet()->active())
+        throw Exception(QStringLiteral("没有可导出的数据，请先查询！"));
+}
+
+QString summaryRowOf(const TDBGridEh &grid)
+{
+    return grid.dataSet() ? grid.dataSet()->property(published_by_screen::summaryRow).toString() : QString();
+}
+
+} // namespace
 
 /// One command of the menus.
 struct MainWindow::Command {
@@ -183,7 +201,7 @@ void MainWindow::updateCommands()
     m_tabs->showForms(forms(), activeForm());
     m_tabStrip->setVisible(forms().size() > 1);
     m_status->showRights(activeForm());
-    m_status->showRows(m_grid);
+    showRows();
     m_status->showSelection(m_grid);
 }
 
@@ -210,11 +228,14 @@ void MainWindow::print()
     }
     if (printer->title().isEmpty())
         printer->setTitle(activeForm()->caption());
+    const QString summaryRow = summaryRowOf(*m_grid);
+    printer->setNotes(summaryRow.isEmpty() ? QStringList() : QStringList(u"汇总行：" + summaryRow));
     printer->preview(this);
 }
 
 void MainWindow::exportAsking()
 {
+    requireRows(*m_grid);
     if (m_exportDirectory.isEmpty())
         m_exportDirectory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
     QFileDialog dialog(this, QStringLiteral("导出"), m_exportDirectory, exportFilters().join(QStringLiteral(";;")));
@@ -235,11 +256,15 @@ void MainWindow::exportAsking()
 
 int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 {
+    requireRows(grid);
     QList<ExportNote> notes = m_asked.of(grid);
+    if (const QString summaryRow = summaryRowOf(grid); !summaryRow.isEmpty())
+        notes.append({ QStringLiteral("汇总行"), summaryRow });
     notes.append({ { QStringLiteral("导出网点"), m_options.loginSite }, { QStringLiteral("导出人"), m_data.employeeName() },
         { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
     const int rows = exportGrid(grid, target, screenTitle(grid), notes);
-    m_status->showMessage(QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(target.fileName)), 15'000);
+    m_status->showMessage(
+        QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(target.fileName)), messageMilliseconds);
     return rows;
 }
 
@@ -272,3 +297,5 @@ void MainWindow::showAbout()
                                 .arg(QApplication::applicationDisplayName(), QApplication::applicationVersion(), m_connections->place()),
         QStringLiteral("关于"), mbOk);
 }
+
+} // namespace client

@@ -3,6 +3,8 @@
 #include <QDateTime>
 #include <QString>
 
+namespace client {
+
 /// What the command line says.
 struct Options {
     QString database; ///< "sqlite:path"
@@ -18,10 +20,14 @@ struct Options {
     QString pluginDirectory; ///< empty: the program's own
     QString settingsDirectory; ///< empty: the program's own
     bool automation = false;
+    bool strict = false; ///< the automation ends with 1 at the first failure
+    bool version = false;
     bool help = false;
 };
 
-/// Reads the arguments (without the program's name). Throws Exception that says what is wrong with them.
+/// Reads the arguments (without the program's name). Throws an exception that says what is wrong with them.
 Options readOptions(const QStringList &arguments);
 /// The text of --help.
 QString optionsHelp();
+
+} // namespace client

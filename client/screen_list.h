@@ -4,6 +4,8 @@
 
 #include <span>
 
+namespace client {
+
 /// A screen of the plug-in as the menus offer it.
 struct ScreenItem {
     QStringView name;
@@ -47,3 +49,5 @@ inline constexpr ScreenGroup screenGroups[] = {
 
 /// The rights with which the menus open screens.
 inline constexpr QStringView menuRights = u"111";
+
+} // namespace client

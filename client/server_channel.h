@@ -3,6 +3,8 @@
 #include "platform/connection/socket_connection.h"
 #include "server_client/server_session.h"
 
+namespace client {
+
 /// Sends statements to application servers.
 class ServerChannel : public StatementChannel {
 public:
@@ -19,3 +21,5 @@ public:
 private:
     std::shared_ptr<server_client::ServerSession> m_session;
 };
+
+} // namespace client

@@ -8,6 +8,7 @@
 #include <QGridLayout>
 #include <QLabel>
 
+namespace client {
 namespace {
 
 constexpr int columnGap = 72;
@@ -54,3 +55,5 @@ StartPage::StartPage()
     layout->setRowStretch(0, 2);
     layout->setRowStretch(6, 3);
 }
+
+} // namespace client

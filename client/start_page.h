@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace client {
+
 /// What the main window shows while no screen is open: all screens by their groups, to be opened with a click.
 class StartPage : public QWidget {
     Q_OBJECT
@@ -12,3 +14,5 @@ public:
 Q_SIGNALS:
     void wanted(const QString &screen);
 };
+
+} // namespace client

@@ -9,9 +9,12 @@
 #include <QLabel>
 #include <QLocale>
 
+namespace client {
 namespace {
 
 constexpr qint64 mostSummedCells = 200'000; // more would be felt at every step of a dragged selection
+
+const QString alarming = QStringLiteral("color: #b00020; font-weight: bold");
 
 QString counted(qint64 number) { return QLocale(QLocale::Chinese, QLocale::China).toString(number); }
 
@@ -95,11 +98,14 @@ QString selectionSummary(const TDBGridEh &grid)
 StatusLine::StatusLine()
     : m_selection(addField())
     , m_rows(addField())
+    , m_conditions(addField())
     , m_rights(addField())
     , m_login(addField())
     , m_server(addField())
     , m_time(addField())
 {
+    m_conditions->setStyleSheet(alarming);
+    m_conditions->setToolTip(QStringLiteral("表格里仍是上次查询的结果，请重新查询"));
     m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
     m_time->setToolTip(QStringLiteral("服务器时间"));
 }
@@ -115,7 +121,7 @@ void StatusLine::showServer(const QString &address)
     const bool offline = address.isEmpty();
     m_server->setText(offline ? QStringLiteral("● 离线") : QStringLiteral("● ") + address);
     m_server->setToolTip(offline ? QStringLiteral("服务器都连不上；再次查询时会重新连接") : QStringLiteral("正在使用的服务器"));
-    m_server->setStyleSheet(offline ? QStringLiteral("color: #b00020; font-weight: bold") : QStringLiteral("color: #1b7a3d"));
+    m_server->setStyleSheet(offline ? alarming : QStringLiteral("color: #1b7a3d"));
     m_server->show();
 }
 
@@ -135,6 +141,12 @@ void StatusLine::showRows(const TDBGridEh *grid)
         return fill(m_rows, {});
     const QString rows = counted(dataSet->recordCount());
     fill(m_rows, dataSet->truncated() ? QStringLiteral("已取 %1 行（已截断）").arg(rows) : QStringLiteral("共 %1 行").arg(rows));
+    m_rows->setStyleSheet(dataSet->truncated() ? alarming : QString());
+}
+
+void StatusLine::showConditions(ConditionState state)
+{
+    fill(m_conditions, state == ConditionState::Changed ? QStringLiteral("条件已改") : QString());
 }
 
 void StatusLine::showSelection(const TDBGridEh *grid) { fill(m_selection, grid ? selectionSummary(*grid) : QString()); }
@@ -148,3 +160,5 @@ void StatusLine::showRights(const TForm *form)
 }
 
 void StatusLine::showTime(const QString &time) { fill(m_time, time); }
+
+} // namespace client

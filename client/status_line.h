@@ -6,6 +6,12 @@ class QLabel;
 class TDBGridEh;
 class TForm;
 
+namespace client {
+
+constexpr int messageMilliseconds = 15'000;
+
+enum class ConditionState { AsAsked, Changed };
+
 /// The status bar: what is shown and selected, the rights of the screen in front, who is logged in where, the server that answers, and the
 /// server's clock.
 class StatusLine : public QStatusBar {
@@ -15,6 +21,8 @@ public:
     StatusLine();
 
     void showRows(const TDBGridEh *grid); ///< null: no grid is current
+    /// Whether the rows are those of the conditions that stand on the screen.
+    void showConditions(ConditionState state);
     void showSelection(const TDBGridEh *grid);
     void showRights(const TForm *form); ///< null: no screen is open
     void showLogin(const QString &user, const QString &loginSite);
@@ -27,6 +35,7 @@ private:
 
     QLabel *m_selection;
     QLabel *m_rows;
+    QLabel *m_conditions;
     QLabel *m_rights;
     QLabel *m_login;
     QLabel *m_server; ///< hidden while no server is used
@@ -35,3 +44,5 @@ private:
 
 /// Number, sum and average of the selected cells, in words; empty unless several are selected.
 QString selectionSummary(const TDBGridEh &grid);
+
+} // namespace client

@@ -2,6 +2,7 @@
 
 #include <QHash>
 
+namespace client {
 namespace {
 
 struct ToolkitText {
@@ -118,3 +119,5 @@ QString ToolkitTexts::translate(const char *, const char *source, const char *, 
     }();
     return chinese.value(source);
 }
+
+} // namespace client

@@ -6,6 +6,8 @@
 
 #include <QToolButton>
 
+namespace client {
+
 WindowTabs::WindowTabs()
 {
     setDocumentMode(true);
@@ -47,3 +49,5 @@ void WindowTabs::showForms(const QList<TForm *> &forms, const TForm *active)
             setCurrentIndex(index);
     }
 }
+
+} // namespace client

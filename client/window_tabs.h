@@ -4,6 +4,8 @@
 
 class TForm;
 
+namespace client {
+
 /// The open screens as tabs.
 class WindowTabs : public QTabBar {
     Q_OBJECT
@@ -22,3 +24,5 @@ private:
 
     QList<TForm *> m_forms; ///< one a tab; refreshed whenever a screen opens or closes
 };
+
+} // namespace client

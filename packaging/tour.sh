@@ -41,7 +41,7 @@ JSON
 JSON
 }
 
-replies=$(commands | "$@" --automation) || { printf '%s\n' "$replies" >&2; echo "The client ended with an error." >&2; exit 1; }
+replies=$(commands | "$@" --automation --strict) || { printf '%s\n' "$replies" >&2; echo "The client ended with an error." >&2; exit 1; }
 if printf '%s\n' "$replies" | grep -F '"ok":false' >&2; then
     echo "The client refused a command." >&2
     exit 1

@@ -9,6 +9,7 @@
 
 #include <cstdio>
 
+namespace client {
 namespace {
 
 /// A component by its name or its path ("DataView1.DataViewGrid"); a bare name is looked for in frames too.
@@ -32,7 +33,7 @@ QObject *findByPath(const TComponentOwner &owner, const QString &path)
 
 struct Automation::CommandRow {
     QStringView name;
-    QJsonObject (Automation::*run)(const QJsonObject &arguments);
+    Member run;
 };
 
 const QList<Automation::CommandRow> &Automation::commands()
@@ -67,30 +68,57 @@ const QList<Automation::CommandRow> &Automation::commands()
     return rows;
 }
 
-Automation::Automation(MainWindow *window)
+Automation::Automation(MainWindow *window, Strictness strictness)
     : m_window(window)
+    , m_strictness(strictness)
 {
-    connect(Application, &TApplication::happened, this, [this](const QString &kind, const QVariantMap &particulars) {
-        QJsonObject event = QJsonObject::fromVariantMap(particulars);
-        event[u"event"] = kind;
-        m_events.append(event);
-    });
+    connect(Application, &TApplication::happened, this, &Automation::hear);
     Application->setMessageResponder(
         [this](const MessageRequest &request) { return m_answers.isEmpty() ? int(request.defaultAnswer()) : m_answers.dequeue(); });
     report::setPreviewResponder([this](const report::PreviewRequest &preview) { lookAt(preview); });
     for (const CommandRow &row : commands())
-        m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) {
-            activateWindow();
-            return (this->*run)(arguments);
-        });
-    connect(&m_dispatcher, &Dispatcher::replied, this, [](const QByteArray &line) {
-        std::fputs(line.constData(), stdout);
-        std::fflush(stdout);
-    });
+        m_dispatcher.add(row.name.toString(), [this, run = row.run](const QJsonObject &arguments) { return obey(run, arguments); });
+    connect(&m_dispatcher, &Dispatcher::replied, this, &Automation::reply);
     connect(&m_reader, &LineReader::lineRead, &m_dispatcher, &Dispatcher::receive);
     connect(&m_reader, &LineReader::ended, &m_dispatcher, &Dispatcher::end);
     connect(&m_dispatcher, &Dispatcher::ended, qApp, [] { QApplication::exit(); });
     m_reader.start();
+}
+
+void Automation::hear(const QString &kind, const QVariantMap &particulars)
+{
+    QJsonObject event = QJsonObject::fromVariantMap(particulars);
+    event[u"event"] = kind;
+    m_events.append(event);
+    const QString text = particulars[QStringLiteral("text")].toString();
+    if (kind == u"error" || kind == u"cancelled")
+        m_heard.failures.append(text);
+    else if (kind == u"message")
+        m_heard.messages.append(text);
+    else if (kind == u"statement")
+        m_heard.statement = true;
+}
+
+/// What a command sets off may fail in a handler, whose exception does not come back to here.
+QJsonObject Automation::obey(Member command, const QJsonObject &arguments)
+{
+    activateWindow();
+    m_heard = {};
+    const QJsonObject reply = (this->*command)(arguments);
+    if (!m_heard.failures.isEmpty())
+        throw Exception(m_heard.failures.first());
+    return reply;
+}
+
+void Automation::reply(const QJsonObject &reply)
+{
+    std::fputs(replyLine(reply).constData(), stdout);
+    std::fflush(stdout);
+    const bool refused = !reply[u"ok"].toBool() || !reply[u"asked"].toBool(true);
+    if (!refused || m_strictness == Strictness::GoOn)
+        return;
+    m_dispatcher.stop();
+    QApplication::exit(1);
 }
 
 /// Off-screen, a list that dropped down takes the activation along when it closes, and without it the focus would not move.
@@ -186,3 +214,5 @@ Qt::KeyboardModifiers modifiersOf(const QJsonObject &arguments)
     }
     return modifiers;
 }
+
+} // namespace client

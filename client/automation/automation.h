@@ -13,6 +13,13 @@ namespace report {
 struct PreviewRequest;
 }
 
+namespace client {
+
+enum class Strictness {
+    GoOn,
+    StopAtFailure, ///< the first command that fails, or query that is refused, ends the program with code 1
+};
+
 /// Obeys commands from the standard input on the real windows and answers them on the standard output. The protocol is
 /// docs/automation.md. While it lives it records what happens and answers message boxes itself.
 class Automation : public QObject {
@@ -20,13 +27,17 @@ class Automation : public QObject {
 
 public:
     /// Begins to read at once. The end of the input ends the program.
-    explicit Automation(MainWindow *window);
+    Automation(MainWindow *window, Strictness strictness);
     ~Automation() override;
 
 private:
+    using Member = QJsonObject (Automation::*)(const QJsonObject &arguments);
     struct CommandRow;
-    void activateWindow();
     static const QList<CommandRow> &commands();
+    void activateWindow();
+    void hear(const QString &kind, const QVariantMap &particulars);
+    QJsonObject obey(Member command, const QJsonObject &arguments);
+    void reply(const QJsonObject &reply);
 
     QJsonObject open(const QJsonObject &arguments);
     QJsonObject forms(const QJsonObject &arguments);
@@ -63,16 +74,25 @@ private:
     /// The control, on a form that is in front now.
     QWidget *controlInFront(const QJsonObject &arguments) const;
     /// The grid that "view" names (itself or by its frame), or the current one.
+    TDBGridEh *view(const QJsonObject &arguments) const;
     /// What a person does with a preview: sees all pages, and saves them when a file was asked for.
     void lookAt(const report::PreviewRequest &preview);
-    TDBGridEh *view(const QJsonObject &arguments) const;
+
+    /// What happened while the present command ran.
+    struct Heard {
+        QStringList failures; ///< exceptions that reached the application object
+        QStringList messages; ///< texts of message boxes
+        bool statement = false; ///< one was sent
+    };
 
     MainWindow *m_window;
+    const Strictness m_strictness;
     QString m_printFile; ///< where the next preview is saved
-    int m_printedPages = 0;
+    QJsonObject m_printed; ///< the answer to the present `print`; empty until something is shown
     Dispatcher m_dispatcher;
     LineReader m_reader;
     QJsonArray m_events;
+    Heard m_heard;
     QQueue<int> m_answers; ///< of the next message boxes
 };
 
@@ -80,3 +100,5 @@ private:
 QString requiredText(const QJsonObject &arguments, QStringView name);
 /// "ctrl", "shift" and "alt" in a list or one text.
 Qt::KeyboardModifiers modifiersOf(const QJsonObject &arguments);
+
+} // namespace client

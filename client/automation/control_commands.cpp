@@ -12,6 +12,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 
+namespace client {
 namespace {
 
 TPageControl *pagesOf(const QWidget *sheet)
@@ -111,7 +112,7 @@ QJsonObject Automation::get(const QJsonObject &arguments) { return describe(*com
 QJsonObject Automation::set(const QJsonObject &arguments)
 {
     QWidget *widget = controlInFront(arguments);
-    Person::enter(widget);
+    person::enter(widget);
     if (arguments.contains(u"checked")) {
         auto *button = qobject_cast<QAbstractButton *>(widget);
         if (!button || !button->isCheckable())
@@ -120,13 +121,13 @@ QJsonObject Automation::set(const QJsonObject &arguments)
             button->click();
     }
     if (arguments.contains(u"itemIndex"))
-        Person::choose(widget, arguments[u"itemIndex"].toInt(-2));
+        person::choose(widget, arguments[u"itemIndex"].toInt(-2));
     if (arguments.contains(u"lines"))
-        Person::type(widget, joinedLines(arguments[u"lines"].toArray()));
+        person::type(widget, joinedLines(arguments[u"lines"].toArray()));
     if (arguments.contains(u"text"))
-        Person::type(widget, arguments[u"text"].toString());
+        person::type(widget, arguments[u"text"].toString());
     if (arguments[u"leave"].toBool(true))
-        Person::leave(widget);
+        person::leave(widget);
     return {};
 }
 
@@ -136,8 +137,8 @@ QJsonObject Automation::key(const QJsonObject &arguments)
     if (keys.isEmpty() || keys[0].key() == Qt::Key_unknown)
         throw Exception(QStringLiteral("不认识的按键“%1”").arg(arguments[u"key"].toString()));
     QWidget *widget = controlInFront(arguments);
-    Person::enter(widget);
-    Person::pressKey(widget, QKeyCombination(keys[0].keyboardModifiers() | modifiersOf(arguments), keys[0].key()));
+    person::enter(widget);
+    person::pressKey(widget, QKeyCombination(keys[0].keyboardModifiers() | modifiersOf(arguments), keys[0].key()));
     return {};
 }
 
@@ -146,7 +147,7 @@ QJsonObject Automation::click(const QJsonObject &arguments)
     auto *button = qobject_cast<QAbstractButton *>(controlInFront(arguments));
     if (!button)
         throw Exception(QStringLiteral("控件“%1”不是按钮").arg(arguments[u"control"].toString()));
-    Person::press(button);
+    person::press(button);
     return {};
 }
 
@@ -162,3 +163,5 @@ QJsonObject Automation::page(const QJsonObject &arguments)
     pages->setActivePage(sheet);
     return {};
 }
+
+} // namespace client

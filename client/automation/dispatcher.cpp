@@ -4,35 +4,30 @@
 
 #include <QJsonDocument>
 
-namespace {
+namespace client {
+
+QJsonObject failureReply(const QString &message) { return { { QStringLiteral("ok"), false }, { QStringLiteral("error"), message } }; }
 
 QByteArray replyLine(const QJsonObject &reply) { return QJsonDocument(reply).toJson(QJsonDocument::Compact) + '\n'; }
-
-} // namespace
-
-QByteArray failureReply(const QString &message)
-{
-    return replyLine({ { QStringLiteral("ok"), false }, { QStringLiteral("error"), message } });
-}
 
 void Dispatcher::receive(const QByteArray &line)
 {
     if (line.trimmed().isEmpty())
         return;
     m_waiting.enqueue(line);
-    goOn();
+    scheduleNext();
 }
 
 void Dispatcher::end()
 {
     m_ending = true;
-    goOn();
+    scheduleNext();
 }
 
 /// What is to be done next waits for the next turn of the event loop, so that what the last command left to do comes first.
-void Dispatcher::goOn()
+void Dispatcher::scheduleNext()
 {
-    if (m_busy)
+    if (m_busy || m_stopped)
         return;
     m_busy = !m_waiting.isEmpty();
     if (m_busy)
@@ -43,15 +38,15 @@ void Dispatcher::goOn()
 
 void Dispatcher::obeyNext()
 {
-    QByteArray reply;
+    QJsonObject reply;
     try {
-        reply = replyLine(obey(m_waiting.dequeue()));
+        reply = obey(m_waiting.dequeue());
     } catch (...) {
         reply = failureReply(currentExceptionMessage());
     }
     Q_EMIT replied(reply);
     m_busy = false;
-    goOn();
+    scheduleNext();
 }
 
 QJsonObject Dispatcher::obey(const QByteArray &line) const
@@ -70,3 +65,5 @@ QJsonObject Dispatcher::obey(const QByteArray &line) const
     reply[u"ok"] = true;
     return reply;
 }
+
+} // namespace client

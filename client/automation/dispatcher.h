@@ -7,6 +7,8 @@
 
 #include <functional>
 
+namespace client {
+
 /// Obeys commands given as one JSON object a line, and answers each with one line: what the command answers and "ok": true, or
 /// "ok": false and "error". A command is never begun before the one before it has ended, even if that runs an event loop.
 class Dispatcher : public QObject {
@@ -19,21 +21,28 @@ public:
     void receive(const QByteArray &line);
     /// No more commands will come.
     void end();
+    /// No more commands are obeyed, those that wait neither.
+    void stop() { m_stopped = true; }
 
 Q_SIGNALS:
-    void replied(const QByteArray &line);
+    void replied(const QJsonObject &reply);
     void ended(); ///< everything is obeyed, and no more will come
 
 private:
     void obeyNext();
-    void goOn();
+    void scheduleNext();
     QJsonObject obey(const QByteArray &line) const;
 
     QHash<QString, Command> m_commands;
     QQueue<QByteArray> m_waiting;
     bool m_busy = false;
     bool m_ending = false;
+    bool m_stopped = false;
 };
 
-/// The line that answers with an error.
-QByteArray failureReply(const QString &message);
+/// The answer with an error.
+QJsonObject failureReply(const QString &message);
+/// An answer as it is written.
+QByteArray replyLine(const QJsonObject &reply);
+
+} // namespace client

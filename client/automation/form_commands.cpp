@@ -12,6 +12,10 @@
 #include <QClipboard>
 #include <QPixmap>
 
+#include <utility>
+
+namespace client {
+
 QJsonObject Automation::open(const QJsonObject &arguments)
 {
     m_window->openScreen(arguments[u"screen"].toString());
@@ -48,38 +52,46 @@ QJsonObject Automation::query(const QJsonObject &arguments)
     if (arguments.contains(u"form"))
         form(arguments)->showForm();
     m_window->query();
-    return {};
+    QJsonObject reply { { QStringLiteral("asked"), m_heard.statement || m_heard.messages.isEmpty() } };
+    if (!m_heard.messages.isEmpty())
+        reply[u"messages"] = QJsonArray::fromStringList(m_heard.messages);
+    return reply;
 }
 
 QJsonObject Automation::print(const QJsonObject &arguments)
 {
     m_printFile = arguments[u"file"].toString();
-    m_printedPages = 0;
+    m_printed = {};
     if (arguments.contains(u"control"))
         click(arguments);
     else
         m_window->print();
-    m_printFile.clear();
-    return { { QStringLiteral("pages"), m_printedPages } };
+    if (m_printed.isEmpty())
+        throw Exception(m_heard.messages.isEmpty() ? QStringLiteral("没有打印任何内容。") : m_heard.messages.first());
+    return m_printed;
 }
 
 void Automation::lookAt(const report::PreviewRequest &preview)
 {
     preview.report.prepareAllPages();
-    m_printedPages = preview.report.pageCount();
-    if (m_printFile.isEmpty())
+    m_printed = { { QStringLiteral("pages"), preview.report.pageCount() }, { QStringLiteral("rows"), preview.report.rowCount() },
+        { QStringLiteral("truncated"), preview.report.isTruncated() } };
+    const QString file = std::exchange(m_printFile, {}); // a later preview is not saved
+    if (file.isEmpty())
         return;
     report::PdfExport pdf;
-    report::ExportFilter *filter = report::filterFor(preview.filters + QList<report::ExportFilter *> { &pdf }, m_printFile);
+    report::ExportFilter *filter = report::filterFor(preview.filters + QList<report::ExportFilter *> { &pdf }, file);
     if (!filter)
-        throw Exception(QStringLiteral("不能打印到“%1”：文件名请以 .pdf 结尾。").arg(m_printFile));
-    filter->exportReport(preview.report, m_printFile);
+        throw Exception(QStringLiteral("不能打印到“%1”：文件名请以 .pdf 结尾。").arg(file));
+    filter->exportReport(preview.report, file);
 }
 
 QJsonObject Automation::exportGrid(const QJsonObject &arguments)
 {
     const ExportTarget target { requiredText(arguments, u"file"), arguments[u"encoding"].toString() };
-    return { { QStringLiteral("rows"), m_window->exportTo(*view(arguments), target) } };
+    const TDBGridEh *grid = view(arguments);
+    const int rows = m_window->exportTo(*grid, target);
+    return { { QStringLiteral("rows"), rows }, { QStringLiteral("truncated"), !grid->dataSet()->truncationNotice().isEmpty() } };
 }
 
 QJsonObject Automation::copy(const QJsonObject &arguments)
@@ -126,3 +138,5 @@ QJsonObject Automation::quit(const QJsonObject &)
         qApp, [] { QApplication::exit(); }, Qt::QueuedConnection);
     return {};
 }
+
+} // namespace client

@@ -4,6 +4,8 @@
 #include <mutex>
 #include <thread>
 
+namespace client {
+
 /// Where the thread finds the reader as long as there is one.
 struct LineReader::Mailbox {
     std::mutex mutex;
@@ -40,3 +42,5 @@ void LineReader::start()
         mailbox->post([](LineReader *reader) { Q_EMIT reader->ended(); });
     }).detach();
 }
+
+} // namespace client

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace client {
+
 /// Reads the standard input on a thread of its own. The signals come on the thread of the reader, which may be destroyed at any
 /// time; the thread itself ends with the program.
 class LineReader : public QObject {
@@ -22,3 +24,5 @@ private:
     struct Mailbox;
     std::shared_ptr<Mailbox> m_mailbox;
 };
+
+} // namespace client

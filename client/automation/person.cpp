@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 
+namespace client {
 namespace {
 
 QWidget *focusTarget(QWidget *control) { return control->focusProxy() ? focusTarget(control->focusProxy()) : control; }
@@ -70,7 +71,7 @@ QAction *shortcutAction(const QWidget *window, QKeyCombination key)
 
 } // namespace
 
-void Person::enter(QWidget *control)
+void person::enter(QWidget *control)
 {
     if (!control->isEnabled())
         throw Exception(QStringLiteral("控件“%1”不可用").arg(control->objectName()));
@@ -79,7 +80,7 @@ void Person::enter(QWidget *control)
     focusTarget(control)->setFocus(Qt::TabFocusReason);
 }
 
-void Person::leave(QWidget *control)
+void person::leave(QWidget *control)
 {
     const QWidget *form = formOf(control);
     QWidget *next = control->nextInFocusChain();
@@ -91,7 +92,7 @@ void Person::leave(QWidget *control)
         next->setFocus(Qt::TabFocusReason);
 }
 
-void Person::type(QWidget *control, const QString &text)
+void person::type(QWidget *control, const QString &text)
 {
     if (auto *line = qobject_cast<QLineEdit *>(control))
         return typeLine(line, text);
@@ -104,7 +105,7 @@ void Person::type(QWidget *control, const QString &text)
     memo->insertPlainText(text);
 }
 
-void Person::choose(QWidget *control, int index)
+void person::choose(QWidget *control, int index)
 {
     if (const auto *group = qobject_cast<TRadioGroup *>(control)) {
         QAbstractButton *button = group->button(index);
@@ -121,7 +122,7 @@ void Person::choose(QWidget *control, int index)
     Q_EMIT combo->activated(index);
 }
 
-void Person::press(QAbstractButton *button)
+void person::press(QAbstractButton *button)
 {
     if (!button->isEnabled())
         throw Exception(QStringLiteral("按钮“%1”不可用").arg(button->objectName()));
@@ -130,7 +131,7 @@ void Person::press(QAbstractButton *button)
     button->click();
 }
 
-void Person::pressKey(QWidget *control, QKeyCombination key)
+void person::pressKey(QWidget *control, QKeyCombination key)
 {
     const QPointer<QWidget> target = focusTarget(control);
     const QString text = keyText(key);
@@ -145,3 +146,5 @@ void Person::pressKey(QWidget *control, QKeyCombination key)
             QApplication::sendEvent(target, &event);
     }
 }
+
+} // namespace client

@@ -7,7 +7,7 @@ class QString;
 class QWidget;
 
 /// What a person does with the controls of a window. All throw Exception where a person could not do it.
-namespace Person {
+namespace client::person {
 
 /// Moves the keyboard focus into a control that is seen and enabled.
 void enter(QWidget *control);
@@ -21,4 +21,4 @@ void press(QAbstractButton *button);
 /// Presses and releases a key; a command of the window that has the key as shortcut runs instead, unless the control wants it.
 void pressKey(QWidget *control, QKeyCombination key);
 
-} // namespace Person
+} // namespace client::person

@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QMouseEvent>
 
+namespace client {
 namespace {
 
 int columnOf(const TDBGridEh &grid, const QJsonObject &arguments)
@@ -153,3 +154,5 @@ QJsonObject Automation::colour(const QJsonObject &arguments)
     const TDBGridEh *grid = view(arguments);
     return { { QStringLiteral("colour"), grid->cellBackground(rowOf(*grid, arguments), columnOf(*grid, arguments)).name() } };
 }
+
+} // namespace client

@@ -7,14 +7,16 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 
+using namespace client;
+
 namespace {
 
 class DispatcherTest : public testing::Test {
 protected:
     DispatcherTest()
     {
-        QObject::connect(
-            &m_dispatcher, &Dispatcher::replied, &m_dispatcher, [this](const QByteArray &line) { m_log.append(line.trimmed()); });
+        QObject::connect(&m_dispatcher, &Dispatcher::replied, &m_dispatcher,
+            [this](const QJsonObject &reply) { m_log.append(replyLine(reply).trimmed()); });
         QObject::connect(&m_dispatcher, &Dispatcher::ended, &m_dispatcher, [this] { m_log.append("ended"); });
         m_dispatcher.add(QStringLiteral("echo"), [](const QJsonObject &arguments) {
             return QJsonObject { { QStringLiteral("said"), arguments[u"text"] } };

@@ -9,10 +9,12 @@
 #include "platform/toolkit/published.h"
 #include "platform/toolkit/screen.h"
 
+#include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 
-// A plug-in whose screens take any name. Its query shows 1,200 rows; a screen named "frm_Stubborn" asks before it closes.
+// A plug-in whose screens take any name. Its query shows 1,200 rows, cut by a limit when "cut" is asked for; a screen named "frm_Stubborn"
+// asks before it closes.
 
 namespace {
 
@@ -32,7 +34,9 @@ public:
         setProperty("Right2", rights[1] == u'1');
         setProperty("Right3", rights[2] == u'1');
         auto *layout = new QVBoxLayout(this);
-        for (QWidget *widget : std::initializer_list<QWidget *> { Button1, DataViewGrid })
+        Edit1->setPlaceholderText(QStringLiteral("编号"));
+        Edit1->setFocusPolicy(Qt::NoFocus);
+        for (QWidget *widget : std::initializer_list<QWidget *> { Edit1, Button1, DataViewGrid })
             layout->addWidget(widget);
         DS->setDataSet(cds);
         DataViewGrid->setDataSource(DS);
@@ -63,9 +67,10 @@ private:
             rows.addText(0, std::to_string(row));
             rows.endRow();
         }
-        cds->setData(rows.finish());
+        cds->setData(rows.finish(Edit1->text() == u"cut"));
     }
 
+    PUBLISHED(QLineEdit, Edit1);
     PUBLISHED(QPushButton, Button1);
     PUBLISHED(TDBGridEh, DataViewGrid);
     PUBLISHED(TDataSource, DS);

@@ -1,10 +1,12 @@
 #include "client/connections.h"
 #include "client/main_window.h"
 
+#include "client/export/table_export.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
+#include "platform/toolkit/long_work.h"
 #include "platform/toolkit/published.h"
 
 #include <gtest/gtest.h>
@@ -13,11 +15,14 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <sqlite3.h>
+
+using namespace client;
 
 namespace {
 
@@ -180,6 +185,59 @@ TEST_F(MainWindowTest, CommandsFollowTheScreenInFront)
     EXPECT_FALSE(enabled(*window, QStringLiteral("查询")));
     EXPECT_FALSE(enabled(*window, QStringLiteral("复制")));
     EXPECT_FALSE(tabs->isVisible());
+}
+
+TEST_F(MainWindowTest, TheStatusLineTellsOfCutRowsAndOfConditionsThatHaveChanged)
+{
+    const auto window = open();
+    window->openScreen(QStringLiteral("frm_One111"));
+    QApplication::processEvents();
+    auto *condition = window->activeForm()->findChild<QLineEdit *>(QStringLiteral("Edit1"));
+    const auto texts = [&] {
+        QTest::qWait(1100); // a person sees it a second later
+        return statusTexts(*window);
+    };
+    window->query();
+    EXPECT_FALSE(texts().contains(QStringLiteral("条件已改")));
+    condition->setText(QStringLiteral("cut"));
+    EXPECT_TRUE(texts().contains(QStringLiteral("条件已改")));
+    window->query();
+    EXPECT_TRUE(texts().contains(QStringLiteral("已取 1,200 行（已截断）")));
+    EXPECT_FALSE(texts().contains(QStringLiteral("条件已改")));
+}
+
+TEST_F(MainWindowTest, ACancelledQueryIsAWordInTheStatusLine)
+{
+    const auto window = open();
+    m_log.clear();
+    Application->handleException(std::make_exception_ptr(Abort(QStringLiteral("查询已取消"))));
+    EXPECT_EQ(window->statusBar()->currentMessage(), QStringLiteral("查询已取消"));
+    EXPECT_EQ(m_log, QStringList(QStringLiteral("cancelled ")));
+}
+
+TEST_F(MainWindowTest, WhatWasNeverAskedForIsNotExported)
+{
+    const auto window = open();
+    window->openScreen(QStringLiteral("frm_One111"));
+    QApplication::processEvents();
+    const QString file = m_directory.filePath(QStringLiteral("空.csv"));
+    EXPECT_THROW(window->exportTo(*window->currentGrid(), { file }), Exception);
+    EXPECT_FALSE(QFileInfo::exists(file));
+    window->query();
+    EXPECT_EQ(window->exportTo(*window->currentGrid(), { file }), 1200);
+}
+
+TEST_F(MainWindowTest, ClosingAScreenLeadsBackToTheOneBefore)
+{
+    const auto window = open();
+    for (const char16_t *name : { u"frm_One111", u"frm_Two111", u"frm_Three111" })
+        window->openScreen(QString::fromUtf16(name));
+    QApplication::processEvents();
+    window->forms()[1]->showForm();
+    window->openScreen(QStringLiteral("frm_Track111"));
+    QApplication::processEvents();
+    window->activeForm()->parentWidget()->close();
+    EXPECT_EQ(window->activeForm()->objectName(), QStringLiteral("frm_Two"));
 }
 
 TEST_F(MainWindowTest, KeysRunTheCommands)

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace client;
+
 namespace {
 
 TEST(Options, EachIsReadAndTheRestKeepsItsDefault)
@@ -37,8 +39,8 @@ TEST(Options, WhatIsWrongIsNamed)
         try {
             readOptions(QString::fromUtf16(arguments).split(u'|'));
             ADD_FAILURE() << QString::fromUtf16(arguments).toStdString();
-        } catch (const Exception &exception) {
-            EXPECT_TRUE(exception.message().contains(QString::fromUtf16(named))) << exception.what();
+        } catch (const std::exception &exception) {
+            EXPECT_TRUE(exceptionMessage(exception).contains(QString::fromUtf16(named))) << exception.what();
         }
     }
 }

@@ -12,6 +12,8 @@
 #include <QSignalSpy>
 #include <QVBoxLayout>
 
+using namespace client;
+
 namespace {
 
 class PersonTest : public testing::Test {
@@ -39,29 +41,29 @@ TEST_F(PersonTest, TypingReplacesTheTextAndCountsAsAnEdit)
 {
     m_line.setText(QStringLiteral("old"));
     const QSignalSpy edited(&m_line, &QLineEdit::textEdited);
-    Person::type(&m_line, QStringLiteral("new"));
+    person::type(&m_line, QStringLiteral("new"));
     EXPECT_EQ(m_line.text(), QStringLiteral("new"));
-    Person::type(&m_line, {});
+    person::type(&m_line, {});
     EXPECT_EQ(m_line.text(), QString());
     EXPECT_EQ(edited.count(), 2);
-    Person::type(&m_memo, QStringLiteral("1\n2"));
+    person::type(&m_memo, QStringLiteral("1\n2"));
     EXPECT_EQ(m_memo.toPlainText(), QStringLiteral("1\n2"));
-    Person::type(&m_combo, QStringLiteral("包裹"));
+    person::type(&m_combo, QStringLiteral("包裹"));
     EXPECT_EQ(m_combo.itemIndex(), 2);
-    EXPECT_THROW(Person::type(&m_check, QStringLiteral("x")), Exception);
+    EXPECT_THROW(person::type(&m_check, QStringLiteral("x")), Exception);
 }
 
 TEST_F(PersonTest, LeavingRunsTheExitHandlerAndGoesToTheNextControl)
 {
     const QSignalSpy exited(&m_date, &DropDownEdit::exited);
-    Person::enter(&m_date);
+    person::enter(&m_date);
     EXPECT_TRUE(m_date.hasFocus());
-    Person::type(&m_date, QStringLiteral("2026-3-5 7:00"));
-    Person::leave(&m_date);
+    person::type(&m_date, QStringLiteral("2026-3-5 7:00"));
+    person::leave(&m_date);
     EXPECT_EQ(exited.count(), 1);
     EXPECT_EQ(m_date.text(), QStringLiteral("2026-03-05 07:00:00"));
     EXPECT_TRUE(m_combo.hasFocus());
-    Person::leave(&m_combo);
+    person::leave(&m_combo);
     EXPECT_TRUE(m_memo.hasFocus());
 }
 
@@ -69,11 +71,11 @@ TEST_F(PersonTest, WhatAPersonCannotReachIsRefused)
 {
     m_line.setEnabled(false);
     m_check.hide();
-    EXPECT_THROW(Person::enter(&m_line), Exception);
-    EXPECT_THROW(Person::enter(&m_check), Exception);
-    EXPECT_THROW(Person::choose(&m_combo, 3), Exception);
-    EXPECT_THROW(Person::choose(&m_line, 0), Exception);
-    Person::choose(&m_combo, 1);
+    EXPECT_THROW(person::enter(&m_line), Exception);
+    EXPECT_THROW(person::enter(&m_check), Exception);
+    EXPECT_THROW(person::choose(&m_combo, 3), Exception);
+    EXPECT_THROW(person::choose(&m_line, 0), Exception);
+    person::choose(&m_combo, 1);
     EXPECT_EQ(m_combo.text(), QStringLiteral("文件"));
 }
 
@@ -83,17 +85,17 @@ TEST_F(PersonTest, AKeyGoesToTheControlUnlessItIsACommand)
     command.setShortcuts({ QKeySequence(Qt::Key_F9), QKeySequence(Qt::CTRL | Qt::Key_A) });
     m_window.addAction(&command);
     const QSignalSpy triggered(&command, &QAction::triggered);
-    Person::enter(&m_line);
-    Person::pressKey(&m_line, Qt::Key_B);
-    Person::pressKey(&m_line, Qt::SHIFT | Qt::Key_C);
+    person::enter(&m_line);
+    person::pressKey(&m_line, Qt::Key_B);
+    person::pressKey(&m_line, Qt::SHIFT | Qt::Key_C);
     EXPECT_EQ(m_line.text(), QStringLiteral("bC"));
-    Person::pressKey(&m_line, Qt::Key_F9);
+    person::pressKey(&m_line, Qt::Key_F9);
     EXPECT_EQ(triggered.count(), 1);
-    Person::pressKey(&m_line, Qt::CTRL | Qt::Key_A); // the line wants this one
+    person::pressKey(&m_line, Qt::CTRL | Qt::Key_A); // the line wants this one
     EXPECT_EQ(triggered.count(), 1);
     EXPECT_EQ(m_line.selectedText(), QStringLiteral("bC"));
     command.setEnabled(false);
-    Person::pressKey(&m_line, Qt::Key_F9);
+    person::pressKey(&m_line, Qt::Key_F9);
     EXPECT_EQ(triggered.count(), 1);
 }
 

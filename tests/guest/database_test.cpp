@@ -8,6 +8,9 @@
 
 #include <QTemporaryDir>
 
+using namespace client;
+using namespace guest;
+
 namespace {
 
 /// The statements on the real schema: a waybill with one row in each of the eight tables.

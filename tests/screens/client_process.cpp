@@ -101,7 +101,8 @@ int ClientProcess::quit()
 {
     ask({ { QStringLiteral("do"), QStringLiteral("quit") } });
     m_process.closeWriteChannel();
-    return m_process.waitForFinished(patience) ? m_process.exitCode() : -1;
+    const bool ended = m_process.state() == QProcess::NotRunning || m_process.waitForFinished(patience);
+    return ended ? m_process.exitCode() : -1;
 }
 
 QString answerOf(const QString &sql)

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdio>
 
+using namespace client;
+
 namespace {
 
 QFile record;

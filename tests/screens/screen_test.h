@@ -40,8 +40,11 @@ protected:
     QStringList sentBy(const QString &what, const QJsonObject &arguments = {})
     {
         m_client.events();
-        m_client.obey(what, arguments);
+        QJsonObject command = arguments;
+        command[u"do"] = what;
+        const bool done = m_client.ask(command)[u"ok"].toBool();
         m_events = m_client.events();
+        EXPECT_EQ(done, happened(QStringLiteral("error"), { QStringLiteral("text") }).isEmpty());
         return happened(QStringLiteral("statement"), { QStringLiteral("sql") });
     }
     /// The particulars of the last command's events of a kind, joined.

@@ -39,16 +39,17 @@ QString sharedFile(const QString &name)
 
 } // namespace
 
-ServerProcess::ServerProcess(int port, const QString &url)
+ServerProcess::ServerProcess(int port, const QString &url, int rows)
 {
     const QString shown = url.isEmpty() ? QString(u"sqlite:" + ClientProcess::database()) : url;
     const QString name = sharedFile(QStringLiteral("server-%1.conf").arg(reinterpret_cast<quintptr>(this)));
     writeFile(name,
         QStringLiteral(
             "listen = 127.0.0.1:%1\ncertificate = server.crt\nprivate_key = server.key\nusers = users\ntoken_key_file = token.key\n"
-            "drain_seconds = 0\n[database main]\nurl = %2\n")
+            "drain_seconds = 0\n[database main]\nurl = %2\nrows = %3\n")
             .arg(port)
             .arg(shown)
+            .arg(rows)
             .toUtf8());
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(QStringLiteral(KELVARA_BIN "/kelvara-server"), { QStringLiteral("--config"), name });

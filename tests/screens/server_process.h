@@ -6,8 +6,8 @@
 /// A server that runs as a program on loopback; all of them share certificate, users and token key.
 class ServerProcess {
 public:
-    /// Serves the demo database of the test clients, or the one at `url`. `port` 0: any free one.
-    explicit ServerProcess(int port = 0, const QString &url = {});
+    /// Serves the demo database of the test clients, or the one at `url`, at most `rows` of a result. `port` 0: any free one.
+    explicit ServerProcess(int port = 0, const QString &url = {}, int rows = 1'000'000);
     ~ServerProcess();
 
     int port() const { return m_port; }

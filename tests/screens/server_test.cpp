@@ -96,7 +96,7 @@ protected:
     /// The errors that the query shows; none means that its rows are all there.
     int failedQueries()
     {
-        m_client.obey(QStringLiteral("query"));
+        m_client.ask({ { QStringLiteral("do"), QStringLiteral("query") } });
         const int errors = int(m_client.events(QStringLiteral("error")).size());
         if (errors == 0) {
             EXPECT_EQ(rows(), m_expected);

@@ -7,6 +7,8 @@
 #include <QDir>
 #include <QFile>
 
+using namespace client;
+
 namespace {
 
 TEST(StartUp, NamesThatAreNoScreenGetTheEntrysErrorBox)
@@ -64,7 +66,7 @@ TEST(StartUp, ADatabaseThatIsLostKeepsTheScreenAndItsConditions)
     QFile lost(copy);
     ASSERT_TRUE(lost.resize(4096 * 3));
     client.events();
-    client.obey(QStringLiteral("query"));
+    EXPECT_FALSE(client.ask({ { QStringLiteral("do"), QStringLiteral("query") } })[u"ok"].toBool(true));
     EXPECT_EQ(client.events(QStringLiteral("error")).size(), 1);
     EXPECT_EQ(client.textOf(QStringLiteral("DBLookupComboboxEh7")), QStringLiteral("发件"));
     EXPECT_EQ(client.obey(QStringLiteral("rows"), view)[u"total"].toInt(), onlySource);

@@ -1,4 +1,8 @@
 #pragma once
 
+namespace client {
+
 /// Style, font, palette, program icon and the toolkit's own texts in Chinese, for the whole program.
-void setLook();
+void applyTheme();
+
+} // namespace client

@@ -1,4 +1,4 @@
-#include "client/look.h"
+#include "client/theme.h"
 
 #include "client/icons.h"
 #include "client/toolkit_texts.h"
@@ -9,6 +9,7 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+namespace client {
 namespace {
 
 constexpr QStringView families[]
@@ -48,7 +49,7 @@ QPalette quietPalette()
 
 } // namespace
 
-void setLook()
+void applyTheme()
 {
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
@@ -57,3 +58,5 @@ void setLook()
     QApplication::installTranslator(new ToolkitTexts(qApp));
     QApplication::setWindowIcon(programIcon());
 }
+
+} // namespace client
