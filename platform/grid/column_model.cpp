@@ -39,6 +39,14 @@ void ColumnModel::restoreDesign()
     }
 }
 
+void ColumnModel::set(int index, const Column &column)
+{
+    const bool changed = column.visible != at(index).visible;
+    m_columns[index].column = column;
+    if (changed)
+        setVisible(index, column.visible);
+}
+
 void ColumnModel::setVisible(int index, bool visible)
 {
     Entry &entry = m_columns[index];

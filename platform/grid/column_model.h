@@ -16,7 +16,7 @@ public:
 
     int count() const { return int(m_columns.size()); }
     const Column &at(int index) const { return m_columns[index].column; }
-    void set(int index, const Column &column) { m_columns[index].column = column; }
+    void set(int index, const Column &column); ///< its visibility as setVisible()
     void move(int from, int to) { m_columns.move(from, to); }
     void setWidth(int index, int width) { m_columns[index].column.width = width; }
     /// What code wants; a choice of the person overrides it.
