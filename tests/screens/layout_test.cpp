@@ -80,7 +80,10 @@ TEST_F(DestinationLayout, WhatThePersonHidesStaysHiddenWhateverTheScreenShows)
     tick(QStringLiteral("RadioButton1"), true);
     EXPECT_EQ(firstColumns(), chosen);
     reopen();
-    EXPECT_TRUE(firstColumns().contains(u"(area_name65)")) << firstColumns().toStdString();
+    EXPECT_EQ(firstColumns(), QStringLiteral("PRE_OR_NEXT_STATION65 DISPATCH_SITE65 bill_count64 WEIGHT64"));
+    const QJsonArray all = columns();
+    EXPECT_EQ(all.last()[u"field"].toString(), QStringLiteral("area_name65")) << "behind the columns of the stored order";
+    EXPECT_FALSE(all.last()[u"visible"].toBool());
 }
 
 TEST_F(DestinationLayout, AnAmountThatWasMovedToTheFrontKeepsItsSum)
