@@ -89,7 +89,7 @@ void person::leave(QWidget *control)
     if (next == control)
         focusTarget(control)->clearFocus();
     else
-        next->setFocus(Qt::TabFocusReason);
+        next->setFocus(Qt::OtherFocusReason); // not Tab, which takes what a list offers in place of the text
 }
 
 void person::type(QWidget *control, const QString &text)
@@ -133,7 +133,8 @@ void person::press(QAbstractButton *button)
 
 void person::pressKey(QWidget *control, QKeyCombination key)
 {
-    const QPointer<QWidget> target = focusTarget(control);
+    // What has dropped down from the control gets its keys first.
+    const QPointer<QWidget> target = QApplication::activePopupWidget() ? QApplication::activePopupWidget() : focusTarget(control);
     const QString text = keyText(key);
     QKeyEvent claim(QEvent::ShortcutOverride, key.key(), key.keyboardModifiers(), text);
     claim.ignore();

@@ -1,5 +1,8 @@
 #include "platform/editors/combo_box.h"
 
+#include <QAbstractItemView>
+#include <QCoreApplication>
+#include <QKeyEvent>
 #include <QRegularExpression>
 #include <QWheelEvent>
 
@@ -27,6 +30,7 @@ TDBComboBoxEh::TDBComboBoxEh(QWidget *parent)
     setCompleter(nullptr);
     setMaxVisibleItems(mostVisibleItems);
     setFocusPolicy(Qt::StrongFocus);
+    view()->installEventFilter(this);
 }
 
 void TDBComboBoxEh::setText(const QString &text)
@@ -59,6 +63,19 @@ void TDBComboBoxEh::setItemIndex(int index)
 {
     setCurrentIndex(index);
     setEditText(index < 0 ? QString() : itemText(index));
+}
+
+bool TDBComboBoxEh::eventFilter(QObject *watched, QEvent *event)
+{
+    const auto *key = event->type() == QEvent::KeyPress ? static_cast<QKeyEvent *>(event) : nullptr;
+    const int row = view()->currentIndex().row();
+    if (watched != view() || !key || row < 0 || (key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter))
+        return QComboBox::eventFilter(watched, event);
+    hidePopup();
+    setItemIndex(row);
+    Q_EMIT activated(row);
+    QCoreApplication::sendEvent(this, event);
+    return true;
 }
 
 void TDBComboBoxEh::wheelEvent(QWheelEvent *event)

@@ -21,6 +21,8 @@ public:
     void setItemIndex(int index); ///< -1 empties the text
 
 protected:
+    /// Enter in the dropped-down list takes the item and goes on to the form, as it does in the closed one.
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void wheelEvent(QWheelEvent *event) override;
 
 private:

@@ -89,6 +89,10 @@ void TDBLookupComboboxEh::showList(TDataSet *dataSet, std::vector<int> rows, int
         m_list = new LookupList(this);
         m_list->setColumns(m_columns);
         handle(m_list, &LookupList::rowClicked, this, [this] { closeList(true); });
+        handle(m_list, &LookupList::goesOn, this, [this] {
+            if (!isComposing())
+                closeList(true);
+        });
     }
     m_list->showRows(dataSet, std::move(rows), currentRow);
     m_list->setGeometry(dropDownGeometry(m_list->contentSize().expandedTo(QSize(width(), 0))));
@@ -106,7 +110,7 @@ void TDBLookupComboboxEh::closeList(bool accept)
         setText(dataSet->text(dataSet->fieldByName(m_keyField)->index(), row));
 }
 
-/// Whether the open list takes the key; it may close then.
+/// Whether the open list takes the key, and nobody else gets it; it may close.
 bool TDBLookupComboboxEh::actOnList(QKeyEvent *event)
 {
     if (isDropDownKey(*event) || event->key() == Qt::Key_Escape) {
@@ -120,12 +124,6 @@ bool TDBLookupComboboxEh::actOnList(QKeyEvent *event)
     case Qt::Key_PageDown:
         m_list->walk(event);
         return true;
-    case Qt::Key_Return:
-    case Qt::Key_Enter: {
-        const bool taken = m_list->currentRecord() >= 0;
-        closeList(taken);
-        return taken;
-    }
     default:
         return false;
     }
@@ -138,7 +136,7 @@ bool TDBLookupComboboxEh::event(QEvent *event)
     return DropDownEdit::event(event);
 }
 
-/// What the open list has to do with events that come before a key press or are no key at all; true: nobody else gets it.
+/// What the open list has to do with events that come before a key press; true: nobody else gets it.
 bool TDBLookupComboboxEh::actBeforeKey(QEvent *event)
 {
     switch (event->type()) {
@@ -149,13 +147,6 @@ bool TDBLookupComboboxEh::actBeforeKey(QEvent *event)
         const int key = static_cast<QKeyEvent *>(event)->key();
         event->setAccepted(key == Qt::Key_Escape || key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_F4);
         return event->isAccepted();
-    }
-    case QEvent::KeyPress: {
-        // Tab moves the focus before it could be a key press.
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Tab || key == Qt::Key_Backtab)
-            guarded([this] { closeList(m_list->isWalked()); });
-        return false;
     }
     default:
         return false;

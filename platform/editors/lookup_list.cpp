@@ -116,7 +116,6 @@ void LookupList::showRows(TDataSet *dataSet, std::vector<int> rows, int currentR
     disconnect(m_watching);
     m_watching = handle(dataSet, &TDataSet::rowsChanged, this, &QWidget::hide);
     m_rows->show(dataSet, std::move(rows));
-    m_walked = false;
     const int current = m_rows->indexOf(currentRecord);
     if (current >= 0) {
         m_table->setCurrentIndex(m_rows->index(current, 0));
@@ -143,16 +142,17 @@ int LookupList::currentRecord() const
     return current.isValid() ? m_rows->recordAt(current.row()) : -1;
 }
 
-void LookupList::walk(QKeyEvent *event)
-{
-    m_walked = true;
-    QCoreApplication::sendEvent(m_table, event);
-}
+void LookupList::walk(QKeyEvent *event) { QCoreApplication::sendEvent(m_table, event); }
 
 bool LookupList::event(QEvent *event)
 {
     // The toolkit sends what is typed to the window on top; it is meant for the lookup.
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+        // The row is taken before the lookup is left: the form sees Enter first, and Tab moves the focus.
+        const int key = static_cast<QKeyEvent *>(event)->key();
+        if (event->type() == QEvent::KeyPress
+            && (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Tab || key == Qt::Key_Backtab))
+            Q_EMIT goesOn();
         QCoreApplication::sendEvent(m_edit, event);
         event->accept();
         return true;

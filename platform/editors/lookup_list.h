@@ -44,12 +44,13 @@ public:
     void showRows(TDataSet *dataSet, std::vector<int> rows, int currentRecord);
     QSize contentSize() const;
     int currentRecord() const; ///< -1 when there is none
-    /// True once a person has walked to a row with the keys.
-    bool isWalked() const { return m_walked; }
+    /// Moves the current row with the keys.
     void walk(QKeyEvent *event);
 
 Q_SIGNALS:
     void rowClicked();
+    /// A key that goes on from the lookup was pressed; it comes to the lookup afterwards.
+    void goesOn();
 
 protected:
     bool event(QEvent *event) override;
@@ -61,5 +62,4 @@ private:
     LookupRows *m_rows;
     QTableView *m_table;
     QMetaObject::Connection m_watching;
-    bool m_walked = false;
 };

@@ -3,6 +3,8 @@
 #include "platform/toolkit/handler.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
+#include <QInputMethodEvent>
 #include <QKeyEvent>
 #include <QMdiArea>
 
@@ -11,6 +13,7 @@ TForm::TForm(TComponentOwner *owner, const QString &name, const QString &caption
 {
     setWindowTitle(caption);
     owner->own(this, name.toLatin1().constData());
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 TForm::~TForm() = default;
@@ -38,10 +41,17 @@ void TForm::closeEvent(QCloseEvent *event)
     event->setAccepted(action == TCloseAction::Free);
 }
 
-void TForm::keyPressEvent(QKeyEvent *event)
+bool TForm::eventFilter(QObject *watched, QEvent *event)
 {
-    guarded([&] { FormKeyDown(event->key(), event->modifiers() & ~Qt::KeypadModifier); });
-    QWidget::keyPressEvent(event);
+    if (event->type() == QEvent::KeyPress && watched == focusWidget() && !m_composing) {
+        const auto *key = static_cast<QKeyEvent *>(event);
+        guarded([&] { FormKeyDown(key->key(), key->modifiers() & ~Qt::KeypadModifier); });
+    } else if (event->type() == QEvent::InputMethod && watched == focusWidget()) {
+        m_composing = !static_cast<QInputMethodEvent *>(event)->preeditString().isEmpty();
+    } else if (event->type() == QEvent::FocusOut) {
+        m_composing = false;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 TFrame::TFrame(QWidget *parent)

@@ -27,16 +27,19 @@ protected:
     virtual void FormShow() { }
     virtual void FormActivate() { }
     virtual void FormClose(TCloseAction &action) { action = TCloseAction::Free; }
+    /// Sees a key before the control that has the focus, which gets it afterwards wherever the focus is then; not while an input
+    /// method composes, whose keys these are.
     virtual void FormKeyDown(int key, Qt::KeyboardModifiers modifiers);
     /// Moves the focus to the next control of the form.
     void focusNextControl();
 
     void closeEvent(QCloseEvent *event) override;
-    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     friend class TMainForm;
     QPointer<QMdiSubWindow> m_window;
+    bool m_composing = false; ///< an input method, in the control that has the focus
 };
 
 /// A part of a form with components of its own.

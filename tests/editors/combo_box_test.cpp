@@ -63,6 +63,20 @@ TEST(ComboBox, WhatIsTypedStaysAndEnterGoesOnToTheForm)
     EXPECT_THAT(form.keys, ElementsAre(Qt::Key_Return));
 }
 
+TEST(ComboBox, EnterInTheListTakesTheItemAndGoesOnToTheForm)
+{
+    EntryForm<TDBComboBoxEh> form;
+    form.editor->setItemsText(QStringLiteral("Files\nfile"));
+    form.editor->setItemIndex(0);
+    form.editor->showPopup();
+    ASSERT_NE(QApplication::activePopupWidget(), nullptr);
+    QTest::keyClick(QApplication::activePopupWidget()->windowHandle(), Qt::Key_Down);
+    QTest::keyClick(QApplication::activePopupWidget()->windowHandle(), Qt::Key_Return);
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
+    EXPECT_EQ(form.editor->text(), QStringLiteral("file"));
+    EXPECT_THAT(form.keys, ElementsAre(Qt::Key_Return));
+}
+
 TEST(ComboBox, WheelTurnsOnlyTheOneThatHasTheFocus)
 {
     EntryForm<TDBComboBoxEh> form;

@@ -151,6 +151,22 @@ TEST_F(BasicForm, EveryClientDataSetRunsOverTheHostsConnection)
     delete screen;
 }
 
+TEST_F(BasicForm, SeesEnterBeforeTheControlThatHasTheFocus)
+{
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_host));
+    QWidget *focusAtEnter = nullptr;
+    QObject::connect(m_screen->Edit1, &QLineEdit::returnPressed, m_screen, [&] { focusAtEnter = QApplication::focusWidget(); });
+    m_screen->Edit1->setFocus();
+    QInputMethodEvent composing(QStringLiteral("bei"), {});
+    QCoreApplication::sendEvent(m_screen->Edit1, &composing);
+    QTest::keyClick(&m_host, Qt::Key_Return);
+    EXPECT_TRUE(m_screen->Edit1->hasFocus()) << "the key is the input method's";
+    QInputMethodEvent composed;
+    QCoreApplication::sendEvent(m_screen->Edit1, &composed);
+    QTest::keyClick(m_host.windowHandle(), Qt::Key_Return);
+    EXPECT_EQ(focusAtEnter, m_screen->Edit2);
+}
+
 TEST(WorkPanel, TwoClicksRestoreTheHeight)
 {
     QWidget panel;

@@ -63,7 +63,10 @@ void Tfrm_Basic::FormClose(TCloseAction &action)
 
 void Tfrm_Basic::FormKeyDown(int key, Qt::KeyboardModifiers modifiers)
 {
-    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier)
+    // In a result Enter walks through the cells.
+    const auto *grid = qobject_cast<TDBGridEh *>(focusWidget());
+    const bool walksCells = grid && grid->currentRow() >= 0;
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier && !walksCells)
         focusNextControl();
 }
 
