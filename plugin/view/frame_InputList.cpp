@@ -1,9 +1,11 @@
 #include "plugin/view/frame_InputList.h"
 
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/screen.h"
 #include "plugin/util/conditions.h"
 
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QVBoxLayout>
 
@@ -69,6 +71,13 @@ QStringList BillMemo::lines() const
     return all;
 }
 
+void BillMemo::keyPressEvent(QKeyEvent *event)
+{
+    if (!hasFocus() && (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter))
+        focusControl(this);
+    QPlainTextEdit::keyPressEvent(event);
+}
+
 void BillMemo::insertFromMimeData(const QMimeData *source)
 {
     if (source->hasText())
@@ -78,7 +87,12 @@ void BillMemo::insertFromMimeData(const QMimeData *source)
 
 TInputList::TInputList()
 {
+    QFont song(QStringLiteral("宋体"));
+    song.setPixelSize(12);
+    setFont(song);
     setFixedWidth(frameWidth);
+    Panel1->setFixedHeight(20);
+    SpeedButton1->setFixedWidth(48);
     CheckBox1->setText(QStringLiteral("按单号查询"));
     CheckBox1->setFocusPolicy(Qt::ClickFocus);
     SpeedButton1->setText(QStringLiteral("清空"));

@@ -18,6 +18,8 @@ public:
     QStringList lines() const;
 
 protected:
+    /// Enter begins a new line, and the form must not take the person out of the list.
+    void keyPressEvent(QKeyEvent *event) override;
     void insertFromMimeData(const QMimeData *source) override;
 };
 
