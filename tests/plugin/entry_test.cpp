@@ -10,6 +10,7 @@
 #include <QEvent>
 #include <QMdiArea>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace {
 
@@ -117,6 +118,33 @@ TEST_F(Entry, AnotherConnectionIsTakenOverByTheNextScreen)
     m_exec(Application, Screen, connections, 1, "frm_ScanContrast111");
     EXPECT_EQ(serverOf(m_host.forms().first()), &other);
     m_host.mdiArea()->closeAllSubWindows();
+}
+
+TEST_F(Entry, ACollapsedConditionPanelOpensAgainWithTheMouse)
+{
+    load();
+    m_host.resize(1400, 900);
+    m_host.show();
+    for (const char *screen : { "frm_ScanContrast111", "frm_MonthSendBill111", "frm_SendNextUnCome111", "frm_BillContrastScan111" }) {
+        exec(screen);
+        const TForm *form = m_host.activeForm();
+        auto *panel = qobject_cast<QWidget *>(form->findComponent(u"Panel1"));
+        auto *workPanel = qobject_cast<QWidget *>(form->findComponent(u"WorkPanel1"));
+        QCoreApplication::processEvents();
+        const int height = panel->height();
+        const auto click = [&] {
+            const QPoint place = workPanel->mapTo(&m_host, workPanel->rect().center());
+            QTest::mouseClick(m_host.windowHandle(), Qt::LeftButton, {}, place);
+            QCoreApplication::processEvents();
+        };
+        EXPECT_GT(height, 80) << screen;
+        click();
+        EXPECT_EQ(panel->height(), 10) << screen;
+        EXPECT_TRUE(panel->rect().contains(workPanel->geometry())) << screen;
+        EXPECT_EQ(workPanel->visibleRegion().boundingRect(), workPanel->rect()) << screen;
+        click();
+        EXPECT_EQ(panel->height(), height) << screen;
+    }
 }
 
 /// What a load leaves behind shows in the sanitizers' build.

@@ -20,6 +20,8 @@ constexpr int gap = 6;
 
 void setFieldWidth(QWidget *control)
 {
+    if (control->minimumWidth() == control->maximumWidth())
+        return;
     if (qobject_cast<TDBDateTimeEditEh *>(control)) {
         control->setFixedWidth(timeFieldWidth);
     } else if (!qobject_cast<QAbstractButton *>(control)) {
@@ -106,8 +108,10 @@ void forEachRow(const QList<ConditionLine> &lines, const std::function<void(cons
 
 void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines)
 {
-    auto *layout = new QVBoxLayout(panel);
-    layout->setContentsMargins(gap, gap, gap, 0);
+    auto *conditions = new QWidget(panel);
+    conditions->setMinimumHeight(1); // a collapsed panel covers them
+    auto *layout = new QVBoxLayout(conditions);
+    layout->setContentsMargins(gap, gap, gap, gap + workPanel->height());
     layout->setSpacing(gap);
     for (const ConditionLine &items : lines) {
         auto *line = new QHBoxLayout;
@@ -117,7 +121,11 @@ void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const
         line->addStretch(1);
         layout->addLayout(line);
     }
-    layout->addWidget(workPanel, 0, Qt::AlignHCenter);
+    auto *layers = new QGridLayout(panel);
+    layers->setContentsMargins(0, 0, 0, 0);
+    layers->addWidget(conditions, 0, 0);
+    layers->addWidget(workPanel, 0, 0, Qt::AlignBottom | Qt::AlignHCenter);
+    workPanel->raise();
     panel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     QWidget *previous = nullptr;
     forEachRow(lines, [&previous](const ConditionRow &row) {

@@ -21,7 +21,9 @@ Tfrm_SendNextUnCome::Tfrm_SendNextUnCome(TComponentOwner *owner)
     cb1->setText(QStringLiteral("只查主单"));
     CheckBox1->setText(QStringLiteral("按相同网点查询"));
     CheckBox1->hide();
+    InputList1->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored); // as high as the conditions beside it
     arrange({ {
+        row(InputList1),
         range(u"扫描时间范围(3天以内)").yesterday(),
         block(3,
             {
@@ -35,7 +37,7 @@ Tfrm_SendNextUnCome::Tfrm_SendNextUnCome(TComponentOwner *owner)
                 row(cb1),
             }),
     } });
-    placeLeft(InputList1);
+    askByList(InputList1);
     result(DataView1, cds, resultColumns, 1);
 }
 
