@@ -14,7 +14,7 @@ enum Question { BillsWithoutScan, ScansWithoutBill };
 
 const GridColumns billResult
     = billColumns(text("DISPATCH_SITE", u"目的网点", 70).readOnly().ellipsis().dropDown({ QStringLiteral("SITE_NAME") }));
-const GridColumns scanResult = scanColumns(u"上一网点") + GridColumns { text("TRUCK_WAY", u"车线", 80), remarkColumn() };
+const GridColumns scanResult = scanColumns(u"下一网点") + GridColumns { text("TRUCK_WAY", u"车线", 80), remarkColumn() };
 
 /// Numbers of inner documents: eight digits that begin with 1, or a letter and seven digits.
 const QString noInnerNumbers = QStringLiteral(" and (REGEXP_INSTR(a.bill_code,'^((1)[0-9]{7})$|^([A-Za-z]{1}[0-9]{7})$',1,1)=0) ");
