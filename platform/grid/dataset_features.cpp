@@ -6,7 +6,7 @@ namespace {
 
 struct Registration {
     DatasetFeaturesEh *features;
-    const QMetaObject *dataSetClass;
+    QByteArray dataSetClass;
 };
 
 QList<Registration> &registrations()
@@ -17,9 +17,9 @@ QList<Registration> &registrations()
 
 } // namespace
 
-void registerDatasetFeaturesEh(DatasetFeaturesEh *features, const QMetaObject &dataSetClass)
+void registerDatasetFeaturesEh(DatasetFeaturesEh *features, const QByteArray &dataSetClass)
 {
-    registrations().prepend({ features, &dataSetClass });
+    registrations().prepend({ features, dataSetClass });
 }
 
 void unregisterDatasetFeaturesEh(DatasetFeaturesEh *features)
@@ -31,7 +31,7 @@ DatasetFeaturesEh *datasetFeaturesEh(const TDataSet &dataSet)
 {
     for (const QMetaObject *meta = dataSet.metaObject(); meta; meta = meta->superClass()) {
         for (const Registration &registration : std::as_const(registrations())) {
-            if (registration.dataSetClass == meta)
+            if (registration.dataSetClass == meta->className())
                 return registration.features;
         }
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QMetaObject>
 
 class TDBGridEh;
@@ -16,8 +17,13 @@ public:
     virtual void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) = 0;
 };
 
-/// Registers `features` (not owned; it must outlive the registration) for a dataset class; a later registration for the same class wins.
-void registerDatasetFeaturesEh(DatasetFeaturesEh *features, const QMetaObject &dataSetClass);
+/// Registers `features` (not owned; it must outlive the registration) for a dataset class, which may also be one that only another
+/// library knows, by its name; a later registration for the same class wins.
+void registerDatasetFeaturesEh(DatasetFeaturesEh *features, const QByteArray &dataSetClass);
+inline void registerDatasetFeaturesEh(DatasetFeaturesEh *features, const QMetaObject &dataSetClass)
+{
+    registerDatasetFeaturesEh(features, QByteArray(dataSetClass.className()));
+}
 void unregisterDatasetFeaturesEh(DatasetFeaturesEh *features);
 /// The features registered for the dataset's class or its nearest ancestor, or null.
 DatasetFeaturesEh *datasetFeaturesEh(const TDataSet &dataSet);

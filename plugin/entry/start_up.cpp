@@ -19,13 +19,19 @@ namespace {
 
 TApplication *SavedApplication = nullptr;
 TScreen *SavedScreen = nullptr;
-std::unique_ptr<TCDSDatasetFeaturesEh> clientDataSetFeatures;
+/// How grids sort each kind of dataset, registered while they live.
+struct SortingFeatures {
+    TCDSDatasetFeaturesEh clientDataSets;
+    TADOSQLDatasetFeaturesEh queries;
+    TADOCommandTextDatasetFeaturesEh commands;
+};
+std::unique_ptr<SortingFeatures> sortingFeatures;
 
 void startUp()
 {
     SavedScreen = Screen;
     SavedApplication = Application;
-    clientDataSetFeatures = std::make_unique<TCDSDatasetFeaturesEh>();
+    sortingFeatures = std::make_unique<SortingFeatures>();
     dm_BasicData = new Tdm_BasicData;
     dm_GlobalData = new Tdm_GlobalData;
     dm_Print = new Tdm_Print;
@@ -43,7 +49,7 @@ void detach()
     delete std::exchange(dm_GlobalData, nullptr);
     delete std::exchange(dm_Print, nullptr);
     delete std::exchange(IniStorageManager, nullptr);
-    clientDataSetFeatures.reset();
+    sortingFeatures.reset();
 }
 
 const LibraryRegistration registration({ startUp, detach });

@@ -4,6 +4,8 @@
 #include "platform/grid/db_grid.h"
 #include "platform/toolkit/component.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace {
@@ -52,6 +54,25 @@ void sortAtProvider(const TDBGridEh &grid, TCustomClientDataSet &dataSet)
     dataSet.open();
 }
 
+/// The marked columns in the order of their keys: "a, b DESC".
+QString sortText(const TDBGridEh &grid)
+{
+    QStringList keys;
+    for (const int index : grid.sortedColumns()) {
+        const Column &column = grid.column(index);
+        keys.append(column.sortMark == SortMark::Descending ? QString(column.fieldName + u" DESC") : column.fieldName);
+    }
+    return keys.join(QStringLiteral(", "));
+}
+
+/// The statement with this order in place of the one that it ends with.
+QString ordered(const QString &statement, const QString &order)
+{
+    static const QRegularExpression ending(QStringLiteral("\\s+order\\s+by\\s[^()']*$"), QRegularExpression::CaseInsensitiveOption);
+    const QString head = QString(statement).remove(ending);
+    return order.isEmpty() ? head : QString(head + u" order by " + order);
+}
+
 } // namespace
 
 TCDSDatasetFeaturesEh::TCDSDatasetFeaturesEh() { registerDatasetFeaturesEh(this, TCustomClientDataSet::staticMetaObject); }
@@ -65,4 +86,34 @@ void TCDSDatasetFeaturesEh::applySorting(const TDBGridEh &grid, TDataSet &dataSe
         sortByIndex(grid, clientDataSet);
     else
         sortAtProvider(grid, clientDataSet);
+}
+
+AdoFeatures::AdoFeatures(const char *dataSetClass, const char *statementProperty)
+    : m_statementProperty(statementProperty)
+{
+    registerDatasetFeaturesEh(this, QByteArray(dataSetClass));
+}
+
+AdoFeatures::~AdoFeatures() { unregisterDatasetFeaturesEh(this); }
+
+void AdoFeatures::applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting)
+{
+    const QString order = sortText(grid);
+    if (sorting == Sorting::Local) {
+        dataSet.setProperty("Sort", order);
+        return;
+    }
+    dataSet.close();
+    dataSet.setProperty(m_statementProperty, ordered(dataSet.property(m_statementProperty).toString(), order));
+    dataSet.open();
+}
+
+TADOSQLDatasetFeaturesEh::TADOSQLDatasetFeaturesEh()
+    : AdoFeatures("TADOQuery", "SQL")
+{
+}
+
+TADOCommandTextDatasetFeaturesEh::TADOCommandTextDatasetFeaturesEh()
+    : AdoFeatures("TCustomADODataSet", "CommandText")
+{
 }

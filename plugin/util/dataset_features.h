@@ -11,3 +11,30 @@ public:
 
     void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) override;
 };
+
+/// Sorts the datasets of a package that the platform does not have, which are known by the names of their class and properties:
+/// themselves through their text "Sort", or through the "order by" of their statement, which is then run anew.
+class AdoFeatures : public DatasetFeaturesEh {
+public:
+    ~AdoFeatures() override;
+
+    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) override;
+
+protected:
+    AdoFeatures(const char *dataSetClass, const char *statementProperty);
+
+private:
+    const char *m_statementProperty;
+};
+
+/// For queries.
+class TADOSQLDatasetFeaturesEh : public AdoFeatures {
+public:
+    TADOSQLDatasetFeaturesEh();
+};
+
+/// For all others, whose statement is their command text.
+class TADOCommandTextDatasetFeaturesEh : public AdoFeatures {
+public:
+    TADOCommandTextDatasetFeaturesEh();
+};
