@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QScopedValueRollback>
 #include <QScrollBar>
 #include <QTableView>
 #include <QVBoxLayout>
@@ -142,10 +143,17 @@ int LookupList::currentRecord() const
     return current.isValid() ? m_rows->recordAt(current.row()) : -1;
 }
 
-void LookupList::walk(QKeyEvent *event) { QCoreApplication::sendEvent(m_table, event); }
+void LookupList::walk(QKeyEvent *event)
+{
+    const QScopedValueRollback<bool> walking(m_walking, true);
+    QCoreApplication::sendEvent(m_table, event);
+}
 
 bool LookupList::event(QEvent *event)
 {
+    // A table that cannot go further leaves the key to its parent, from which it came.
+    if (m_walking && event->type() == QEvent::KeyPress)
+        return true;
     // The toolkit sends what is typed to the window on top; it is meant for the lookup.
     if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
         // The row is taken before the lookup is left: the form sees Enter first, and Tab moves the focus.

@@ -62,4 +62,5 @@ private:
     LookupRows *m_rows;
     QTableView *m_table;
     QMetaObject::Connection m_watching;
+    bool m_walking = false;
 };

@@ -179,6 +179,16 @@ TEST_F(Lookup, KeysWalkTheListAndEscapeLeavesTheText)
     EXPECT_EQ(edit->text(), QStringLiteral("南京1001"));
 }
 
+TEST_F(Lookup, WalkingInAListOfOneRowStaysThere)
+{
+    form.type("shnp");
+    for (const Qt::Key key : { Qt::Key_Down, Qt::Key_Up, Qt::Key_PageDown })
+        form.press(key);
+    EXPECT_EQ(listed(), QStringList(QStringLiteral("上海南浦")));
+    form.press(Qt::Key_Return);
+    EXPECT_EQ(edit->text(), QStringLiteral("上海南浦"));
+}
+
 TEST_F(Lookup, TabTakesTheRowThatIsMarkedAndWithoutOneLeavesTheText)
 {
     const struct {
