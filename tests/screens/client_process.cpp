@@ -38,8 +38,9 @@ void ClientProcess::makeDemo(const QString &place)
     EXPECT_EQ(result, 0);
 }
 
-ClientProcess::ClientProcess(const QStringList &options)
+ClientProcess::ClientProcess(const QStringList &options, const QProcessEnvironment &environment)
 {
+    m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     QStringList arguments { QStringLiteral("--automation"), QStringLiteral("--settings"), m_settings.path(), QStringLiteral("--now"),
         now() };

@@ -8,7 +8,8 @@
 /// A client that runs off-screen under its automation, with settings of its own, on the shared demo database.
 class ClientProcess {
 public:
-    explicit ClientProcess(const QStringList &options = {});
+    explicit ClientProcess(
+        const QStringList &options = {}, const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment());
     ~ClientProcess();
 
     /// Sends a command and waits for its reply; an empty object when the client ended instead.
