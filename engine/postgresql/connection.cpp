@@ -134,16 +134,17 @@ PostgresqlConnection::Result PostgresqlConnection::next(const Job &job)
 {
     PGconn *const connection = m_connection.get();
     const int socket = PQsocket(connection);
-    // The library holds a row twice before it gives it away, and tells nobody how long it is. It may read more than what lies ready
-    // here, while the server goes on sending.
+    // The library holds a row twice before it gives it away, and tells nobody how long it is.
     const std::size_t longestRow = job.options.memoryLimit / 8;
-    std::size_t arrived = 0;
+    const std::uint64_t before = receivedBytes(socket);
+    std::uint64_t ready = 0;
     while (PQisBusy(connection)) {
         job.throwIfStopped();
         if (!waitReadable(socket, stopInterval))
             continue;
-        arrived += readableBytes(socket);
-        if (arrived > longestRow)
+        // What lies ready is less than what the library reads while the server goes on sending, but all that is known of a local socket.
+        ready += readableBytes(socket);
+        if (std::max(ready, receivedBytes(socket) - before) > longestRow)
             throw Error(Failure::Database, "结果中有一行超过了 " + std::to_string(longestRow >> 20) + " MB，请减少列数或缩短文字");
         if (!PQconsumeInput(connection))
             failUnavailable("数据库连接中断");

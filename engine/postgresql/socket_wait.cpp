@@ -6,6 +6,11 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #endif
+#ifdef __linux__
+#include <linux/tcp.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#endif
 
 namespace engine {
 
@@ -31,6 +36,17 @@ std::size_t readableBytes(int socket)
     ioctl(socket, FIONREAD, &bytes);
 #endif
     return std::size_t(bytes);
+}
+
+std::uint64_t receivedBytes([[maybe_unused]] int socket)
+{
+#ifdef __linux__
+    tcp_info information {};
+    socklen_t size = sizeof information;
+    if (getsockopt(socket, IPPROTO_TCP, TCP_INFO, &information, &size) == 0)
+        return information.tcpi_bytes_received;
+#endif
+    return 0;
 }
 
 } // namespace engine

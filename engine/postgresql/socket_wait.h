@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 
 namespace engine {
 
@@ -10,5 +11,8 @@ bool waitReadable(int socket, std::chrono::milliseconds time);
 
 /// The bytes that lie ready in the socket.
 std::size_t readableBytes(int socket);
+
+/// The bytes that a TCP connection has received since it began; 0 where the system does not tell.
+std::uint64_t receivedBytes(int socket);
 
 } // namespace engine

@@ -1,5 +1,6 @@
 #include "postgresql_server.h"
 #include "support.h"
+#include "tcp_relay.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -68,9 +69,15 @@ Cost costOf(Engine &engine, const std::string &sql, const QueryOptions &options)
     return cost;
 }
 
-void expectWithin(const std::string &name, const Cost &cost, const QueryOptions &options)
+/// Runs a statement that may fail and expects it to stay within its limits; returns what it took.
+Cost expectWithin(Engine &engine, const std::string &name, const std::string &sql, const QueryOptions &options)
 {
-    EXPECT_LE(cost.time, options.timeLimit + 1s) << name;
+    const auto latest = options.timeLimit + 1s;
+    Cost cost = costOf(engine, sql, options);
+    // Other programs may have held the processors.
+    if (cost.time > latest)
+        cost = costOf(engine, sql, options);
+    EXPECT_LE(cost.time, latest) << name;
 #if !defined(__SANITIZE_ADDRESS__)
     EXPECT_LE(cost.highest, std::int64_t(options.memoryLimit) * 11 / 10) << name;
     // The pages of the file stay in memory.
@@ -79,6 +86,7 @@ void expectWithin(const std::string &name, const Cost &cost, const QueryOptions 
     std::printf("%-22s %6lld ms, high water %4lld MB, kept %3lld MB, %s\n", name.c_str(), static_cast<long long>(cost.time.count()),
         static_cast<long long>(cost.highest / megabyte), static_cast<long long>(cost.kept / megabyte),
         cost.outcome.failed ? cost.outcome.message.c_str() : "rows");
+    return cost;
 }
 
 std::string repeated(std::string_view part, std::size_t count)
@@ -132,7 +140,7 @@ TEST_F(Budget, HoldsWhateverTheStatement)
     };
     const QueryOptions options { .timeLimit = 500ms };
     for (const auto &[name, sql] : attacks) {
-        expectWithin(name, costOf(*m_engine, sql, options), options);
+        expectWithin(*m_engine, name, sql, options);
         // The connection serves the next statement.
         EXPECT_EQ(cell(outcomeOf(*m_engine, "select count(*) from NUMBERS").packet, 0, 0), "2000") << name;
     }
@@ -172,21 +180,21 @@ TEST_F(Budget, OthersAreServedMeanwhile)
 TEST(PostgresqlBudget, OneRowOrOneTextDoesNotFillTheMemory)
 {
     auto &server = PostgresqlServer::instance();
-    const auto engine = openEngine(server.readerUrl(server.makeDatabase("create table LONGS (N NUMBER(6), TEXT text);"
-                                                                        "insert into LONGS values (1, repeat('a', 100000000));"
-                                                                        "insert into LONGS values (2, repeat('a', 100000));")));
+    const TcpRelay relay(server.socketPath());
+    const std::string database = server.makeDatabase("create table LONGS (N NUMBER(6), TEXT text);"
+                                                     "insert into LONGS values (1, repeat('a', 100000000));"
+                                                     "insert into LONGS values (2, repeat('a', 100000));");
+    const auto engine = openEngine("postgresql://reader@127.0.0.1:" + std::to_string(relay.port()) + "/" + database);
     const std::pair<const char *, const char *> attacks[] = {
         { "one long text", "select TEXT from LONGS where N=1" },
-        { "two", "select TEXT,TEXT b from LONGS" },
+        { "three", "select TEXT,TEXT b,TEXT c from LONGS" },
         { "concatenation", "select TEXT||TEXT from LONGS" },
         { "replace", "select replace(TEXT,'a','bbbb') from LONGS where N=2" },
         { "sort", "select a.TEXT from LONGS a,LONGS b,LONGS c,LONGS d order by a.TEXT desc" },
     };
     const QueryOptions options { .timeLimit = 3s };
     for (const auto &[name, sql] : attacks) {
-        const Cost cost = costOf(*engine, sql, options);
-        expectWithin(name, cost, options);
-        EXPECT_TRUE(cost.outcome.failed) << name;
+        EXPECT_TRUE(expectWithin(*engine, name, sql, options).outcome.failed) << name;
     }
     EXPECT_EQ(outcomeOf(*engine, "select TEXT from LONGS where N=2").packet->text(0, 0).size(), 100'000u);
 }
