@@ -212,8 +212,8 @@ try {
     if (!request.authorization.starts_with(scheme))
         return unauthorized();
     const auto token = m_key.verify(std::string_view(request.authorization).substr(scheme.size()), secondsNow());
-    const auto hash = token ? m_users.hashOf(token->user) : std::nullopt;
-    if (!hash || generationOf(*hash) != token->generation)
+    const auto account = token ? m_users.find(token->user) : std::nullopt;
+    if (!account || account->generation != token->generation)
         return unauthorized();
     return token->user;
 } catch (const UsersUnknown &) {

@@ -56,14 +56,14 @@ void Logins::login(const std::string &body, const std::string &address, Answer a
 
 Response Logins::compare(const Attempt &attempt)
 try {
-    const auto hash = m_users.hashOf(attempt.user);
+    const auto account = m_users.find(attempt.user);
     ++m_metrics.passwordChecks;
-    const bool matches = passwordMatches(hash.value_or(m_nobodysHash), attempt.password);
-    if (!matches || !hash)
-        return wrong(attempt, hash.has_value());
+    const bool matches = passwordMatches(account ? account->hash : m_nobodysHash, attempt.password);
+    if (!matches || !account)
+        return wrong(attempt, account.has_value());
     finish(attempt, LoginThrottle::Result::Right);
     m_auditLog.add(AuditLine("login").add("user", attempt.user).add("address", attempt.address).add("result", "ok"));
-    return tokenFor(attempt.user, *hash);
+    return tokenFor(attempt.user, account->generation);
 } catch (const std::exception &error) {
     finish(attempt, LoginThrottle::Result::NotTried);
     logLine(std::string("登录出错：") + error.what());
@@ -87,11 +87,11 @@ void Logins::finish(const Attempt &attempt, LoginThrottle::Result result)
     m_throttle.finish(LoginThrottle::Clock::now(), attempt.user, attempt.group, result);
 }
 
-Response Logins::tokenFor(const std::string &user, const std::string &hash) const
+Response Logins::tokenFor(const std::string &user, const std::string &generation) const
 {
     const auto now = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch());
     const std::int64_t expires = (now + m_tokenLife).count();
-    const std::string token = m_key.sign({ user, expires, generationOf(hash) });
+    const std::string token = m_key.sign({ user, expires, generation });
     return { .body = "{\"token\":" + jsonText(token) + ",\"expires\":" + std::to_string(expires) + "}\n" };
 }
 

@@ -33,7 +33,7 @@ private:
     Response compare(const Attempt &attempt);
     Response wrong(const Attempt &attempt, bool exists);
     void finish(const Attempt &attempt, LoginThrottle::Result result);
-    Response tokenFor(const std::string &user, const std::string &hash) const;
+    Response tokenFor(const std::string &user, const std::string &generation) const;
 
     UserFile &m_users;
     const TokenKey &m_key;

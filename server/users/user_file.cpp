@@ -2,6 +2,7 @@
 
 #include "server/base/files.h"
 #include "server/base/log.h"
+#include "server/users/token.h"
 
 #include <algorithm>
 #include <fstream>
@@ -69,19 +70,19 @@ void writeUsers(const fs::path &path, const Users &users)
 UserFile::UserFile(fs::path path)
     : m_path(std::move(path))
     , m_stamp(fileStamp(m_path))
-    , m_users(readUsers(m_path))
     , m_looked(Clock::now())
 {
+    take(readUsers(m_path));
 }
 
-std::optional<std::string> UserFile::hashOf(std::string_view name)
+std::optional<Account> UserFile::find(std::string_view name)
 {
     const std::lock_guard lock(m_mutex);
     refresh();
     if (!m_fault.empty())
         throw UsersUnknown(m_fault);
-    const auto found = m_users.find(name);
-    return found == m_users.end() ? std::nullopt : std::optional(found->second);
+    const auto found = m_accounts.find(name);
+    return found == m_accounts.end() ? std::nullopt : std::optional(found->second);
 }
 
 bool UserFile::isReadable()
@@ -105,15 +106,23 @@ void UserFile::read()
 {
     const std::string stamp = fileStamp(m_path);
     try {
-        m_users = readUsers(m_path);
+        take(readUsers(m_path));
         m_stamp = stamp;
         m_fault.clear();
-        logLine("用户文件已重新读入，共 " + std::to_string(m_users.size()) + " 个用户");
+        logLine("用户文件已重新读入，共 " + std::to_string(m_accounts.size()) + " 个用户");
     } catch (const std::exception &error) {
         if (m_fault != error.what())
             logLine(std::string("用户文件不能用，在它恢复之前拒绝所有登录和查询：") + error.what());
         m_fault = error.what();
     }
+}
+
+/// The generations are made here once, as every request asks for one.
+void UserFile::take(const Users &users)
+{
+    m_accounts.clear();
+    for (const auto &[name, hash] : users)
+        m_accounts.emplace(name, Account { hash, generationOf(hash) });
 }
 
 } // namespace server

@@ -29,13 +29,19 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A user of a running server.
+struct Account {
+    std::string hash;
+    std::string generation; ///< see generationOf()
+};
+
 /// The users of a running server, as the file has them: a changed one is read again within a second. To be used from any thread.
 class UserFile {
 public:
     /// Throws std::runtime_error.
     explicit UserFile(std::filesystem::path path);
     /// Nothing for unknown users. Throws UsersUnknown while the file cannot be read.
-    [[nodiscard]] std::optional<std::string> hashOf(std::string_view name);
+    [[nodiscard]] std::optional<Account> find(std::string_view name);
     /// False while the file cannot be read.
     [[nodiscard]] bool isReadable();
 
@@ -43,11 +49,12 @@ private:
     using Clock = std::chrono::steady_clock;
     void refresh();
     void read();
+    void take(const Users &users);
 
     std::filesystem::path m_path;
     std::mutex m_mutex;
     std::string m_stamp; ///< of the file as it was read
-    Users m_users;
+    std::map<std::string, Account, std::less<>> m_accounts;
     std::string m_fault; ///< why the file cannot be read
     Clock::time_point m_looked;
 };
