@@ -124,6 +124,7 @@ TEST_F(Script, SeesARowLimitOnTheScreenOnPaperAndInTheReplies)
     const QJsonObject above = client.obey(command("get", { { QStringLiteral("control"), QStringLiteral("DataView1.Panel1") } }));
     EXPECT_TRUE(above[u"visible"].toBool());
     EXPECT_TRUE(above[u"caption"].toString().startsWith(notice)) << above[u"caption"].toString().toStdString();
+    EXPECT_TRUE(above[u"caption"].toString().endsWith(u"明细 20 行，与汇总不符"));
 
     for (const char *button : { "", "Button2" }) {
         const QString paper = file(QStringLiteral("paper.html"));
