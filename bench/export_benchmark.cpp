@@ -16,6 +16,10 @@
 
 #include <xlsxwriter.h>
 
+using namespace client;
+
+using namespace platform;
+
 namespace {
 
 constexpr int rounds = 7;

@@ -14,6 +14,8 @@
 
 #include <cstdio>
 
+using namespace platform;
+
 namespace {
 
 constexpr int rounds = 15;

@@ -11,6 +11,8 @@
 #include <algorithm>
 #include <cstdio>
 
+using namespace platform;
+
 namespace {
 
 constexpr int siteCount = 20'000;

@@ -8,6 +8,8 @@
 
 #include <cstdio>
 
+using namespace platform;
+
 namespace {
 
 class EngineChannel : public StatementChannel {

@@ -28,7 +28,7 @@ private:
 void generateScans(const QString &path);
 
 /// Runs statements through the engine on the file.
-std::shared_ptr<StatementChannel> engineChannel(const QString &path);
+std::shared_ptr<platform::StatementChannel> engineChannel(const QString &path);
 /// Opens the dataset on all scans.
 void load(TClientDataSetEx &dataSet, TSocketConnectionEx &connection);
 

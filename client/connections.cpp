@@ -12,6 +12,8 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 
+using namespace platform;
+
 namespace client {
 namespace {
 

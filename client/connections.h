@@ -29,8 +29,8 @@ public:
     /// Abort when the user cancels.
     void login(const QString &user, const QString &password);
 
-    const std::shared_ptr<StatementChannel> &host() const { return m_host; }
-    const std::shared_ptr<StatementChannel> &second() const { return m_second; } ///< the same as host() unless another is named
+    const std::shared_ptr<platform::StatementChannel> &host() const { return m_host; }
+    const std::shared_ptr<platform::StatementChannel> &second() const { return m_second; } ///< the same as host() unless another is named
     const QString &user() const { return m_user; } ///< who logged in; empty for a database
     const QString &place() const { return m_place; } ///< the database or the servers, as a person reads it
     /// The server that the last statement got through to; "" when none does, or none is used.
@@ -45,8 +45,8 @@ Q_SIGNALS:
 private:
     std::shared_ptr<server_client::ServerSession> session(const QStringList &addresses, const Options &options);
 
-    std::shared_ptr<StatementChannel> m_host;
-    std::shared_ptr<StatementChannel> m_second;
+    std::shared_ptr<platform::StatementChannel> m_host;
+    std::shared_ptr<platform::StatementChannel> m_second;
     std::vector<std::shared_ptr<server_client::ServerSession>> m_sessions;
     QString m_user;
     QString m_place;

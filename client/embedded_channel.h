@@ -6,7 +6,7 @@
 namespace client {
 
 /// Runs statements on an engine in the client's own process.
-class EmbeddedChannel : public StatementChannel {
+class EmbeddedChannel : public platform::StatementChannel {
 public:
     explicit EmbeddedChannel(std::shared_ptr<engine::Engine> engine)
         : m_engine(std::move(engine))

@@ -11,6 +11,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+using namespace platform;
+
 namespace client {
 
 LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget *parent)

@@ -17,6 +17,8 @@
 #include <cstdio>
 #include <optional>
 
+using namespace platform;
+
 using namespace client;
 
 namespace {

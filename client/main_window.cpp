@@ -15,6 +15,8 @@
 #include <QDir>
 #include <QMdiArea>
 
+using namespace platform;
+
 namespace client {
 
 MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> connections)

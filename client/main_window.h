@@ -14,7 +14,6 @@
 class QAction;
 class QMenu;
 class QToolBar;
-struct ExportTarget;
 
 namespace client {
 
@@ -22,6 +21,7 @@ class Connections;
 class StartPage;
 class StatusLine;
 class WindowTabs;
+struct ExportTarget;
 
 /// The host: publishes its datasets and values, opens the plug-in's screens as child windows and offers the commands that work
 /// on the current one.

@@ -27,6 +27,10 @@
 #include <QToolBar>
 #include <QVBoxLayout>
 
+using namespace client;
+
+using namespace platform;
+
 namespace client {
 namespace {
 

@@ -6,7 +6,7 @@
 namespace client {
 
 /// Sends statements to application servers.
-class ServerChannel : public StatementChannel {
+class ServerChannel : public platform::StatementChannel {
 public:
     explicit ServerChannel(std::shared_ptr<server_client::ServerSession> session)
         : m_session(std::move(session))

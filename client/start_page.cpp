@@ -8,6 +8,8 @@
 #include <QGridLayout>
 #include <QLabel>
 
+using namespace platform;
+
 namespace client {
 namespace {
 

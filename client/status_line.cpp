@@ -9,6 +9,8 @@
 #include <QLabel>
 #include <QLocale>
 
+using namespace platform;
+
 namespace client {
 namespace {
 

@@ -6,6 +6,8 @@
 
 #include <QToolButton>
 
+using namespace platform;
+
 namespace client {
 
 WindowTabs::WindowTabs()

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <memory>
 
+using namespace platform;
+
 using namespace guest;
 
 namespace {

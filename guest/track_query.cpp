@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <span>
 
+using namespace platform;
+
 namespace guest {
 namespace {
 

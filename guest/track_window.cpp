@@ -20,6 +20,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 namespace guest {
 namespace {
 

@@ -53,7 +53,7 @@ private:
     void showBills();
     void showTrack();
     const Track *currentTrack() const;
-    void colourTrackCell(int row, CellParameters &parameters) const;
+    void colourTrackCell(int row, platform::CellParameters &parameters) const;
 
     const QStringList m_numbers;
     QList<QPointer<TCustomRemoteServer>> m_servers;

@@ -9,6 +9,8 @@
 
 #include <cstdio>
 
+using namespace platform;
+
 namespace client {
 namespace {
 

@@ -4,6 +4,8 @@
 
 #include <QJsonDocument>
 
+using namespace platform;
+
 namespace client {
 
 QJsonObject failureReply(const QString &message) { return { { QStringLiteral("ok"), false }, { QStringLiteral("error"), message } }; }

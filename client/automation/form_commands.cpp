@@ -14,6 +14,10 @@
 
 #include <utility>
 
+using namespace client;
+
+using namespace platform;
+
 namespace client {
 
 QJsonObject Automation::open(const QJsonObject &arguments)

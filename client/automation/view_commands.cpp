@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QMouseEvent>
 
+using namespace platform;
+
 namespace client {
 namespace {
 

@@ -8,6 +8,12 @@
 
 #include <QAbstractButton>
 
+using namespace client;
+
+using namespace platform;
+
+namespace client {
+
 void AskedConditions::watch(TForm *screen, const QAbstractButton *queryButton)
 {
     if (m_screens.contains(screen))
@@ -52,3 +58,5 @@ bool AskedConditions::haveChanged(const TDBGridEh &grid) const
     const auto asked = m_asked.constFind(grid.dataSet());
     return grid.dataSet() && grid.dataSet()->active() && asked != m_asked.constEnd() && *asked != screenConditions(*screenOf(grid));
 }
+
+} // namespace client

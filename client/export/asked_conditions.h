@@ -9,6 +9,8 @@ class QAbstractButton;
 class TDataSet;
 class TForm;
 
+namespace client {
+
 /// Keeps the conditions by which each dataset was asked for: a person may change the fields afterwards, and a query may fail and
 /// leave the rows of the one before it. An export must name the conditions of the rows that it writes.
 class AskedConditions : public QObject {
@@ -35,3 +37,5 @@ private:
     QHash<const QObject *, Asking> m_screens;
     QHash<const QObject *, QList<ExportNote>> m_asked; ///< by dataset
 };
+
+} // namespace client

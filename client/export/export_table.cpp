@@ -4,6 +4,12 @@
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
 
+using namespace client;
+
+using namespace platform;
+
+namespace client {
+
 namespace {
 
 constexpr std::string_view tick = "√";
@@ -96,3 +102,5 @@ ExportTable exportTable(const TDBGridEh &grid, const QString &title, const QList
     }
     return table;
 }
+
+} // namespace client

@@ -11,6 +11,8 @@
 
 class TDBGridEh;
 
+namespace client {
+
 enum class CellKind { Text, Integer, Decimal, Float, Time };
 
 /// What a footer row shows below a column.
@@ -49,7 +51,7 @@ struct ExportTable {
     std::vector<ExportColumn> columns; ///< in shown order
     int frozenColumns = 0;
     int footerRows = 0;
-    RowSnapshot rows;
+    platform::RowSnapshot rows;
     bool truncated = false; ///< the server's limit cut the rows
     QString truncationNotice {}; ///< in words; "" when nothing is cut
 
@@ -59,3 +61,5 @@ struct ExportTable {
 
 /// The visible columns and the shown rows of a grid, as they are: no server is asked. Notes their number, and a limit that cut them.
 ExportTable exportTable(const TDBGridEh &grid, const QString &title, const QList<ExportNote> &notes);
+
+} // namespace client

@@ -4,6 +4,8 @@
 
 #include <memory>
 
+namespace client {
+
 namespace {
 
 constexpr std::string_view styles = R"(<style>
@@ -76,3 +78,5 @@ public:
 } // namespace
 
 std::unique_ptr<TableFormat> htmlFormat() { return std::make_unique<HtmlFormat>(); }
+
+} // namespace client

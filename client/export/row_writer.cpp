@@ -4,6 +4,8 @@
 #include <memory>
 #include <vector>
 
+using namespace client;
+
 using packet::Chunk;
 
 /// Writes the cells of one column, each with what stands before it.
@@ -179,6 +181,8 @@ std::unique_ptr<CellWriter> cellWriter(const ExportTable &table, const TableForm
 
 } // namespace
 
+namespace client {
+
 RowWriter::RowWriter(const ExportTable &table, const TableFormat &format)
     : m_table(table)
     , m_format(format)
@@ -204,3 +208,5 @@ void RowWriter::append(files::TextBuffer &out, std::size_t row) const
     }
     out += m_format.afterRow();
 }
+
+} // namespace client

@@ -7,6 +7,8 @@
 
 class CellWriter;
 
+namespace client {
+
 /// Writes the rows of a table in a text form. Both must outlive it.
 class RowWriter {
 public:
@@ -20,3 +22,5 @@ private:
     const TableFormat &m_format;
     std::vector<std::unique_ptr<CellWriter>> m_cells;
 };
+
+} // namespace client

@@ -15,6 +15,8 @@
 
 #include <optional>
 
+namespace client {
+
 namespace {
 
 QString labelOf(const QWidget &screen, const QWidget &field)
@@ -116,3 +118,5 @@ QString screenTitle(const TDBGridEh &grid)
     }
     return title;
 }
+
+} // namespace client

@@ -4,6 +4,8 @@
 
 class QWidget;
 
+namespace client {
+
 /// The form, or the window of its own, that a grid stands on.
 const QWidget *screenOf(const TDBGridEh &grid);
 
@@ -13,3 +15,5 @@ QList<ExportNote> screenConditions(const QWidget &screen);
 
 /// The caption of a grid's screen, with the tab that the grid lies on where there is one.
 QString screenTitle(const TDBGridEh &grid);
+
+} // namespace client

@@ -12,6 +12,12 @@
 #include <memory>
 #include <optional>
 
+using namespace client;
+
+using namespace platform;
+
+namespace client {
+
 namespace {
 
 constexpr std::size_t bytesBetweenWrites = 256 * 1024;
@@ -145,3 +151,5 @@ ExportTarget chosenTarget(const QString &fileName, const QString &filter)
     const QString named = QFileInfo(fileName).suffix().isEmpty() ? fileName + ending : fileName;
     return { named, named.endsWith(ending, Qt::CaseInsensitive) ? form->encoding.toString() : QString() };
 }
+
+} // namespace client

@@ -4,6 +4,8 @@
 
 #include <functional>
 
+namespace client {
+
 /// Where a table goes.
 struct ExportTarget {
     QString fileName; ///< its ending names the form
@@ -21,3 +23,5 @@ int exportGrid(const TDBGridEh &grid, const ExportTarget &target, const QString 
 /// The forms for a file dialog, and the target that a person has chosen with one of them.
 QStringList exportFilters();
 ExportTarget chosenTarget(const QString &fileName, const QString &filter);
+
+} // namespace client

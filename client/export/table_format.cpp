@@ -5,6 +5,8 @@
 
 #include <QFileInfo>
 
+namespace client {
+
 namespace {
 
 class SeparatedFormat : public TableFormat {
@@ -77,3 +79,5 @@ std::unique_ptr<TableFormat> TableFormat::of(const QString &fileName)
         return std::make_unique<JsonFormat>();
     return ending == u"html" || ending == u"htm" ? htmlFormat() : nullptr;
 }
+
+} // namespace client

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace client {
+
 /// A text form of a table, in UTF-8: a head, rows of cells, and a tail.
 class TableFormat {
 public:
@@ -36,3 +38,5 @@ protected:
 };
 
 std::unique_ptr<TableFormat> htmlFormat();
+
+} // namespace client

@@ -8,6 +8,12 @@
 #include <utility>
 #include <vector>
 
+using namespace client;
+
+using namespace platform;
+
+namespace client {
+
 namespace {
 
 constexpr int rowsBetweenReports = 1024;
@@ -194,3 +200,5 @@ void writeWorkbook(
     book.addNotes();
     book.close();
 }
+
+} // namespace client

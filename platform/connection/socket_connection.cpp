@@ -4,6 +4,8 @@
 
 #include <new>
 
+using namespace platform;
+
 namespace {
 
 packet::PacketPtr runOnChannel(StatementChannel &channel, const std::string &statement, WorkProgress &progress)

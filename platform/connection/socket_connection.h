@@ -6,6 +6,8 @@
 #include <memory>
 #include <stop_token>
 
+namespace platform {
+
 /// What carries a statement to a database and brings its rows back; called from threads other than the interface's.
 class StatementChannel {
 public:
@@ -14,6 +16,8 @@ public:
     virtual packet::PacketPtr run(const std::string &statement, std::stop_token stop, const std::function<void(std::int64_t)> &progress)
         = 0;
 };
+
+} // namespace platform
 
 /// The connection of the host to an application server, or to an engine in its own process: its channel decides.
 class TSocketConnectionEx : public TCustomRemoteServer {
@@ -30,10 +34,10 @@ public:
     QString loginPassword;
 
     bool connected() const { return m_channel != nullptr; }
-    void setChannel(std::shared_ptr<StatementChannel> channel) { m_channel = std::move(channel); }
+    void setChannel(std::shared_ptr<platform::StatementChannel> channel) { m_channel = std::move(channel); }
 
     packet::PacketPtr runStatement(const QString &statement) override;
 
 private:
-    std::shared_ptr<StatementChannel> m_channel;
+    std::shared_ptr<platform::StatementChannel> m_channel;
 };

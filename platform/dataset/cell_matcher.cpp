@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 using packet::ColumnType;
 
 namespace {
@@ -13,6 +15,8 @@ TextPattern patternOf(const QString &value, LocateOption option)
 }
 
 } // namespace
+
+namespace platform {
 
 CellMatcher::CellMatcher(const RowOverlay &rows, std::size_t column, const QString &value, LocateOption option)
     : CellMatcher(rows, column, patternOf(value, option))
@@ -70,3 +74,5 @@ bool CellMatcher::matchesCell(std::uint32_t row) const
     m_rows.appendText(m_column, row, text);
     return m_pattern.matches(text);
 }
+
+} // namespace platform

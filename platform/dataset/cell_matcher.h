@@ -4,6 +4,8 @@
 #include "platform/dataset/row_overlay.h"
 #include "platform/dataset/text_pattern.h"
 
+namespace platform {
+
 /// Compares the cells of one column with a text. Made once per search; the values of a dictionary are compared once and not per row.
 class CellMatcher {
 public:
@@ -29,3 +31,5 @@ private:
     std::optional<packet::Decimal> m_number; ///< set when the column is searched for a number
     std::vector<std::uint8_t> m_table; ///< for each text of the dictionary whether it matches
 };
+
+} // namespace platform

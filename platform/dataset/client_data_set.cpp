@@ -14,6 +14,8 @@
 #include <algorithm>
 #include <numeric>
 
+using namespace platform;
+
 using packet::ColumnType;
 
 namespace {

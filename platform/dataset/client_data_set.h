@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QStringList>
 
+namespace platform {
+
 class FilterExpression;
 class RowOverlay;
 class RowSnapshot;
@@ -20,6 +22,8 @@ struct IndexDefinition {
 };
 
 enum class LocateOption { Exact, CaseInsensitive, Partial };
+
+} // namespace platform
 
 /// A dataset held in memory: the packet as it arrived, a permutation for the index, a row list for the filter, and an
 /// overlay with the edits and their change log. No cell becomes a boxed value before somebody asks for it.
@@ -42,7 +46,7 @@ public:
     /// Opens the dataset (closing it first) on an independent copy of `data`; null closes it.
     void setData(packet::PacketPtr data);
     /// The shown rows as they are now, an edit under way included; without any while closed. Cheap: it shares the packet.
-    RowSnapshot snapshot() const;
+    platform::RowSnapshot snapshot() const;
     /// True when the server's row limit cut the result.
     bool truncated() const;
     QString truncationNotice() const override;
@@ -55,12 +59,13 @@ public:
     bool isNull(int field, int row) const override;
     QString text(int field, int row) const override;
     std::optional<packet::Decimal> number(int field, int row) const override;
-    RowTest textTest(int field, const TextPattern &pattern) const override;
+    RowTest textTest(int field, const platform::TextPattern &pattern) const override;
     packet::Decimal sum(int field) const override;
 
     /// Makes the first shown row current whose fields (names joined with ";") equal `values`; false when there is none.
     /// "" equals null. An edit under way is posted first.
-    [[nodiscard]] bool locate(const QString &fields, const QStringList &values, LocateOption option = LocateOption::Exact);
+    [[nodiscard]] bool locate(
+        const QString &fields, const QStringList &values, platform::LocateOption option = platform::LocateOption::Exact);
 
     /// Without rows, edit() appends one. While an edit is under way it goes on.
     void edit();
@@ -78,8 +83,8 @@ public:
     bool filtered() const { return m_filtered; }
     void setFiltered(bool filtered); ///< recorded by the application object as "filter"
 
-    const QList<IndexDefinition> &indexDefinitions() const { return m_indexes; }
-    void addIndex(const IndexDefinition &index); ///< throws DataSetError for an unknown field or a name in use
+    const QList<platform::IndexDefinition> &indexDefinitions() const { return m_indexes; }
+    void addIndex(const platform::IndexDefinition &index); ///< throws DataSetError for an unknown field or a name in use
     void deleteIndex(const QString &name);
     const QString &indexName() const { return m_indexName; }
     void setIndexName(const QString &name); ///< "" returns to the order of the data
@@ -96,19 +101,19 @@ private:
     std::optional<quint32> sourceRow(int row) const;
     int shownRow(quint32 source) const; ///< -1 when it is not shown
     void requireWritable() const;
-    std::vector<OrderKey> orderKeys() const;
-    std::unique_ptr<FilterExpression> compiled(const QString &filter) const; ///< null while closed and for a blank filter
+    std::vector<platform::OrderKey> orderKeys() const;
+    std::unique_ptr<platform::FilterExpression> compiled(const QString &filter) const; ///< null while closed and for a blank filter
     void rebuildRows();
     void showAgain();
 
-    std::unique_ptr<RowOverlay> m_overlay; ///< the packet and its edits; null while closed
-    std::unique_ptr<FilterExpression> m_filterExpression; ///< null while nothing is filtered
+    std::unique_ptr<platform::RowOverlay> m_overlay; ///< the packet and its edits; null while closed
+    std::unique_ptr<platform::FilterExpression> m_filterExpression; ///< null while nothing is filtered
     std::vector<quint32> m_rows; ///< source rows in shown order, unless m_allRows
     bool m_allRows = true; ///< the shown rows are the source rows, one for one
     int m_rowBeforeAppend = -1;
     QString m_filter;
     bool m_filtered = false;
-    QList<IndexDefinition> m_indexes;
+    QList<platform::IndexDefinition> m_indexes;
     QString m_indexName;
     QString m_providerName;
     bool m_readOnly = false;

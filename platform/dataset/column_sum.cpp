@@ -2,6 +2,8 @@
 
 #include <array>
 
+namespace platform {
+
 namespace {
 
 constexpr std::size_t scaleCount = 39; ///< a decimal has at most 38 digits behind the point
@@ -61,3 +63,5 @@ packet::Decimal sumOfColumn(const packet::Packet &packet, std::size_t column, st
         sum.add(packet.chunk(column, row), row % packet::Packet::blockRows);
     return sum.total();
 }
+
+} // namespace platform

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+using namespace platform;
+
 bool TField::isNull() const { return m_dataSet->isNull(m_index, m_dataSet->recordIndex()); }
 
 QString TField::asString() const { return m_dataSet->text(m_index, m_dataSet->recordIndex()); }

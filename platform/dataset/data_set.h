@@ -13,6 +13,10 @@
 #include <optional>
 #include <vector>
 
+class TDataSet;
+
+namespace platform {
+
 enum class DataSetState { Inactive, Browse, Edit, Insert, SetKey };
 enum class FieldType { Text, Integer, Decimal, Float, DateTime };
 
@@ -21,12 +25,12 @@ public:
     using Exception::Exception;
 };
 
-class TDataSet;
+} // namespace platform
 
 /// One column of an open dataset, seen at its current row. Owned by the dataset, valid until it closes.
 class TField {
 public:
-    TField(TDataSet *dataSet, int index, QString name, FieldType type, int scale = 0)
+    TField(TDataSet *dataSet, int index, QString name, platform::FieldType type, int scale = 0)
         : m_dataSet(dataSet)
         , m_index(index)
         , m_name(std::move(name))
@@ -37,7 +41,7 @@ public:
 
     const QString &fieldName() const { return m_name; }
     int index() const { return m_index; }
-    FieldType type() const { return m_type; }
+    platform::FieldType type() const { return m_type; }
     int scale() const { return m_scale; } ///< Decimal: the most digits behind the point in the rows as they came
     /// Null also when the dataset has no rows.
     bool isNull() const;
@@ -52,7 +56,7 @@ private:
     TDataSet *m_dataSet;
     int m_index;
     QString m_name;
-    FieldType m_type;
+    platform::FieldType m_type;
     int m_scale;
 };
 
@@ -63,12 +67,12 @@ class TDataSet : public QObject {
 public:
     using QObject::QObject;
 
-    bool active() const { return m_state != DataSetState::Inactive; }
+    bool active() const { return m_state != platform::DataSetState::Inactive; }
     void setActive(bool active);
     void open() { setActive(true); }
     void close() { setActive(false); }
-    DataSetState state() const { return m_state; }
-    bool isEditing() const { return m_state >= DataSetState::Edit; }
+    platform::DataSetState state() const { return m_state; }
+    bool isEditing() const { return m_state >= platform::DataSetState::Edit; }
 
     int fieldCount() const { return int(m_fields.size()); }
     TField *field(int index) const { return m_fields[std::size_t(index)].get(); }
@@ -104,7 +108,7 @@ public:
     virtual packet::Decimal sum(int field) const;
     /// Tells of shown rows whether the text of a field fits; good until the rows change.
     using RowTest = std::function<bool(int row)>;
-    virtual RowTest textTest(int field, const TextPattern &pattern) const;
+    virtual RowTest textTest(int field, const platform::TextPattern &pattern) const;
 
     /// Counted: rowsChanged, rowEdited and recordMoved are held back until enableControls() has been called as often, and then
     /// sent once (held edits as rowsChanged). stateChanged is always sent.
@@ -129,7 +133,7 @@ protected:
     [[noreturn]] void fail(const QString &what) const; ///< throws DataSetError beginning with the dataset's name
     virtual void setCell(int field, const QString &text) = 0;
     virtual void doPost() = 0;
-    void setState(DataSetState state);
+    void setState(platform::DataSetState state);
     void announceRows();
     void announceRow(int row);
     enum class Announce { Move, Rows }; ///< Rows: that the rows have changed, before the move
@@ -147,7 +151,7 @@ private:
     void makeCurrent(int row, Ends ends, Announce announce = Announce::Move);
 
     QHash<QString, TField *> m_fieldsByName; ///< by name in upper case
-    DataSetState m_state = DataSetState::Inactive;
+    platform::DataSetState m_state = platform::DataSetState::Inactive;
     int m_recordIndex = -1;
     Ends m_ends { .bof = true, .eof = true };
     int m_disabled = 0;

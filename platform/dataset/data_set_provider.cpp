@@ -2,6 +2,8 @@
 
 #include "packet/builder.h"
 
+using namespace platform;
+
 namespace {
 
 packet::ColumnType columnType(FieldType type)

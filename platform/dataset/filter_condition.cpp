@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <span>
 
+using namespace platform;
+
 using packet::ColumnType;
 
 namespace {
@@ -71,6 +73,8 @@ void markHolders(const packet::Chunk &chunk, std::size_t rows, std::string_view 
 }
 
 } // namespace
+
+namespace platform {
 
 void FilterCondition::addNumber(packet::Decimal number)
 {
@@ -202,3 +206,5 @@ std::optional<std::vector<packet::Int128>> FilterCondition::numbersAt(int scale)
     }
     return units;
 }
+
+} // namespace platform

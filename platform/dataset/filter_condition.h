@@ -2,6 +2,8 @@
 
 #include "platform/dataset/row_overlay.h"
 
+namespace platform {
+
 /// One comparison of a filter: a column against literals of its own kind. A null cell passes none but IsNull; the other
 /// operators of the language are these ones negated.
 class FilterCondition {
@@ -44,3 +46,5 @@ private:
     std::vector<std::int64_t> m_times;
     std::vector<std::uint8_t> m_table; ///< for each text of the dictionary whether it passes
 };
+
+} // namespace platform

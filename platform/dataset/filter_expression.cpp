@@ -4,9 +4,12 @@
 
 #include <array>
 
+using namespace platform;
+
 using packet::ColumnType;
 using Bits = std::array<std::uint8_t, packet::Packet::blockRows>;
 using Test = FilterCondition::Test;
+namespace platform {
 
 /// A condition, or several nodes of which all or one must hold. "not" has been carried down into the conditions.
 struct FilterExpression::Node {
@@ -41,6 +44,8 @@ bool FilterExpression::Node::passes(const RowOverlay &rows, std::uint32_t row) c
     }
     return all;
 }
+
+} // namespace platform
 
 namespace {
 
@@ -314,6 +319,8 @@ private:
 
 } // namespace
 
+namespace platform {
+
 FilterExpression::FilterExpression(const QString &text, const packet::Packet &packet)
     : m_root(std::make_unique<Node>(Parser(text, packet).parse()))
 {
@@ -345,3 +352,5 @@ std::vector<std::uint32_t> FilterExpression::select(const RowOverlay &rows)
     selected.shrink_to_fit();
     return selected;
 }
+
+} // namespace platform

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+namespace platform {
+
 /// A filter text compiled against the columns of a packet. The language: = <> < <= > >=, in (...), like with % and _, is null,
 /// and, or, not, parentheses, texts in single quotes (doubled inside), numbers, field names in any case and, when
 /// they are no plain names, in brackets. Nulls compare as in SQL, and the empty text is null.
@@ -23,3 +25,5 @@ public:
 private:
     std::unique_ptr<Node> m_root;
 };
+
+} // namespace platform

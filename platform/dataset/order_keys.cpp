@@ -5,6 +5,8 @@
 #include <bit>
 #include <numeric>
 
+namespace platform {
+
 namespace {
 
 constexpr int digitBits = 8;
@@ -116,3 +118,5 @@ void OrderKeys::refine(OrderKeys next)
         values[at] = values[at] << next.bits | next.values[at];
     bits += next.bits;
 }
+
+} // namespace platform

@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <vector>
 
+namespace platform {
+
 /// An order of rows or texts: their numbers, counted from 0, each once.
 using Permutation = std::vector<std::uint32_t>;
 
@@ -24,3 +26,5 @@ struct OrderKeys {
 private:
     void useRanks();
 };
+
+} // namespace platform

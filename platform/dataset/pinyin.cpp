@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace platform {
+
 struct Pinyin::Group {
     QByteArray syllable; ///< with the number of its tone; "-" where there is none
     QString characters;
@@ -221,3 +223,5 @@ void Pinyin::appendSortKey(std::string_view text, std::string &key) const
         }
     }
 }
+
+} // namespace platform

@@ -9,6 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace platform {
+
 /// How Han characters are read, and their order. A reading is one character read in one way, known by a number from 1 on; the
 /// numbers order as a dictionary does: by syllable, by tone, then by strokes.
 class Pinyin {
@@ -63,3 +65,5 @@ private:
     std::vector<bool> m_startsName; ///< for each character
     int m_faultCount = 0;
 };
+
+} // namespace platform

@@ -8,6 +8,8 @@
 #include <numeric>
 #include <optional>
 
+using namespace platform;
+
 using packet::ColumnType;
 
 namespace {
@@ -191,6 +193,8 @@ Permutation permutationByKeys(const RowOverlay &rows, std::span<const OrderKey> 
 
 } // namespace
 
+namespace platform {
+
 std::vector<std::uint32_t> rankTexts(std::span<const std::string_view> texts)
 {
     const TextOrder order(texts);
@@ -214,3 +218,5 @@ void orderRows(const RowOverlay &rows, std::span<const OrderKey> keys, std::vect
         row = order[row];
     order = std::move(permutation);
 }
+
+} // namespace platform

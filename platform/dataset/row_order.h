@@ -4,6 +4,8 @@
 
 #include <span>
 
+namespace platform {
+
 struct OrderKey {
     std::size_t column = 0;
     bool descending = false;
@@ -15,3 +17,5 @@ std::vector<std::uint32_t> rankTexts(std::span<const std::string_view> texts);
 
 /// Sorts source rows by `keys`, the first deciding before the second. Stable; a null is smaller than every value.
 void orderRows(const RowOverlay &rows, std::span<const OrderKey> keys, std::vector<std::uint32_t> &order);
+
+} // namespace platform

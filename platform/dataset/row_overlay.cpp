@@ -2,6 +2,8 @@
 
 #include "packet/builder.h"
 
+using namespace platform;
+
 using packet::ColumnType;
 
 namespace {
@@ -37,6 +39,8 @@ void addOverlayCell(packet::Builder &builder, std::size_t column, const RowOverl
 }
 
 } // namespace
+
+namespace platform {
 
 RowOverlay::RowOverlay(packet::PacketPtr packet)
     : m_packet(std::move(packet))
@@ -265,3 +269,5 @@ packet::PacketPtr RowOverlay::merged() const
     }
     return builder.finish(m_packet->truncated());
 }
+
+} // namespace platform

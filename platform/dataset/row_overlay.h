@@ -7,6 +7,8 @@
 #include <variant>
 #include <vector>
 
+namespace platform {
+
 /// The rows of a packet with edits laid over them. A row is known by its source number, which never changes: first come the
 /// packet's rows, then the appended ones in the order of their coming.
 class RowOverlay {
@@ -79,3 +81,5 @@ private:
     bool m_appending = false;
     bool m_modified = false;
 };
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include "platform/dataset/row_overlay.h"
 
+namespace platform {
+
 /// The shown rows of a client dataset as they were at one moment. It shares the packet and keeps the edits and the order, so that
 /// another thread may read it whatever happens to the dataset meanwhile. Rows are counted from 0 in their shown order.
 class RowSnapshot {
@@ -23,3 +25,5 @@ private:
     RowOverlay m_overlay;
     std::optional<std::vector<std::uint32_t>> m_order;
 };
+
+} // namespace platform

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <numeric>
 
+namespace platform {
+
 namespace {
 
 /// The 8 bytes of a text from `skip` on as a number that orders like them.
@@ -155,3 +157,5 @@ TextOrder::TextOrder(std::span<const std::string_view> texts)
     const SortKeys keys(texts);
     TextSorter(keys.all(), permutation, isNew).sort(0, permutation.size(), 0);
 }
+
+} // namespace platform

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+namespace platform {
+
 namespace {
 
 constexpr auto lowerCase = [] {
@@ -63,3 +65,5 @@ qsizetype TextPattern::find(const QString &text) const
     }
     return text.indexOf(m_text, 0, sensitivity);
 }
+
+} // namespace platform

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+namespace platform {
+
 /// A text to look for in others: as the whole of them, as their beginning or as any part.
 class TextPattern {
 public:
@@ -26,3 +28,5 @@ private:
     Match m_match;
     Compare m_compare = Compare::Bytes;
 };
+
+} // namespace platform

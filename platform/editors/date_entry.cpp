@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 QString narrow(QString text)
@@ -76,3 +78,5 @@ QDateTime stepDatePart(const QDateTime &time, DatePart part, int steps)
     const int year = stepped.date().year();
     return year >= 1 && year <= 9999 ? stepped : QDateTime();
 }
+
+} // namespace platform

@@ -4,6 +4,8 @@
 
 #include <optional>
 
+namespace platform {
+
 /// What a person typed as a day, with a time or without.
 struct DateEntry {
     QDate date;
@@ -21,3 +23,5 @@ enum class DatePart { Year, Month, Day, Hour, Minute, Second };
 DatePart datePartAt(const QString &text, int position);
 /// `time` with one part moved on by `steps`; the greater parts follow. Invalid when it leaves the years 1 to 9999.
 QDateTime stepDatePart(const QDateTime &time, DatePart part, int steps);
+
+} // namespace platform

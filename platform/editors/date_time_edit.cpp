@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 namespace {
 
 /// Where a part stands in "yyyy-mm-dd hh:mm:ss".

@@ -6,7 +6,7 @@
 /// A date and time as text "yyyy-mm-dd hh:mm:ss" (or "yyyy-mm-dd" when only the day is shown), typed or picked from a calendar.
 /// What is typed is put into that form when the editor is left, if it can be read; otherwise it stays as typed.
 /// Up and Down change the part under the cursor, + and - the day.
-class TDBDateTimeEditEh : public DropDownEdit {
+class TDBDateTimeEditEh : public platform::DropDownEdit {
     Q_OBJECT
 
 public:
@@ -30,7 +30,7 @@ protected:
 private:
     std::optional<QDateTime> read(const QString &text) const; ///< a text without a time gets the kept one, or midnight
     void show(const QDateTime &time);
-    bool step(DatePart part, int steps);
+    bool step(platform::DatePart part, int steps);
     bool stepByKey(const QKeyEvent &event);
 
     bool m_dateOnly = false;

@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr int buttonWidth = 18;
@@ -179,3 +181,5 @@ bool isDropDownKey(const QKeyEvent &event)
     const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
     return (event.key() == Qt::Key_F4 && modifiers == Qt::NoModifier) || (vertical && modifiers == Qt::AltModifier);
 }
+
+} // namespace platform

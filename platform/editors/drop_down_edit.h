@@ -5,6 +5,8 @@
 
 class QToolButton;
 
+namespace platform {
+
 /// A line of text with buttons at its right end, from which something drops down (F4, Alt+Down or a button). Knows when a
 /// person leaves it, and leaves the keys of an input method to it while it composes. Enter goes on to the form.
 class DropDownEdit : public QLineEdit {
@@ -48,3 +50,5 @@ private:
 
 /// F4, Alt+Down and Alt+Up open and close whatever drops down.
 bool isDropDownKey(const QKeyEvent &event);
+
+} // namespace platform

@@ -9,6 +9,8 @@
 
 #include <numeric>
 
+using namespace platform;
+
 TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent)
     : DropDownEdit(parent)
 {

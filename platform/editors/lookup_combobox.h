@@ -3,6 +3,8 @@
 #include "platform/dataset/data_source.h"
 #include "platform/editors/drop_down_edit.h"
 
+namespace platform {
+
 class LookupList;
 struct LookupMatches;
 
@@ -13,9 +15,11 @@ struct LookupColumn {
     int width; ///< pixels
 };
 
+} // namespace platform
+
 /// A line of text in which one looks up a row of another dataset: free typing, a drop-down list with columns that narrows while
 /// one types, an ellipsis button. Its value is its text; what code assigns opens no list. It never moves the list dataset's current row.
-class TDBLookupComboboxEh : public DropDownEdit {
+class TDBLookupComboboxEh : public platform::DropDownEdit {
     Q_OBJECT
 
 public:
@@ -32,7 +36,7 @@ public:
     const QString &keyField() const { return m_keyField; }
     const QString &listField() const { return m_listField; }
     const QString &indexField() const { return m_indexField; }
-    void setDropDownColumns(const QList<LookupColumn> &columns);
+    void setDropDownColumns(const QList<platform::LookupColumn> &columns);
 
     bool isListOpen() const;
     /// Opens the list on the rows that the text means, or on all rows when it means none or exactly one that is there already.
@@ -52,7 +56,7 @@ protected:
 
 private:
     TDataSet *listDataSet() const; ///< null unless it is open
-    LookupMatches matches(const TDataSet &dataSet) const; ///< of the text; none for a blank one
+    platform::LookupMatches matches(const TDataSet &dataSet) const; ///< of the text; none for a blank one
     void openWholeList();
     void narrowList();
     void showList(TDataSet *dataSet, std::vector<int> rows, int currentRow);
@@ -64,6 +68,6 @@ private:
     QString m_keyField;
     QString m_listField;
     QString m_indexField;
-    QList<LookupColumn> m_columns;
-    LookupList *m_list = nullptr; ///< a child, made when first needed
+    QList<platform::LookupColumn> m_columns;
+    platform::LookupList *m_list = nullptr; ///< a child, made when first needed
 };

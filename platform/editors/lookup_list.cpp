@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr int mostVisibleRows = 12;
@@ -181,3 +183,5 @@ void LookupList::hideEvent(QHideEvent *event)
     m_rows->clear();
     QFrame::hideEvent(event);
 }
+
+} // namespace platform

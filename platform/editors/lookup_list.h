@@ -8,6 +8,8 @@
 
 class QTableView;
 
+namespace platform {
+
 /// Rows of an open dataset in a chosen order, read where they are.
 class LookupRows : public QAbstractTableModel {
 public:
@@ -64,3 +66,5 @@ private:
     QMetaObject::Connection m_watching;
     bool m_walking = false;
 };
+
+} // namespace platform

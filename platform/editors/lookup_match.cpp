@@ -8,6 +8,8 @@
 #include <array>
 #include <bit>
 
+namespace platform {
+
 namespace {
 
 constexpr std::size_t mostLetters = 63; ///< what a set of numbers of typed letters can tell
@@ -164,3 +166,5 @@ void sortByReading(const TDataSet &dataSet, int field, std::vector<int> &rows)
         sorted.push_back(rows[place]);
     rows.swap(sorted);
 }
+
+} // namespace platform

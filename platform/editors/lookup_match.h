@@ -6,8 +6,11 @@
 #include <string>
 #include <vector>
 
-class Pinyin;
 class TDataSet;
+
+namespace platform {
+
+class Pinyin;
 
 /// How well a row fits what was typed, the best first.
 enum class LookupRank { SameCode, SameName, SameButCase, CodeBegins, NameBegins, NameContains, PinyinBegins, PinyinContains, None };
@@ -52,3 +55,5 @@ LookupMatches lookUp(const TDataSet &dataSet, const LookupFields &fields, const 
 
 /// Sorts rows of `dataSet` by how a Chinese reader orders the texts of a field. Stable.
 void sortByReading(const TDataSet &dataSet, int field, std::vector<int> &rows);
+
+} // namespace platform

@@ -12,6 +12,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr int textMargin = 3;
@@ -187,3 +189,5 @@ void CellPainter::paintIndicator(const QRect &rect, int firstRow, int lastRow)
     m_painter.drawPolygon(QPolygonF { { 5.5, middle - 4 }, { 5.5, middle + 4 }, { 10, middle } });
     m_painter.setRenderHint(QPainter::Antialiasing, false);
 }
+
+} // namespace platform

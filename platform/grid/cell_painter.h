@@ -5,12 +5,15 @@
 
 #include <QRect>
 
+class QPainter;
+class TDBGridEh;
+
+namespace platform {
+
 class ColumnGeometry;
 class ColumnModel;
 class GridFinder;
 class GridSelection;
-class QPainter;
-class TDBGridEh;
 class TextPainter;
 struct Column;
 
@@ -55,3 +58,5 @@ private:
     const CellView &m_view;
     GridColors m_colors;
 };
+
+} // namespace platform

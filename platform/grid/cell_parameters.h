@@ -5,6 +5,8 @@
 
 #include <functional>
 
+namespace platform {
+
 /// What an event may change of one cell before it is painted.
 struct CellParameters {
     QColor background;
@@ -13,3 +15,5 @@ struct CellParameters {
 };
 
 using CellEvent = std::function<void(int row, int column, CellParameters &parameters)>;
+
+} // namespace platform

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QStringList>
 
+namespace platform {
+
 enum class FooterKind { None, StaticText, Sum, Count };
 
 struct ColumnFooter {
@@ -44,3 +46,5 @@ struct Column {
 
     bool isCheckBox() const { return !checkedKey.isEmpty(); }
 };
+
+} // namespace platform

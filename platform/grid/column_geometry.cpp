@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 /// What frozen columns must leave of the view for the others.
@@ -72,3 +74,5 @@ void ColumnGeometry::addSpan(QList<Span> &spans, int begin, int end, const QRect
     if (begin < end && !clip.isEmpty())
         spans.append({ begin, end - 1, clip });
 }
+
+} // namespace platform

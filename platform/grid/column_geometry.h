@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 class ColumnModel;
 
 /// Where the columns stand in a widget as wide as the grid's view: the indicator, the frozen columns, and the others, which
@@ -50,3 +52,5 @@ private:
     int m_viewWidth = 0;
     int m_scroll = 0;
 };
+
+} // namespace platform

@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr int moneyDecimals = 2;
@@ -130,3 +132,5 @@ void ColumnModel::setSortKeys(const QList<SortKey> &keys)
         column.sortKey = position + 1;
     }
 }
+
+} // namespace platform

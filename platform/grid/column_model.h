@@ -7,6 +7,8 @@
 
 class TDataSet;
 
+namespace platform {
+
 /// The columns of a grid in their shown order, the layout they were designed in, and the dataset's fields that they show.
 class ColumnModel {
 public:
@@ -55,3 +57,5 @@ private:
     QList<Entry> m_columns;
     QList<Column> m_design;
 };
+
+} // namespace platform

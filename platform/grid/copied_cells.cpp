@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 /// The rows and the visible columns that hold a selected cell.
@@ -107,3 +109,5 @@ std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
     data->setHtml(html);
     return data;
 }
+
+} // namespace platform

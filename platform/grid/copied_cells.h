@@ -7,9 +7,13 @@
 class QMimeData;
 class TDBGridEh;
 
+namespace platform {
+
 /// The selected cells of a grid (else its current cell) for the clipboard: plain text with tabs, and an HTML table in which
 /// spreadsheets keep codes as text, however many digits they have.
 std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles);
 
 /// A caption in one line.
 QString plainTitle(QString caption);
+
+} // namespace platform

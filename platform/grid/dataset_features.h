@@ -6,15 +6,19 @@
 class TDBGridEh;
 class TDataSet;
 
+namespace platform {
+
 /// Whether a dataset sorts the rows it holds, or fetches them anew in the order.
 enum class Sorting { Local, AtSource };
+
+} // namespace platform
 
 /// Applies a grid's sort marks to datasets of one class; registered for that class and served to its descendants.
 class DatasetFeaturesEh {
 public:
     virtual ~DatasetFeaturesEh() = default;
     /// Sorts `dataSet` by the grid's marked columns, in the order of their keys.
-    virtual void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) = 0;
+    virtual void applySorting(const TDBGridEh &grid, TDataSet &dataSet, platform::Sorting sorting) = 0;
 };
 
 /// Registers `features` (not owned; it must outlive the registration) for a dataset class, which may also be one that only another

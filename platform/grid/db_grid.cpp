@@ -28,6 +28,8 @@
 #include <cmath>
 #include <cstdlib>
 
+using namespace platform;
+
 namespace {
 
 constexpr int rowPadding = 7;

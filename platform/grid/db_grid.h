@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 
+namespace platform {
+
 class ColumnGeometry;
 class ColumnModel;
 class GridFinder;
@@ -27,6 +29,8 @@ enum class CopyTitles { Without, With };
 /// How a movement of the current cell changes the selection: it starts anew, or takes in the cells or the rows on the way.
 enum class Extend { No, Cells, Rows };
 
+} // namespace platform
+
 /// A grid over a dataset: titles of up to two levels that sort, frozen columns, footer rows, row numbers, cell colours,
 /// selection and copy. It reads the dataset's columns directly and paints only what is seen.
 class TDBGridEh : public QAbstractScrollArea {
@@ -42,12 +46,12 @@ public:
 
     /// Columns in their shown order. A reference lives until the columns change.
     int columnCount() const;
-    const Column &column(int index) const;
-    void setColumns(const QList<Column> &columns); ///< also becomes the designed layout
-    void setColumn(int index, const Column &column);
+    const platform::Column &column(int index) const;
+    void setColumns(const QList<platform::Column> &columns); ///< also becomes the designed layout
+    void setColumn(int index, const platform::Column &column);
     void moveColumn(int from, int to);
     /// Case ignored; -1 when there is none.
-    int columnIndex(QStringView fieldName, ColumnScope scope = ColumnScope::All) const;
+    int columnIndex(QStringView fieldName, platform::ColumnScope scope = platform::ColumnScope::All) const;
     void setColumnWidth(int index, int width);
     /// As code wants it; a person's choice comes before.
     void setColumnVisible(int index, bool visible);
@@ -79,7 +83,7 @@ public:
     int currentColumn() const; ///< the selected column, -1 without columns
     int currentRow() const; ///< the dataset's current row
     /// Moves to the nearest row there is; a hidden column leaves the current one. Does nothing without rows or visible columns.
-    void setCurrentCell(int row, int column, Extend extend = Extend::No);
+    void setCurrentCell(int row, int column, platform::Extend extend = platform::Extend::No);
     /// The selected cells as rectangles whose x is a column index and whose y is a shown row; hidden columns in them count as not
     /// selected. Empty while there is nothing but the current cell.
     QList<QRect> selectedRanges() const;
@@ -110,13 +114,13 @@ public:
     int recordNumber(int row) const;
 
     /// The event that may change a cell's look; called for painted cells and cellBackground().
-    CellEvent onGetCellParams;
+    platform::CellEvent onGetCellParams;
     /// The text of a cell that shows no data (the row number of a "序号" column, say).
     std::function<QString(int row, int column)> onCellText;
 
     /// Puts the selected cells (else the current one) on the clipboard, as text and as HTML in which codes stay text.
-    void copySelection(CopyTitles titles);
-    GridFinder &finder() { return *m_finder; }
+    void copySelection(platform::CopyTitles titles);
+    platform::GridFinder &finder() { return *m_finder; }
     void markTitle(int column); ///< as the one that was found; -1: none
     /// Widens or narrows a column to its title, its footers and its texts in the rows that are seen.
     void fitColumn(int index);
@@ -165,18 +169,18 @@ private:
     void goTo(int row, int column);
     void announceSelection();
     bool countsCutRows(int footerRow, int column) const;
-    CellView view() const;
+    platform::CellView view() const;
 
     QPointer<TDataSource> m_dataSource;
-    std::unique_ptr<ColumnModel> m_columns;
-    std::unique_ptr<ColumnGeometry> m_geometry;
-    std::unique_ptr<TextPainter> m_texts;
-    std::unique_ptr<SumList> m_sums;
-    std::unique_ptr<GridSelection> m_selection;
-    std::unique_ptr<GridFinder> m_finder;
-    std::unique_ptr<GridGestures> m_gestures;
-    GridHeader *m_header;
-    GridFooter *m_footer;
+    std::unique_ptr<platform::ColumnModel> m_columns;
+    std::unique_ptr<platform::ColumnGeometry> m_geometry;
+    std::unique_ptr<platform::TextPainter> m_texts;
+    std::unique_ptr<platform::SumList> m_sums;
+    std::unique_ptr<platform::GridSelection> m_selection;
+    std::unique_ptr<platform::GridFinder> m_finder;
+    std::unique_ptr<platform::GridGestures> m_gestures;
+    platform::GridHeader *m_header;
+    platform::GridFooter *m_footer;
     int m_designedFrozen = 0;
     int m_frozen = 0;
     int m_rowHeight = 1;

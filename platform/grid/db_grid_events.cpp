@@ -22,6 +22,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 namespace {
 
 constexpr int wheelNotch = 120;

@@ -14,6 +14,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace platform {
+
 namespace {
 
 constexpr int rememberedTexts = 20;
@@ -109,3 +111,5 @@ void FindDialog::remember(const QString &text)
     m_text->insertItem(0, text);
     m_text->setCurrentIndex(0);
 }
+
+} // namespace platform

@@ -2,11 +2,14 @@
 
 #include <QDialog>
 
-class GridFinder;
 class QCheckBox;
 class QComboBox;
 class QLabel;
 class TDBGridEh;
+
+namespace platform {
+
+class GridFinder;
 enum class SearchDirection;
 struct GridSearch;
 
@@ -31,3 +34,5 @@ private:
     QCheckBox *m_titles;
     QLabel *m_result;
 };
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include <QPalette>
 
+namespace platform {
+
 GridColors::GridColors(const QPalette &palette)
     : base(palette.color(QPalette::Base))
     , text(palette.color(QPalette::Text))
@@ -30,3 +32,5 @@ QColor blend(const QColor &under, const QColor &over, qreal share)
 }
 
 QColor readableOn(const QColor &background) { return qGray(background.rgb()) > 128 ? QColor(Qt::black) : QColor(Qt::white); }
+
+} // namespace platform

@@ -4,6 +4,8 @@
 
 class QPalette;
 
+namespace platform {
+
 /// A grid's colours, taken from a widget's palette.
 struct GridColors {
     explicit GridColors(const QPalette &palette);
@@ -35,3 +37,5 @@ QColor rowStripe(int number);
 QColor blend(const QColor &under, const QColor &over, qreal share);
 /// Black or white, whichever can be read on `background`.
 QColor readableOn(const QColor &background);
+
+} // namespace platform

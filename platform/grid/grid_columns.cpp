@@ -1,5 +1,7 @@
 #include "platform/grid/grid_columns.h"
 
+namespace platform {
+
 GridColumn::GridColumn(const char *field, QStringView caption, int width, Qt::Alignment alignment, NumberForm form)
 {
     m_column.fieldName = QString::fromLatin1(field);
@@ -68,3 +70,5 @@ GridColumns centredFooters(GridColumns columns)
     }
     return columns;
 }
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include "platform/grid/column.h"
 
+namespace platform {
+
 /// One row of a grid's description: its kind, then what is special about it.
 class GridColumn {
 public:
@@ -33,3 +35,5 @@ GridColumn time(const char *field, QStringView caption, int width = 120);
 
 /// The columns with all their footers centred.
 GridColumns centredFooters(GridColumns columns);
+
+} // namespace platform

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace platform {
+
 namespace {
 
 using Id = GridCommandId;
@@ -57,3 +59,5 @@ const GridCommand *gridCommandFor(QKeyCombination keys)
     const auto found = std::ranges::find(rows, keys, &KeyRow::keys);
     return found == rows.end() ? nullptr : found->command;
 }
+
+} // namespace platform

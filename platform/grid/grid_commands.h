@@ -8,6 +8,8 @@
 
 class TDBGridEh;
 
+namespace platform {
+
 enum class GridCommandId { Copy, CopyWithTitles, SelectAll, SelectColumn, SelectRow, SelectNothing, Find, FindNext, FindPrevious };
 
 /// A command of every grid. Its row is the one place that its menu, its keys, the host's menus and the list of shortcuts read.
@@ -26,3 +28,5 @@ std::span<const GridCommand> gridCommands();
 const GridCommand &gridCommand(GridCommandId id);
 /// The command that a key press means; null when it means none.
 const GridCommand *gridCommandFor(QKeyCombination keys);
+
+} // namespace platform

@@ -8,6 +8,8 @@
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 
+namespace platform {
+
 GridFinder::GridFinder(TDBGridEh &grid)
     : m_grid(grid)
     , m_box(&grid)
@@ -127,3 +129,5 @@ void GridFinder::showTyped(const QString &message)
     m_box.show();
     m_grid.viewport()->update();
 }
+
+} // namespace platform

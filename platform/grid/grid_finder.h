@@ -5,8 +5,11 @@
 #include <QLabel>
 #include <QPointer>
 
-class FindDialog;
 class QKeyEvent;
+
+namespace platform {
+
+class FindDialog;
 
 /// Finds cells of a grid for the find dialog, for its repetition, and for what is typed into the grid itself: that moves, letter
 /// by letter, to the next row whose current column carries it, and stands in a small box while it counts.
@@ -47,3 +50,5 @@ private:
     int m_typedFrom = 0; ///< the row that was current when typing began
     bool m_moving = false;
 };
+
+} // namespace platform

@@ -8,6 +8,8 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+namespace platform {
+
 namespace {
 
 constexpr int textMargin = 3;
@@ -67,3 +69,5 @@ void GridFooter::paintCell(QPainter &painter, int row, int column) const
     const QRect box(left, row * m_rowHeight + 1, m_geometry.right(column) - textMargin - left, m_rowHeight - 1);
     m_texts.draw(painter, box, m_columns.footerAlignment(row, column), font(), m_text(row, column));
 }
+
+} // namespace platform

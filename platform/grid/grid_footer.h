@@ -4,6 +4,8 @@
 
 #include <functional>
 
+namespace platform {
+
 class ColumnGeometry;
 class ColumnModel;
 class TextPainter;
@@ -38,3 +40,5 @@ private:
     int m_rows = 0;
     int m_rowHeight = 0;
 };
+
+} // namespace platform

@@ -10,6 +10,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr int dragScrollInterval = 50; ///< milliseconds between two steps while a selection is dragged beyond the view
@@ -153,3 +155,5 @@ bool GridGestures::moveByKey(const QKeyEvent &event)
     m_grid.setCurrentCell(row, column < 0 ? m_grid.currentColumn() : column, extend);
     return true;
 }
+
+} // namespace platform

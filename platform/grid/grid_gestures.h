@@ -4,11 +4,14 @@
 #include <QObject>
 #include <QPoint>
 
-class ColumnGeometry;
-class ColumnModel;
 class QKeyEvent;
 class QMouseEvent;
 class TDBGridEh;
+
+namespace platform {
+
+class ColumnGeometry;
+class ColumnModel;
 enum class Extend;
 
 /// What a person's mouse and keys mean in a grid's cells: pressing, dragging a selection (beyond the view it scrolls on), and the
@@ -38,3 +41,5 @@ private:
     QPoint m_dragPosition;
     QBasicTimer m_dragTimer;
 };
+
+} // namespace platform

@@ -16,6 +16,8 @@
 #include <cstdlib>
 #include <utility>
 
+namespace platform {
+
 namespace {
 
 constexpr int borderReach = 4; ///< pixels on either side of a border at which it can be dragged
@@ -316,3 +318,5 @@ int GridHeader::paintMark(QPainter &painter, const Section &section, const GridC
     m_texts.draw(painter, QRect(int(right) + 1, section.box.top(), numberWidth, section.box.height()), Qt::AlignLeft, small, number);
     return markSize + numberWidth + textMargin;
 }
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+namespace platform {
+
 class ColumnGeometry;
 class ColumnModel;
 class TextPainter;
@@ -76,3 +78,5 @@ private:
     QPoint m_pressed;
     int m_pressedWidth = 0;
 };
+
+} // namespace platform

@@ -11,6 +11,8 @@
 
 #include <utility>
 
+namespace platform {
+
 namespace {
 
 int visibleColumns(const TDBGridEh &grid, int end)
@@ -100,3 +102,5 @@ void popUp(std::unique_ptr<QMenu> menu, const QPoint &globalPosition)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu.release()->popup(globalPosition);
 }
+
+} // namespace platform

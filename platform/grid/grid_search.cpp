@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 /// The cells that are searched, as a ring: the titles first, then row by row.
@@ -76,3 +78,5 @@ std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, 
     }
     return {};
 }
+
+} // namespace platform

@@ -8,6 +8,8 @@
 
 class TDBGridEh;
 
+namespace platform {
+
 /// What to look for in a grid, and where.
 struct GridSearch {
     QString text;
@@ -24,3 +26,5 @@ constexpr int titleRow = -1; ///< stands before row 0 when titles are searched
 /// The next cell (x: column, y: row or titleRow) that carries the text, row by row from behind `start`, around the end, `start`
 /// itself last. Check boxes carry none.
 std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, SearchDirection direction);
+
+} // namespace platform

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+namespace platform {
+
 namespace {
 
 QRect between(QPoint one, QPoint other)
@@ -72,3 +74,5 @@ void GridSelection::replaceNewest(const QRect &range)
     else
         m_ranges.last() = range;
 }
+
+} // namespace platform

@@ -4,6 +4,8 @@
 #include <QPoint>
 #include <QRect>
 
+namespace platform {
+
 /// The selected cells as rectangles (x: column, y: row), and the anchor from which Shift and dragging extend.
 class GridSelection {
 public:
@@ -27,3 +29,5 @@ private:
     QPoint m_anchor;
     QList<QRect> m_ranges;
 };
+
+} // namespace platform

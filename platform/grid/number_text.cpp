@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 constexpr int groupSize = 3;
@@ -43,3 +45,5 @@ QString numberFormat(int decimals)
     const QString whole = marksInUse == ThousandsMarks::On ? QStringLiteral("#,##0.") : QStringLiteral("0.");
     return whole + QString(decimals, u'0') + QString(std::max(0, mostDigits - decimals), u'#');
 }
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+namespace platform {
+
 enum class ThousandsMarks { Off, On };
 
 /// Whether grids and their prints part the thousands of numbers. One setting for the whole program; On until somebody changes it.
@@ -15,3 +17,5 @@ QString shownNumber(const QString &number, int decimals);
 
 /// The same as a format of the report engine, such as "#,##0.00##########".
 QString numberFormat(int decimals);
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 SortMark following(SortMark mark)
@@ -34,3 +36,5 @@ QList<SortKey> cycleSortKeys(QList<SortKey> keys, int column, SortClick click)
         found->mark = mark;
     return keys;
 }
+
+} // namespace platform

@@ -6,6 +6,8 @@
 
 class TDataSet;
 
+namespace platform {
+
 /// The exact sums of a dataset's fields over its shown rows, each computed when first asked for.
 class SumList {
 public:
@@ -16,3 +18,5 @@ public:
 private:
     QHash<int, packet::Decimal> m_sums;
 };
+
+} // namespace platform

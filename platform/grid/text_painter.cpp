@@ -7,6 +7,8 @@
 
 #include <cmath>
 
+namespace platform {
+
 namespace {
 
 constexpr int unlimited = -1;
@@ -91,3 +93,5 @@ TextPainter::Line TextPainter::layOut(const Face &face, const QString &text, int
     layout.endLayout();
     return { layout.glyphRuns(), textLine.naturalTextWidth(), textLine.ascent() };
 }
+
+} // namespace platform

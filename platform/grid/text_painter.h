@@ -9,6 +9,8 @@
 class QPainter;
 class QRect;
 
+namespace platform {
+
 /// Draws texts of one line. What was laid out once is kept, up to a bound, since a grid paints the same texts again and again;
 /// a text that is too wide ends with "…".
 class TextPainter {
@@ -43,3 +45,5 @@ private:
 
     std::vector<Face> m_faces;
 };
+
+} // namespace platform

@@ -3,6 +3,8 @@
 #include <memory>
 #include <optional>
 
+using namespace platform;
+
 namespace report {
 
 GridRows::GridRows(const TDBGridEh &grid)

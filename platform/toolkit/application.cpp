@@ -9,6 +9,8 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+using namespace platform;
+
 namespace {
 
 TApplication ownApplication;

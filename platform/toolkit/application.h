@@ -10,6 +10,8 @@
 
 class TMainForm;
 
+namespace platform {
+
 /// Flags of a message box, as given to TApplication::messageBox: buttons + icon + default button.
 enum MessageFlag : int {
     mbOk = 0,
@@ -30,6 +32,8 @@ struct MessageRequest {
     MessageAnswer defaultAnswer() const { return flags & mbDefaultButton2 && flags & mbOkCancel ? idCancel : idOk; }
 };
 
+} // namespace platform
+
 /// The application object: the host's, shared with every plug-in. Owns the screens.
 class TApplication : public QObject, public TComponentOwner {
     Q_OBJECT
@@ -46,7 +50,7 @@ public:
     /// The same with one button, once the event at hand is dealt with: for whoever is just being destroyed. Each text is shown once.
     void messageLater(const QString &text, const QString &title, int flags);
     /// Whoever answers message boxes in place of a person; empty: a person does.
-    void setMessageResponder(std::function<int(const MessageRequest &)> responder);
+    void setMessageResponder(std::function<int(const platform::MessageRequest &)> responder);
 
     /// Shows an exception the way the host shows errors, and records it as "error". An Abort is what the person wanted: it is only
     /// recorded, as "cancelled", for the host to say so without a box.
@@ -70,7 +74,7 @@ Q_SIGNALS:
 
 private:
     QPointer<QObject> m_mainForm;
-    std::function<int(const MessageRequest &)> m_responder;
+    std::function<int(const platform::MessageRequest &)> m_responder;
     QSet<QString> m_shown; ///< texts of messageLater
     QString m_settingsDirectory;
     QString m_pluginDirectory;

@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QRegularExpression>
 
+using namespace platform;
+
 namespace {
 
 struct SetClock {
@@ -28,6 +30,8 @@ void Clock::set(const QDateTime &time)
     setClock.running.start();
 }
 
+namespace platform {
+
 QString dateToText(QDate date) { return date.toString(u"yyyy-MM-dd"); }
 
 QString dateTimeToText(const QDateTime &time) { return time.toString(u"yyyy-MM-dd HH:mm:ss"); }
@@ -45,3 +49,5 @@ QDateTime textToDateTime(const QString &text)
     // A time zone without daylight saving, so that no hour of the day is impossible and differences are plain seconds.
     return QDateTime(date, time, Qt::UTC);
 }
+
+} // namespace platform

@@ -10,9 +10,13 @@ QDate today();
 void set(const QDateTime &time);
 } // namespace Clock
 
+namespace platform {
+
 /// "yyyy-mm-dd": the program's short date format.
 QString dateToText(QDate date);
 /// "yyyy-mm-dd hh:nn:ss".
 QString dateTimeToText(const QDateTime &time);
 /// Reads "yyyy-m-d" with or without " h:n[:s]", blanks around it allowed. Throws Exception when it is no date and time.
 QDateTime textToDateTime(const QString &text);
+
+} // namespace platform

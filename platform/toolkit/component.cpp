@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 namespace {
 constexpr char ownerProperty[] = "_owner";
 }
@@ -35,6 +37,8 @@ QObject *TComponentOwner::findComponent(QStringView name) const
     return found == m_components.end() ? nullptr : found->data();
 }
 
+namespace platform {
+
 QObject *ownerOf(const QObject *component) { return component->property(ownerProperty).value<QObject *>(); }
 
 QString componentPath(const QObject *component)
@@ -42,3 +46,5 @@ QString componentPath(const QObject *component)
     const QObject *owner = qobject_cast<const TForm *>(component) ? nullptr : ownerOf(component);
     return owner ? QString(componentPath(owner) + u'.' + component->objectName()) : component->objectName();
 }
+
+} // namespace platform

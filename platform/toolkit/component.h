@@ -34,11 +34,14 @@ private:
     QObject *m_self;
     mutable QList<QPointer<QObject>> m_components;
 };
+namespace platform {
 
 /// The object that owns a component, or null.
 QObject *ownerOf(const QObject *component);
 /// The names of a component's owners and of itself, outermost first, joined with "."; owners above the form are left out.
 QString componentPath(const QObject *component);
+
+} // namespace platform
 
 /// Declares a component under the name that designs, automation and layout files know it by.
 #define PUBLISHED(Type, Name) Type *Name = own(new Type, #Name)

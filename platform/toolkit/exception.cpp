@@ -1,5 +1,7 @@
 #include "platform/toolkit/exception.h"
 
+namespace platform {
+
 QString exceptionMessage(const std::exception &exception)
 {
     if (const auto *own = dynamic_cast<const Exception *>(&exception))
@@ -17,3 +19,5 @@ QString currentExceptionMessage()
         return QStringLiteral("未知错误");
     }
 }
+
+} // namespace platform

@@ -20,7 +20,11 @@ private:
     QByteArray m_utf8;
 };
 
+namespace platform {
+
 /// The message of any exception, as text.
 QString exceptionMessage(const std::exception &exception);
 /// The message of the exception that is being handled; call only inside a catch block.
 QString currentExceptionMessage();
+
+} // namespace platform

@@ -8,6 +8,8 @@
 #include <QKeyEvent>
 #include <QMdiArea>
 
+using namespace platform;
+
 TForm::TForm(TComponentOwner *owner, const QString &name, const QString &caption)
     : TComponentOwner(this)
 {

@@ -7,6 +7,8 @@
 #include <functional>
 #include <type_traits>
 
+namespace platform {
+
 /// Calls `work`; an exception goes to the application object instead of into the toolkit.
 template <class Work>
 void guarded(Work &&work)
@@ -42,3 +44,5 @@ QMetaObject::Connection handle(Sender *sender, Signal signal, Receiver *receiver
     return QObject::connect(sender, signal, receiver,
         [receiver, handler](auto &&...arguments) { guarded([&] { callHandler(receiver, handler, arguments...); }); });
 }
+
+} // namespace platform

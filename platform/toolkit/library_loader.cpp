@@ -6,12 +6,17 @@
 
 #include <utility>
 
+using namespace platform;
+
 namespace {
 // Filled by the library that the dynamic loader is working on; libraries are loaded on the interface thread, one at a time.
 std::optional<LibraryProcedures> registered;
 } // namespace
+namespace platform {
 
 LibraryRegistration::LibraryRegistration(LibraryProcedures procedures) { registered = std::move(procedures); }
+
+} // namespace platform
 
 TLibrary::TLibrary(const QString &path)
     : m_library(path)

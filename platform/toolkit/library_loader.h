@@ -6,6 +6,8 @@
 #include <functional>
 #include <optional>
 
+namespace platform {
+
 /// A plug-in library's start-up and process-detach procedures. The library registers them while the dynamic loader loads it
 /// (nothing may fail there); TLibrary runs them right after loading and before unloading.
 struct LibraryProcedures {
@@ -17,6 +19,8 @@ struct LibraryProcedures {
 struct LibraryRegistration {
     explicit LibraryRegistration(LibraryProcedures procedures);
 };
+
+} // namespace platform
 
 /// A loaded plug-in library.
 class TLibrary {
@@ -35,5 +39,5 @@ private:
     std::optional<QString> startUp();
     void detach();
     QLibrary m_library;
-    LibraryProcedures m_procedures;
+    platform::LibraryProcedures m_procedures;
 };

@@ -10,6 +10,8 @@
 #include <exception>
 #include <thread>
 
+namespace platform {
+
 namespace {
 
 int waiting = 0;
@@ -156,3 +158,5 @@ bool InterfaceWork::report(std::int64_t done, std::int64_t total)
     }
     return !m_wait->progress.stop.stop_requested();
 }
+
+} // namespace platform

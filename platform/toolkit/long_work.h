@@ -14,6 +14,8 @@ public:
     using Exception::Exception;
 };
 
+namespace platform {
+
 /// What long work looks at and reports while it runs on its own thread.
 struct WorkProgress {
     std::stop_source stop; ///< a stop request comes from the Cancel button
@@ -49,3 +51,5 @@ void waitForAbandonedWork();
 
 /// True while one of both waits; commands that would start another must not be obeyed.
 bool longWorkRuns();
+
+} // namespace platform

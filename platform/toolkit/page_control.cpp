@@ -4,6 +4,8 @@
 
 #include <QSignalBlocker>
 
+using namespace platform;
+
 TPageControl::TPageControl(QWidget *parent)
     : QTabWidget(parent)
 {

@@ -3,6 +3,8 @@
 #include <QLabel>
 #include <QTextDocument>
 
+namespace platform {
+
 QLabel *plainLabel(const QString &text, QWidget *parent)
 {
     auto *label = new QLabel(parent);
@@ -12,3 +14,5 @@ QLabel *plainLabel(const QString &text, QWidget *parent)
 }
 
 QString plainTip(const QString &text) { return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text) : text; }
+
+} // namespace platform

@@ -3,6 +3,8 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/form.h"
 
+namespace platform {
+
 namespace {
 
 constexpr double millisecondsPerDay = 86'400'000.0;
@@ -18,3 +20,5 @@ double daysOf(const QDateTime &time)
 }
 
 QDateTime dateTimeOfDays(double days) { return QDateTime(firstDay, QTime(0, 0), Qt::UTC).addMSecs(qRound64(days * millisecondsPerDay)); }
+
+} // namespace platform

@@ -19,6 +19,8 @@ class TScreen;
 #define KELVARA_CALL
 #endif
 
+namespace platform {
+
 /// `exec` of Kelvara1. The application and the screen object, then an open array of connections (its first element and highest
 /// index), then the screen's name with three characters of rights, in UTF-8.
 using ExecFunction
@@ -40,6 +42,8 @@ enum HostMessage : int { hostFormActivated = 1124, hostFormClosed = 1125, hostFo
 /// Sends one, synchronously. There must be a main window.
 void notifyHost(TForm *form, HostMessage message);
 
+} // namespace platform
+
 /// What the main window publishes by name.
 namespace published_by_host {
 inline constexpr char dataSets[] = "GlobalCdsAddr"; ///< property: address of a TList
@@ -56,7 +60,11 @@ inline constexpr const char *rights[] = { "Right1", "Right2", "Right3" }; ///< p
 inline constexpr char summaryRow[] = "SummaryRow";
 } // namespace published_by_screen
 
+namespace platform {
+
 /// A date-time, whatever its time zone, as days since 1899-12-30 with the time of day as fraction; exact to the millisecond.
 double daysOf(const QDateTime &time);
 /// The other way, in UTC.
 QDateTime dateTimeOfDays(double days);
+
+} // namespace platform

@@ -2,6 +2,8 @@
 
 #include "platform/toolkit/exception.h"
 
+namespace platform {
+
 namespace {
 
 QString className(const QObject *object)
@@ -41,3 +43,5 @@ void PublishedMethod::call(QObject *argument) const
         throw Exception(QStringLiteral("主窗口没有发布所需的方法！"));
     m_method.invoke(m_object, Qt::DirectConnection, Q_ARG(QObject *, argument));
 }
+
+} // namespace platform

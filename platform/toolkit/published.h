@@ -7,6 +7,8 @@
 /// A list of components that the host publishes by address.
 using TList = QList<QObject *>;
 
+namespace platform {
+
 /// The value of the property that `object` publishes under `name` (case counts); throws Exception when it publishes none.
 QVariant publishedProperty(const QObject *object, const char *name);
 /// The list whose address `object` publishes as the integer property `name`; throws Exception when it does not.
@@ -28,3 +30,5 @@ private:
     QObject *m_object = nullptr;
     QMetaMethod m_method;
 };
+
+} // namespace platform

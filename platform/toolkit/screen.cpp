@@ -5,6 +5,8 @@
 #include <QGuiApplication>
 #include <QWidget>
 
+using namespace platform;
+
 namespace {
 TScreen ownScreen;
 }
@@ -24,8 +26,12 @@ void TScreen::setCursor(int number)
         QGuiApplication::setOverrideCursor(m_cursors.value(number));
 }
 
+namespace platform {
+
 void focusControl(QWidget *control)
 {
     Application->record(QStringLiteral("focus"), { { QStringLiteral("control"), control->objectName() } });
     control->setFocus(Qt::OtherFocusReason);
 }
+
+} // namespace platform

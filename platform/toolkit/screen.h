@@ -6,11 +6,15 @@
 
 class QWidget;
 
+namespace platform {
+
 /// The cursors that every host knows.
 enum CursorNumber : int {
     crDefault = 0,
     crQueryBusy = 102, ///< registered by the host; shown while a query runs
 };
+
+} // namespace platform
 
 /// The screen object: cursors by number and the keyboard focus.
 class TScreen : public QObject {
@@ -26,12 +30,14 @@ public:
 
 private:
     QHash<int, QCursor> m_cursors;
-    int m_cursor = crDefault;
+    int m_cursor = platform::crDefault;
     bool m_overridden = false;
 };
 
 /// The current screen object; see Application.
 extern TScreen *Screen;
+
+namespace platform {
 
 /// Shows the busy cursor of a query as long as it lives, whatever happens meanwhile.
 class BusyCursor {
@@ -44,3 +50,5 @@ public:
 
 /// Moves the keyboard focus on behalf of code (not of a person): the control that loses it runs its exit handler first.
 void focusControl(QWidget *control);
+
+} // namespace platform

@@ -10,6 +10,8 @@
 #include <QLocale>
 #include <QPushButton>
 
+namespace platform {
+
 namespace {
 constexpr int millisecondsUntilShown = 400;
 constexpr int millisecondsBetweenRefreshes = 200;
@@ -60,3 +62,5 @@ void WaitWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Escape)
         Q_EMIT cancelled();
 }
+
+} // namespace platform

@@ -8,6 +8,8 @@
 
 class QLabel;
 
+namespace platform {
+
 /// The small window that appears when long work takes longer than 0.4 s: what runs, seconds, rows, and a Cancel button.
 class WaitWindow : public QWidget {
     Q_OBJECT
@@ -30,3 +32,5 @@ private:
     QTimer m_timer;
     QLabel *m_label;
 };
+
+} // namespace platform

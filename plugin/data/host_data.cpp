@@ -6,6 +6,8 @@
 #include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/published.h"
 
+using namespace platform;
+
 namespace {
 
 QString lowerAscii(const QString &text)

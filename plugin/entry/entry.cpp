@@ -5,6 +5,10 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/entry/screens.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 namespace {
 
 constexpr qsizetype rightsLength = 3;

@@ -23,6 +23,8 @@
 #include <iterator>
 #include <memory>
 
+namespace plugin {
+
 namespace {
 
 template <class Screen>
@@ -62,3 +64,5 @@ const ScreenEntry *findScreen(QStringView name)
         = std::find_if(std::begin(screens), std::end(screens), [name](const ScreenEntry &entry) { return entry.name == name; });
     return found != std::end(screens) ? found : nullptr;
 }
+
+} // namespace plugin

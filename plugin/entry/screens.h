@@ -2,6 +2,8 @@
 
 #include "plugin/forms/base/ufrm_Basic.h"
 
+namespace plugin {
+
 /// Where a screen's rights come from.
 enum class Rights { FromName, None };
 
@@ -15,3 +17,5 @@ struct ScreenEntry {
 
 /// The entry of that name (case counts), or null when the library has no such screen.
 const ScreenEntry *findScreen(QStringView name);
+
+} // namespace plugin

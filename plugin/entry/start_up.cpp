@@ -13,6 +13,10 @@
 #include <memory>
 #include <utility>
 
+using namespace plugin;
+
+using namespace platform;
+
 TIniPropStorageManEh *IniStorageManager = nullptr;
 
 namespace {

@@ -4,6 +4,10 @@
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/screen.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 namespace {
 
 constexpr int secondsOfDay = 86'400;
@@ -23,12 +27,15 @@ std::optional<Range> readRange(const QString &startText, const QString &endText)
 }
 
 } // namespace
+namespace plugin {
 
 bool refuse(QStringView reason, const QString &title)
 {
     Application->messageBox(u"详细：" + reason, title, mbIconWarning);
     return true;
 }
+
+} // namespace plugin
 
 bool CheckDateRange(const QString &StartText, const QString &EndText, int MaxDays, bool ShowMessage)
 {
@@ -94,6 +101,8 @@ void LookupComboTextExit(TDBLookupComboboxEh *Combo)
     Combo->clear();
 }
 
+namespace plugin {
+
 QString toDate(const QString &text) { return u"to_date('" + text + u"','yyyy-mm-dd hh24:mi:ss')"; }
 
 QString whereBetween(QStringView column, const TDBDateTimeEditEh *start, const TDBDateTimeEditEh *end)
@@ -125,3 +134,5 @@ void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag)
     dataSet->setTag(tag);
     dataSet->open();
 }
+
+} // namespace plugin

@@ -3,6 +3,8 @@
 #include "platform/dataset/client_data_set.h"
 #include "platform/editors/editors.h"
 
+namespace plugin {
+
 /// What every query screen uses while it reads its conditions and composes its statement.
 
 /// The first entry of every drop-down list: no condition.
@@ -10,6 +12,8 @@ inline const QString allItems = QStringLiteral("全部");
 
 /// Tells the user, under this title, why something is refused; `reason` says what to do. Always true.
 bool refuse(QStringView reason, const QString &title);
+
+} // namespace plugin
 
 /// True when the range is NOT acceptable: unreadable, reversed, or longer than MaxDays days; with ShowMessage the user is told.
 bool CheckDateRange(const QString &StartText, const QString &EndText, int MaxDays, bool ShowMessage);
@@ -20,6 +24,8 @@ void DataSetFieldToText(TDataSet *DataSet, const QString &FieldName, const QStri
 /// Completes a combo that is being left: a code, key or listed value that exists becomes the key; anything else empties the
 /// box and keeps the user in it.
 void LookupComboTextExit(TDBLookupComboboxEh *Combo);
+
+namespace plugin {
 
 /// A text as the date and time of a statement.
 QString toDate(const QString &text);
@@ -34,3 +40,5 @@ QString siteList(TDataSet *sites);
 
 /// Closes the dataset, gives it the statement and the tag and opens it.
 void openStatement(TClientDataSetEx *dataSet, const QString &statement, int tag = 0);
+
+} // namespace plugin

@@ -8,6 +8,10 @@
 
 #include <algorithm>
 
+using namespace plugin;
+
+using namespace platform;
+
 namespace {
 
 const QString sortIndexName = QStringLiteral("SortIndexEh");
@@ -87,6 +91,7 @@ void TCDSDatasetFeaturesEh::applySorting(const TDBGridEh &grid, TDataSet &dataSe
     else
         sortAtProvider(grid, clientDataSet);
 }
+namespace plugin {
 
 AdoFeatures::AdoFeatures(const char *dataSetClass, const char *statementProperty)
     : m_statementProperty(statementProperty)
@@ -107,6 +112,8 @@ void AdoFeatures::applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting
     dataSet.setProperty(m_statementProperty, ordered(dataSet.property(m_statementProperty).toString(), order));
     dataSet.open();
 }
+
+} // namespace plugin
 
 TADOSQLDatasetFeaturesEh::TADOSQLDatasetFeaturesEh()
     : AdoFeatures("TADOQuery", "SQL")

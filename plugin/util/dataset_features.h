@@ -9,8 +9,9 @@ public:
     TCDSDatasetFeaturesEh();
     ~TCDSDatasetFeaturesEh() override;
 
-    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) override;
+    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, platform::Sorting sorting) override;
 };
+namespace plugin {
 
 /// Sorts the datasets of a package that the platform does not have, which are known by the names of their class and properties:
 /// themselves through their text "Sort", or through the "order by" of their statement, which is then run anew.
@@ -18,7 +19,7 @@ class AdoFeatures : public DatasetFeaturesEh {
 public:
     ~AdoFeatures() override;
 
-    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, Sorting sorting) override;
+    void applySorting(const TDBGridEh &grid, TDataSet &dataSet, platform::Sorting sorting) override;
 
 protected:
     AdoFeatures(const char *dataSetClass, const char *statementProperty);
@@ -27,14 +28,16 @@ private:
     const char *m_statementProperty;
 };
 
+} // namespace plugin
+
 /// For queries.
-class TADOSQLDatasetFeaturesEh : public AdoFeatures {
+class TADOSQLDatasetFeaturesEh : public plugin::AdoFeatures {
 public:
     TADOSQLDatasetFeaturesEh();
 };
 
 /// For all others, whose statement is their command text.
-class TADOCommandTextDatasetFeaturesEh : public AdoFeatures {
+class TADOCommandTextDatasetFeaturesEh : public plugin::AdoFeatures {
 public:
     TADOCommandTextDatasetFeaturesEh();
 };

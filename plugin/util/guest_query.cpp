@@ -9,6 +9,10 @@
 
 #include <memory>
 
+using namespace plugin;
+
+using namespace platform;
+
 namespace {
 
 std::unique_ptr<TLibrary> guest;
@@ -33,4 +37,8 @@ void ShowQuestQuery(const QString &billCode, const QList<TCustomRemoteServer *> 
     show(&bills, Application, Screen, connections.data(), int(connections.size()) - 1);
 }
 
+namespace plugin {
+
 void unloadGuest() { guest.reset(); }
+
+} // namespace plugin

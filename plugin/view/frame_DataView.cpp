@@ -14,6 +14,10 @@
 #include <algorithm>
 #include <utility>
 
+using namespace plugin;
+
+using namespace platform;
+
 namespace {
 
 constexpr QRgb footerColor = 0xffddddff;

@@ -8,10 +8,14 @@
 
 #include <QLabel>
 
+namespace plugin {
+
 class LayoutFile;
 
 /// Whether what is said of rows needs a person's attention.
 enum class Attention { None, Wanted };
+
+} // namespace plugin
 
 /// The result grid of every screen: striped rows, row numbers, a record count, titles that sort, and a column layout that
 /// survives in the plug-in's INI file.
@@ -30,13 +34,13 @@ public:
     bool Striped = true;
 
     /// Gives the frame its columns and its dataset; the first `frozen` columns stay in sight.
-    void design(const GridColumns &columns, TDataSet *dataSet, int frozen = 0);
+    void design(const platform::GridColumns &columns, TDataSet *dataSet, int frozen = 0);
     /// Says above the rows what they are; in red when it wants attention. That a limit has cut them is said by itself.
-    void describeRows(const QString &text, Attention attention);
+    void describeRows(const QString &text, plugin::Attention attention);
     void LoadLayout(const QString &iniFileName);
     void SaveLayout(const QString &iniFileName) const;
 
-    void DataViewGridGetCellParams(int row, CellParameters &parameters) const;
+    void DataViewGridGetCellParams(int row, platform::CellParameters &parameters) const;
 
 protected:
     bool event(QEvent *event) override;
@@ -44,12 +48,12 @@ protected:
 private:
     void InitColumns();
     void showDescription();
-    void loadArrangement(const LayoutFile &file);
-    void saveArrangement(LayoutFile &file) const;
+    void loadArrangement(const plugin::LayoutFile &file);
+    void saveArrangement(plugin::LayoutFile &file) const;
     void DSStateChange();
     QString DataViewGridDrawColumnCell(int row, int column) const;
 
     QString m_description; ///< of the rows, as long as the dataset is open
-    Attention m_attention = Attention::None;
+    plugin::Attention m_attention = plugin::Attention::None;
     QString m_section; ///< of the layout file; empty until the columns are initialised
 };

@@ -11,6 +11,10 @@
 
 #include <algorithm>
 
+using namespace plugin;
+
+using namespace platform;
+
 namespace {
 
 constexpr int frameWidth = 130;
@@ -52,6 +56,7 @@ QString numbersByLine(const QString &text)
 }
 
 } // namespace
+namespace plugin {
 
 BillMemo::BillMemo(QWidget *parent)
     : QPlainTextEdit(parent)
@@ -84,6 +89,8 @@ void BillMemo::insertFromMimeData(const QMimeData *source)
         insertPlainText(numbersByLine(source->text()));
     ensureCursorVisible();
 }
+
+} // namespace plugin
 
 TInputList::TInputList()
 {

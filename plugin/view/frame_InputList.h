@@ -7,6 +7,8 @@
 #include <QPlainTextEdit>
 #include <QToolButton>
 
+namespace plugin {
+
 /// A text box for waybill numbers, one a line. What is pasted from a sheet or a message falls into lines; an input method for Han
 /// text is not wanted in it.
 class BillMemo : public QPlainTextEdit {
@@ -23,6 +25,8 @@ protected:
     void insertFromMimeData(const QMimeData *source) override;
 };
 
+} // namespace plugin
+
 /// The waybill numbers by which a screen queries instead of by its other conditions.
 class TInputList : public TFrame {
     Q_OBJECT
@@ -32,7 +36,7 @@ public:
 
     PUBLISHED(QFrame, Panel1);
     PUBLISHED(QCheckBox, CheckBox1);
-    PUBLISHED(BillMemo, Memo1);
+    PUBLISHED(plugin::BillMemo, Memo1);
     PUBLISHED(QToolButton, SpeedButton1);
 
     /// The numbers as the list of an IN condition, the last line first; "" when the screen must not query, which the user has

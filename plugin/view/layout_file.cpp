@@ -8,6 +8,8 @@
 #include <QFileInfo>
 #include <QStringDecoder>
 
+namespace plugin {
+
 namespace {
 
 QString shown(const QString &path) { return QDir::toNativeSeparators(path); }
@@ -92,3 +94,5 @@ bool LayoutFile::save()
         return false;
     }
 }
+
+} // namespace plugin

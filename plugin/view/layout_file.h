@@ -3,6 +3,8 @@
 #include <QMap>
 #include <QString>
 
+namespace plugin {
+
 /// The INI file in which grids keep their columns' order and widths: UTF-8, sections of key=value lines.
 class LayoutFile {
 public:
@@ -28,3 +30,5 @@ private:
     bool m_isForeign = false; ///< there is something that is not ours to replace
     QMap<QString, QMap<QString, QString>> m_sections;
 };
+
+} // namespace plugin

@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 
+using namespace platform;
+
 Tdm_Print *dm_Print = nullptr;
 
 namespace {

@@ -30,32 +30,32 @@ protected:
             column(u"SIZE", u"体积"), ticks() });
         m_grid.onCellText = [](int row, int) { return QString::number(row + 1); };
         m_grid.setFooterRowCount(2);
-        footer(u"CODE", { { FooterKind::StaticText, QStringLiteral("记录数") }, { FooterKind::Count } });
-        footer(u"FEE", { { FooterKind::StaticText, QStringLiteral("总费用") }, { FooterKind::Sum } });
-        footer(u"RATE", { {}, { FooterKind::Sum } });
+        footer(u"CODE", { { platform::FooterKind::StaticText, QStringLiteral("记录数") }, { platform::FooterKind::Count } });
+        footer(u"FEE", { { platform::FooterKind::StaticText, QStringLiteral("总费用") }, { platform::FooterKind::Sum } });
+        footer(u"RATE", { {}, { platform::FooterKind::Sum } });
     }
 
-    static Column column(QStringView field, QStringView caption, int width = 64)
+    static platform::Column column(QStringView field, QStringView caption, int width = 64)
     {
         return { .fieldName = field.toString(), .caption = caption.toString(), .width = width };
     }
-    static Column secret()
+    static platform::Column secret()
     {
-        Column hidden = column(u"SECRET", u"隐藏");
+        platform::Column hidden = column(u"SECRET", u"隐藏");
         hidden.visible = false;
         return hidden;
     }
-    static Column ticks()
+    static platform::Column ticks()
     {
-        Column box = column(u"OK", u"签收");
+        platform::Column box = column(u"OK", u"签收");
         box.checkedKey = QStringLiteral("1");
         box.uncheckedKey = QStringLiteral("0");
         return box;
     }
-    void footer(QStringView field, const QList<ColumnFooter> &footers)
+    void footer(QStringView field, const QList<platform::ColumnFooter> &footers)
     {
         const int index = m_grid.columnIndex(field);
-        Column changed = m_grid.column(index);
+        platform::Column changed = m_grid.column(index);
         changed.footers = footers;
         m_grid.setColumn(index, changed);
     }
@@ -79,7 +79,7 @@ protected:
         QFile file(path(name));
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
     }
-    QByteArray written(const QString &name, const QString &encoding = {}, const QList<ExportNote> &notes = {})
+    QByteArray written(const QString &name, const QString &encoding = {}, const QList<client::ExportNote> &notes = {})
     {
         exportGrid(m_grid, { path(name), encoding }, QStringLiteral("月发件清单"), notes);
         return contents(name);

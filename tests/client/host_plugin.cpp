@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+using namespace platform;
+
 // A plug-in whose screens take any name. Its query shows 1,200 rows, cut by a limit when "cut" is asked for; a screen named "frm_Stubborn"
 // asks before it closes.
 

@@ -22,6 +22,8 @@
 
 #include <sqlite3.h>
 
+using namespace platform;
+
 using namespace client;
 
 namespace {

@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace platform;
+
 using namespace client;
 
 namespace {

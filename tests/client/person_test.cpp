@@ -12,6 +12,8 @@
 #include <QSignalSpy>
 #include <QVBoxLayout>
 
+using namespace platform;
+
 using namespace client;
 
 namespace {

@@ -18,6 +18,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+using namespace client;
+
 namespace {
 
 TEST(ScreenConditions, AreToldByTheirLabelsInTabOrder)

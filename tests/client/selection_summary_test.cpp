@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace platform;
+
 using namespace client;
 
 namespace {

@@ -11,6 +11,10 @@
 #include <QPushButton>
 #include <QTimer>
 
+using namespace client;
+
+using namespace platform;
+
 namespace {
 
 using TableExport = ExportTest;

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace client;
+
 namespace {
 
 std::string cell(const char16_t *fileName, std::string_view text)

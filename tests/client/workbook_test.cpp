@@ -6,6 +6,8 @@
 #include <QProcess>
 #include <QXmlStreamReader>
 
+using namespace client;
+
 namespace {
 
 struct SheetCell {

@@ -1,5 +1,7 @@
 #include "tests/dataset/rows.h"
 
+using namespace platform;
+
 namespace {
 
 constexpr auto bills = "BILL_CODE:text,FEE:decimal,AT:time,N:integer\nA,1.50,,1\nB,,2024-03-05 10:00:00,2\nC,2,,3\n";

@@ -1,5 +1,7 @@
 #include "tests/dataset/rows.h"
 
+using namespace platform;
+
 namespace {
 
 constexpr auto sites = "SITE_CODE:text,SITE_NAME:text,FEE:decimal,AT:time\n"

@@ -5,6 +5,8 @@
 
 #include <thread>
 
+using namespace platform;
+
 namespace {
 
 class FakeServer : public TCustomRemoteServer {

@@ -5,6 +5,8 @@
 
 #include <thread>
 
+using namespace platform;
+
 namespace {
 
 std::string readingsOf(const Pinyin &pinyin, char16_t character)

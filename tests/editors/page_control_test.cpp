@@ -7,6 +7,8 @@
 #include <QTabBar>
 #include <QTest>
 
+using namespace platform;
+
 namespace {
 
 using ::testing::ElementsAre;

@@ -5,6 +5,8 @@
 #include "platform/dataset/row_overlay.h"
 #include "platform/toolkit/exception.h"
 
+using namespace platform;
+
 namespace {
 
 packet::PacketPtr fewRows()

@@ -14,6 +14,8 @@
 #include <QTextDocumentFragment>
 #include <QToolTip>
 
+using namespace platform;
+
 namespace {
 
 class Display : public Grid {

@@ -20,7 +20,8 @@ protected:
         m_source.setDataSet(&m_dataSet);
         m_grid.setDataSource(&m_source);
         m_grid.setFooterRowCount(2);
-        const QList<ColumnFooter> sum { { FooterKind::StaticText, QStringLiteral("合计") }, { FooterKind::Sum } };
+        const QList<platform::ColumnFooter> sum { { platform::FooterKind::StaticText, QStringLiteral("合计") },
+            { platform::FooterKind::Sum } };
         m_grid.setColumns({
             { .fieldName = QStringLiteral("CODE"), .caption = QStringLiteral("编号"), .width = 80, .titleButton = true },
             { .fieldName = QStringLiteral("SITE"), .caption = QStringLiteral("寄件|网点"), .width = 80, .titleButton = true },

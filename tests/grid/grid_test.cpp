@@ -11,6 +11,8 @@
 #include <QMenu>
 #include <QMimeData>
 
+using namespace platform;
+
 namespace {
 
 /// Writes down which columns the grid wants sorted, "A+;B-" for A ascending and B descending.

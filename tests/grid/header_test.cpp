@@ -10,6 +10,8 @@
 #include <QScrollBar>
 #include <QTest>
 
+using namespace platform;
+
 namespace {
 
 struct NoSorting : DatasetFeaturesEh {

@@ -8,6 +8,8 @@
 #include <QDialog>
 #include <QInputMethodEvent>
 
+using namespace platform;
+
 namespace {
 
 class Search : public Grid {

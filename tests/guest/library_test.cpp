@@ -9,6 +9,8 @@
 
 #include <QMdiArea>
 
+using namespace platform;
+
 namespace {
 
 /// The real library in a bare main window.

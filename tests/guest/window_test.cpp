@@ -12,6 +12,9 @@
 #include <QSignalSpy>
 #include <QTest>
 
+using namespace guest;
+using namespace platform;
+
 namespace {
 
 class Host : public TMainForm {

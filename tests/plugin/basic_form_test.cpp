@@ -10,6 +10,8 @@
 #include <QTest>
 #include <QVBoxLayout>
 
+using namespace platform;
+
 namespace {
 
 class Screen1 : public Tfrm_Basic {

@@ -13,9 +13,12 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QCoreApplication>
 #include <QFile>
 #include <QTemporaryDir>
+
+using namespace plugin;
+
+using namespace platform;
 
 TIniPropStorageManEh *IniStorageManager = nullptr;
 

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace platform;
+
 namespace {
 
 /// What stands in for the query of a package that the platform does not have.

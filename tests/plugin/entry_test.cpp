@@ -12,6 +12,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace platform;
+
 namespace {
 
 /// The real library, loaded into a host with small code tables.

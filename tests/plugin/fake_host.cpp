@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 packet::PacketPtr textColumn(const char *field, const QStringList &values)
 {
     packet::Builder builder({ { field, packet::ColumnType::Text } });

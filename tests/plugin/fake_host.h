@@ -28,7 +28,7 @@ public:
     void addValue(const char *name, const QString &text);
 
     QStringList log; ///< "1127 frm_X", "ResetSearch frm_X.DataView1.DataViewGrid", "message <text>|<title>|<flags>"
-    int answer = idOk;
+    int answer = platform::idOk;
     double serverDateTime = 0;
 
 private:

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace platform;
+
 namespace {
 
 TEST(HostData, DataSetsAreFoundWhateverTheCaseAndAfterTheListChanges)

@@ -8,6 +8,8 @@
 #include <QGuiApplication>
 #include <QTest>
 
+using namespace platform;
+
 namespace {
 
 class InputList : public testing::Test {

@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFile>
 
+using namespace platform;
+
 namespace {
 
 const QByteArray heading = "report 1\nband title\nheight = 30\nmemo ReportTitle\nbox = 0 0 90 5\ntext = \" 月发件清单 \"\n"

@@ -25,6 +25,8 @@
 #include <algorithm>
 #include <functional>
 
+using namespace platform;
+
 using namespace report;
 
 namespace {

@@ -7,6 +7,8 @@
 
 #include <QLineEdit>
 
+using namespace platform;
+
 namespace {
 
 class Host : public TMainForm {

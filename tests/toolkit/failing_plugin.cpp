@@ -2,6 +2,8 @@
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/library_loader.h"
 
+using namespace platform;
+
 namespace {
 
 /// Thrown by code that is unloaded before the loader's caller sees the failure.

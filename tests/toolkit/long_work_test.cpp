@@ -14,6 +14,8 @@
 #include <semaphore>
 #include <thread>
 
+using namespace platform;
+
 namespace {
 
 const QString caption = QStringLiteral("正在查询…");

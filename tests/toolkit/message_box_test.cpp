@@ -9,6 +9,8 @@
 #include <QPushButton>
 #include <QTimer>
 
+using namespace platform;
+
 namespace {
 
 TEST(MessageBox, TheResponderAnswersAndEveryBoxIsRecorded)

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 namespace report {
 
 void Expression::bind(Binder &binder)

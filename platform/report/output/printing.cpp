@@ -11,6 +11,8 @@
 
 #include <algorithm>
 
+using namespace platform;
+
 namespace report {
 
 void setReportPaper(QPrinter &printer, const PreparedReport &report)

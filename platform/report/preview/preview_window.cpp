@@ -27,6 +27,8 @@
 #include <algorithm>
 #include <limits>
 
+using namespace platform;
+
 namespace report {
 
 namespace {

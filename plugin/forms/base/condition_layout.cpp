@@ -11,6 +11,12 @@
 
 #include <algorithm>
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 namespace {
 
 constexpr int fieldWidth = 150;
@@ -134,3 +140,5 @@ void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const
         previous = row.control;
     });
 }
+
+} // namespace plugin

@@ -7,6 +7,8 @@ class QLabel;
 class TComponentOwner;
 class TWorkPanel;
 
+namespace plugin {
+
 /// The label that arrange() has put before a control.
 QLabel *labelOf(const QWidget *control);
 /// Shows or hides a condition together with its label.
@@ -17,3 +19,5 @@ void setConditionVisible(QWidget *control, bool visible);
 void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines);
 /// Calls `visit` for every row in its order.
 void forEachRow(const QList<ConditionLine> &lines, const std::function<void(const ConditionRow &)> &visit);
+
+} // namespace plugin

@@ -7,6 +7,12 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/util/conditions.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 namespace {
 
 void setItems(TDBComboBoxEh *list, const QString &lines)
@@ -171,3 +177,5 @@ RangeBox range(QGroupBox *groupBox, QStringView caption, TDBDateTimeEditEh *star
 {
     return { box(groupBox, caption, 1, { { QStringLiteral("开始"), start, "Label1" }, { QStringLiteral("结束"), end, "Label4" } }) };
 }
+
+} // namespace plugin

@@ -13,7 +13,11 @@ class TDataSource;
 class TDBComboBoxEh;
 class TDBDateTimeEditEh;
 class TDBLookupComboboxEh;
+namespace platform {
 struct LookupColumn;
+}
+
+namespace plugin {
 
 /// One condition of a screen: its label and its control. A control that carries its own caption (a check box) has no label.
 struct ConditionRow {
@@ -26,7 +30,7 @@ struct ConditionRow {
 /// A condition that is looked up in a dataset. The lists are those of the host unless a source is given.
 struct LookupRow : ConditionRow {
     /// The rows of `source`: the field whose value the text becomes, the code by which it can also be typed, the columns of the list.
-    LookupRow &from(TDataSource *source, const QString &keyField, const QString &codeField, const QList<LookupColumn> &columns);
+    LookupRow &from(TDataSource *source, const QString &keyField, const QString &codeField, const QList<platform::LookupColumn> &columns);
     LookupRow &sites(TDataSource *source);
     LookupRow &employees();
     LookupRow &scanTypes();
@@ -93,3 +97,5 @@ using ConditionLine = QList<ConditionItem>;
 
 /// Fills a list with "全部" and the values of a field, and chooses the former.
 void fillList(TDBComboBoxEh *list, TDataSet *dataSet, const QString &field);
+
+} // namespace plugin

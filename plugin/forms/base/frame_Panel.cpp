@@ -4,6 +4,8 @@
 
 #include <QPainter>
 
+using namespace platform;
+
 namespace {
 
 constexpr QSize panelSize(106, 10);

@@ -2,6 +2,12 @@
 
 #include <algorithm>
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 PagedScreen::PagedScreen(TComponentOwner *owner, const QString &name, QStringView caption)
     : QueryScreen(owner, name, caption)
 {
@@ -34,3 +40,5 @@ void PagedScreen::showFirstPage()
     if (PageControl1->activePageIndex() != 0)
         PageControl1->setActivePageIndex(0);
 }
+
+} // namespace plugin

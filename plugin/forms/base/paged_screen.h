@@ -4,6 +4,8 @@
 
 #include "platform/toolkit/page_control.h"
 
+namespace plugin {
+
 /// A query screen whose results stand on pages; a query shows the first one.
 class PagedScreen : public QueryScreen {
     Q_OBJECT
@@ -15,8 +17,8 @@ public:
 
 protected:
     /// Adds a page that shows `dataSet` in `view`; showing it makes both current, and `button` (Button1 when null) the query button.
-    void page(TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0,
-        QAbstractButton *button = nullptr);
+    void page(TTabSheet *sheet, QStringView caption, TDataView *view, TClientDataSetEx *dataSet, const platform::GridColumns &columns,
+        int frozen = 0, QAbstractButton *button = nullptr);
     void FormShow() override;
 
 private:
@@ -31,3 +33,5 @@ private:
 
     QList<Page> m_pages;
 };
+
+} // namespace plugin

@@ -2,6 +2,12 @@
 
 #include "platform/toolkit/screen.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 QueryScreen::QueryScreen(TComponentOwner *owner, const QString &name, QStringView caption)
     : Tfrm_BasicBoot(owner, name, caption.toString())
     , m_row(new QHBoxLayout(this))
@@ -78,3 +84,5 @@ QueryRun::QueryRun(QueryScreen *screen)
 }
 
 QueryRun::~QueryRun() { m_screen->showFirstPage(); }
+
+} // namespace plugin

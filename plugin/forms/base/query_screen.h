@@ -14,6 +14,8 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 
+namespace plugin {
+
 /// What the query screens share: a condition panel above the results, a range of time among the conditions, perhaps a list of waybills
 /// in their place, and a hidden query button that the host's query command presses. A screen names its conditions, results and
 /// statements, and nothing else.
@@ -39,7 +41,7 @@ protected:
     /// The range of time between DBDateTimeEditEh1 and DBDateTimeEditEh2, in GroupBox1.
     RangeBox range(QStringView caption) { return ::range(GroupBox1, caption, DBDateTimeEditEh1, DBDateTimeEditEh2); }
     /// Shows the one result of the screen below the conditions.
-    void result(TDataView *view, TClientDataSetEx *dataSet, const GridColumns &columns, int frozen = 0);
+    void result(TDataView *view, TClientDataSetEx *dataSet, const platform::GridColumns &columns, int frozen = 0);
     /// Puts a widget below the conditions.
     void placeBelow(QWidget *widget) { m_column->addWidget(widget, 1); }
     /// Lets the person ask by the waybills of a list; at the screen's left edge.
@@ -83,5 +85,7 @@ public:
 
 private:
     QueryScreen *m_screen;
-    const BusyCursor m_busy;
+    const platform::BusyCursor m_busy;
 };
+
+} // namespace plugin

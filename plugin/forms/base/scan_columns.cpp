@@ -1,5 +1,11 @@
 #include "plugin/forms/base/scan_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 GridColumns scanColumns(QStringView station, QStringView courier)
 {
     return {
@@ -38,3 +44,5 @@ GridColumns scanListColumns(QStringView station, QStringView courier)
 {
     return scanColumns(station, courier) + feeColumns() + GridColumns { money("TOPAYMENT", u"到付款", 70), remarkColumn() };
 }
+
+} // namespace plugin

@@ -5,6 +5,12 @@
 
 #include <optional>
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 namespace {
 
 bool hasRows(const TDataSet *dataSet) { return dataSet->active() && !dataSet->isEmpty(); }
@@ -112,3 +118,5 @@ void SummaryDetailScreen::openGuest(const QList<TCustomRemoteServer *> &connecti
     if (hasRows(m_detail))
         ShowQuestQuery(m_detail->fieldByName(u"bill_code")->asString(), connections);
 }
+
+} // namespace plugin

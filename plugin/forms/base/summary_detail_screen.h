@@ -2,6 +2,8 @@
 
 #include "plugin/forms/base/paged_screen.h"
 
+namespace plugin {
+
 /// How a summary has chosen its scans: the tag of its dataset on screens that also take a list of waybills.
 enum Selection { ByList, ByDate };
 
@@ -26,7 +28,7 @@ protected:
         QStringView caption;
         TDataView *view;
         TClientDataSetEx *dataSet;
-        const GridColumns &columns;
+        const platform::GridColumns &columns;
         int frozen = 0;
     };
     /// Adds both pages. `sentinel` is what is remembered after a summary has opened.
@@ -54,3 +56,5 @@ private:
     TDataView *m_detailView = nullptr;
     QString FDetailKey;
 };
+
+} // namespace plugin

@@ -4,6 +4,8 @@
 #include "platform/toolkit/plugin_interface.h"
 #include "plugin/data/udm_BasicData.h"
 
+using namespace platform;
+
 namespace {
 
 template <class Component>

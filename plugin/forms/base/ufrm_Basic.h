@@ -55,5 +55,5 @@ private:
     bool Right1 = false;
     bool Right2 = false;
     bool Right3 = false;
-    PublishedMethod ResetSearch;
+    platform::PublishedMethod ResetSearch;
 };

@@ -6,6 +6,12 @@
 
 #include <QScopeGuard>
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 void MonthList::design(
     const QList<ConditionRow> &rows, const QList<ConditionRow> &buttons, const GridColumns &summary, const GridColumns &detail)
 {
@@ -63,3 +69,5 @@ void MonthList::printDetail(const QString &reportFile)
             range->setText(report::ReportObject::literal(u"扫描时间：" + DBDateTimeEditEh1->text() + u" 至 " + DBDateTimeEditEh2->text()));
     });
 }
+
+} // namespace plugin

@@ -2,6 +2,8 @@
 
 #include "plugin/forms/base/summary_detail_screen.h"
 
+namespace plugin {
+
 /// A month's list: sums of a site's scans and, behind each, the scans, which are printed; by a list of waybills or by conditions.
 class MonthList : public SummaryDetailScreen {
     Q_OBJECT
@@ -28,7 +30,8 @@ protected:
     using SummaryDetailScreen::SummaryDetailScreen;
 
     /// Lays the screen out and connects it; `rows` and `buttons` stand beside the range.
-    void design(const QList<ConditionRow> &rows, const QList<ConditionRow> &buttons, const GridColumns &summary, const GridColumns &detail);
+    void design(const QList<ConditionRow> &rows, const QList<ConditionRow> &buttons, const platform::GridColumns &summary,
+        const platform::GridColumns &detail);
     LookupRow siteRow(TDBLookupComboboxEh *scanSite);
     LookupRow manRow();
     ListRow goodsTypeRow();
@@ -55,3 +58,5 @@ private:
 
     TDBLookupComboboxEh *m_scanSite = nullptr; ///< the scanning site, required by date
 };
+
+} // namespace plugin

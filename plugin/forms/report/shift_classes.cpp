@@ -1,5 +1,11 @@
 #include "plugin/forms/report/shift_classes.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 namespace {
 
 /// The three columns of a class of shifts.
@@ -69,3 +75,5 @@ QString ofShiftClass(QChar code)
         return {};
     }
 }
+
+} // namespace plugin

@@ -3,7 +3,7 @@
 #include "plugin/forms/base/summary_detail_screen.h"
 
 /// Compares the transfer fees of a site's arrivals with the audited ones, by previous station.
-class Tfrm_AuditingQuery : public SummaryDetailScreen {
+class Tfrm_AuditingQuery : public plugin::SummaryDetailScreen {
     Q_OBJECT
 
 public:
@@ -29,7 +29,7 @@ private:
     void queryByConditions() override;
     void queryByList(const QString &bills) override;
     void openSummary(QStringView head, int tag);
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 
     QString FWhereSql; ///< of the last summary
 };

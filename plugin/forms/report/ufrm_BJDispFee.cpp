@@ -3,6 +3,10 @@
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_BJDispFee = nullptr;
 
 namespace {

@@ -3,7 +3,7 @@
 #include "plugin/forms/base/summary_detail_screen.h"
 
 /// Settles the parcels sent and signed for within the city of Beijing: what each courier of a site picked up and delivered.
-class Tfrm_BJDispFee : public SummaryDetailScreen {
+class Tfrm_BJDispFee : public plugin::SummaryDetailScreen {
     Q_OBJECT
 
 public:
@@ -27,7 +27,7 @@ public:
 private:
     void queryByConditions() override;
     void DBLookupComboboxEh1Exit();
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 
     /// The waybills that the site delivered, or picked up; `signedFor` is when.
     QString delivered(const QString &signedFor, const QString &site, const QString &courier) const;

@@ -6,6 +6,10 @@
 #include "plugin/forms/base/scan_columns.h"
 #include "plugin/forms/report/shift_classes.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_DestQry = nullptr;
 
 namespace {

@@ -6,7 +6,7 @@
 
 /// Counts a site's arrivals by destination, split by the class of the shift; by previous station and destination, or by
 /// destination alone.
-class Tfrm_DestQry : public SummaryDetailScreen {
+class Tfrm_DestQry : public plugin::SummaryDetailScreen {
     Q_OBJECT
 
 public:
@@ -49,7 +49,7 @@ private:
     QString head(QStringView index) const;
     void addConditions();
     QString siteBasicCondition(const QString &area) const;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 
     QString FWhere; ///< of the last summary, as FMode is
     QString FMode; ///< "1" by previous station and destination, "2" by destination

@@ -4,6 +4,10 @@
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_DispFeeQry1 = nullptr;
 
 namespace {

@@ -3,7 +3,7 @@
 #include "plugin/forms/base/summary_detail_screen.h"
 
 /// The dispatch fees of signed waybills by delivering site, split by whether they were sent from the login site's province.
-class Tfrm_DispFeeQry1 : public SummaryDetailScreen {
+class Tfrm_DispFeeQry1 : public plugin::SummaryDetailScreen {
     Q_OBJECT
 
 public:
@@ -23,7 +23,7 @@ public:
 
 private:
     void queryByConditions() override;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 
     QString bySite(const QString &where) const;
     QString bySiteAndProvince(const QString &where) const;

@@ -3,7 +3,7 @@
 #include "plugin/forms/base/paged_screen.h"
 
 /// Counts the reconciliation records of one finance centre's hand-overs by the previous station.
-class Tfrm_MonthCalc : public PagedScreen {
+class Tfrm_MonthCalc : public plugin::PagedScreen {
     Q_OBJECT
 
 public:

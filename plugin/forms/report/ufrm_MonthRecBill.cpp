@@ -2,6 +2,10 @@
 
 #include "plugin/forms/base/scan_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_MonthRecBill = nullptr;
 
 namespace {

@@ -3,7 +3,7 @@
 #include "plugin/forms/report/month_list.h"
 
 /// What a site picked up from its customers in a month, by courier and customer.
-class Tfrm_MonthRecBill : public MonthList {
+class Tfrm_MonthRecBill : public plugin::MonthList {
     Q_OBJECT
 
 public:
@@ -12,7 +12,7 @@ public:
 private:
     QString summary() const override;
     QString conditions() const override;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 };
 
 extern Tfrm_Basic *frm_MonthRecBill;

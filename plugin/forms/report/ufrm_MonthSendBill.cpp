@@ -4,6 +4,10 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_MonthSendBill = nullptr;
 
 namespace {

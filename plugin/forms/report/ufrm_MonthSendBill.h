@@ -3,7 +3,7 @@
 #include "plugin/forms/report/month_list.h"
 
 /// What a site sent out in a month, by next station.
-class Tfrm_MonthSendBill : public MonthList {
+class Tfrm_MonthSendBill : public plugin::MonthList {
     Q_OBJECT
 
 public:
@@ -17,7 +17,7 @@ public:
 private:
     QString summary() const override;
     QString conditions() const override;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 };
 
 extern Tfrm_Basic *frm_MonthSendBill;

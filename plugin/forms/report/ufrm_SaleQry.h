@@ -3,7 +3,7 @@
 #include "plugin/forms/base/summary_detail_screen.h"
 
 /// What each picker of the Beijing business department brought to the hub: waybills, weight and fees.
-class Tfrm_SaleQry : public SummaryDetailScreen {
+class Tfrm_SaleQry : public plugin::SummaryDetailScreen {
     Q_OBJECT
 
 public:
@@ -25,7 +25,7 @@ public:
 private:
     void queryByConditions() override;
     void queryByList(const QString &bills) override;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 
     QString FWhereSql; ///< of the arrivals of the last summary
 };

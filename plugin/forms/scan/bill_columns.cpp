@@ -1,5 +1,11 @@
 #include "plugin/forms/scan/bill_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 GridColumns billColumns(const GridColumn &destination)
 {
     return {
@@ -37,3 +43,5 @@ GridColumns billColumns(const GridColumn &destination)
         text("R_BILLCODE", u"回单编号", 70).readOnly(),
     };
 }
+
+} // namespace plugin

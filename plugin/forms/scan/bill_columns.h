@@ -2,5 +2,9 @@
 
 #include "platform/grid/grid_columns.h"
 
+namespace plugin {
+
 /// The columns of entered waybills; `destination` is the column of the site they are sent to.
-GridColumns billColumns(const GridColumn &destination);
+platform::GridColumns billColumns(const platform::GridColumn &destination);
+
+} // namespace plugin

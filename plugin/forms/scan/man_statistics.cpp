@@ -4,6 +4,12 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 GridColumns manDetailColumns(QStringView station)
 {
     return centredFooters(scanColumns(station) + feeColumns()
@@ -50,3 +56,5 @@ QString ManStatistics::asInSummary(QStringView column) const
     const QString value = summaryText(column);
     return value.isEmpty() ? QString(u" and a." + column + u" is null ") : QString(u" and a." + column + u"='" + value + u'\'');
 }
+
+} // namespace plugin

@@ -2,6 +2,8 @@
 
 #include "plugin/forms/base/summary_detail_screen.h"
 
+namespace plugin {
+
 /// What each operator of a site has scanned, as sums and in detail: the common part of arrivals and send-outs.
 class ManStatistics : public SummaryDetailScreen {
     Q_OBJECT
@@ -22,7 +24,7 @@ protected:
     using SummaryDetailScreen::SummaryDetailScreen;
 
     /// Lays the screen out and connects it; `rows` stand beside the range.
-    void design(const QList<ConditionRow> &rows, const GridColumns &summary, const GridColumns &detail);
+    void design(const QList<ConditionRow> &rows, const platform::GridColumns &summary, const platform::GridColumns &detail);
     LookupRow siteRow();
     LookupRow stationRow(QStringView label);
     LookupRow manRow();
@@ -38,4 +40,6 @@ protected:
 };
 
 /// The columns of the scans behind the sums; `station` titles the station before or behind.
-GridColumns manDetailColumns(QStringView station);
+platform::GridColumns manDetailColumns(QStringView station);
+
+} // namespace plugin

@@ -3,6 +3,12 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
+namespace plugin {
+
 namespace {
 const GridColumns resultColumns = centredFooters(scanListColumns(u"下一网点", u"收件业务员"));
 }
@@ -58,3 +64,5 @@ QString StageContrast::statement(const Choice &choice) const
         + unlessEmpty(u" and a.DISPATCH_SITE='", DBLookupComboboxEh4) + u" and (not exists(select /*+index(b," + choice.missing.toUpper()
         + u"_I)*/1 from " + choice.missing + u" b where b.bill_code=a.bill_code))";
 }
+
+} // namespace plugin

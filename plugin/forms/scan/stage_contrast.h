@@ -4,6 +4,8 @@
 
 #include <QRadioButton>
 
+namespace plugin {
+
 /// The scans of one stage at a site whose waybills have no scan of another stage anywhere, and the other way round.
 class StageContrast : public QueryScreen {
     Q_OBJECT
@@ -42,3 +44,5 @@ private:
     const Choice m_first; ///< RadioButton1
     const Choice m_second;
 };
+
+} // namespace plugin

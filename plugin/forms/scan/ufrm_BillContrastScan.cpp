@@ -6,6 +6,10 @@
 
 #include <QLabel>
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_BillContrastScan = nullptr;
 
 namespace {

@@ -6,7 +6,7 @@
 
 /// Entered waybills without a scan of one type, or scans of that type without an entered waybill: two questions over the same
 /// conditions, each with its own page and query button.
-class Tfrm_BillContrastScan : public PagedScreen {
+class Tfrm_BillContrastScan : public plugin::PagedScreen {
     Q_OBJECT
 
 public:

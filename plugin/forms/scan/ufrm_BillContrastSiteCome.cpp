@@ -3,6 +3,10 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/scan/bill_columns.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_BillContrastSiteCome = nullptr;
 
 namespace {

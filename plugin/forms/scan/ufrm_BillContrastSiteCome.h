@@ -5,7 +5,7 @@
 #include "platform/toolkit/radio_group.h"
 
 /// Entered waybills beside the destination that their scans show; a row in which the two differ is red.
-class Tfrm_BillContrastSiteCome : public QueryScreen {
+class Tfrm_BillContrastSiteCome : public plugin::QueryScreen {
     Q_OBJECT
 
 public:
@@ -24,7 +24,7 @@ private:
     void queryByConditions() override;
     QString bills() const;
     QString ofFastType() const;
-    void DataView2DataViewGridGetCellParams(int row, CellParameters &parameters) const;
+    void DataView2DataViewGridGetCellParams(int row, platform::CellParameters &parameters) const;
 };
 
 extern Tfrm_Basic *frm_BillContrastSiteCome;

@@ -1,5 +1,7 @@
 #include "plugin/forms/scan/ufrm_ComeDispContrast.h"
 
+using namespace plugin;
+
 Tfrm_Basic *frm_ComeDispContrast = nullptr;
 
 Tfrm_ComeDispContrast::Tfrm_ComeDispContrast(TComponentOwner *owner)

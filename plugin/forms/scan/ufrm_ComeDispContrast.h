@@ -3,7 +3,7 @@
 #include "plugin/forms/scan/stage_contrast.h"
 
 /// Waybills that arrived at a site but were never put out for delivery, and the other way round.
-class Tfrm_ComeDispContrast : public StageContrast {
+class Tfrm_ComeDispContrast : public plugin::StageContrast {
     Q_OBJECT
 
 public:

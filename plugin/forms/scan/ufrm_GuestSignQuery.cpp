@@ -8,6 +8,10 @@
 #include <QHBoxLayout>
 #include <QScopeGuard>
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_GuestSignQuery = nullptr;
 
 namespace {

@@ -2,6 +2,10 @@
 
 #include <QAbstractItemView>
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_ManCome = nullptr;
 
 namespace {

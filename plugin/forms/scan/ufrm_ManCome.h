@@ -3,7 +3,7 @@
 #include "plugin/forms/scan/man_statistics.h"
 
 /// Counts and weighs the arrivals that each operator of a site has scanned, by the area of the previous station and by shift.
-class Tfrm_ManCome : public ManStatistics {
+class Tfrm_ManCome : public plugin::ManStatistics {
     Q_OBJECT
 
 public:
@@ -13,7 +13,7 @@ public:
 
 private:
     QString statistics() const override;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 };
 
 extern Tfrm_Basic *frm_ManCome;

@@ -1,5 +1,9 @@
 #include "plugin/forms/scan/ufrm_ManSend.h"
 
+using namespace plugin;
+
+using namespace platform;
+
 Tfrm_Basic *frm_ManSend = nullptr;
 
 namespace {

@@ -3,7 +3,7 @@
 #include "plugin/forms/scan/man_statistics.h"
 
 /// Counts the send-outs that each operator of a site has scanned, by shift, and weighs them by the waybills' latest arrival there.
-class Tfrm_ManSend : public ManStatistics {
+class Tfrm_ManSend : public plugin::ManStatistics {
     Q_OBJECT
 
 public:
@@ -11,7 +11,7 @@ public:
 
 private:
     QString statistics() const override;
-    Detail detail() const override;
+    plugin::Detail detail() const override;
 };
 
 extern Tfrm_Basic *frm_ManSend;

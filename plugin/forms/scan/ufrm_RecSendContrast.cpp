@@ -2,6 +2,8 @@
 
 #include "plugin/data/host_data.h"
 
+using namespace plugin;
+
 Tfrm_Basic *frm_RecSendContrast = nullptr;
 
 Tfrm_RecSendContrast::Tfrm_RecSendContrast(TComponentOwner *owner)

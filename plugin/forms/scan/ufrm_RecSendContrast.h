@@ -3,7 +3,7 @@
 #include "plugin/forms/scan/stage_contrast.h"
 
 /// Waybills that were sent out of a site but never picked up, and the other way round; for ordinary outlets only.
-class Tfrm_RecSendContrast : public StageContrast {
+class Tfrm_RecSendContrast : public plugin::StageContrast {
     Q_OBJECT
 
 public:

@@ -3,7 +3,7 @@
 #include "plugin/forms/base/paged_screen.h"
 
 /// Compares two sets of scans: the waybills in both, only in the source set, and only in the target set.
-class Tfrm_ScanContrast : public PagedScreen {
+class Tfrm_ScanContrast : public plugin::PagedScreen {
     Q_OBJECT
 
 public:
@@ -55,7 +55,7 @@ private:
         TDBDateTimeEditEh *start;
         TDBDateTimeEditEh *end;
 
-        QList<ConditionRow> rows() const;
+        QList<plugin::ConditionRow> rows() const;
         QString table() const;
         QString selectList() const;
         QString conditions() const;

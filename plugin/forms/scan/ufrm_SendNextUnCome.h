@@ -3,7 +3,7 @@
 #include "plugin/forms/base/query_screen.h"
 
 /// The send-outs of a site whose next station has no arrival of the same waybill: parcels lost or late on the way.
-class Tfrm_SendNextUnCome : public QueryScreen {
+class Tfrm_SendNextUnCome : public plugin::QueryScreen {
     Q_OBJECT
 
 public:
