@@ -45,10 +45,11 @@ void TForm::closeEvent(QCloseEvent *event)
 
 bool TForm::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::KeyPress && watched == focusWidget() && !m_composing) {
+    const QWidget *focused = focusWidget() ? focusWidget() : this;
+    if (event->type() == QEvent::KeyPress && watched == focused && !m_composing) {
         const auto *key = static_cast<QKeyEvent *>(event);
         guarded([&] { FormKeyDown(key->key(), key->modifiers() & ~Qt::KeypadModifier); });
-    } else if (event->type() == QEvent::InputMethod && watched == focusWidget()) {
+    } else if (event->type() == QEvent::InputMethod && watched == focused) {
         m_composing = !static_cast<QInputMethodEvent *>(event)->preeditString().isEmpty();
     } else if (event->type() == QEvent::FocusOut) {
         m_composing = false;

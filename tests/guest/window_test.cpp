@@ -88,7 +88,7 @@ TEST_F(Window, TheListChoosesAmongSeveralAndARefreshKeepsTheChoice)
     EXPECT_EQ(window->trackGrid->rowCount(), 1);
 
     m_server.add(QStringLiteral("TAB_SCAN_COME"), arrived(QStringLiteral("1")));
-    QTest::keyClick(window, Qt::Key_F5);
+    QTest::keyClick(window->focusWidget(), Qt::Key_F5);
     EXPECT_EQ(window->billsGrid->currentRow(), 1);
     EXPECT_EQ(window->trackGrid->rowCount(), 2);
     EXPECT_EQ(window->positionLabel->text(), QStringLiteral("2026-03-01 09:00:00 已到达 乙，尚未发出或派送。"));

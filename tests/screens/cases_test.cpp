@@ -56,7 +56,7 @@ private:
         } else if (what == u"drill") {
             drill(name, value.section(u' ', 0, 0).toInt(), value.section(u' ', 1));
         } else {
-            m_client->obey(what, { { QStringLiteral("control"), name } });
+            m_client->ask({ { QStringLiteral("do"), what }, { QStringLiteral("control"), name } }); // a failure is told as an event
         }
     }
     void set(const QString &control, const QString &kind, const QJsonValue &value)
@@ -68,10 +68,12 @@ private:
         QJsonObject place { { QStringLiteral("view"), view } };
         const QJsonArray columns = m_client->obey(QStringLiteral("columns"), place)[u"columns"].toArray();
         place[u"from"] = row;
+        place[u"exact"] = true;
         const QJsonArray cells = m_client->obey(QStringLiteral("rows"), place)[u"rows"][0].toArray();
         for (int column = 0; column < columns.size(); ++column)
             m_row.append({ columns[column][u"field"].toString(), cells[column].toString() });
         place.remove(u"from");
+        place.remove(u"exact");
         place[u"row"] = row;
         place[u"field"] = field;
         place[u"doubleClick"] = true;

@@ -35,7 +35,7 @@ void QueryScreen::result(TDataView *view, TClientDataSetEx *dataSet, const GridC
 
 void QueryScreen::arrange(const QList<ConditionLine> &lines)
 {
-    ::arrange(this, Panel1, WorkPanel1, lines);
+    plugin::arrange(this, Panel1, WorkPanel1, lines);
     forEachRow(lines, [this](const ConditionRow &row) { m_onCreate += row.onCreate; });
 }
 
@@ -67,7 +67,7 @@ void QueryScreen::Button1Click()
 
 bool QueryScreen::refuse(QStringView reason, QWidget *control)
 {
-    ::refuse(reason, caption());
+    plugin::refuse(reason, caption());
     if (control)
         focusControl(control);
     return true;

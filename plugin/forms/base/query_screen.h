@@ -39,7 +39,7 @@ protected:
     /// Lays the condition panel out.
     void arrange(const QList<ConditionLine> &lines);
     /// The range of time between DBDateTimeEditEh1 and DBDateTimeEditEh2, in GroupBox1.
-    RangeBox range(QStringView caption) { return ::range(GroupBox1, caption, DBDateTimeEditEh1, DBDateTimeEditEh2); }
+    RangeBox range(QStringView caption) { return plugin::range(GroupBox1, caption, DBDateTimeEditEh1, DBDateTimeEditEh2); }
     /// Shows the one result of the screen below the conditions.
     void result(TDataView *view, TClientDataSetEx *dataSet, const platform::GridColumns &columns, int frozen = 0);
     /// Puts a widget below the conditions.
