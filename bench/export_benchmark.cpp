@@ -11,7 +11,9 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
+#include <functional>
 #include <map>
 
 #include <xlsxwriter.h>

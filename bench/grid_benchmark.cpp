@@ -13,6 +13,7 @@
 #include <QTableView>
 
 #include <cstdio>
+#include <functional>
 
 using namespace platform;
 

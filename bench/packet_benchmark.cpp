@@ -7,6 +7,7 @@
 #include "packet/stream_reader.h"
 #include "packet/stream_writer.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 

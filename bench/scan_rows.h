@@ -7,6 +7,8 @@
 #include <QSqlDatabase>
 #include <QSqlQueryModel>
 
+#include <memory>
+
 struct sqlite3;
 
 /// Ends the program with the message.

@@ -6,6 +6,8 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <memory>
+
 namespace server_client {
 class ServerSession;
 }

@@ -3,6 +3,9 @@
 #include "engine/engine.h"
 #include "platform/connection/socket_connection.h"
 
+#include <functional>
+#include <memory>
+
 namespace client {
 
 /// Runs statements on an engine in the client's own process.

@@ -15,6 +15,7 @@
 #include <QFile>
 
 #include <cstdio>
+#include <memory>
 #include <optional>
 
 using namespace platform;

@@ -11,6 +11,8 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <memory>
+
 class QAction;
 class QMenu;
 class QToolBar;

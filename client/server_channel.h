@@ -3,6 +3,9 @@
 #include "platform/connection/socket_connection.h"
 #include "server_client/server_session.h"
 
+#include <functional>
+#include <memory>
+
 namespace client {
 
 /// Sends statements to application servers.

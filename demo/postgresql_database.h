@@ -2,6 +2,7 @@
 
 #include "demo/database.h"
 
+#include <memory>
 #include <vector>
 
 struct pg_conn;

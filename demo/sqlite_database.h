@@ -2,6 +2,8 @@
 
 #include "demo/database.h"
 
+#include <memory>
+
 struct sqlite3;
 
 namespace demo {

@@ -66,12 +66,12 @@ BatchReader::BatchReader(const arrow::RecordBatch &batch, std::span<const std::b
     , m_limit(limit)
     , m_decompressed(decompressed)
 {
-    check(batch.length() >= 0 && std::uint64_t(batch.length()) <= mostRows && batch.nodes() != nullptr && batch.buffers() != nullptr);
+    check(batch.length() >= 0 && std::uint64_t(batch.length()) <= mostRows && batch.nodes() && batch.buffers());
     // The verifier of FlatBuffers leaves the alignment of structures in vectors to us.
     check(isAligned(batch.nodes()->Data()) && isAligned(batch.buffers()->Data()));
     m_rows = std::size_t(batch.length());
     const arrow::BodyCompression *const compression = batch.compression();
-    if (compression != nullptr
+    if (compression
         && (compression->codec() != arrow::CompressionType::Lz4Frame || compression->method() != arrow::BodyCompressionMethod::Buffer))
         fail("数据的压缩方式不是 LZ4");
 }
@@ -95,7 +95,7 @@ std::span<const std::byte> BatchReader::nextBuffer(std::size_t size)
     check(offset % bufferAlignment == 0 && offset >= m_bodyUsed && offset <= m_body.size() && length <= m_body.size() - offset);
     m_bodyUsed = offset + length;
     const auto bytes = m_body.subspan(offset, length);
-    if (m_batch.compression() != nullptr && !bytes.empty())
+    if (m_batch.compression() && !bytes.empty())
         return decompress(bytes, size);
     check(length == size);
     return bytes;

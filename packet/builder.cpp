@@ -54,7 +54,7 @@ void Builder::endRow()
 {
     if (++m_openRows == Packet::blockRows) {
         sealBlock();
-        if (m_sink != nullptr && (m_begun || !mustHold())) {
+        if (m_sink && (m_begun || !mustHold())) {
             begin(true);
             send();
         }
@@ -122,7 +122,7 @@ PacketPtr Builder::finish(bool truncated)
 {
     if (m_openRows > 0)
         sealBlock();
-    if (m_sink != nullptr) {
+    if (m_sink) {
         begin(false);
         send();
         m_sink->end(truncated);

@@ -2,6 +2,8 @@
 
 #include "packet/block_sink.h"
 
+#include <memory>
+
 namespace packet {
 
 /// Fills a packet row by row. Every column takes exactly one value between two endRow() calls.

@@ -1,5 +1,6 @@
 #include "packet/column_builder.h"
 
+#include <algorithm>
 #include <bit>
 #include <charconv>
 #include <cmath>
@@ -389,7 +390,7 @@ void Builder::ColumnBuilder::discardStore()
 void Builder::ColumnBuilder::complete(Chunk &chunk, std::uint32_t rows) const
 {
     static const auto zeros = std::make_shared<const std::vector<std::uint64_t>>(Packet::blockRows + 1);
-    if (chunk.values.as<void>() != nullptr)
+    if (chunk.values.as<void>())
         return;
     const bool plain = field().type == ColumnType::Text && !m_texts.usesDictionary();
     chunk.width = plain ? 0 : field().type == ColumnType::Text ? sizeof(std::uint16_t) : sizeof(std::int64_t);

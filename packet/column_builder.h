@@ -4,6 +4,8 @@
 #include "packet/decimal_store.h"
 #include "packet/text_store.h"
 
+#include <memory>
+
 namespace packet {
 
 /// One column of a builder: the open rows of the block at hand in the store of the column's type.

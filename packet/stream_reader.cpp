@@ -101,13 +101,13 @@ void StreamReader::readMessage()
     const arrow::Schema *const schema = message().header_as_Schema();
     if (m_begun == (schema != nullptr))
         throw StreamError("数据块的次序不对");
-    if (schema != nullptr) {
+    if (schema) {
         m_schema = wire::readSchema(*schema, m_limits.columns);
         m_dictionaries.resize(m_schema.size());
         m_begun = true;
     } else if (const auto *dictionary = message().header_as_DictionaryBatch()) {
         readDictionary(*dictionary);
-    } else if (const auto *batch = message().header_as_RecordBatch(); batch == nullptr) {
+    } else if (const auto *batch = message().header_as_RecordBatch(); !batch) {
         throw StreamError("有不认识的数据块");
     } else if (batch->length() == 0) {
         return readEndMark(message());
@@ -120,7 +120,7 @@ void StreamReader::readMessage()
 void StreamReader::readDictionary(const arrow::DictionaryBatch &batch)
 {
     const auto column = std::size_t(batch.id());
-    if (column >= m_schema.size() || !m_schema[column].dictionary || batch.data() == nullptr)
+    if (column >= m_schema.size() || !m_schema[column].dictionary || !batch.data())
         throw StreamError("有不属于任何一列的字典");
     std::shared_ptr<Dictionary> &dictionary = m_dictionaries[column];
     if (batch.is_delta() != (dictionary != nullptr))

@@ -2,6 +2,7 @@
 
 #include "packet/packet.h"
 
+#include <memory>
 #include <stdexcept>
 
 namespace packet {

@@ -4,6 +4,7 @@
 #include "packet/utf8.h"
 #include "packet/wire_schema.h"
 
+#include <algorithm>
 #include <limits>
 #include <stdexcept>
 

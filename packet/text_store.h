@@ -3,6 +3,7 @@
 #include "packet/packet.h"
 
 #include <limits>
+#include <memory>
 
 namespace packet {
 

@@ -57,17 +57,17 @@ Offset<arrow::Field> writeField(FlatBufferBuilder &builder, const Field &field, 
 /// Nothing unless it is one of the types that a packet has.
 std::optional<ColumnType> typeOf(const arrow::Field &field)
 {
-    if (field.type_as_Utf8() != nullptr)
+    if (field.type_as_Utf8())
         return ColumnType::Text;
-    if (const auto *integer = field.type_as_Int(); integer != nullptr && integer->bit_width() == int64Bits && integer->is_signed())
+    if (const auto *integer = field.type_as_Int(); integer && integer->bit_width() == int64Bits && integer->is_signed())
         return ColumnType::Int64;
-    if (const auto *decimal = field.type_as_Decimal(); decimal != nullptr && decimal->bit_width() == decimalBits
+    if (const auto *decimal = field.type_as_Decimal(); decimal && decimal->bit_width() == decimalBits
         && decimal->precision() == decimalPrecision && decimal->scale() >= 0 && decimal->scale() <= decimalPrecision)
         return ColumnType::Decimal;
-    if (const auto *real = field.type_as_FloatingPoint(); real != nullptr && real->precision() == arrow::Precision::Double)
+    if (const auto *real = field.type_as_FloatingPoint(); real && real->precision() == arrow::Precision::Double)
         return ColumnType::Float64;
     if (const auto *time = field.type_as_Timestamp();
-        time != nullptr && time->unit() == arrow::TimeUnit::Second && (time->timezone() == nullptr || time->timezone()->size() == 0))
+        time && time->unit() == arrow::TimeUnit::Second && (!time->timezone() || time->timezone()->size() == 0))
         return ColumnType::Timestamp;
     return std::nullopt;
 }
@@ -75,24 +75,24 @@ std::optional<ColumnType> typeOf(const arrow::Field &field)
 bool isOurs(const arrow::DictionaryEncoding &encoding, std::int64_t column)
 {
     const arrow::Int *const index = encoding.index_type();
-    const bool indexFits = index == nullptr || (index->bit_width() == indexBits && index->is_signed());
+    const bool indexFits = !index || (index->bit_width() == indexBits && index->is_signed());
     return indexFits && encoding.id() == column && encoding.dictionary_kind() == arrow::DictionaryKind::DenseArray;
 }
 
 Field readField(const arrow::Field &wire, std::int64_t column)
 {
-    const std::string_view name = wire.name() != nullptr ? wire.name()->string_view() : std::string_view();
+    const std::string_view name = wire.name() ? wire.name()->string_view() : std::string_view();
     if (name.size() > longestName || !isUtf8(name))
         throw StreamError("第 " + std::to_string(column + 1) + " 列的列名太长或不是有效的 UTF-8 编码");
     Field field;
     field.name = name;
     const auto type = typeOf(wire);
-    if (!type || (wire.children() != nullptr && wire.children()->size() > 0))
+    if (!type || (wire.children() && wire.children()->size() > 0))
         refuse(field.name, "的类型不是查询结果可以有的类型");
     field.type = *type;
     if (*type == ColumnType::Decimal)
         field.scale = wire.type_as_Decimal()->scale();
-    if (wire.dictionary() != nullptr) {
+    if (wire.dictionary()) {
         if (*type != ColumnType::Text || !isOurs(*wire.dictionary(), column))
             refuse(field.name, "的字典不是查询结果可以有的字典");
         field.dictionary = true;
@@ -118,10 +118,10 @@ Offset<arrow::KeyValue> keyValue(FlatBufferBuilder &builder, const char *key, co
 
 std::string_view valueOf(const KeyValues *values, const char *key)
 {
-    if (values == nullptr)
+    if (!values)
         return {};
     const auto found = std::find_if(values->begin(), values->end(), [key](const arrow::KeyValue *entry) {
-        return entry->key() != nullptr && entry->value() != nullptr && entry->key()->string_view() == key;
+        return entry->key() && entry->value() && entry->key()->string_view() == key;
     });
     return found == values->end() ? std::string_view() : found->value()->string_view();
 }
@@ -139,7 +139,7 @@ std::vector<Field> readSchema(const arrow::Schema &schema, std::size_t mostColum
 {
     if (valueOf(schema.custom_metadata(), versionKey) != version || schema.endianness() != arrow::Endianness::Little)
         throw StreamError("数据的格式或版本不是本程序能够读取的");
-    if (schema.fields() == nullptr || schema.fields()->size() > mostColumns)
+    if (!schema.fields() || schema.fields()->size() > mostColumns)
         throw StreamError("列数超过了 " + std::to_string(mostColumns));
     std::vector<Field> fields;
     std::set<std::string> taken;

@@ -6,6 +6,8 @@
 #include <QApplication>
 #include <QMouseEvent>
 
+#include <algorithm>
+
 using namespace platform;
 
 namespace client {
@@ -103,8 +105,8 @@ QJsonObject Automation::rows(const QJsonObject &arguments)
     const TDBGridEh *grid = view(arguments);
     const bool exact = arguments[u"exact"].toBool();
     const int total = grid->rowCount();
-    const int from = qBound(0, arguments[u"from"].toInt(0), total);
-    const int end = from + qBound(0, arguments[u"count"].toInt(total), total - from);
+    const int from = std::clamp(arguments[u"from"].toInt(0), 0, total);
+    const int end = from + std::clamp(arguments[u"count"].toInt(total), 0, total - from);
     QJsonArray rows;
     for (int row = from; row < end; ++row) {
         QJsonArray cells;

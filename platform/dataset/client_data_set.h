@@ -7,6 +7,8 @@
 #include <QPointer>
 #include <QStringList>
 
+#include <memory>
+
 namespace platform {
 
 class FilterExpression;

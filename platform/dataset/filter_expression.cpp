@@ -3,6 +3,7 @@
 #include "platform/dataset/data_set.h"
 
 #include <array>
+#include <utility>
 
 using namespace platform;
 

@@ -6,6 +6,7 @@
 #include <QTextLayout>
 
 #include <cmath>
+#include <utility>
 
 namespace platform {
 

@@ -5,6 +5,8 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/entry/screens.h"
 
+#include <algorithm>
+
 using namespace plugin;
 
 using namespace platform;

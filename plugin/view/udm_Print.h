@@ -10,6 +10,8 @@
 #include "platform/report/report.h"
 #include "platform/toolkit/form.h"
 
+#include <functional>
+
 /// Prints a screen's result through a report file, headed with the company, the site and the person who prints.
 class Tdm_Print : public TDataModule {
     Q_OBJECT

@@ -22,6 +22,8 @@
 
 #include <sqlite3.h>
 
+#include <memory>
+
 using namespace platform;
 
 using namespace client;

@@ -18,6 +18,8 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include <memory>
+
 using namespace client;
 
 namespace {

@@ -1,6 +1,8 @@
 #include "platform/dataset/data_source.h"
 #include "tests/dataset/rows.h"
 
+#include <memory>
+
 using testing::ElementsAre;
 
 namespace {

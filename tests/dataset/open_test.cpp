@@ -3,6 +3,8 @@
 #include "platform/toolkit/long_work.h"
 #include "tests/dataset/rows.h"
 
+#include <functional>
+#include <memory>
 #include <thread>
 
 using namespace platform;

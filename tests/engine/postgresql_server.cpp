@@ -36,7 +36,7 @@ std::optional<passwd> serverAccount()
     if (geteuid() != 0)
         return std::nullopt;
     const passwd *const account = getpwnam("postgres");
-    if (account == nullptr)
+    if (!account)
         throw std::runtime_error("the account postgres is missing: is the package postgresql-15 installed?");
     return *account;
 }

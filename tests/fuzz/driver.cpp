@@ -141,7 +141,7 @@ private:
 
 void run(const std::string &input, const char *file)
 {
-    if (file != nullptr)
+    if (file)
         std::ofstream(file, std::ios::binary) << input;
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t *>(input.data()), input.size());
 }

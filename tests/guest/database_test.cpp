@@ -8,6 +8,8 @@
 
 #include <QTemporaryDir>
 
+#include <memory>
+
 using namespace client;
 using namespace guest;
 

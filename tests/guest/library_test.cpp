@@ -9,6 +9,8 @@
 
 #include <QMdiArea>
 
+#include <memory>
+
 using namespace platform;
 
 namespace {

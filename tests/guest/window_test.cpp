@@ -142,4 +142,6 @@ TEST_F(Window, TheHostHearsOfItAsOfItsScreens)
 
 #include "window_test.moc"
 
+#include <memory>
+
 using namespace guest;

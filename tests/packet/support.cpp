@@ -1,5 +1,7 @@
 #include "support.h"
 
+#include <memory>
+
 namespace packet::test {
 
 void Recorder::begin(const std::vector<Field> &fields)

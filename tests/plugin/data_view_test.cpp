@@ -16,6 +16,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <memory>
+#include <utility>
+
 using namespace plugin;
 
 using namespace platform;

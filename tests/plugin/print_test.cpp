@@ -8,6 +8,9 @@
 #include <QDir>
 #include <QFile>
 
+#include <functional>
+#include <memory>
+
 using namespace platform;
 
 namespace {

@@ -15,6 +15,8 @@
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <memory>
+
 using namespace report;
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "tests/screens/screen_test.h"
 
+#include <algorithm>
+
 namespace {
 
 qint64 cents(const QString &amount) { return qRound64(amount.toDouble() * 100); }

@@ -6,6 +6,8 @@
 
 #include <QJsonDocument>
 
+#include <algorithm>
+
 namespace {
 
 /// Queries a screen, shows the detail of the row whose texts come first, and gives all rows of both grids.
@@ -20,7 +22,7 @@ QStringList rowsOf(ClientProcess &client, const char *screen, const char *summar
             rows.append(QString::fromUtf8(QJsonDocument(row.toArray()).toJson(QJsonDocument::Compact)));
     };
     take("rows", summary);
-    if (details != nullptr) {
+    if (details) {
         client.obey(QStringLiteral("cell"),
             { { QStringLiteral("view"), QString::fromLatin1(summary) },
                 { QStringLiteral("row"), int(std::min_element(rows.begin(), rows.end()) - rows.begin()) },

@@ -11,6 +11,7 @@
 #include <QTimer>
 
 #include <chrono>
+#include <memory>
 #include <semaphore>
 #include <thread>
 

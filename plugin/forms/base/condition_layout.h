@@ -2,6 +2,8 @@
 
 #include "plugin/forms/base/condition_row.h"
 
+#include <functional>
+
 class QFrame;
 class QLabel;
 class TComponentOwner;

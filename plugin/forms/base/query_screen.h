@@ -14,6 +14,8 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 
+#include <functional>
+
 namespace plugin {
 
 /// What the query screens share: a condition panel above the results, a range of time among the conditions, perhaps a list of waybills

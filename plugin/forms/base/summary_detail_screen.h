@@ -2,6 +2,8 @@
 
 #include "plugin/forms/base/paged_screen.h"
 
+#include <functional>
+
 namespace plugin {
 
 /// How a summary has chosen its scans: the tag of its dataset on screens that also take a list of waybills.

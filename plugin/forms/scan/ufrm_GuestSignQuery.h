@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <QSplitter>
 
+#include <functional>
+
 /// For each number of a list whether the waybill is signed for, entered, or has a problem, and where it is now. The rows are put
 /// together on the client from four queries over the second connection.
 class Tfrm_GuestSignQuery : public Tfrm_BasicBoot {
