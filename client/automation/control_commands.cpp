@@ -64,7 +64,7 @@ QJsonObject describe(const QObject &component)
 {
     QJsonObject description {
         { QStringLiteral("name"), component.objectName() },
-        { QStringLiteral("class"), QString::fromLatin1(component.metaObject()->className()) },
+        { QStringLiteral("class"), QString::fromLatin1(component.metaObject()->className()).section(u':', -1) }, // without namespaces
     };
     if (const auto *dataSet = qobject_cast<const TDataSet *>(&component))
         description[u"active"] = dataSet->active();
