@@ -19,7 +19,6 @@
 #include <xlsxwriter.h>
 
 using namespace client;
-
 using namespace platform;
 
 namespace {

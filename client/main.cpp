@@ -18,9 +18,8 @@
 #include <memory>
 #include <optional>
 
-using namespace platform;
-
 using namespace client;
+using namespace platform;
 
 namespace {
 

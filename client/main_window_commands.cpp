@@ -28,7 +28,6 @@
 #include <QVBoxLayout>
 
 using namespace client;
-
 using namespace platform;
 
 namespace client {

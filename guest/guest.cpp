@@ -9,9 +9,8 @@
 #include <algorithm>
 #include <memory>
 
-using namespace platform;
-
 using namespace guest;
+using namespace platform;
 
 namespace {
 

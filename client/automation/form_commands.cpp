@@ -15,7 +15,6 @@
 #include <utility>
 
 using namespace client;
-
 using namespace platform;
 
 namespace client {

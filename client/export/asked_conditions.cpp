@@ -9,7 +9,6 @@
 #include <QAbstractButton>
 
 using namespace client;
-
 using namespace platform;
 
 namespace client {

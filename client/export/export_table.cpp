@@ -5,7 +5,6 @@
 #include "platform/grid/db_grid.h"
 
 using namespace client;
-
 using namespace platform;
 
 namespace client {

@@ -13,7 +13,6 @@
 #include <optional>
 
 using namespace client;
-
 using namespace platform;
 
 namespace client {

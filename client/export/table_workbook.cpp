@@ -9,7 +9,6 @@
 #include <vector>
 
 using namespace client;
-
 using namespace platform;
 
 namespace client {

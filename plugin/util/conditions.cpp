@@ -4,9 +4,8 @@
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/screen.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace {
 

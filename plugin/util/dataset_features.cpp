@@ -8,9 +8,8 @@
 
 #include <algorithm>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace {
 

@@ -9,9 +9,8 @@
 
 #include <memory>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace {
 

@@ -14,9 +14,8 @@
 #include <algorithm>
 #include <utility>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace {
 

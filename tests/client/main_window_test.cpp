@@ -24,9 +24,8 @@
 
 #include <memory>
 
-using namespace platform;
-
 using namespace client;
+using namespace platform;
 
 namespace {
 

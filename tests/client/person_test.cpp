@@ -12,9 +12,8 @@
 #include <QSignalSpy>
 #include <QVBoxLayout>
 
-using namespace platform;
-
 using namespace client;
+using namespace platform;
 
 namespace {
 

@@ -6,9 +6,8 @@
 
 #include <gtest/gtest.h>
 
-using namespace platform;
-
 using namespace client;
+using namespace platform;
 
 namespace {
 

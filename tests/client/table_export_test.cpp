@@ -12,7 +12,6 @@
 #include <QTimer>
 
 using namespace client;
-
 using namespace platform;
 
 namespace {

@@ -4,9 +4,8 @@
 
 #include <gtest/gtest.h>
 
-using namespace platform;
-
 using namespace guest;
+using namespace platform;
 
 namespace {
 

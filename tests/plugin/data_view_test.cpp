@@ -19,9 +19,8 @@
 #include <memory>
 #include <utility>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 TIniPropStorageManEh *IniStorageManager = nullptr;
 

@@ -26,7 +26,6 @@
 #include <functional>
 
 using namespace platform;
-
 using namespace report;
 
 namespace {

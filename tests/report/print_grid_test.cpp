@@ -10,7 +10,6 @@
 #include <algorithm>
 
 using namespace platform;
-
 using namespace report;
 
 namespace {

@@ -7,9 +7,8 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/util/conditions.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 

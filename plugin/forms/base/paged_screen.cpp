@@ -2,9 +2,8 @@
 
 #include <algorithm>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 

@@ -2,9 +2,8 @@
 
 #include "platform/toolkit/screen.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 

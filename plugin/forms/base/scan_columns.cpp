@@ -1,8 +1,7 @@
 #include "plugin/forms/base/scan_columns.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 

@@ -5,9 +5,8 @@
 
 #include <optional>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 
@@ -49,7 +48,7 @@ SummaryRow describeRow(const TDBGridEh &grid)
         const TField *field = grid.dataSet()->findField(column.fieldName);
         if (!field || (index != amount && (!column.visible || isAmount(column))))
             continue;
-        parts.append(column.caption + u'=' + field->asString());
+        parts.append(column.caption + u'=' + (field->isNull() ? QStringLiteral("（空）") : field->asString()));
         if (index == amount && isCount(column))
             row.count = int(field->asDecimal().toDouble());
     }

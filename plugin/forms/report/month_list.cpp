@@ -6,9 +6,8 @@
 
 #include <QScopeGuard>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 

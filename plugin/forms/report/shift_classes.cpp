@@ -1,8 +1,7 @@
 #include "plugin/forms/report/shift_classes.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 namespace plugin {
 

@@ -3,9 +3,8 @@
 #include "plugin/data/host_data.h"
 #include "plugin/data/udm_GlobalData.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_BJDispFee = nullptr;
 

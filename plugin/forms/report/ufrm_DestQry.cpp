@@ -6,9 +6,8 @@
 #include "plugin/forms/base/scan_columns.h"
 #include "plugin/forms/report/shift_classes.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_DestQry = nullptr;
 

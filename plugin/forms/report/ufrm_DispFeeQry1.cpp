@@ -4,9 +4,8 @@
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/data/udm_GlobalData.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_DispFeeQry1 = nullptr;
 

@@ -2,9 +2,8 @@
 
 #include "plugin/forms/base/scan_columns.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_MonthRecBill = nullptr;
 

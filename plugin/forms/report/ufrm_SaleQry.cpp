@@ -4,9 +4,8 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_SaleQry = nullptr;
 

@@ -6,9 +6,8 @@
 
 #include <QLabel>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_BillContrastScan = nullptr;
 

@@ -8,9 +8,8 @@
 #include <QHBoxLayout>
 #include <QScopeGuard>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_GuestSignQuery = nullptr;
 

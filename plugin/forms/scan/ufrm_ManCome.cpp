@@ -2,9 +2,8 @@
 
 #include <QAbstractItemView>
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_ManCome = nullptr;
 

@@ -1,8 +1,7 @@
 #include "plugin/forms/scan/ufrm_ManSend.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_ManSend = nullptr;
 

@@ -4,9 +4,8 @@
 #include "plugin/data/udm_GlobalData.h"
 #include "plugin/forms/base/scan_columns.h"
 
-using namespace plugin;
-
 using namespace platform;
+using namespace plugin;
 
 Tfrm_Basic *frm_ScanContrast = nullptr;
 
@@ -68,7 +67,8 @@ Tfrm_ScanContrast::Tfrm_ScanContrast(TComponentOwner *owner)
     CheckBox1->setText(QStringLiteral("(&1)启用目标条件对比"));
     CheckBox1->setChecked(true);
     arrange({
-        { box(GroupBox1, u"对比源条件", 4, m_source.rows()), plugin::range(GroupBox2, u"源条件时间范围(3天以内)", m_source.start, m_source.end) },
+        { box(GroupBox1, u"对比源条件", 4, m_source.rows()),
+            plugin::range(GroupBox2, u"源条件时间范围(3天以内)", m_source.start, m_source.end) },
         { box(GroupBox3, u"对比目标条件", 4, m_target.rows()),
             box(GroupBox4, u"目标条件时间范围(3天以内)", 1, { row(u"开始", m_target.start), row(u"结束", m_target.end) }), row(CheckBox1) },
     });
