@@ -120,9 +120,8 @@ std::string_view valueOf(const KeyValues *values, const char *key)
 {
     if (!values)
         return {};
-    const auto found = std::find_if(values->begin(), values->end(), [key](const arrow::KeyValue *entry) {
-        return entry->key() && entry->value() && entry->key()->string_view() == key;
-    });
+    const auto found = std::find_if(values->begin(), values->end(),
+        [key](const arrow::KeyValue *entry) { return entry->key() && entry->value() && entry->key()->string_view() == key; });
     return found == values->end() ? std::string_view() : found->value()->string_view();
 }
 
