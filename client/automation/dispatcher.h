@@ -17,7 +17,7 @@ class Dispatcher : public QObject {
 public:
     using Command = std::function<QJsonObject(const QJsonObject &arguments)>;
 
-    void add(const QString &name, Command command) { m_commands.insert(name, std::move(command)); }
+    void add(const QString &name, const Command &command) { m_commands.insert(name, command); }
     void receive(const QByteArray &line);
     /// No more commands will come.
     void end();
