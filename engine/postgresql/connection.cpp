@@ -63,7 +63,7 @@ try {
         begin(job);
         first = start(job, Form::Text);
     }
-    const auto packet = readRows(job, std::move(first));
+    auto packet = readRows(job, std::move(first));
     end();
     return packet;
 } catch (...) {
