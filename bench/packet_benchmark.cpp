@@ -60,10 +60,11 @@ PacketPtr scans()
     return builder.finish();
 }
 
-std::vector<Message> messagesOf(const Packet &packet, bool lz4)
+std::vector<Message> messagesOf(const Packet &packet, Compression compression)
 {
     std::vector<Message> messages;
-    StreamWriter writer([&messages](std::span<const std::byte> message) { messages.emplace_back(message.begin(), message.end()); }, lz4);
+    StreamWriter writer(
+        [&messages](std::span<const std::byte> message) { messages.emplace_back(message.begin(), message.end()); }, compression);
     sendPacket(packet, writer);
     return messages;
 }
@@ -78,9 +79,9 @@ PacketPtr read(const std::vector<Message> &messages)
     return reader.finish();
 }
 
-void compare(const Packet &packet, bool lz4)
+void compare(const Packet &packet, Compression compression)
 {
-    const std::vector<Message> messages = messagesOf(packet, lz4);
+    const std::vector<Message> messages = messagesOf(packet, compression);
     std::size_t bytes = 0;
     std::size_t largest = 0;
     for (const Message &message : messages) {
@@ -94,7 +95,7 @@ void compare(const Packet &packet, bool lz4)
     std::vector<Side> sides {
         { "write",
             [&] {
-                StreamWriter writer([&written](std::span<const std::byte> message) { written += message.size(); }, lz4);
+                StreamWriter writer([&written](std::span<const std::byte> message) { written += message.size(); }, compression);
                 sendPacket(packet, writer);
             } },
         { "copy into one buffer",
@@ -113,12 +114,12 @@ void compare(const Packet &packet, bool lz4)
     runInTurn(sides, rounds);
     if (result->rowCount() != rowCount || written != rounds * bytes)
         std::printf("the result is another one\n");
-    std::printf("\n%s, %.0f bytes a row on the wire, %.0f in memory, %.0f as built\n", lz4 ? "with LZ4" : "not compressed",
-        double(bytes) / double(rowCount), double(result->memoryBytes()) / double(rowCount),
-        double(packet.memoryBytes()) / double(rowCount));
+    std::printf("\n%s, %.0f bytes a row on the wire, %.0f in memory, %.0f as built\n",
+        compression == Compression::Lz4 ? "with LZ4" : "not compressed", double(bytes) / double(rowCount),
+        double(result->memoryBytes()) / double(rowCount), double(packet.memoryBytes()) / double(rowCount));
     for (const Side &side : sides)
         std::printf("%s: median %.1f ms\n", side.name.c_str(), median(side.milliseconds));
-    if (!lz4) {
+    if (compression == Compression::None) {
         printRatio(sides[0], sides[1], 2);
         printRatio(sides[2], sides[3], 2.5); // it passes over the bytes three times: gathered, summed up, brought into blocks
     }
@@ -131,8 +132,8 @@ int main()
     std::setvbuf(stdout, nullptr, _IOLBF, 0);
     const bool wasQuiet = machineIsQuiet();
     const PacketPtr packet = scans();
-    compare(*packet, false);
-    compare(*packet, true);
+    compare(*packet, Compression::None);
+    compare(*packet, Compression::Lz4);
     if (!wasQuiet || !machineIsQuiet())
         std::printf("machine busy: these ratios are no verdict\n");
     return 0;

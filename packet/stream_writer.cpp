@@ -56,8 +56,8 @@ void checkTexts(const Field &field, std::string_view texts)
 } // namespace
 
 struct StreamWriter::Messages {
-    Messages(Output output, bool lz4)
-        : writer(std::move(output), lz4)
+    Messages(Output output, Compression compression)
+        : writer(std::move(output), compression == Compression::Lz4)
     {
     }
     void sendBatch(std::size_t rows)
@@ -70,8 +70,8 @@ struct StreamWriter::Messages {
     flatbuffers::FlatBufferBuilder builder {};
 };
 
-StreamWriter::StreamWriter(Output output, bool lz4)
-    : m_messages(std::make_unique<Messages>(std::move(output), lz4))
+StreamWriter::StreamWriter(Output output, Compression compression)
+    : m_messages(std::make_unique<Messages>(std::move(output), compression))
 {
 }
 

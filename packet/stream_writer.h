@@ -8,14 +8,16 @@
 
 namespace packet {
 
+/// Of the bodies of the messages; it pays on slow lines only.
+enum class Compression { None, Lz4 };
+
 /// Writes a result as a stream of messages, see docs/packet.md.
 class StreamWriter : public BlockSink {
 public:
     /// Gets whole messages, to be used before it returns. What it throws passes through.
     using Output = std::function<void(std::span<const std::byte>)>;
 
-    /// With `lz4` the bodies are compressed, which pays on slow lines only.
-    explicit StreamWriter(Output output, bool lz4 = false);
+    explicit StreamWriter(Output output, Compression compression = Compression::None);
     StreamWriter(const StreamWriter &) = delete;
     ~StreamWriter() override;
 

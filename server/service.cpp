@@ -142,7 +142,8 @@ std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
     Database *const database = databaseFor(request);
     if (!database)
         return errorResponse(404, "database", "没有这个数据库，请检查 X-Kelvara-Database");
-    StatementRequest wanted { std::get<std::string>(user), request.body, *format, request.compression == "lz4" };
+    StatementRequest wanted { std::get<std::string>(user), request.body, *format,
+        request.compression == "lz4" ? packet::Compression::Lz4 : packet::Compression::None };
     wanted.id = m_run + "-" + std::to_string(++m_lastStatement);
     // A statement that ends the process has its line in the log before it runs.
     const auto line = m_auditLog.add(auditLineOf("query", wanted, address, *database).add("statement", wanted.sql));

@@ -1,6 +1,5 @@
 #include "server/statements/result_format.h"
 
-#include "packet/stream_writer.h"
 #include "server/base/text.h"
 #include "server/statements/text_sink.h"
 
@@ -68,7 +67,7 @@ std::string_view contentType(Format format)
     return arrowType;
 }
 
-std::unique_ptr<packet::BlockSink> makeSink(Format format, bool lz4, TakeBytes take)
+std::unique_ptr<packet::BlockSink> makeSink(Format format, packet::Compression compression, TakeBytes take)
 {
     switch (format) {
     case Format::Csv:
@@ -78,7 +77,7 @@ std::unique_ptr<packet::BlockSink> makeSink(Format format, bool lz4, TakeBytes t
     case Format::Arrow:
         break;
     }
-    return std::make_unique<packet::StreamWriter>(std::move(take), lz4);
+    return std::make_unique<packet::StreamWriter>(std::move(take), compression);
 }
 
 } // namespace server

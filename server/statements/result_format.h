@@ -1,6 +1,7 @@
 #pragma once
 
 #include "packet/block_sink.h"
+#include "packet/stream_writer.h"
 
 #include <functional>
 #include <memory>
@@ -29,7 +30,7 @@ public:
 /// Takes the bytes of a result piece by piece; may throw.
 using TakeBytes = std::function<void(std::span<const std::byte>)>;
 
-/// Writes a result in that format. `lz4` compresses Arrow's bodies and means nothing to the others.
-std::unique_ptr<packet::BlockSink> makeSink(Format format, bool lz4, TakeBytes take);
+/// Writes a result in that format. `compression` is of Arrow's bodies and means nothing to the others.
+std::unique_ptr<packet::BlockSink> makeSink(Format format, packet::Compression compression, TakeBytes take);
 
 } // namespace server

@@ -108,7 +108,7 @@ void Statement::stream()
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(m_deadline - Clock::now());
     if (left.count() <= 0)
         throw engine::Error(engine::Failure::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");
-    const auto sink = makeSink(m_request.format, m_request.lz4, [this](std::span<const std::byte> bytes) { takeBytes(bytes); });
+    const auto sink = makeSink(m_request.format, m_request.compression, [this](std::span<const std::byte> bytes) { takeBytes(bytes); });
     CountingSink counting(*sink, m_rows);
     m_database.run([&](engine::Engine &engine) {
         engine.stream(m_request.sql, counting,

@@ -13,7 +13,7 @@ struct StatementRequest {
     std::string user {};
     std::string sql {};
     Format format = Format::Arrow;
-    bool lz4 = false;
+    packet::Compression compression = packet::Compression::None;
     std::string id {}; ///< for the audit log
     std::function<void()> beforeRunning {}; ///< called on the worker
 };

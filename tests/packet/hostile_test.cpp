@@ -161,7 +161,7 @@ TEST(HostileStream, ClaimsCostNoMemory)
         EXPECT_LT(allocatedFor(messages.sealed()), some) << size;
     }
     // Texts that LZ4 is said to make many of.
-    Messages compressed(*columnOf(ColumnType::Text, { std::string(5000, 'x') }), true);
+    Messages compressed(*columnOf(ColumnType::Text, { std::string(5000, 'x') }), Compression::Lz4);
     EXPECT_EQ(refusal(compressed.sealed()), "");
     compressed.setInBody<std::int32_t>(1, 12, 0x7FFFFFFF); // the second offset
     compressed.setInBody<std::int64_t>(1, 64, 0x7FFFFFFF); // the true length
@@ -173,7 +173,7 @@ TEST(HostileStream, ClaimsCostNoMemory)
 
 TEST(HostileStream, LimitsHold)
 {
-    const Bytes bytes = Messages(*columnOf(ColumnType::Text, { std::string(100'000, 'x') }), true).bytes();
+    const Bytes bytes = Messages(*columnOf(ColumnType::Text, { std::string(100'000, 'x') }), Compression::Lz4).bytes();
     const auto accepted = [&bytes](const StreamLimits &limits) {
         StreamReader reader(limits);
         try {

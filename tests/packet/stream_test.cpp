@@ -31,9 +31,9 @@ TEST(Stream, ReadsBackWhatWasWritten)
 {
     for (const std::size_t rows : { std::size_t(0), std::size_t(1), std::size_t(100), blockRows, 3 * blockRows + 17 }) {
         const PacketPtr written = everyType(rows, rows == 100);
-        for (const bool lz4 : { false, true }) {
-            SCOPED_TRACE(std::to_string(rows) + (lz4 ? " compressed" : ""));
-            const Messages messages(*written, lz4);
+        for (const Compression compression : { Compression::None, Compression::Lz4 }) {
+            SCOPED_TRACE(std::to_string(rows) + (compression == Compression::Lz4 ? " compressed" : ""));
+            const Messages messages(*written, compression);
             const Bytes bytes = messages.bytes();
             EXPECT_EQ(messages.sealed(), bytes);
             expectSame(*readStream(bytes), *written);
@@ -59,14 +59,14 @@ TEST(Stream, GrowsWithItsDictionaries)
 {
     const std::size_t rows = 11 * blockRows + 9;
     const auto text = [](std::size_t row) { return std::to_string(row < blockRows ? row / 4 : row); };
-    for (const bool lz4 : { false, true }) {
+    for (const Compression compression : { Compression::None, Compression::Lz4 }) {
         const auto fill = [&](Builder &builder) {
             for (std::size_t row = 0; row < rows; ++row) {
                 builder.addText(0, text(row));
                 builder.endRow();
             }
         };
-        const PacketPtr read = readStream(streamed({ { "T", ColumnType::Text } }, fill, lz4), 1000);
+        const PacketPtr read = readStream(streamed({ { "T", ColumnType::Text } }, fill, compression), 1000);
         ASSERT_EQ(read->rowCount(), rows);
         ASSERT_TRUE(read->schema()[0].dictionary);
         EXPECT_EQ(read->chunk(0, 0).width, 2);
@@ -149,8 +149,8 @@ TEST(Stream, IsNotWrittenWithValuesThatNobodyReads)
 
 TEST(Stream, RefusesEveryPartOfIt)
 {
-    for (const bool lz4 : { false, true }) {
-        const Bytes bytes = Messages(*everyType(20), lz4).bytes();
+    for (const Compression compression : { Compression::None, Compression::Lz4 }) {
+        const Bytes bytes = Messages(*everyType(20), compression).bytes();
         for (std::size_t size = 0; size < bytes.size(); ++size)
             ASSERT_THAT(refusal(std::span(bytes).first(size)), HasSubstr("重新查询")) << size;
         Bytes longer = bytes;
@@ -161,9 +161,9 @@ TEST(Stream, RefusesEveryPartOfIt)
 
 TEST(Stream, NeverShowsAnythingElseWhenAByteIsWrong)
 {
-    for (const bool lz4 : { false, true }) {
+    for (const Compression compression : { Compression::None, Compression::Lz4 }) {
         const PacketPtr written = everyType(20);
-        Bytes bytes = Messages(*written, lz4).bytes();
+        Bytes bytes = Messages(*written, compression).bytes();
         std::size_t harmless = 0;
         for (std::size_t position = 0; position < bytes.size(); ++position) {
             for (const std::byte change : { std::byte(0x01), std::byte(0x80), std::byte(0xFF) }) {

@@ -1,7 +1,6 @@
 #include "wire_support.h"
 
 #include "packet/stream_reader.h"
-#include "packet/stream_writer.h"
 #include "packet/wire_format.h"
 
 #include <algorithm>
@@ -9,11 +8,11 @@
 
 namespace packet::test {
 
-Messages::Messages(const Packet &packet, bool lz4)
+Messages::Messages(const Packet &packet, Compression compression)
     : m_rows(std::to_string(packet.rowCount()))
     , m_truncated(packet.truncated() ? "1" : "0")
 {
-    StreamWriter writer([this](std::span<const std::byte> message) { parts.emplace_back(message.begin(), message.end()); }, lz4);
+    StreamWriter writer([this](std::span<const std::byte> message) { parts.emplace_back(message.begin(), message.end()); }, compression);
     sendPacket(packet, writer);
     wire::Checksum checksum;
     for (std::size_t message = 0; message + 2 < parts.size(); ++message)
@@ -95,10 +94,11 @@ PacketPtr everyType(std::size_t rows, bool truncated)
     return builder.finish(truncated);
 }
 
-Bytes streamed(const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, bool lz4)
+Bytes streamed(const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, Compression compression)
 {
     Bytes bytes;
-    StreamWriter writer([&bytes](std::span<const std::byte> message) { bytes.insert(bytes.end(), message.begin(), message.end()); }, lz4);
+    StreamWriter writer(
+        [&bytes](std::span<const std::byte> message) { bytes.insert(bytes.end(), message.begin(), message.end()); }, compression);
     Builder builder(columns, &writer);
     fill(builder);
     builder.finish();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "packet/builder.h"
+#include "packet/stream_writer.h"
 
 #include <functional>
 #include <string>
@@ -13,7 +14,7 @@ using Bytes = std::vector<std::byte>;
 /// The messages of a stream, to be changed one by one: schema, dictionaries and blocks, end mark, end of stream.
 class Messages {
 public:
-    explicit Messages(const Packet &packet, bool lz4 = false);
+    explicit Messages(const Packet &packet, Compression compression = Compression::None);
 
     /// The stream of the messages as they are now, with the checksum that belongs to them: whoever wrote it meant it.
     Bytes sealed() const;
@@ -53,7 +54,8 @@ std::vector<Builder::Column> everyColumn();
 void addEveryType(Builder &builder, std::size_t rows);
 PacketPtr everyType(std::size_t rows, bool truncated = false);
 /// The stream that is written while `fill` adds rows.
-Bytes streamed(const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, bool lz4 = false);
+Bytes streamed(
+    const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, Compression compression = Compression::None);
 /// A packet of one column that holds these values; "null" stands for null.
 PacketPtr columnOf(ColumnType type, const std::vector<std::string> &values);
 /// Feeds the bytes in pieces of this size; all at once with 0.
