@@ -55,7 +55,7 @@ void Builder::endRow()
     if (++m_openRows == Packet::blockRows) {
         sealBlock();
         if (m_sink && (m_begun || !mustHold())) {
-            begin(true);
+            begin(Rows::MoreFollow);
             send();
         }
     } else if (m_openRows % settledRows == 0) {
@@ -97,12 +97,12 @@ bool Builder::mustHold() const
         && !std::all_of(m_columns.begin(), m_columns.end(), [](const auto &column) { return column->isDecided(); });
 }
 
-void Builder::begin(bool moreFollows)
+void Builder::begin(Rows rows)
 {
     if (std::exchange(m_begun, true))
         return;
     for (const auto &column : m_columns)
-        column->fix(moreFollows);
+        column->fix(rows);
     m_sink->begin(schema());
 }
 
@@ -118,12 +118,13 @@ void Builder::send()
 
 std::size_t Builder::rowCount() const { return m_sealedRows + m_openRows; }
 
-PacketPtr Builder::finish(bool truncated)
+PacketPtr Builder::finish(Extent extent)
 {
+    const bool truncated = extent == Extent::Truncated;
     if (m_openRows > 0)
         sealBlock();
     if (m_sink) {
-        begin(false);
+        begin(Rows::AllThere);
         send();
         m_sink->end(truncated);
         m_columns.clear();

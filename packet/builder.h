@@ -6,6 +6,9 @@
 
 namespace packet {
 
+/// Whether the row limit cut a result.
+enum class Extent { Whole, Truncated };
+
 /// Fills a packet row by row. Every column takes exactly one value between two endRow() calls.
 ///
 /// A column whose type is not given takes the type of what arrives in the first block (all null: Text). Texts are
@@ -39,15 +42,16 @@ public:
 
     std::size_t rowCount() const;
     /// Ends the packet; the builder is empty afterwards. Null when there is a sink, which has got everything then.
-    PacketPtr finish(bool truncated = false);
+    PacketPtr finish(Extent extent = Extent::Whole);
 
 private:
+    enum class Rows { MoreFollow, AllThere };
     class ColumnBuilder;
     void sealBlock();
     void completeBlocks();
     std::vector<Field> schema() const;
     bool mustHold() const;
-    void begin(bool moreFollows);
+    void begin(Rows rows);
     void send();
     std::vector<std::unique_ptr<ColumnBuilder>> m_columns;
     BlockSink *m_sink;

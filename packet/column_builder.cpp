@@ -399,8 +399,9 @@ void Builder::ColumnBuilder::complete(Chunk &chunk, std::uint32_t rows) const
         chunk.offsets = Buffer(zeros, zeros->data(), (rows + std::size_t(1)) * sizeof(std::uint32_t));
 }
 
-void Builder::ColumnBuilder::fix(bool moreFollows)
+void Builder::ColumnBuilder::fix(Rows rows)
 {
+    const bool moreFollows = rows == Rows::MoreFollow;
     if (!m_type)
         m_type = ColumnType::Text;
     if (m_type == ColumnType::Text && m_firstBlock)

@@ -37,7 +37,7 @@ public:
     void complete(Chunk &chunk, std::uint32_t rows) const;
     bool isDecided() const { return m_declared || !m_firstBlock; }
     /// Between two blocks: the field stays as it is from here on, fit for whatever follows.
-    void fix(bool moreFollows);
+    void fix(Rows rows);
     Field field() const;
     const Dictionary *dictionary() const { return field().dictionary ? &m_texts.dictionary() : nullptr; }
     std::shared_ptr<const Dictionary> takeDictionary();

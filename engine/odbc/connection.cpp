@@ -241,14 +241,14 @@ packet::PacketPtr OdbcConnection::readRows(const Job &job, const Handle &stateme
         job.throwIfStopped();
         for (std::size_t row = 0; row < fetched; ++row) {
             if (rows == job.options.rowLimit)
-                return reader.finish(true);
+                return reader.finish(packet::Extent::Truncated);
             reader.addRow(row);
             if (++rows % Job::rowsBetweenReports == 0)
                 job.report(rows);
         }
     }
     job.report(rows);
-    return reader.finish(false);
+    return reader.finish(packet::Extent::Whole);
 }
 
 } // namespace engine

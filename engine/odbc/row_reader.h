@@ -22,7 +22,7 @@ public:
     std::size_t fetch();
     /// One of the fetched rows, counted from 0. Throws Error(Database) when a value cannot be represented.
     void addRow(std::size_t row);
-    packet::PacketPtr finish(bool truncated) { return m_builder.finish(truncated); }
+    packet::PacketPtr finish(packet::Extent extent) { return m_builder.finish(extent); }
 
 private:
     enum class Source : std::uint8_t { Text, Number, Integer, Double, Timestamp };

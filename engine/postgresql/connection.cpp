@@ -126,7 +126,7 @@ packet::PacketPtr PostgresqlConnection::readRows(const Job &job, Result row)
     while (next(job)) { }
     if (!truncated)
         job.report(rows);
-    return reader.finish(truncated);
+    return reader.finish(truncated ? packet::Extent::Truncated : packet::Extent::Whole);
 }
 
 /// The next result of the statement; null behind the last. Throws Error.

@@ -164,6 +164,6 @@ try {
     throw Error(Failure::Database, error.what());
 }
 
-packet::PacketPtr PostgresqlRowReader::finish(bool truncated) { return m_builder.finish(truncated); }
+packet::PacketPtr PostgresqlRowReader::finish(packet::Extent extent) { return m_builder.finish(extent); }
 
 } // namespace engine

@@ -20,7 +20,7 @@ public:
     PostgresqlRowReader(const PGresult *result, const Job &job);
     /// The only row of the result. Throws Error(Database) when a value cannot be represented.
     void addRow(const PGresult *row);
-    packet::PacketPtr finish(bool truncated);
+    packet::PacketPtr finish(packet::Extent extent);
 
 private:
     using Value = std::string_view;

@@ -132,7 +132,7 @@ packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, StatementB
     std::int64_t rows = 0;
     while (step(statement) == SQLITE_ROW) {
         if (rows == m_job->options.rowLimit)
-            return reader.finish(true);
+            return reader.finish(packet::Extent::Truncated);
         // Few steps may have made a row of long texts.
         if (reader.addRow() > longRow && mustStop())
             fail();
@@ -142,7 +142,7 @@ packet::PacketPtr SqliteConnection::readRows(sqlite3_stmt *statement, StatementB
     }
     m_job->throwIfStopped();
     m_job->report(rows);
-    return reader.finish(false);
+    return reader.finish(packet::Extent::Whole);
 }
 
 int SqliteConnection::step(sqlite3_stmt *statement)

@@ -102,12 +102,12 @@ std::size_t SqliteRowReader::addRow()
     return size;
 }
 
-packet::PacketPtr SqliteRowReader::finish(bool truncated)
+packet::PacketPtr SqliteRowReader::finish(packet::Extent extent)
 {
     if (m_worker)
         m_worker->finish();
     build(m_batch);
-    return m_builder.finish(truncated);
+    return m_builder.finish(extent);
 }
 
 inline void SqliteRowReader::gatherText(sqlite3_value *value)

@@ -21,7 +21,7 @@ public:
     /// The row that the statement stands on; returns its bytes. Throws Error(Database) when a value of this or of an earlier row does not
     /// fit the type of its column.
     std::size_t addRow();
-    packet::PacketPtr finish(bool truncated);
+    packet::PacketPtr finish(packet::Extent extent);
     /// An estimate of what the rows of the block at hand take.
     std::size_t gatheredBytes() const { return 2 * m_blockBytes.bytes(); }
 

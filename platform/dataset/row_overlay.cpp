@@ -267,7 +267,7 @@ packet::PacketPtr RowOverlay::merged() const
         }
         builder.endRow();
     }
-    return builder.finish(m_packet->truncated());
+    return builder.finish(m_packet->truncated() ? packet::Extent::Truncated : packet::Extent::Whole);
 }
 
 } // namespace platform

@@ -69,7 +69,7 @@ private:
             rows.addText(0, std::to_string(row));
             rows.endRow();
         }
-        cds->setData(rows.finish(Edit1->text() == u"cut"));
+        cds->setData(rows.finish(Edit1->text() == u"cut" ? packet::Extent::Truncated : packet::Extent::Whole));
     }
 
     PUBLISHED(QLineEdit, Edit1);

@@ -39,7 +39,7 @@ TEST(Builder, ReadsBackEveryKindAcrossBlocks)
         }
         builder.endRow();
     }
-    const PacketPtr packet = builder.finish(true);
+    const PacketPtr packet = builder.finish(Extent::Truncated);
     ASSERT_EQ(packet->rowCount(), rows);
     ASSERT_EQ(packet->blocks().size(), 2u);
     EXPECT_TRUE(packet->truncated());

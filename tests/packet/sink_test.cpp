@@ -31,7 +31,7 @@ PacketPtr streamed(Recorder &sink, const std::vector<Builder::Column> &columns, 
         passing.endRow();
     }
     EXPECT_EQ(passing.rowCount(), rows);
-    EXPECT_EQ(passing.finish(true), nullptr);
+    EXPECT_EQ(passing.finish(Extent::Truncated), nullptr);
     return kept.finish();
 }
 

@@ -87,11 +87,11 @@ void addEveryType(Builder &builder, std::size_t rows)
     }
 }
 
-PacketPtr everyType(std::size_t rows, bool truncated)
+PacketPtr everyType(std::size_t rows, Extent extent)
 {
     Builder builder(everyColumn());
     addEveryType(builder, rows);
-    return builder.finish(truncated);
+    return builder.finish(extent);
 }
 
 Bytes streamed(const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, Compression compression)

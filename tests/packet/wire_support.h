@@ -52,7 +52,7 @@ private:
 /// Columns of every type; rows for them with nulls, and in the second block with a decimal that needs 128 bits.
 std::vector<Builder::Column> everyColumn();
 void addEveryType(Builder &builder, std::size_t rows);
-PacketPtr everyType(std::size_t rows, bool truncated = false);
+PacketPtr everyType(std::size_t rows, Extent extent = Extent::Whole);
 /// The stream that is written while `fill` adds rows.
 Bytes streamed(
     const std::vector<Builder::Column> &columns, const std::function<void(Builder &)> &fill, Compression compression = Compression::None);
