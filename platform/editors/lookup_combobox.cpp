@@ -80,7 +80,7 @@ void TDBLookupComboboxEh::narrowList()
     TDataSet *dataSet = listDataSet();
     LookupMatches found = dataSet ? matches(*dataSet) : LookupMatches();
     if (found.rows.empty())
-        return closeList(false);
+        return closeList(Choice::Leave);
     const int best = found.rows.front();
     showList(dataSet, std::move(found.rows), best);
 }
@@ -90,10 +90,10 @@ void TDBLookupComboboxEh::showList(TDataSet *dataSet, std::vector<int> rows, int
     if (!m_list) {
         m_list = new LookupList(this);
         m_list->setColumns(m_columns);
-        handle(m_list, &LookupList::rowClicked, this, [this] { closeList(true); });
+        handle(m_list, &LookupList::rowClicked, this, [this] { closeList(Choice::Take); });
         handle(m_list, &LookupList::goesOn, this, [this] {
             if (!isComposing())
-                closeList(true);
+                closeList(Choice::Take);
         });
     }
     m_list->showRows(dataSet, std::move(rows), currentRow);
@@ -101,14 +101,14 @@ void TDBLookupComboboxEh::showList(TDataSet *dataSet, std::vector<int> rows, int
     m_list->show();
 }
 
-void TDBLookupComboboxEh::closeList(bool accept)
+void TDBLookupComboboxEh::closeList(Choice choice)
 {
     if (!isListOpen())
         return;
     const int row = m_list->currentRecord();
     m_list->hide();
     TDataSet *dataSet = listDataSet();
-    if (accept && dataSet && row >= 0)
+    if (choice == Choice::Take && dataSet && row >= 0)
         setText(dataSet->text(dataSet->fieldByName(m_keyField)->index(), row));
 }
 
@@ -116,7 +116,7 @@ void TDBLookupComboboxEh::closeList(bool accept)
 bool TDBLookupComboboxEh::actOnList(QKeyEvent *event)
 {
     if (isDropDownKey(*event) || event->key() == Qt::Key_Escape) {
-        closeList(false);
+        closeList(Choice::Leave);
         return true;
     }
     switch (event->key()) {

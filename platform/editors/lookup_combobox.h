@@ -23,6 +23,9 @@ class TDBLookupComboboxEh : public platform::DropDownEdit {
     Q_OBJECT
 
 public:
+    /// What becomes of the list's current row, if there is one: it is taken into the text, or nothing is.
+    enum class Choice { Take, Leave };
+
     explicit TDBLookupComboboxEh(QWidget *parent = nullptr);
 
     TDataSource *listSource() const { return m_listSource; }
@@ -42,15 +45,14 @@ public:
     /// Opens the list on the rows that the text means, or on all rows when it means none or exactly one that is there already.
     /// Does nothing while the list dataset is closed.
     void openList();
-    /// `accept` takes the list's current row, if there is one, into the text.
-    void closeList(bool accept);
+    void closeList(Choice choice);
 
 Q_SIGNALS:
     void keyPressed(int key); ///< before the key acts; not for keys of the open list, not while an input method composes
 
 protected:
     void dropDown() override { openList(); }
-    void finishEntry() override { closeList(false); }
+    void finishEntry() override { closeList(Choice::Leave); }
     bool event(QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 

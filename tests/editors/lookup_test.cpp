@@ -242,12 +242,12 @@ TEST_F(Lookup, OpensOnWhatTheTextMeansAndTheEllipsisOnAllRows)
     EXPECT_FALSE(edit->isListOpen());
     QTest::mouseClick(button(false), Qt::LeftButton);
     EXPECT_EQ(listed(), QStringList(QStringLiteral("上海南浦")));
-    edit->closeList(false);
+    edit->closeList(TDBLookupComboboxEh::Choice::Leave);
 
     QTest::mouseClick(button(true), Qt::LeftButton);
     EXPECT_EQ(listed(), all);
     EXPECT_EQ(table()->currentIndex().row(), 4);
-    edit->closeList(false);
+    edit->closeList(TDBLookupComboboxEh::Choice::Leave);
 
     edit->setText(QStringLiteral("北京"));
     edit->openList();
