@@ -52,7 +52,7 @@ TEST(Preview, ShowsTheFirstPageAtOnceAndLaysOutTheRest)
 
     EXPECT_TRUE(window.find(QStringLiteral("NO399")));
     EXPECT_EQ(window.view()->currentPage(), 49);
-    EXPECT_TRUE(window.find(QStringLiteral("no17"), false)); // no179
+    EXPECT_TRUE(window.find(QStringLiteral("no17"), PreviewWindow::Direction::Backward)); // no179
     EXPECT_EQ(window.view()->currentPage(), 22);
     EXPECT_FALSE(window.find(QStringLiteral("no401")));
 

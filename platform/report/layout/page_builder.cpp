@@ -78,16 +78,16 @@ Page PageBuilder::nextPage()
     beginPage(rowsLeft || m_pageNumber == 0);
     while (!m_pending.empty() || m_row < m_rowCount) {
         if (!m_pending.empty() ? !placePending() : !placeRow())
-            return endPage(false);
+            return endPage();
     }
     if (const BoundBand *summary = band(BandKind::Summary)) {
         const RenderedBand piece = rendered(*summary, m_rowCount - 1);
         if (!fits(piece.height) && (m_rowsOnPage > 0 || m_pageNumber == 1))
-            return endPage(false);
+            return endPage();
         m_summary = piece;
     }
     m_done = true;
-    return endPage(true);
+    return endPage();
 }
 
 void PageBuilder::beginPage(bool withColumns)
@@ -119,13 +119,13 @@ void PageBuilder::placeColumns()
     }
 }
 
-Page PageBuilder::endPage(bool last)
+Page PageBuilder::endPage()
 {
     const Definition &report = m_report.definition();
     const int lastRow = m_row - 1;
     if (m_rowsOnPage > 0)
         placeIfThere(BandKind::ColumnFooter, lastRow);
-    if (last && m_summary)
+    if (m_summary)
         place(*m_summary);
     m_y = report.paper.height() - report.margins.bottom() - heightOf(BandKind::PageFooter);
     placeIfThere(BandKind::PageFooter, lastRow);
@@ -164,7 +164,7 @@ void PageBuilder::takeRow()
     m_opens = m_row == 0 ? 0 : m_closes;
     for (std::size_t level = m_opens; level < groups; ++level)
         m_report.totals().clear(firstGroupScope + int(level));
-    m_report.totals().takeRow(context(m_row), false);
+    m_report.totals().takeRow(context(m_row), RowStage::BeforeLayout);
     m_closes = 0;
     if (m_row + 1 < m_rowCount) {
         std::vector<QString> next = groupValues(m_row + 1);
@@ -225,7 +225,7 @@ bool PageBuilder::placeRow()
 
 void PageBuilder::finishRow()
 {
-    m_report.totals().takeRow(context(m_row), true);
+    m_report.totals().takeRow(context(m_row), RowStage::Placed);
     ++m_rowsOnPage;
     ++m_row;
     m_rowTaken = false;

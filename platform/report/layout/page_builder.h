@@ -32,7 +32,7 @@ private:
     Page nextPage();
     void beginPage(bool withColumns);
     void placeColumns();
-    Page endPage(bool last);
+    Page endPage();
     void place(const RenderedBand &piece);
     void placeIfThere(BandKind kind, int row);
     bool fits(int height) const { return m_y + height <= m_bottom; }
@@ -59,7 +59,7 @@ private:
     std::size_t m_closes = 0; ///< the outermost group that it closes
     std::vector<QString> m_values; ///< of the groups at the next row
     std::deque<RenderedBand> m_pending; ///< of a row that no page holds in one
-    std::optional<RenderedBand> m_summary;
+    std::optional<RenderedBand> m_summary; ///< of the last page, there once that page is ready for it
     bool m_done = false;
 
     int m_pageNumber = 0;

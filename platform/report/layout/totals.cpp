@@ -20,8 +20,9 @@ void Totals::clear(int scope)
     }
 }
 
-void Totals::takeRow(const Context &context, bool placed)
+void Totals::takeRow(const Context &context, RowStage stage)
 {
+    const bool placed = stage == RowStage::Placed;
     for (std::size_t index = 0; index < m_entries.size(); ++index) {
         Entry &entry = m_entries[index];
         if ((entry.scope == pageScope || entry.scope == placedScope) != placed)

@@ -13,6 +13,8 @@ constexpr int pageScope = 1;
 constexpr int placedScope = 2;
 constexpr int firstGroupScope = 3;
 
+enum class RowStage { BeforeLayout, Placed };
+
 /// All totals of a report, exact.
 class Totals {
 public:
@@ -20,7 +22,7 @@ public:
     int add(const TotalCall &call, int scope);
     void clear(int scope);
     /// A row is taken into the totals of report and groups before it is laid out, and into those of the page once it is placed.
-    void takeRow(const Context &context, bool placed);
+    void takeRow(const Context &context, RowStage stage);
     /// By number, for Context::totals.
     const std::vector<Value> &values() const { return m_values; }
 

@@ -331,14 +331,15 @@ void PreviewWindow::showFindBar()
     m_findText->selectAll();
 }
 
-void PreviewWindow::findNext() { find(m_findText->text(), true); }
+void PreviewWindow::findNext() { find(m_findText->text(), Direction::Forward); }
 
-void PreviewWindow::findPrevious() { find(m_findText->text(), false); }
+void PreviewWindow::findPrevious() { find(m_findText->text(), Direction::Backward); }
 
-bool PreviewWindow::find(const QString &text, bool forward)
+bool PreviewWindow::find(const QString &text, Direction direction)
 {
     if (text.isEmpty())
         return false;
+    const bool forward = direction == Direction::Forward;
     int pageIndex = m_foundPage < 0 ? m_view->currentPage() : m_foundPage;
     qsizetype place = m_foundPage < 0 ? (forward ? -1 : std::numeric_limits<qsizetype>::max()) : m_foundPlace;
     InterfaceWork work(QStringLiteral("正在查找…"));

@@ -29,13 +29,15 @@ class PreviewWindow : public QDialog {
     Q_OBJECT
 
 public:
+    enum class Direction { Forward, Backward };
+
     /// The report must outlive the window.
     PreviewWindow(PreparedReport &report, QList<ExportFilter *> filters, PreviewButtons buttons, QWidget *parent = nullptr);
     ~PreviewWindow() override;
 
     int pageCount() const { return m_report->pageCount(); }
     /// Looks for the text from the marked place on; lays out further pages on the way. False when it stands nowhere.
-    bool find(const QString &text, bool forward = true);
+    bool find(const QString &text, Direction direction = Direction::Forward);
     PageView *view() const { return m_view; }
 
 protected:
