@@ -73,12 +73,13 @@ void appendTitles(const TDBGridEh &grid, const CopiedRange &copied, files::TextB
 
 QString plainTitle(QString caption) { return caption.replace(u'|', u' '); }
 
-std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
+std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, CopyTitles titles)
 {
     const CopiedRange copied(grid);
     files::TextBuffer text;
     QString html = QStringLiteral("<html><head><meta charset=\"utf-8\"></head><body><table>\n");
-    if (titles)
+    const bool withTitles = titles == CopyTitles::With;
+    if (withTitles)
         appendTitles(grid, copied, text, html);
     QStringList tags;
     for (int column : copied.columns)
@@ -94,7 +95,7 @@ std::unique_ptr<QMimeData> copiedCells(const TDBGridEh &grid, bool titles)
             html += tags[position] + cell.toHtmlEscaped() + u"</td>";
         }
         html += u"</tr>\n";
-        if (titles || copied.rows.size() > 1)
+        if (withTitles || copied.rows.size() > 1)
             text += "\r\n";
     }
     // Whoever takes all rows for all that there are must see it.

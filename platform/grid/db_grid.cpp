@@ -379,7 +379,7 @@ void TDBGridEh::copySelection(CopyTitles titles)
         throw Exception(
             QStringLiteral("选中了 %L1 个单元格，最多只能复制 %L2 个；请少选一些，或改用导出。").arg(cells).arg(mostCopiedCells));
     if (currentRow() >= 0 && m_currentColumn >= 0)
-        QGuiApplication::clipboard()->setMimeData(copiedCells(*this, titles == CopyTitles::With).release());
+        QGuiApplication::clipboard()->setMimeData(copiedCells(*this, titles).release());
 }
 
 void TDBGridEh::takeRows()
