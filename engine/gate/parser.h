@@ -64,8 +64,9 @@ private:
     void addSource(const Scope::Source &source, std::uint32_t position);
 
     // conditions and expressions
-    Operand parseCondition(bool conjunction = false);
-    Operand parseConjunction(bool conjunction);
+    enum class Rownum { Limits, Compares }; ///< what a condition on it does: it limits the rows, in a where clause only
+    Operand parseCondition(Rownum rownum = Rownum::Compares);
+    Operand parseConjunction(Rownum rownum);
     Operand parseNegation();
     Operand parseComparison();
     bool acceptTest(const Operand &left);

@@ -5,19 +5,19 @@
 
 namespace engine::gate {
 
-/// Conditions joined by or. `conjunction`: of a where clause, whose conditions on rownum limit the rows.
-Parser::Operand Parser::parseCondition(bool conjunction)
+/// Conditions joined by or.
+Parser::Operand Parser::parseCondition(Rownum rownum)
 {
     const std::int64_t limit = m_block->limit;
-    Operand condition = parseConjunction(conjunction);
+    Operand condition = parseConjunction(rownum);
     if (at(Symbol::Or) && m_block->limit != limit)
         annotate(Construct::Rownum, condition.begin, condition.end);
     while (accept(Symbol::Or))
-        condition = { condition.begin, parseConjunction(false).end };
+        condition = { condition.begin, parseConjunction(Rownum::Compares).end };
     return condition;
 }
 
-Parser::Operand Parser::parseConjunction(bool conjunction)
+Parser::Operand Parser::parseConjunction(Rownum rownum)
 {
     Operand result { .begin = peek().begin };
     int conditions = 0;
@@ -25,7 +25,7 @@ Parser::Operand Parser::parseConjunction(bool conjunction)
         const std::size_t firstToken = m_next;
         const Operand condition = parseNegation();
         result = ++conditions == 1 ? condition : Operand { result.begin, condition.end };
-        if (conjunction)
+        if (rownum == Rownum::Limits)
             takeRowCondition(firstToken);
     } while (accept(Symbol::And));
     return result;

@@ -94,7 +94,7 @@ Parser::Block Parser::parseBlock(SubqueryKind kind, Scope::Number parent)
     parseSelectList(block, kind);
     parseFrom();
     if (accept(Symbol::Where))
-        parseCondition(true);
+        parseCondition(Rownum::Limits);
     if (accept(Symbol::Group)) {
         block.merged = true;
         parseGroupBy();
