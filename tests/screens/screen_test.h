@@ -10,13 +10,6 @@
 /// The first cell of an independent query on the database of the test clients.
 QString answerOf(const QString &sql);
 
-/// A condition of a screen, and what it adds to the statement.
-struct Condition {
-    const char *control;
-    const char16_t *value;
-    const char16_t *fragment;
-};
-
 /// One screen in a client of its own, driven as a person drives it.
 class ScreenTest : public testing::Test {
 protected:
@@ -71,23 +64,6 @@ protected:
         for (const auto &[control, text] : defaults)
             EXPECT_EQ(m_client.textOf(QString::fromLatin1(control)), QString::fromUtf16(text)) << control;
     }
-    /// Each condition alone, then all together; `statement` makes the expected statement from the fragments that are added.
-    template <class Statement>
-    void expectConditions(const std::vector<Condition> &conditions, Statement statement)
-    {
-        QString all;
-        for (const Condition &condition : conditions) {
-            const QString control = QString::fromLatin1(condition.control);
-            const QString before = m_client.textOf(control);
-            m_client.set(control, QString::fromUtf16(condition.value));
-            EXPECT_EQ(query(), QStringList(statement(QString::fromUtf16(condition.fragment)))) << condition.control;
-            m_client.set(control, before);
-            all += QString::fromUtf16(condition.fragment);
-        }
-        for (const Condition &condition : conditions)
-            m_client.set(QString::fromLatin1(condition.control), QString::fromUtf16(condition.value));
-        EXPECT_EQ(query(), QStringList(statement(all)));
-    }
     /// The query is refused with this message and this focus, and sends nothing.
     void expectRefusal(const QString &message, const QString &focus = {})
     {
@@ -97,26 +73,6 @@ protected:
         if (!focus.isEmpty()) {
             EXPECT_EQ(focused.value(focused.size() - 1), focus);
         }
-    }
-    /// The refusals of a range of at most `days` from `start` to yesterday's end, with what comes after the last valid one.
-    void expectRangeRefusals(int days)
-    {
-        const QString start = QStringLiteral("DBDateTimeEditEh1");
-        const QString before = m_client.textOf(start);
-        m_client.set(start, QStringLiteral("2026-01-01 00:00:00"));
-        expectRefusal(QStringLiteral("详细：结束日期不能超过开始日期\"%1\"天！|日期时间错误|48").arg(days));
-        m_client.set(start, QStringLiteral("2026-03-17 00:00:00"));
-        expectRefusal(QStringLiteral("详细：结束日期不能比开始日期还早！|日期时间错误|48"));
-        m_client.set(start, QStringLiteral("昨天"));
-        expectRefusal(QStringLiteral("详细：您所输入的日期时间错误！|日期时间格式|48"));
-        m_client.set(start, before);
-        EXPECT_EQ(query().size(), 1);
-    }
-    /// Empties a control without leaving it.
-    void empty(const QString &control)
-    {
-        m_client.obey(QStringLiteral("set"),
-            { { QStringLiteral("control"), control }, { QStringLiteral("text"), QString() }, { QStringLiteral("leave"), false } });
     }
     void list(const QStringList &lines)
     {
