@@ -4,6 +4,7 @@
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/library_loader.h"
 #include "platform/toolkit/plugin_interface.h"
+#include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
 
 #include <algorithm>
@@ -14,20 +15,20 @@ using namespace platform;
 
 namespace {
 
-void refuse(const QString &text) { Application->messageBox(u"详细：" + text, QStringLiteral("客户查询"), mbIconWarning); }
+const QString refusalTitle = QStringLiteral("客户查询");
 
 void openWindow(const QStringList &bills, QList<TCustomRemoteServer *> servers)
 {
     if (!Application->mainForm())
         throw Exception(QStringLiteral("主窗口没有打开，无法显示客户查询。"));
     servers.removeAll(nullptr);
-    if (servers.isEmpty())
-        return refuse(QStringLiteral("没有连接到应用服务器，请重新登录后再查询！"));
+    if (servers.isEmpty() && refuse(u"没有连接到应用服务器，请重新登录后再查询！", refusalTitle))
+        return;
     const WantedNumbers wanted = wantedNumbers(bills);
     if (!wanted.refused.isEmpty())
-        refuse(u"这些内容不是运单号，不能查询，请核对：\n" + wanted.refused.join(u'\n'));
+        refuse(QString(u"这些内容不是运单号，不能查询，请核对：\n" + wanted.refused.join(u'\n')), refusalTitle);
     else if (wanted.numbers.isEmpty())
-        refuse(QStringLiteral("没有运单号，请先选中要查询的运单！"));
+        refuse(u"没有运单号，请先选中要查询的运单！", refusalTitle);
     if (wanted.numbers.isEmpty())
         return;
     auto window = std::make_unique<TrackWindow>(Application, wanted.numbers, servers);

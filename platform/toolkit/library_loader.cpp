@@ -12,6 +12,7 @@ namespace {
 // Filled by the library that the dynamic loader is working on; libraries are loaded on the interface thread, one at a time.
 std::optional<LibraryProcedures> registered;
 } // namespace
+
 namespace platform {
 
 LibraryRegistration::LibraryRegistration(LibraryProcedures procedures) { registered = std::move(procedures); }

@@ -2,6 +2,7 @@
 
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/clock.h"
+#include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
 
 using namespace platform;
@@ -26,13 +27,8 @@ std::optional<Range> readRange(const QString &startText, const QString &endText)
 }
 
 } // namespace
-namespace plugin {
 
-bool refuse(QStringView reason, const QString &title)
-{
-    Application->messageBox(u"详细：" + reason, title, mbIconWarning);
-    return true;
-}
+namespace plugin {
 
 } // namespace plugin
 

@@ -10,9 +10,6 @@ namespace plugin {
 /// The first entry of every drop-down list: no condition.
 inline const QString allItems = QStringLiteral("全部");
 
-/// Tells the user, under this title, why something is refused; `reason` says what to do. Always true.
-bool refuse(QStringView reason, const QString &title);
-
 } // namespace plugin
 
 /// True when the range is NOT acceptable: unreadable, reversed, or longer than MaxDays days; with ShowMessage the user is told.

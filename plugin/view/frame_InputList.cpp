@@ -1,8 +1,8 @@
 #include "plugin/view/frame_InputList.h"
 
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
-#include "plugin/util/conditions.h"
 
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -55,6 +55,7 @@ QString numbersByLine(const QString &text)
 }
 
 } // namespace
+
 namespace plugin {
 
 BillMemo::BillMemo(QWidget *parent)

@@ -1,6 +1,7 @@
 #include "plugin/view/udm_Print.h"
 
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
 #include "plugin/data/host_data.h"
 
@@ -15,7 +16,7 @@ Tdm_Print *dm_Print = nullptr;
 
 namespace {
 
-bool refuse(const QString &text) { return Application->messageBox(u"详细：" + text, QStringLiteral("打印报表"), mbIconWarning); }
+const QString refusalTitle = QStringLiteral("打印报表");
 
 void record(const QString &fileName, const report::PreparedReport &prepared)
 {
@@ -48,12 +49,12 @@ void Tdm_Print::DataModuleCreate()
 void Tdm_Print::PrintReport(TDataSet *DataSet, const QString &FileName, const std::function<void()> &Hook)
 {
     if (!DataSet->active() || DataSet->isEmpty()) {
-        refuse(QStringLiteral("没有可打印的数据！"));
+        refuse(u"没有可打印的数据！", refusalTitle);
         return;
     }
     const QString path = QDir::toNativeSeparators(Application->directory() + u"/Report/" + FileName);
     if (!QFileInfo::exists(path)) {
-        refuse(QStringLiteral("报表文件\"%1\"不存在！").arg(path));
+        refuse(QStringLiteral("报表文件\"%1\"不存在！").arg(path), refusalTitle);
         return;
     }
     const BusyCursor busy;

@@ -12,7 +12,6 @@
 #include <algorithm>
 
 using namespace platform;
-using namespace plugin;
 
 namespace plugin {
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 using namespace platform;
-using namespace plugin;
 
 namespace plugin {
 

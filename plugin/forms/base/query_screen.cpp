@@ -1,9 +1,9 @@
 #include "plugin/forms/base/query_screen.h"
 
+#include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
 
 using namespace platform;
-using namespace plugin;
 
 namespace plugin {
 
@@ -66,7 +66,7 @@ void QueryScreen::Button1Click()
 
 bool QueryScreen::refuse(QStringView reason, QWidget *control)
 {
-    plugin::refuse(reason, caption());
+    platform::refuse(reason, caption());
     if (control)
         focusControl(control);
     return true;

@@ -6,7 +6,6 @@
 #include <optional>
 
 using namespace platform;
-using namespace plugin;
 
 namespace plugin {
 
