@@ -1,12 +1,10 @@
 #include "platform/files/safe_file.h"
 #include "platform/toolkit/exception.h"
+#include "tests/support/file_folder.h"
 #include "tests/support/print_qstring.h"
 #include "tests/support/small_disk.h"
 
 #include <gtest/gtest.h>
-
-#include <QDir>
-#include <QTemporaryDir>
 
 #include <optional>
 
@@ -14,22 +12,10 @@ namespace {
 
 using files::SafeFile;
 
-class SafeFileTest : public testing::Test {
+class SafeFileTest : public testing::Test, protected FileFolder {
 protected:
     SafeFileTest() { put(m_name, "before"); }
 
-    QString path(const QString &name) const { return m_directory.filePath(name); }
-    void put(const QString &name, const QByteArray &bytes) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    }
-    QByteArray contents(const QString &name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-    }
-    QStringList files() const { return QDir(m_directory.path()).entryList(QDir::Files | QDir::Hidden | QDir::System, QDir::Name); }
     /// The message of what `work` throws; "" when it throws nothing. What stood there before must be alone there then.
     template <class Work>
     QString refused(Work &&work)
@@ -45,7 +31,6 @@ protected:
         return message;
     }
 
-    QTemporaryDir m_directory;
     const QString m_name = QStringLiteral("清单.csv");
 };
 

@@ -6,14 +6,12 @@
 #include "platform/report/output/spreadsheet_export.h"
 #include "platform/report/output/text_exports.h"
 #include "platform/toolkit/long_work.h"
+#include "tests/support/file_folder.h"
 #include "tests/support/small_disk.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QHash>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <memory>
 
@@ -22,7 +20,7 @@ using namespace report;
 namespace {
 
 /// Every filter, over a report of two hundred rows on twenty-five pages, beside what a user has there already.
-class FailingExport : public testing::TestWithParam<std::shared_ptr<ExportFilter>> {
+class FailingExport : public testing::TestWithParam<std::shared_ptr<ExportFilter>>, protected FileFolder {
 protected:
     FailingExport()
     {
@@ -32,18 +30,6 @@ protected:
         // What a careless program would take for its own.
         put(m_name + u".part", "mine");
     }
-    QString path(const QString &name) const { return m_directory.filePath(name); }
-    void put(const QString &name, const QByteArray &bytes) const
-    {
-        QFile file(path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-    }
-    QByteArray contents(const QString &name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("missing");
-    }
-    QStringList files() const { return QDir(m_directory.path()).entryList(QDir::Files | QDir::Hidden, QDir::Name); }
     void expectWhatWasThere() const
     {
         EXPECT_EQ(contents(m_name), QByteArray("before"));
@@ -55,7 +41,6 @@ protected:
         return errorOf([&] { GetParam()->exportReport(*m_report, name); });
     }
 
-    QTemporaryDir m_directory;
     const QString m_name = QStringLiteral("清单") + GetParam()->ending();
     TCustomClientDataSet m_rows;
     std::optional<PreparedReport> m_report;
