@@ -46,7 +46,8 @@ public:
     {
         const std::string title = escaped(table.title);
         out += "<!DOCTYPE html>\n<html lang=\"zh-CN\">\n<head>\n<meta charset=\"utf-8\">\n<title>" + title + "</title>\n";
-        out += std::string(styles) + ".t { " + files::textCellStyle + " }\n.d { " + files::timeCellStyle + "; white-space: nowrap }\n";
+        out += styles;
+        out += ".t { " + std::string(files::textCellStyle) + " }\n.d { " + std::string(files::timeCellStyle) + "; white-space: nowrap }\n";
         out += "</style>\n</head>\n<body>\n<h1>" + title + "</h1>\n";
         out += notesTable(table.notes) + "<table>\n<thead><tr>";
         for (const ExportColumn &column : table.columns)
