@@ -11,11 +11,6 @@ namespace server {
 
 namespace {
 
-std::int64_t secondsNow()
-{
-    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
-}
-
 /// The beginning of a line about a statement; "id" ties its lines together.
 AuditLine auditLineOf(std::string_view event, const StatementRequest &request, const std::string &address, const Database &database)
 {
@@ -71,7 +66,7 @@ bool Service::isQuery(const Request &request)
 
 Service::Service(const Configuration &configuration)
     : m_configuration(configuration)
-    , m_key(configuration.tokenKey)
+    , m_key(configuration.tokenKey, configuration.clock)
     , m_users(configuration.users)
     , m_auditLog(configuration.auditLog)
     , m_asking({ .workers = 1, .waiting = 1000, .userRunning = 1, .userWaiting = 1000 })
@@ -212,7 +207,7 @@ try {
     constexpr std::string_view scheme = "Bearer ";
     if (!request.authorization.starts_with(scheme))
         return unauthorized();
-    const auto token = m_key.verify(std::string_view(request.authorization).substr(scheme.size()), secondsNow());
+    const auto token = m_key.verify(std::string_view(request.authorization).substr(scheme.size()));
     const auto account = token ? m_users.find(token->user) : std::nullopt;
     if (!account || account->generation != token->generation)
         return unauthorized();

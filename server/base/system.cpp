@@ -70,6 +70,11 @@ std::string askPassword(const std::string &prompt)
     return password;
 }
 
+std::int64_t secondsNow()
+{
+    return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
 std::int64_t localSecondsNow()
 {
     const std::time_t now = std::time(nullptr);

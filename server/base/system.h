@@ -10,6 +10,9 @@ namespace server {
 /// Asks at the terminal without showing what is typed. Throws std::runtime_error when there is no terminal.
 std::string askPassword(const std::string &prompt);
 
+/// The time as seconds since 1970.
+std::int64_t secondsNow();
+
 /// The wall clock of this machine's place as seconds since 1970 without a time zone.
 std::int64_t localSecondsNow();
 

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "server/base/system.h"
 #include "server/statements/database_configuration.h"
 
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -42,6 +44,7 @@ struct Configuration {
     std::chrono::milliseconds stopTime = std::chrono::seconds(60); ///< for the statements that still run when the server ends
 
     std::vector<DatabaseConfiguration> databases {};
+    std::function<std::int64_t()> clock = secondsNow; ///< by which tokens end; no key of the file
 };
 
 /// what() names the file, the line and the key, and says what to write.

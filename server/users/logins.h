@@ -41,7 +41,6 @@ private:
     Metrics &m_metrics;
     AuditLog &m_auditLog;
     LoginThrottle m_throttle;
-    const std::string m_nobodysHash; ///< compared for names that do not exist, so that they take as long
     FairPool m_pool; ///< the last member: its workers use the others
 };
 

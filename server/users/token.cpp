@@ -77,7 +77,7 @@ std::string TokenKey::sign(const Token &token) const
     return toHex(payload + signatureOf(payload));
 }
 
-std::optional<Token> TokenKey::verify(std::string_view text, std::int64_t now) const
+std::optional<Token> TokenKey::verify(std::string_view text) const
 {
     const auto bytes = text.size() <= longestToken ? fromHex(text) : std::nullopt;
     if (!bytes || bytes->size() <= headSize + signatureSize || bytes->front() != version)
@@ -88,7 +88,7 @@ std::optional<Token> TokenKey::verify(std::string_view text, std::int64_t now) c
         return std::nullopt;
     const Token token { std::string(payload.substr(headSize)), numberOf(payload.substr(1, numberSize)),
         std::string(payload.substr(1 + 2 * numberSize, numberSize)) };
-    return token.expires > now ? std::optional(token) : std::nullopt;
+    return token.expires > now() ? std::optional(token) : std::nullopt;
 }
 
 std::string TokenKey::signatureOf(std::string_view payload) const

@@ -1,6 +1,9 @@
 #pragma once
 
+#include "server/base/system.h"
+
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,19 +27,24 @@ class TokenKey {
 public:
     static constexpr std::size_t shortestSecret = 32; ///< bytes
 
-    explicit TokenKey(std::string secret)
+    /// `clock` gives the seconds since 1970.
+    explicit TokenKey(std::string secret, std::function<std::int64_t()> clock = secondsNow)
         : m_secret(std::move(secret))
+        , m_clock(std::move(clock))
     {
     }
+    /// The time by which tokens end.
+    [[nodiscard]] std::int64_t now() const { return m_clock(); }
     /// Hexadecimal: version, expiry, a random number, the generation and the user; then their HMAC-SHA256.
     [[nodiscard]] std::string sign(const Token &token) const;
     /// Nothing unless the text is exactly what sign() gave and has not expired.
-    [[nodiscard]] std::optional<Token> verify(std::string_view text, std::int64_t now) const;
+    [[nodiscard]] std::optional<Token> verify(std::string_view text) const;
 
 private:
     std::string signatureOf(std::string_view payload) const;
 
     std::string m_secret;
+    std::function<std::int64_t()> m_clock;
 };
 
 /// `count` bytes that nobody can guess, in hexadecimal.
