@@ -100,9 +100,9 @@ std::string contentOf(const std::filesystem::path &path)
     return { std::istreambuf_iterator<char>(file), {} };
 }
 
-bool becomesTrue(const std::function<bool()> &condition)
+bool becomesTrue(const std::function<bool()> &condition, std::chrono::milliseconds within)
 {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    const auto end = std::chrono::steady_clock::now() + within;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end)
             return false;

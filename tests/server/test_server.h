@@ -63,7 +63,7 @@ const HttpHeaders json = "Accept: application/json\r\n";
 /// The bytes of a file; empty when there is none.
 std::string contentOf(const std::filesystem::path &path);
 
-/// Looks again and again until the condition holds; false after a minute.
-bool becomesTrue(const std::function<bool()> &condition);
+/// Looks again and again until the condition holds; false when it still does not after that time.
+bool becomesTrue(const std::function<bool()> &condition, std::chrono::milliseconds within = std::chrono::minutes(1));
 
 } // namespace server::test

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "server_client/server_session.h"
+#include "tests/simulation/statement_plan.h"
+
+#include <functional>
+#include <vector>
+
+namespace simulation {
+
+/// How one statement went, as its client saw it.
+struct Asked {
+    StatementPlan plan {};
+    std::string outcome {};
+    std::string violation {}; ///< empty when all was as it must be
+    std::string rowsCameAt {}; ///< as the log writes times; empty when none came
+    bool hasSentSince = false; ///< something, after the first rows and before the end
+    double seconds = 0;
+};
+
+/// A client with one statement after the other.
+class SimulatedClient {
+public:
+    struct Surroundings {
+        server_client::SessionOptions session;
+        std::function<std::uint64_t()> acts; ///< how often it has sent anything
+        std::function<void()> begins; ///< told before each statement
+    };
+
+    SimulatedClient(std::uint64_t seed, int number, Surroundings surroundings);
+    std::vector<Asked> run(int statements);
+
+private:
+    Asked ask(server_client::ServerSession &session, const StatementPlan &plan);
+    /// Empty when a statement of this kind may fail so.
+    static std::string judge(const StatementPlan &plan, const server_client::Error &error, bool isCancelled);
+
+    const std::uint64_t m_seed;
+    const int m_number;
+    const Surroundings m_surroundings;
+};
+
+} // namespace simulation
