@@ -106,7 +106,7 @@ public:
         body.more = true;
         expireIn(limit);
         wait(stop, [&](auto done) {
-            http::async_read(m_stream, m_received, parser,
+            http::async_read_some(m_stream, m_received, parser,
                 [done](error_code error, std::size_t) { done(error == http::error::need_buffer ? error_code() : error); });
         });
         receive(int(parser.get().result_int()), { m_piece.data(), m_piece.size() - body.size });

@@ -75,9 +75,11 @@ std::string cellsOf(const packet::Packet &rows)
 /// Has the certificate of another server, lets everybody in, and answers every query with the same bytes before it closes.
 class FakeServer {
 public:
-    FakeServer(const TestServer &other, std::string answer)
+    /// With a pause the bytes come in ten parts.
+    FakeServer(const TestServer &other, std::string answer, std::chrono::milliseconds pause = {})
         : m_context(server::makeTlsContext(other.configuration().certificate.string(), other.configuration().privateKey.string()))
         , m_answer(std::move(answer))
+        , m_pause(pause)
         , m_thread([this] { serve(); })
     {
     }
@@ -116,7 +118,11 @@ private:
         m_queries += isQuery ? 1 : 0;
         const std::string token = "HTTP/1.1 200 OK\r\nConnection: close\r\nContent-Length: 13\r\n\r\n{\"token\":\"t\"}";
         const std::string &answer = isQuery ? m_answer : token;
-        SSL_write(&ssl, answer.data(), int(answer.size()));
+        const std::size_t part = m_pause.count() > 0 && isQuery ? answer.size() / 10 + 1 : answer.size();
+        for (std::size_t at = 0; at < answer.size(); at += part) {
+            SSL_write(&ssl, answer.data() + at, int(std::min(part, answer.size() - at)));
+            std::this_thread::sleep_for(m_pause);
+        }
         SSL_shutdown(&ssl);
     }
 
@@ -124,6 +130,7 @@ private:
     tcp::acceptor m_acceptor { m_io, { boost::asio::ip::address_v4::loopback(), 0 } };
     server::TlsContext m_context;
     std::string m_answer;
+    std::chrono::milliseconds m_pause;
     std::atomic<int> m_queries { 0 };
     std::atomic<bool> m_stops { false };
     std::thread m_thread; ///< the last member: it uses the others
@@ -267,6 +274,18 @@ TEST(Session, ADamagedResultIsNotAskedForAgain)
     ASSERT_TRUE(failure);
     EXPECT_EQ(failure->failure(), Failure::Result);
     EXPECT_EQ(damaged.queries(), 1);
+}
+
+TEST(Session, ASlowResultIsTakenAsLongAsItFlows)
+{
+    const TestServer trusted;
+    const std::string rows = trusted.query("select n, text from NUMBERS").body;
+    FakeServer slow(trusted, "HTTP/1.1 200 OK\r\nContent-Length: " + std::to_string(rows.size()) + "\r\n\r\n" + rows, 100ms);
+    auto options = optionsFor(trusted, { slow.port() });
+    options.timeouts.silence = 500ms;
+    ServerSession session(options);
+    session.login("ann", server::test::password);
+    EXPECT_EQ(run(session, fewRows)->rowCount(), 1000U);
 }
 
 TEST(Session, AResultLargerThanIsTakenIsRefusedOnce)

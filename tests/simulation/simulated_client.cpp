@@ -79,10 +79,10 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
     std::uint64_t actsBefore = 0;
     const auto begun = Clock::now();
     try {
-        const auto rows = session.query(plan.sql(), canceller ? canceller->token() : std::stop_token(), [&](std::int64_t count) {
-            if (count == 0 || !asked.rowsCameAt.empty())
+        const auto rows = session.query(plan.sql(), canceller ? canceller->token() : std::stop_token(), [&](std::int64_t) {
+            if (!asked.resultBeganAt.empty())
                 return;
-            asked.rowsCameAt = logTime();
+            asked.resultBeganAt = logTime();
             actsBefore = m_surroundings.acts();
         });
         asked.outcome = "whole";
@@ -96,7 +96,7 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
         asked.violation = error.what();
     }
     asked.seconds = std::chrono::duration<double>(Clock::now() - begun).count();
-    asked.hasSentSince = !asked.rowsCameAt.empty() && m_surroundings.acts() != actsBefore;
+    asked.hasSentSince = !asked.resultBeganAt.empty() && m_surroundings.acts() != actsBefore;
     if (asked.seconds > longestSeconds || (canceller && canceller->hasAsked() && canceller->secondsSince() > longestCancel))
         asked.violation = "took " + std::to_string(asked.seconds) + " s";
     return asked;

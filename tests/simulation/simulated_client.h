@@ -13,8 +13,8 @@ struct Asked {
     StatementPlan plan {};
     std::string outcome {};
     std::string violation {}; ///< empty when all was as it must be
-    std::string rowsCameAt {}; ///< as the log writes times; empty when none came
-    bool hasSentSince = false; ///< something, after the first rows and before the end
+    std::string resultBeganAt {}; ///< as the log writes times; empty when nothing of it came
+    bool hasSentSince = false; ///< something, before the end of the statement
     double seconds = 0;
 };
 

@@ -191,13 +191,13 @@ private:
             ends += " " + (arrival.result.empty() ? "?" : arrival.result);
             mayLackResult |= arrival.mayLackResult;
             isComplete |= arrival.result == "ok";
-            isLate |= !asked.rowsCameAt.empty() && arrival.time > asked.rowsCameAt;
+            isLate |= !asked.resultBeganAt.empty() && arrival.time > asked.resultBeganAt;
             unanswered += arrival.result == "unavailable" ? 0 : 1;
         }
         if (unanswered > 2)
             violated("arrived " + std::to_string(unanswered) + " times:" + ends);
         if (isLate && asked.hasSentSince)
-            violated("sent again after rows had come:" + ends);
+            violated("sent again after a part of its result had come:" + ends);
         if (asked.outcome == "whole" && !isComplete && !mayLackResult)
             violated("no server knows of the whole result:" + ends);
         m_findings.repeated += arrivals.size() > 1 ? 1 : 0;

@@ -42,8 +42,8 @@ struct Findings {
 };
 
 /// One run: clients ask servers over a network that fails, servers end and come back, their clock jumps, all as the seed says. Every
-/// result must be whole or refused with a message, no statement be sent more than twice or after rows of it have come, nothing hang,
-/// and servers end clean. Threads and the system's clock take part, so that a seed repeats its faults, not each microsecond.
+/// result must be whole or refused with a message, no statement be sent more than twice or after a part of its result has come, nothing
+/// hang, and servers end clean. Threads and the system's clock take part, so that a seed repeats its faults, not each microsecond.
 Findings simulate(const World &world, std::uint64_t seed, const Size &size);
 
 } // namespace simulation
