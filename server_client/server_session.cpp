@@ -114,7 +114,7 @@ ServerSession::Answer ServerSession::authorized(std::size_t server, Delivery &de
         const Answer answer = send("Bearer " + used);
         if (answer.status == ok)
             return answer;
-        delivery = {}; // a refusal is an answer: nothing has been run
+        --delivery.sends; // a refusal is an answer; what was lost before stays lost
         if (answer.status != unauthorized || renewed)
             fail(answer.status, answer.text);
         const std::lock_guard lock(m_mutex);

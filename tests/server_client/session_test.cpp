@@ -264,6 +264,19 @@ TEST(Session, AStatementThatEndsServersIsNotCarriedToAllOfThem)
     EXPECT_EQ(servers[0]->queries() + servers[1]->queries() + servers[2]->queries(), 2);
 }
 
+TEST(Session, ARefusalInBetweenDoesNotMakeALostStatementNew)
+{
+    const TestServer trusted;
+    FakeServer first(trusted, "");
+    FakeServer refusing(trusted, "HTTP/1.1 503 Service Unavailable\r\nConnection: close\r\nContent-Length: 0\r\n\r\n");
+    FakeServer third(trusted, "");
+    ServerSession session(optionsFor(trusted, { first.port(), refusing.port(), third.port() }));
+    session.login("ann", server::test::password);
+    EXPECT_EQ(failureOf([&] { run(session, fewRows); })->failure(), Failure::Unreachable);
+    EXPECT_EQ(first.queries() + third.queries(), 2);
+    EXPECT_EQ(refusing.queries(), 1);
+}
+
 TEST(Session, ADamagedResultIsNotAskedForAgain)
 {
     const TestServer trusted;
