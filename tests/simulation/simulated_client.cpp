@@ -77,6 +77,7 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
     if (plan.cancelAfter)
         canceller.emplace(*plan.cancelAfter);
     std::uint64_t actsBefore = 0;
+    const int jumpsBefore = m_surroundings.clockJumps();
     const auto begun = Clock::now();
     try {
         const auto rows = session.query(plan.sql(), canceller ? canceller->token() : std::stop_token(), [&](std::int64_t) {
@@ -90,7 +91,8 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
     } catch (const server_client::Error &error) {
         const char *const names[] = { "unreachable", "certificate", "login", "refused", "result", "cancelled" };
         asked.outcome = names[int(error.failure())];
-        asked.violation = judge(plan, error, canceller && canceller->hasAsked());
+        asked.violation = judge(
+            plan, error, { .isCancelled = canceller && canceller->hasAsked(), .clockJumps = m_surroundings.clockJumps() - jumpsBefore });
     } catch (const std::exception &error) {
         asked.outcome = "exception";
         asked.violation = error.what();
@@ -102,7 +104,7 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
     return asked;
 }
 
-std::string SimulatedClient::judge(const StatementPlan &plan, const server_client::Error &error, bool isCancelled)
+std::string SimulatedClient::judge(const StatementPlan &plan, const server_client::Error &error, const Circumstances &circumstances)
 {
     const std::string message = error.what();
     bool isAllowed = false;
@@ -111,7 +113,7 @@ std::string SimulatedClient::judge(const StatementPlan &plan, const server_clien
         isAllowed = true;
         break;
     case Failure::Cancelled:
-        isAllowed = isCancelled;
+        isAllowed = circumstances.isCancelled;
         break;
     case Failure::Result:
         isAllowed = plan.nature == Nature::TooLarge && has(message, "上限");
@@ -121,6 +123,9 @@ std::string SimulatedClient::judge(const StatementPlan &plan, const server_clien
             || (plan.nature == Nature::Failing && has(message, "ORA-01722"));
         break;
     case Failure::Login:
+        // The token that was fetched in place of an old one may end before it is used.
+        isAllowed = circumstances.clockJumps > 0;
+        break;
     case Failure::Certificate:
         break;
     }

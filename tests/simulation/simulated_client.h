@@ -25,6 +25,7 @@ public:
         server_client::SessionOptions session;
         std::function<std::uint64_t()> acts; ///< how often it has sent anything
         std::function<void()> begins; ///< told before each statement
+        std::function<int()> clockJumps; ///< how often the servers' clock has jumped
     };
 
     SimulatedClient(std::uint64_t seed, int number, Surroundings surroundings);
@@ -33,7 +34,11 @@ public:
 private:
     Asked ask(server_client::ServerSession &session, const StatementPlan &plan);
     /// Empty when a statement of this kind may fail so.
-    static std::string judge(const StatementPlan &plan, const server_client::Error &error, bool isCancelled);
+    struct Circumstances {
+        bool isCancelled = false;
+        int clockJumps = 0; ///< meanwhile
+    };
+    static std::string judge(const StatementPlan &plan, const server_client::Error &error, const Circumstances &circumstances);
 
     const std::uint64_t m_seed;
     const int m_number;

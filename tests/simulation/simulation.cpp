@@ -131,6 +131,7 @@ private:
             if (happens(random, 0.5))
                 std::ranges::reverse(surroundings.session.addresses);
             surroundings.acts = [&network, firstGate] { return network.clientActs(firstGate) + network.clientActs(firstGate + 1); };
+            surroundings.clockJumps = [this] { return m_clockJumps.load(); };
             surroundings.begins = [this] {
                 const std::lock_guard lock(m_mutex);
                 ++m_begun;
@@ -151,6 +152,7 @@ private:
             }
             if (event.kind == Event::Kind::ClockJump) {
                 m_clockShift += event.jump;
+                ++m_clockJumps;
                 continue;
             }
             ++m_findings.restarts;
@@ -216,6 +218,7 @@ private:
     const Size m_size;
     Findings m_findings {};
     std::atomic<std::int64_t> m_clockShift { 0 };
+    std::atomic<int> m_clockJumps { 0 };
     std::deque<SimulatedServer> m_servers {}; ///< stay where they are
     std::mutex m_mutex {};
     std::condition_variable m_changed {};
