@@ -75,7 +75,10 @@ std::vector<SimulatedServer::Arrival> SimulatedServer::arrivals(const std::strin
                 byId[id] = all.size();
                 all.push_back({ tagOf(line, tagBegin), textOf(line, "time"), "", life.isAbrupt });
             } else if (event == "result") {
-                all[byId.at(id)].result = textOf(line, "result");
+                Arrival &arrival = all[byId.at(id)];
+                arrival.result = textOf(line, "result");
+                arrival.mayBeRefused
+                    = arrival.result == "unavailable" || (arrival.result == "cancelled" && &life != &m_lives.back() && !life.isAbrupt);
             }
         }
         std::filesystem::remove(life.log);

@@ -30,6 +30,7 @@ public:
         std::string time; ///< as in the log
         std::string result; ///< empty when the log has none
         bool mayLackResult = false; ///< the server ended abruptly
+        bool mayBeRefused = false; ///< the client may have got an answer that the statement was not run, or not to its end
     };
     /// All that arrived, from the logs. To be called when the server is down.
     std::vector<Arrival> arrivals(const std::string &tagBegin) const;
