@@ -1,9 +1,11 @@
 #pragma once
 
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 namespace engine::gate {
 
@@ -35,8 +37,29 @@ struct NameEqual {
     }
 };
 
-/// The names of a table's columns.
-using ColumnSet = std::unordered_set<std::string, NameHash, NameEqual>;
+/// The names of a table's columns, as the database writes them and in its order.
+class ColumnSet {
+public:
+    ColumnSet() = default;
+    ColumnSet(std::initializer_list<std::string> names)
+    {
+        for (const std::string &name : names)
+            insert(name);
+    }
+    void insert(const std::string &name)
+    {
+        m_names.push_back(name);
+        m_set.insert(name);
+    }
+    bool contains(std::string_view name) const { return m_set.contains(name); }
+    std::size_t size() const { return m_names.size(); }
+    bool empty() const { return m_names.empty(); }
+    const std::vector<std::string> &names() const { return m_names; }
+
+private:
+    std::vector<std::string> m_names {};
+    std::unordered_set<std::string, NameHash, NameEqual> m_set {};
+};
 
 /// The tables that statements may read, by name, with their columns.
 using Schema = std::unordered_map<std::string, ColumnSet, NameHash, NameEqual>;

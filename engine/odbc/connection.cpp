@@ -128,7 +128,7 @@ gate::Schema OdbcConnection::readTables(const std::vector<std::string> &names)
         while (SQL_SUCCEEDED(SQLFetch(statement))) {
             const std::string table = gate::upperCase(valueOf(statement, 1));
             if (isWanted(table, names))
-                schema[table].insert(gate::upperCase(valueOf(statement, 2)));
+                schema[table].insert(valueOf(statement, 2));
         }
     } else {
         for (const std::string &name : names.empty() ? listTables() : names) {

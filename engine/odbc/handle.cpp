@@ -107,7 +107,7 @@ Description describe(const Handle &statement, SQLUSMALLINT column)
     }
     if (!SQL_SUCCEEDED(result))
         fail(statement);
-    out.name = gate::upperCase(name.text(statement.encoding()));
+    out.name = name.text(statement.encoding());
     out.typeName = gate::upperCase(typeName.text(statement.encoding()));
     return out;
 }

@@ -63,8 +63,8 @@ bool execute(const Handle &statement, std::string_view sql);
 
 /// What the driver says about a column of the result.
 struct Description {
-    std::string name; ///< in capitals
-    std::string typeName;
+    std::string name; ///< as the database writes it
+    std::string typeName; ///< in capitals
     SQLSMALLINT type = 0;
     SQLULEN size = 0; ///< characters or digits; 0: not known
     SQLSMALLINT digits = 0; ///< after the point

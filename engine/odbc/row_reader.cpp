@@ -68,7 +68,7 @@ std::vector<RowReader::Column> RowReader::columnsOf(const Handle &statement, Sys
 RowReader::Column RowReader::columnOf(const Handle &statement, SQLUSMALLINT number, System system)
 {
     const Description description = describe(statement, number);
-    Column column { .field = { description.name }, .size = description.size };
+    Column column { .field = { gate::upperCase(description.name) }, .size = description.size };
     if (system == System::Sqlite) {
         describeSqlite(column, description.typeName);
         return column;

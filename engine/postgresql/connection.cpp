@@ -45,7 +45,7 @@ gate::Schema PostgresqlConnection::readTables(const std::vector<std::string> &na
     for (int row = 0; row < PQntuples(result.get()); ++row) {
         const char *const table = PQgetvalue(result.get(), row, 0);
         if (isWanted(table, names))
-            schema[gate::upperCase(table)].insert(gate::upperCase(PQgetvalue(result.get(), row, 1)));
+            schema[gate::upperCase(table)].insert(PQgetvalue(result.get(), row, 1));
     }
     return schema;
 }

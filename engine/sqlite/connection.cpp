@@ -92,7 +92,7 @@ gate::ColumnSet SqliteConnection::readColumns(const std::string &table)
     sqlite3_bind_text(prepared, 1, table.c_str(), -1, SQLITE_TRANSIENT);
     gate::ColumnSet columns;
     while (sqlite3_step(prepared) == SQLITE_ROW)
-        columns.insert(gate::upperCase(reinterpret_cast<const char *>(sqlite3_column_text(prepared, 0))));
+        columns.insert(reinterpret_cast<const char *>(sqlite3_column_text(prepared, 0)));
     return columns;
 }
 
