@@ -31,9 +31,20 @@ struct QueryOptions {
     std::function<void(std::int64_t rows)> progress {}; ///< called now and then on the querying thread
 };
 
+/// What readers see of a table. Rules of one table add up; at most one of them has a condition.
+struct TableRule {
+    std::string table;
+    /// Which rows, in Oracle's words, over columns of the table; tables of its subqueries have no rules there. It may hold
+    /// "in (:sites)", :site and :employee. Empty: all rows.
+    std::string condition {};
+    std::vector<std::string> hidden {}; ///< columns: texts read as ***, everything else as null
+    std::string place {}; ///< where it is written, for the operator
+};
+
 struct EngineOptions {
     std::size_t connections = 4; ///< opened when needed; a query beyond them waits its turn
     std::vector<std::string> tables {}; ///< the tables that statements may name; empty: those of the database's own schema
+    std::vector<TableRule> rules {}; ///< one that cannot be used makes the engine unavailable
 };
 
 /// Safe to use from several threads at once.

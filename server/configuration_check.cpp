@@ -29,7 +29,7 @@ void checkDatabases(const Configuration &configuration)
 {
     for (const DatabaseConfiguration &database : configuration.databases) {
         try {
-            engine::openEngine(database.url, { 1, database.tables });
+            engine::openEngine(database.url, { 1, database.tables, database.rules });
         } catch (const std::exception &error) {
             throw std::runtime_error("数据库“" + database.name + "”不能使用：" + error.what());
         }

@@ -34,9 +34,10 @@ bool isWanted(std::string_view table, const std::vector<std::string> &names);
 class Connection {
 public:
     virtual ~Connection() = default;
-    /// A statement that has passed the gate, in the words of this database. It may ask for no more than one row beyond the limit.
-    /// Throws Error(Refused) for a use of rownum that it cannot express.
-    virtual std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const = 0;
+    /// A statement that has passed the gate, in the words of this database, with the reading that the gate had. It may ask for no more
+    /// than one row beyond the limit. Throws Error(Refused) for a use of rownum that it cannot express.
+    virtual std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit,
+        const gate::Reading *reading) const = 0;
     /// The tables and views with these names, or all of its own schema when there are none, with their columns; what it may not
     /// read is left out. Throws Error(Unavailable).
     virtual gate::Schema readTables(const std::vector<std::string> &names) = 0;

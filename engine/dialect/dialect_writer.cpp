@@ -41,11 +41,38 @@ std::string columnName(std::string_view expression)
 
 } // namespace
 
+std::string listOf(std::span<const std::string> literals)
+{
+    std::string list = "(";
+    for (const std::string &literal : literals)
+        list.append(list.size() > 1 ? "," : "").append(literal);
+    return list + ")";
+}
+
 /// The number itself, or a call that reports at run time that it is none.
 std::string DialectWriter::numberOf(std::string_view literal) const
 {
     const auto number = packet::Decimal::parse(literal.substr(1, literal.size() - 2));
     return number ? number->toString() : call("to_number").append(literal) + ")";
+}
+
+void DialectWriter::writeTable(const gate::Annotation &annotation, const gate::RowRule &rule, const std::string &table,
+    std::string_view last, const std::string &condition)
+{
+    std::string text = "(select " + rule.columns + " from " + table;
+    if (!condition.empty())
+        text += " where (" + condition + ")";
+    text.append(last).append(annotation.begin == annotation.end ? ") " : ")");
+    replace(annotation, std::move(text));
+}
+
+void DialectWriter::writeValue(const gate::Annotation &annotation, const gate::Reading &reading)
+{
+    if (annotation.construct == Construct::OwnSite)
+        return replace(annotation, reading.site);
+    if (annotation.construct == Construct::Employee)
+        return replace(annotation, reading.employee);
+    replace(annotation, listOf(reading.sites));
 }
 
 void DialectWriter::writeCommon(const gate::Annotation &annotation)

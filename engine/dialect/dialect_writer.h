@@ -1,6 +1,8 @@
 #pragma once
 
-#include "engine/gate/gate.h"
+#include "engine/gate/row_rules.h"
+
+#include <span>
 
 namespace engine {
 
@@ -25,6 +27,12 @@ public:
         open(annotation.begin, std::move(before));
         close(annotation.end, std::move(after));
     }
+    /// Puts what a rule selects in place of its table. `table` is the table's name for the database, `last` what keeps the database from
+    /// computing other conditions first, `condition` the rule's own in the words of the database.
+    void writeTable(const gate::Annotation &annotation, const gate::RowRule &rule, const std::string &table, std::string_view last,
+        const std::string &condition);
+    /// A value of the reader's.
+    void writeValue(const gate::Annotation &annotation, const gate::Reading &reading);
     /// What every database but Oracle has to be told in the same way. Throws Error(Refused) for a use of rownum that none
     /// can express.
     void writeCommon(const gate::Annotation &annotation);
@@ -53,5 +61,8 @@ private:
     std::string_view m_helpers;
     std::vector<Edit> m_edits;
 };
+
+/// "('a','b')"
+std::string listOf(std::span<const std::string> literals);
 
 } // namespace engine

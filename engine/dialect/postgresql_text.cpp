@@ -28,7 +28,17 @@ std::string quoted(std::string_view name)
     return lower.front() == '"' ? lower : '"' + lower + '"';
 }
 
-void write(DialectWriter &writer, const gate::Annotation &annotation)
+/// PostgreSQL computes nothing else before a subquery with an offset has given its rows.
+void writeTable(DialectWriter &writer, const gate::Annotation &annotation, const gate::Reading &reading)
+{
+    const gate::RowRule &rule = reading.rules[std::size_t(annotation.limit)];
+    const std::string condition
+        = postgresqlText(rule.condition.text, rule.condition.annotations, std::numeric_limits<std::int64_t>::max(), &reading);
+    const std::string_view last = reading.order == gate::RuleOrder::First ? " offset 0" : "";
+    writer.writeTable(annotation, rule, quoted(rule.table), last, condition);
+}
+
+void write(DialectWriter &writer, const gate::Annotation &annotation, const gate::Reading *reading)
 {
     switch (annotation.construct) {
     case Construct::Concat:
@@ -50,6 +60,12 @@ void write(DialectWriter &writer, const gate::Annotation &annotation)
         return writer.close(annotation.end, " as unnamed" + std::to_string(annotation.begin));
     case Construct::LimitedArm:
         return writer.wrap(annotation, "select * from (", " limit " + std::to_string(annotation.limit) + ") as limited");
+    case Construct::RuledTable:
+        return writeTable(writer, annotation, *reading);
+    case Construct::SiteList:
+    case Construct::OwnSite:
+    case Construct::Employee:
+        return writer.writeValue(annotation, *reading);
     default:
         // Nulls lie where Oracle puts them; a scalar subquery with a second row is an error here too.
         return writer.writeCommon(annotation);
@@ -58,11 +74,12 @@ void write(DialectWriter &writer, const gate::Annotation &annotation)
 
 } // namespace
 
-std::string postgresqlText(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit)
+std::string postgresqlText(
+    std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit, const gate::Reading *reading)
 {
     DialectWriter writer(sql, "kelvara.");
     for (const gate::Annotation &annotation : annotations)
-        write(writer, annotation);
+        write(writer, annotation, reading);
     if (rowLimit == std::numeric_limits<std::int64_t>::max())
         return writer.text();
     // The statement may end with a comment.

@@ -20,7 +20,16 @@ bool isPlainNumber(std::string_view text)
     return text.find_first_not_of("0123456789.") == std::string_view::npos && text.find_first_not_of("0.") != std::string_view::npos;
 }
 
-void write(DialectWriter &writer, const gate::Annotation &annotation)
+/// SQLite computes nothing else before a subquery with a limit has given its rows.
+void writeTable(DialectWriter &writer, const gate::Annotation &annotation, const gate::Reading &reading)
+{
+    const gate::RowRule &rule = reading.rules[std::size_t(annotation.limit)];
+    const std::string condition = sqliteText(rule.condition.text, rule.condition.annotations, &reading);
+    const std::string_view last = reading.order == gate::RuleOrder::First ? " limit -1" : "";
+    writer.writeTable(annotation, rule, '"' + rule.table + '"', last, condition);
+}
+
+void write(DialectWriter &writer, const gate::Annotation &annotation, const gate::Reading *reading)
 {
     switch (annotation.construct) {
     case Construct::Concat:
@@ -45,6 +54,12 @@ void write(DialectWriter &writer, const gate::Annotation &annotation)
         return writer.wrap(annotation, "oracle_single(", ")");
     case Construct::LimitedArm:
         return writer.wrap(annotation, "select * from (", " limit " + std::to_string(annotation.limit) + ")");
+    case Construct::RuledTable:
+        return writeTable(writer, annotation, *reading);
+    case Construct::SiteList:
+    case Construct::OwnSite:
+    case Construct::Employee:
+        return writer.writeValue(annotation, *reading);
     default:
         return writer.writeCommon(annotation);
     }
@@ -52,11 +67,11 @@ void write(DialectWriter &writer, const gate::Annotation &annotation)
 
 } // namespace
 
-std::string sqliteText(std::string_view sql, const std::vector<gate::Annotation> &annotations)
+std::string sqliteText(std::string_view sql, const std::vector<gate::Annotation> &annotations, const gate::Reading *reading)
 {
     DialectWriter writer(sql, "");
     for (const gate::Annotation &annotation : annotations)
-        write(writer, annotation);
+        write(writer, annotation, reading);
     return writer.text();
 }
 

@@ -23,9 +23,20 @@ std::string placeOf(std::string_view text, std::size_t position)
 
 [[noreturn]] void refuse(const std::string &reason) { throw Error(Failure::Refused, "语句被拒绝：" + reason); }
 
+/// Runs the work on the text of a condition and says where it is refused.
+template <class Work>
+auto locate(std::string_view text, const Work &work)
+{
+    try {
+        return work();
+    } catch (const Refusal &refusal) {
+        throw Error(Failure::Refused, "条件" + placeOf(text, refusal.position()) + refusal.what());
+    }
+}
+
 } // namespace
 
-std::vector<Annotation> check(std::string_view sql, const Schema &schema)
+std::vector<Annotation> check(std::string_view sql, const Schema &schema, const Reading *reading)
 {
     if (sql.size() > largestStatement)
         refuse("长度 " + std::to_string(sql.size()) + " 字节，超过 65536 字节的上限，请减少条件或单号");
@@ -33,10 +44,23 @@ std::vector<Annotation> check(std::string_view sql, const Schema &schema)
         const std::vector<Token> tokens = tokensOf(sql);
         if (tokens.size() == 1)
             refuse("语句是空的，请先给出一条查询语句");
-        return Parser(sql, tokens, schema).run();
+        return Parser(sql, tokens, schema, reading).run();
     } catch (const Refusal &refusal) {
         refuse(placeOf(sql, refusal.position()) + refusal.what());
     }
+}
+
+Condition readCondition(std::string_view text, const std::string &table, const Schema &schema)
+{
+    return locate(text, [&] {
+        const std::vector<Token> tokens = conditionTokensOf(text);
+        return Parser(text, tokens, schema, nullptr).runCondition(table);
+    });
+}
+
+void checkConditionWords(std::string_view text)
+{
+    locate(text, [text] { conditionTokensOf(text); });
 }
 
 std::string upperCase(std::string_view text)

@@ -41,6 +41,10 @@ enum class Construct : std::uint8_t {
     LimitedBlock, ///< the whole select of such a condition; `limit` is n
     LimitedArm, ///< likewise, as one of several joined by set operations
     Rownum, ///< any other use of rownum
+    RuledTable, ///< a table that has a rule, whose number is `limit`; without a length when the table's name comes to stand as an alias
+    SiteList, ///< the list of an "in (:sites)", with its parentheses; `limit` is where the test begins
+    OwnSite, ///< :site
+    Employee, ///< :employee
 };
 
 struct Annotation {
@@ -50,9 +54,24 @@ struct Annotation {
     std::int64_t limit = 0;
 };
 
-/// Reads exactly one Oracle SELECT over the given tables and their columns. Takes time in proportion to its length.
-/// Throws engine::Error(Refused), which says what is wrong and where.
-std::vector<Annotation> check(std::string_view sql, const Schema &schema);
+struct Reading;
+
+/// Reads exactly one Oracle SELECT over the given tables and their columns. Takes time in proportion to its length and to what the
+/// rules of `reading` put in place of tables. Throws engine::Error(Refused), which says what is wrong and where.
+std::vector<Annotation> check(std::string_view sql, const Schema &schema, const Reading *reading = nullptr);
+
+/// What stands behind "where", over the columns of one table and with a reader's values.
+struct Condition {
+    std::string text {};
+    std::vector<Annotation> annotations {};
+    std::size_t words = 0;
+    std::size_t siteLists = 0; ///< how often all of the reader's sites come in
+};
+
+/// Throws engine::Error(Refused), likewise. Neither rownum nor totals are conditions of a row.
+Condition readCondition(std::string_view text, const std::string &table, const Schema &schema);
+/// Reads its words alone, without knowing the tables.
+void checkConditionWords(std::string_view text);
 
 std::string upperCase(std::string_view text);
 

@@ -111,10 +111,13 @@ bool isHan(char32_t code)
     return (code >= 0x4E00 && code <= 0x9FFF) || (code >= 0x3400 && code <= 0x4DBF) || (code >= 0x20000 && code <= 0x3134F);
 }
 
+enum class Kind : std::uint8_t { Statement, Condition };
+
 class Lexer {
 public:
-    explicit Lexer(std::string_view text)
+    Lexer(std::string_view text, Kind kind)
         : m_text(text)
+        , m_kind(kind)
     {
         m_tokens.reserve(text.size() / 4 + 16);
     }
@@ -147,6 +150,12 @@ private:
                 return;
         }
     }
+    /// What stands behind a condition where it is put would become a part of the comment.
+    void refuseCommentInCondition() const
+    {
+        if (m_kind == Kind::Condition)
+            throw Refusal(m_position, "有注释，行规则中不能写注释");
+    }
     void skipLineEnd()
     {
         if (next() != '\n')
@@ -155,6 +164,7 @@ private:
     }
     void skipLineComment()
     {
+        refuseCommentInCondition();
         const std::size_t end = std::min(m_text.find('\n', m_position), m_text.size());
         const std::size_t carriageReturn = m_text.substr(0, end).find('\r', m_position);
         if (carriageReturn != std::string_view::npos && (carriageReturn + 1 != end || end == m_text.size()))
@@ -163,6 +173,7 @@ private:
     }
     void skipBlockComment()
     {
+        refuseCommentInCondition();
         const std::size_t end = m_text.find("*/", m_position + 2);
         if (end == std::string_view::npos)
             throw Refusal(m_position, "的注释没有结束，缺少“*/”");
@@ -259,6 +270,14 @@ private:
             throw Refusal(m_position, "的数字“" + std::string(m_text.substr(m_position, end + 1 - m_position)) + "…”写法有误");
         add(Symbol::Number, end);
     }
+    void readPlaceholder()
+    {
+        const std::size_t end = nameEnd(m_position + 1);
+        const std::string_view name = m_text.substr(m_position, end - m_position);
+        if (name != ":sites" && name != ":site" && name != ":employee")
+            throw Refusal(m_position, "的“" + std::string(name) + "”无法识别，占位符只有 :sites、:site 和 :employee");
+        add(Symbol::Placeholder, end);
+    }
     void readSymbol(char character)
     {
         const char second = next();
@@ -295,6 +314,10 @@ private:
             if (second == '|')
                 return add(Symbol::Concat, m_position + 2);
             break;
+        case ':':
+            if (m_kind == Kind::Condition)
+                return readPlaceholder();
+            break;
         case ';':
             throw Refusal(m_position, "有分号；一次只能执行一条查询语句，语句末尾不要写分号");
         default:
@@ -304,6 +327,7 @@ private:
     }
 
     std::string_view m_text;
+    Kind m_kind;
     std::size_t m_position = 0;
     std::vector<Token> m_tokens;
 };
@@ -313,7 +337,13 @@ private:
 std::vector<Token> tokensOf(std::string_view text)
 {
     checkCharacters(text);
-    return Lexer(text).run();
+    return Lexer(text, Kind::Statement).run();
+}
+
+std::vector<Token> conditionTokensOf(std::string_view text)
+{
+    checkCharacters(text);
+    return Lexer(text, Kind::Condition).run();
 }
 
 } // namespace engine::gate

@@ -35,6 +35,8 @@ enum class Symbol : std::uint8_t {
     First, Last, Nulls, Rownum, Sysdate,
     // A name in Oracle, a reserved word in some database that may get the statement.
     ReservedElsewhere,
+    // What a reader's value stands for.
+    Placeholder,
     // clang-format on
 };
 
@@ -48,5 +50,7 @@ struct Token {
 /// Refuses whatever databases read in different ways: control characters, invalid UTF-8, nested comments, quotes with a
 /// prefix, binds, brackets, backslashes and the like. A carriage return must be followed by a line feed outside of texts.
 std::vector<Token> tokensOf(std::string_view text);
+/// Likewise of the condition of a rule, which may have placeholders and no comments.
+std::vector<Token> conditionTokensOf(std::string_view text);
 
 } // namespace engine::gate

@@ -9,7 +9,6 @@ namespace engine::gate {
 namespace {
 
 constexpr std::size_t mostVisible = 256; ///< tables, with those of the enclosing blocks, so that a name is found quickly
-constexpr std::uint32_t largestWritten = 100'000; ///< tokens
 constexpr std::size_t fewColumns = 12; ///< so few are searched one by one
 
 /// Columns that databases have in every table without listing them. As an alias such a name could be read as one of them.

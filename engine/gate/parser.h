@@ -3,6 +3,7 @@
 #include "engine/gate/functions.h"
 #include "engine/gate/gate.h"
 #include "engine/gate/lexer.h"
+#include "engine/gate/row_rules.h"
 #include "engine/gate/scopes.h"
 
 #include <algorithm>
@@ -12,9 +13,12 @@ namespace engine::gate {
 /// A recursive-descent parser of the Oracle SELECT subset. Recursion grows with nesting alone, never with length.
 class Parser {
 public:
-    Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema);
+    /// `reading`: null when no rules apply.
+    Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema, const Reading *reading);
     /// Throws Refusal.
     std::vector<Annotation> run();
+    /// Reads a condition over the columns of a table in place of a statement. Throws Refusal.
+    Condition runCondition(const std::string &table);
 
 private:
     enum class ValueKind : std::uint8_t { Unknown, Number, Text, TextLiteral, Date };
@@ -52,6 +56,7 @@ private:
     void parseTableList();
     void parseJoinedTable();
     void parseTable();
+    void takeTableName();
     void parseOrderBy();
     void parseGroupBy();
     void parseSortKey();
@@ -71,6 +76,8 @@ private:
     Operand parseComparison();
     bool acceptTest(const Operand &left);
     void parseInList(const Operand &left);
+    bool acceptSites(const Operand &left);
+    Operand parsePlaceholder();
     Operand parseSum();
     Operand parseProduct();
     Operand parseSign();
@@ -102,6 +109,9 @@ private:
     std::string_view m_text;
     const std::vector<Token> &m_tokens;
     const Schema &m_schema;
+    const Reading *m_reading;
+    std::size_t m_ruleWords = 0; ///< that come in place of tables
+    std::size_t m_siteLists = 0;
     Scopes m_scopes {};
     std::size_t m_next = 0;
     int m_depth = 0;

@@ -85,6 +85,8 @@ bool Parser::acceptTest(const Operand &left)
     }
     const bool negated = accept(Symbol::Not);
     if (accept(Symbol::In)) {
+        if (!negated && acceptSites(left))
+            return true;
         parseInList(left);
     } else if (accept(Symbol::Like)) {
         const Operand pattern = parseSum();
@@ -116,6 +118,32 @@ void Parser::parseInList(const Operand &left)
         compare(left, parseSum());
     } while (accept(Symbol::Comma));
     expect(Symbol::RightParenthesis, "右括号");
+}
+
+/// "in (:sites)"; it is for the condition of a rule, as no statement has a placeholder.
+bool Parser::acceptSites(const Operand &left)
+{
+    if (peek(1).symbol != Symbol::Placeholder || textOf(peek(1)) != ":sites" || peek(2).symbol != Symbol::RightParenthesis)
+        return false;
+    // Oracle gets what stands before the list again for every thousand sites.
+    if (m_text.substr(left.begin, left.end - left.begin).find(':') != std::string_view::npos)
+        throw Refusal(left.begin, "的 in (:sites) 前面不能有占位符和冒号");
+    const std::uint32_t begin = expect(Symbol::LeftParenthesis, "左括号").begin;
+    take();
+    take();
+    ++m_siteLists;
+    annotate(Construct::SiteList, begin, lastEnd(), left.begin);
+    return true;
+}
+
+Parser::Operand Parser::parsePlaceholder()
+{
+    const std::string_view name = textOf(peek());
+    if (name == ":sites")
+        throw Refusal(peek().begin, "的 :sites 只能写作 in (:sites)");
+    const Token &token = take();
+    annotate(name == ":site" ? Construct::OwnSite : Construct::Employee, token.begin, token.end);
+    return { token.begin, token.end, ValueKind::Text };
 }
 
 /// Oracle compares a number with a text as numbers.
@@ -207,6 +235,8 @@ Parser::Operand Parser::parsePrimary()
             return { token.begin, token.end, ValueKind::TextLiteral };
         annotate(Construct::EmptyText, token.begin, token.end);
         return { token.begin, token.end };
+    case Symbol::Placeholder:
+        return parsePlaceholder();
     case Symbol::Rownum:
         ++m_block->rownums;
         take();

@@ -3,10 +3,11 @@
 
 namespace engine::gate {
 
-Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema)
+Parser::Parser(std::string_view text, const std::vector<Token> &tokens, const Schema &schema, const Reading *reading)
     : m_text(text)
     , m_tokens(tokens)
     , m_schema(schema)
+    , m_reading(reading)
 {
     m_annotations.reserve(64);
     m_scopes.uses.reserve(64);
@@ -19,8 +20,22 @@ std::vector<Annotation> Parser::run()
     parseQuery(SubqueryKind::Top);
     if (!at(Symbol::End))
         refuse("语句到此结束");
-    resolveNames(m_scopes, m_tokens.size());
+    resolveNames(m_scopes, m_tokens.size() + m_ruleWords);
     return std::move(m_annotations);
+}
+
+Condition Parser::runCondition(const std::string &table)
+{
+    Block block { .scope = m_scopes.open(Scope::none) };
+    m_block = &block;
+    addSource({ table, &m_schema.find(table)->second, Scope::none }, 0);
+    parseCondition();
+    if (!at(Symbol::End))
+        refuse("条件到此结束");
+    if (block.rownums > 0 || block.aggregate)
+        throw Refusal(0, "有误：行规则不能用 rownum 和汇总函数");
+    resolveNames(m_scopes, m_tokens.size());
+    return { std::string(m_text), std::move(m_annotations), m_tokens.size(), m_siteLists };
 }
 
 /// A subquery with its parentheses.
@@ -223,12 +238,35 @@ void Parser::parseTable()
         expect(Symbol::RightParenthesis, "右括号");
         return;
     }
-    const Token &name = takeName("表名");
+    if (!isName(peek().symbol))
+        refuse("表名");
+    const Token &name = peek();
     const auto table = m_schema.find(nameOf(name));
     if (table == m_schema.end())
         throw Refusal(name.begin, "的表“" + upperCase(nameOf(name)) + "”不在允许查询的表之列");
+    takeTableName();
     const std::string_view alias = acceptTableAlias();
     addSource({ alias.empty() ? nameOf(name) : alias, &table->second, Scope::none }, name.begin);
+}
+
+/// What a rule puts in place of a table has no name: the table's stays behind it, unless an alias follows.
+void Parser::takeTableName()
+{
+    const auto rule = m_reading ? m_reading->rules.numberOf(nameOf(peek())) : std::nullopt;
+    if (!rule) {
+        takeName("表名");
+        return;
+    }
+    const Token &name = peek();
+    m_ruleWords += m_reading->wordsOf(*rule);
+    if (m_ruleWords > largestWritten)
+        throw Refusal(name.begin, "的表按您的数据范围限定后，语句超过 " + std::to_string(largestWritten) + " 项，请少用几次这个表");
+    const bool hasAlias = peek(1).symbol == Symbol::As || isName(peek(1).symbol);
+    annotate(Construct::RuledTable, name.begin, hasAlias ? name.end : name.begin, std::int64_t(*rule));
+    if (hasAlias)
+        take();
+    else
+        takeName("表名");
 }
 
 void Parser::addSource(const Scope::Source &source, std::uint32_t position)

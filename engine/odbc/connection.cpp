@@ -173,17 +173,18 @@ gate::ColumnSet OdbcConnection::readColumns(const std::string &table) const
     return columns;
 }
 
-std::string OdbcConnection::textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const
+std::string OdbcConnection::textFor(
+    std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit, const gate::Reading *reading) const
 {
     switch (m_system) {
     case System::Sqlite:
-        return sqliteText(sql, annotations);
+        return sqliteText(sql, annotations, reading);
     case System::Postgresql:
-        return postgresqlText(sql, annotations, rowLimit);
+        return postgresqlText(sql, annotations, rowLimit, reading);
     case System::Oracle:
         break;
     }
-    return std::string(sql);
+    return oracleText(sql, annotations, reading);
 }
 
 packet::PacketPtr OdbcConnection::run(const Job &job)

@@ -13,7 +13,8 @@ public:
     ~OdbcConnection() override;
 
     /// What is neither PostgreSQL nor SQLite gets Oracle's own text, hints included.
-    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const override;
+    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit,
+        const gate::Reading *reading) const override;
     gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;
     bool isUsable() const override { return m_usable; }

@@ -23,7 +23,18 @@ public:
 private:
     class Lease;
 
+    /// A statement that has passed the gate.
+    struct Checked {
+        std::string_view sql;
+        std::vector<gate::Annotation> annotations;
+        const gate::Reading *reading; ///< null: no rules apply
+    };
+
+    void readRules(Connection &connection, const EngineOptions &options);
     packet::PacketPtr run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink);
+    packet::PacketPtr runRuled(std::string_view sql, gate::Reading reading, const QueryOptions &options, packet::BlockSink *sink);
+    packet::PacketPtr runChecked(
+        const Checked &statement, const QueryOptions &options, Clock::time_point deadline, packet::BlockSink *sink);
     std::unique_ptr<Connection> acquire(const std::stop_token &stop, Clock::time_point deadline);
     std::unique_ptr<Connection> openAnother();
     void release(std::unique_ptr<Connection> connection);
@@ -31,6 +42,7 @@ private:
     Opener m_open;
     std::size_t m_limit;
     gate::Schema m_schema;
+    gate::RowRules m_rules;
     std::mutex m_mutex;
     std::condition_variable_any m_released;
     std::vector<std::unique_ptr<Connection>> m_idle;

@@ -15,9 +15,10 @@ public:
     /// Takes a URL "postgresql://user@host/database" with libpq's parameters. Throws Error(Unavailable).
     explicit PostgresqlConnection(const std::string &url);
 
-    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit) const override
+    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit,
+        const gate::Reading *reading) const override
     {
-        return postgresqlText(sql, annotations, rowLimit);
+        return postgresqlText(sql, annotations, rowLimit, reading);
     }
     gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;

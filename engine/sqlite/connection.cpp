@@ -12,6 +12,7 @@ namespace engine {
 namespace {
 
 constexpr int stepsBetweenChecks = 200;
+constexpr int longestWritten = 4 * 1024 * 1024; ///< bytes of a statement, with the sites of its reader
 constexpr std::size_t longRow = 16 * 1024; ///< bytes
 
 /// Functions that the dialect writes and a statement cannot name.
@@ -21,7 +22,7 @@ constexpr std::string_view helperFunctions[]
 void lowerLimits(sqlite3 *database)
 {
     sqlite3_limit(database, SQLITE_LIMIT_LENGTH, 4 * 1024 * 1024);
-    sqlite3_limit(database, SQLITE_LIMIT_SQL_LENGTH, 4 * int(gate::largestStatement));
+    sqlite3_limit(database, SQLITE_LIMIT_SQL_LENGTH, longestWritten);
     sqlite3_limit(database, SQLITE_LIMIT_ATTACHED, 0);
     sqlite3_limit(database, SQLITE_LIMIT_TRIGGER_DEPTH, 1);
     sqlite3_limit(database, SQLITE_LIMIT_VARIABLE_NUMBER, 1);

@@ -16,9 +16,10 @@ public:
     SqliteConnection(const SqliteConnection &) = delete;
     ~SqliteConnection() override;
 
-    std::string textFor(std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t) const override
+    std::string textFor(
+        std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t, const gate::Reading *reading) const override
     {
-        return sqliteText(sql, annotations);
+        return sqliteText(sql, annotations, reading);
     }
     gate::Schema readTables(const std::vector<std::string> &names) override;
     void restrictTo(const gate::Schema &schema) override;

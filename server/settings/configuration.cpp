@@ -1,5 +1,6 @@
 #include "server/settings/configuration.h"
 
+#include "engine/gate/gate.h"
 #include "server/base/text.h"
 #include "server/users/token.h"
 
@@ -170,6 +171,8 @@ private:
             return;
         if (line.front() == '[')
             return beginDatabase(line);
+        if (acceptRule(line))
+            return;
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos)
             fail("不是“键 = 值”，也不是“[database 名称]”，请改正或在行首加 #");
@@ -189,6 +192,58 @@ private:
                 fail("数据库“" + std::string(name) + "”已经写过一次，请换一个名称");
         m_configuration.databases.push_back({ std::string(name), {} });
         m_keys.clear();
+    }
+
+    /// "rows TABLE = condition" or "hide TABLE.COLUMN, ...".
+    bool acceptRule(std::string_view line)
+    {
+        const std::size_t blank = std::min(line.find_first_of(" \t"), line.size());
+        const std::string_view kind = line.substr(0, blank);
+        const std::string_view rest = trimmed(line.substr(blank));
+        const bool isRows = kind == "rows" && !rest.empty() && rest.front() != '=';
+        if (!isRows && kind != "hide")
+            return false;
+        if (m_configuration.databases.empty())
+            fail("“" + std::string(kind) + "”要写在数据库小节中");
+        if (isRows)
+            addRows(rest);
+        else
+            addHidden(rest);
+        return true;
+    }
+
+    void addRows(std::string_view text)
+    {
+        const std::size_t equals = text.find('=');
+        const auto table = trimmed(text.substr(0, equals));
+        const auto condition = equals == text.npos ? std::string_view() : trimmed(text.substr(equals + 1));
+        if (table.empty() || table.find_first_of(" \t.") != table.npos || condition.empty())
+            fail("行规则应写作“rows 表 = 条件”，如 rows TAB_BILL = send_site in (:sites)");
+        try {
+            engine::gate::checkConditionWords(condition);
+        } catch (const engine::Error &error) {
+            fail("rows " + std::string(table) + " 的" + error.what());
+        }
+        addRule({ .table = std::string(table), .condition = std::string(condition) });
+    }
+
+    void addHidden(std::string_view text)
+    {
+        const std::vector<std::string> columns = listOf(text);
+        for (const std::string &column : columns) {
+            const std::size_t dot = column.find('.');
+            if (dot == 0 || dot == column.npos || dot + 1 == column.size() || column.find_first_of(" \t", dot) != column.npos)
+                fail("“" + column + "”不是“表.列”，要遮盖的列应写作“hide 表.列, 表.列”，如 hide TAB_BILL.ACCEPT_MAN_PHONE");
+            addRule({ .table = column.substr(0, dot), .hidden = { column.substr(dot + 1) } });
+        }
+        if (columns.empty())
+            fail("hide 后面没有列，应写作“hide 表.列”，如 hide TAB_BILL.ACCEPT_MAN_PHONE");
+    }
+
+    void addRule(engine::TableRule rule)
+    {
+        rule.place = "配置文件 " + m_name + " 第 " + std::to_string(m_line) + " 行";
+        m_configuration.databases.back().rules.push_back(std::move(rule));
     }
 
     void setKey(std::string_view key, std::string_view value)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/engine.h"
+
 #include <chrono>
 #include <cstdint>
 #include <string>
@@ -12,6 +14,7 @@ struct DatabaseConfiguration {
     std::string name;
     std::string url;
     std::vector<std::string> tables {}; ///< empty: all of the database's own
+    std::vector<engine::TableRule> rules {}; ///< for users to whom rules apply
     std::size_t workers = 8; ///< statements that run at a time
     std::size_t queue = 200; ///< statements that wait, of all users
     std::size_t userStatements = 4; ///< of one user that run at a time

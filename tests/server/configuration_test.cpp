@@ -26,6 +26,8 @@ token_hours = 8
 url = sqlite:parcels.db
 tables = TAB_BILL, TAB_SCAN_COME
 rows = 5
+rows TAB_BILL = send_site = :site or remark = 'a:b'
+hide TAB_BILL.REMARK, TAB_SCAN_COME.REMARK
 [database archive]
 url = sqlite:archive.db
 )";
@@ -66,6 +68,10 @@ TEST_F(ConfigurationTest, IsReadFromKeysAndSections)
     EXPECT_THAT(read.databases[0].tables, testing::ElementsAre("TAB_BILL", "TAB_SCAN_COME"));
     EXPECT_EQ(read.databases[0].rows, 5);
     EXPECT_EQ(read.databases[1].name, "archive");
+    ASSERT_EQ(read.databases[0].rules.size(), 3u);
+    EXPECT_EQ(read.databases[0].rules[0].condition, "send_site = :site or remark = 'a:b'");
+    EXPECT_THAT(read.databases[0].rules[2].hidden, testing::ElementsAre("REMARK"));
+    EXPECT_THAT(read.databases[0].rules[2].place, HasSubstr("server.conf 第 14 行"));
 }
 
 TEST_F(ConfigurationTest, ErrorsNameLineAndKey)
@@ -85,6 +91,14 @@ TEST_F(ConfigurationTest, ErrorsNameLineAndKey)
         { "[database main]\nurl = sqlite:x\n[database main]", "第 3 行：数据库“main”已经写过一次" },
         { "[database one]\n[database two]", "第 2 行：数据库“one”缺少键“url”" },
         { "[database one]\nlisten = 1.1.1.1:1", "第 2 行：键“listen”不属于数据库小节" },
+        { "rows TAB_BILL = send_site in (:sites)", "第 1 行：“rows”要写在数据库小节中" },
+        { "[database one]\nrows TAB_BILL", "第 2 行：行规则应写作“rows 表 = 条件”" },
+        { "[database one]\nrows TAB_BILL =", "行规则应写作" },
+        { "[database one]\nrows TAB_BILL = send_site = :user", "第 2 行：rows TAB_BILL 的条件第 1 行第 13 列的“:user”无法识别" },
+        { "[database one]\nrows TAB_BILL = send_site = :site -- or all", "不能写注释" },
+        { "[database one]\nrows TAB_BILL = send_site = ':site", "单引号没有配对" },
+        { "[database one]\nhide ACCEPT_MAN_PHONE", "“ACCEPT_MAN_PHONE”不是“表.列”" },
+        { "[database one]\nhide", "第 2 行：hide 后面没有列" },
     };
     for (const auto &[text, message] : cases)
         EXPECT_THAT(errorOf(text), AllOf(StartsWith("配置文件 "), HasSubstr("server.conf 第 "), HasSubstr(message)));
