@@ -25,6 +25,7 @@ insert into TAB_BILL values ('2','东','西','222',2.50,'2024-03-02 00:00:00','2
 insert into TAB_BILL values ('3','西','东','333',3.50,'2024-03-03 00:00:00','30','b');
 insert into TAB_BILL values ('4','西','西','444',4.50,'2024-03-04 00:00:00','SECRET','b');
 insert into TAB_BILL values ('5','O''Hare','O''Hare','555',5.50,'2024-03-05 00:00:00','50','b');
+create unique index TAB_BILL_P on TAB_BILL (BILL_CODE);
 create table TAB_STATUS (BILL_CODE VARCHAR2(20), POS VARCHAR2(50));
 insert into TAB_STATUS values ('1','p1'); insert into TAB_STATUS values ('2','p2'); insert into TAB_STATUS values ('4','p4');
 create table TAB_SITE (SITE_NAME VARCHAR2(50));
@@ -150,14 +151,17 @@ TEST_P(Rules, TakeValuesForWhatTheyAre)
         EXPECT_THAT(rows(codes, as({ wrong })), ElementsAre(HasSubstr("账号的网点名称"))) << wrong;
 }
 
-/// Whether a statement fails, and with which words, depends on the reader's rows alone.
+/// Whether a statement fails, and with which words, depends on the reader's rows alone, though databases look at the rows of others when
+/// a condition of the statement is cheaper than the rule, or an index has all that it needs.
 TEST_P(Rules, DoNotTellByFailing)
 {
-    EXPECT_THAT(rows("select bill_code from tab_bill where to_number(note)>0"), ElementsAre("'1'|", "'2'|", "'3'|"));
-    EXPECT_THAT(rows("select bill_code from tab_bill where 1/(ascii-1)>0"), ElementsAre(HasSubstr("没有“ascii”这一列")));
-    EXPECT_THAT(rows("select bill_code from tab_bill where 8/(case when note='SECRET' then 0 else 1 end)=8"), testing::SizeIs(3));
-    EXPECT_THAT(rows("select s.site_name from tab_site s join tab_bill b on to_number(b.note)=10"), ElementsAre("'东'|", "'西'|"));
+    const auto some = as({ "东", "南", "北", "中" });
+    for (const char *const condition : { "1/(fee-4.5)<>0", "bill_code>'0' and 1/(case bill_code when '4' then 0 else 1 end)=1",
+             "to_number(note)>0", "8/(case when note='SECRET' then 0 else 1 end)=8" })
+        EXPECT_THAT(rows("select bill_code from tab_bill where " + std::string(condition), some), ElementsAre("'1'|", "'2'|", "'3'|")) << condition;
     EXPECT_THAT(rows("select bill_code from tab_bill where to_number(note)>0", as({ "西" })), ElementsAre(HasSubstr("数据库报告错误")));
+    // Of a failure after the first rows no more is told than that there was one.
+    EXPECT_THAT(rows("select a.bill_code from tab_bill a", some), testing::SizeIs(3));
 }
 
 /// A statement of many tables, each with many sites, is refused before it is written out.

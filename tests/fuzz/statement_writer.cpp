@@ -65,7 +65,7 @@ std::string StatementWriter::block(const std::vector<Type> &types, int depth)
 std::string StatementWriter::plainBlock(const std::vector<Type> &types, int depth)
 {
     const std::string tables = from(depth);
-    std::string sql = oneIn(6) ? "select distinct " : "select ";
+    std::string sql = selectWord() + (oneIn(6) ? " distinct " : " ");
     for (std::size_t number = 0; number < types.size(); ++number)
         sql += (number > 0 ? "," : "") + expression(types[number], depth) + " c" + std::to_string(number);
     return sql + tables + (oneIn(3) ? "" : " where " + condition(depth));
@@ -76,7 +76,7 @@ std::string StatementWriter::groupedBlock(const std::vector<Type> &types, int de
     const std::string tables = from(depth);
     const std::string where = oneIn(2) ? " where " + condition(depth + 1) : "";
     const std::string key = oneIn(3) ? "" : column(Type::Text);
-    std::string sql = "select ";
+    std::string sql = selectWord() + " ";
     for (std::size_t number = 0; number < types.size(); ++number) {
         const bool isKey = types[number] == Type::Text && !key.empty() && oneIn(2);
         sql += (number > 0 ? "," : "") + (isKey ? key : aggregate(types[number], depth)) + " c" + std::to_string(number);
@@ -91,9 +91,9 @@ std::string StatementWriter::from(int depth)
     const std::size_t around = m_sources.size();
     std::string sql = " from " + source(depth);
     if (oneIn(3)) {
-        const std::string join = pick({ " join ", " left join " });
+        const std::string join = joinWords();
         const std::string joined = source(depth);
-        const auto key = [this](const Source &table) { return table.alias + "." + table.columns[0][below(table.columns[0].size())]; };
+        const auto key = [this](const Source &table) { return columnText(table.alias, table.columns[0][below(table.columns[0].size())]); };
         sql += join + joined + " on " + key(m_sources[around]) + "=" + key(m_sources[around + 1]);
     }
     return sql;
@@ -106,18 +106,26 @@ std::string StatementWriter::source(int depth)
     if (depth < deepest && oneIn(4)) {
         const std::vector<Source> siblings = std::exchange(m_sources, {});
         const std::vector<Type> types { Type::Text, anyType() };
-        sql = "(" + block(types, depth + 1) + ")";
+        sql = "(" + block(types, depth + 1) + ") " + added.alias;
         m_sources = siblings;
         for (std::size_t number = 0; number < types.size(); ++number)
             added.columns[int(types[number])].push_back("c" + std::to_string(number));
     } else {
         const Table &table = tables()[below(tables().size())];
-        sql = table.name;
+        sql = tableText(table.name, added.alias);
         for (int type = 0; type < 3; ++type)
             added.columns[type].assign(table.columns[type].begin(), table.columns[type].end());
     }
     m_sources.push_back(added);
-    return sql + " " + added.alias;
+    return sql;
+}
+
+std::vector<std::string> StatementWriter::aliases() const
+{
+    std::vector<std::string> all;
+    for (const Source &source : m_sources)
+        all.push_back(source.alias);
+    return all;
 }
 
 /// A column of a table from the given one on.
@@ -126,7 +134,7 @@ std::string StatementWriter::column(Type type, std::size_t first)
     std::vector<std::string> all;
     for (std::size_t source = first; source < m_sources.size(); ++source) {
         for (const std::string &name : m_sources[source].columns[int(type)])
-            all.push_back(m_sources[source].alias + "." + name);
+            all.push_back(columnText(m_sources[source].alias, name));
     }
     return all.empty() ? literal(type) : all[below(all.size())];
 }
@@ -156,7 +164,8 @@ std::string StatementWriter::expression(Type type, int depth)
         const std::size_t around = m_sources.size();
         const std::string tables = from(deepest);
         // The maximum of a column of the tables around would be theirs.
-        return "(select " + pick({ "max(", "min(" }) + column(type, around) + ")" + tables + " where " + comparison(deepest) + ")";
+        return "(" + selectWord() + " " + pick({ "max(", "min(" }) + column(type, around) + ")" + tables + " where " + comparison(deepest)
+            + ")";
     }
     return type == Type::Text ? text(depth + 1) : type == Type::Number ? number(depth + 1) : date(depth + 1);
 }
@@ -275,7 +284,7 @@ std::string StatementWriter::comparison(int depth)
         if (depth < deepest) {
             const Block keep(*this);
             const std::string tables = from(deepest);
-            return pick({ "exists", "not exists" }) + "(select 1" + tables + " where " + comparison(deepest) + ")";
+            return pick({ "exists", "not exists" }) + "(" + selectWord() + " 1" + tables + " where " + comparison(deepest) + ")";
         }
         [[fallthrough]];
     default:

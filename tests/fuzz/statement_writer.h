@@ -12,7 +12,23 @@ public:
         : m_random(seed)
     {
     }
+    StatementWriter(const StatementWriter &) = delete;
+    virtual ~StatementWriter() = default;
     std::string statement();
+
+protected:
+    std::size_t below(std::size_t bound) { return std::size_t(m_random() % bound); }
+    bool oneIn(std::size_t number) { return below(number) == 0; }
+    std::string pick(std::initializer_list<const char *> choices) { return *(choices.begin() + below(choices.size())); }
+
+    /// What stands for "select".
+    virtual std::string selectWord() { return "select"; }
+    /// A table in a from clause; may change the alias by which it is known.
+    virtual std::string tableText(const std::string &name, std::string &alias) { return name + " " + alias; }
+    virtual std::string joinWords() { return pick({ " join ", " left join " }); }
+    virtual std::string columnText(const std::string &alias, const std::string &name) { return alias + "." + name; }
+    /// The aliases of the tables in sight, those of the blocks around first.
+    std::vector<std::string> aliases() const;
 
 private:
     enum class Type : std::uint8_t { Text, Number, Date };
@@ -28,10 +44,7 @@ private:
     class Block;
 
     static const std::vector<Table> &tables();
-    std::size_t below(std::size_t bound) { return std::size_t(m_random() % bound); }
-    bool oneIn(std::size_t number) { return below(number) == 0; }
     Type anyType() { return Type(below(3)); }
-    std::string pick(std::initializer_list<const char *> choices) { return *(choices.begin() + below(choices.size())); }
 
     std::string block(const std::vector<Type> &types, int depth);
     std::string plainBlock(const std::vector<Type> &types, int depth);
