@@ -48,7 +48,8 @@ std::size_t RequestReader::putHeader(std::string_view bytes)
     const std::size_t size = std::min(end, bytes.size());
     checkLineEnds(bytes.substr(0, size));
     m_searched = size - std::min(size, headerEnd.size() - 1);
-    if (size + headerEnd.size() > m_headerLimit)
+    // What has no end yet needs one byte more at least.
+    if (size + (end == bytes.npos ? 1 : headerEnd.size()) > m_headerLimit)
         throw RequestFault { 431 };
     if (end == bytes.npos)
         return begin;
