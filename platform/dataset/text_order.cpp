@@ -6,6 +6,7 @@
 #include <bit>
 #include <cstring>
 #include <numeric>
+#include <span>
 
 namespace platform {
 
@@ -122,7 +123,7 @@ private:
 
     void sortFew(std::size_t begin, std::size_t end)
     {
-        const auto run = std::ranges::subrange(m_permutation.begin() + std::ptrdiff_t(begin), m_permutation.begin() + std::ptrdiff_t(end));
+        const auto run = std::span(m_permutation).subspan(begin, end - begin);
         std::ranges::stable_sort(run, {}, [&](std::uint32_t item) { return m_texts[item]; });
         for (std::size_t at = begin; at < end; ++at)
             m_isNew[at] = at == begin || text(at) != text(at - 1);
