@@ -5,19 +5,13 @@
 #include "server/http/request_reader.h"
 #include "server/statements/result_format.h"
 #include "server/users/token.h"
+#include "tests/fuzz/require.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
 using State = server::RequestReader::State;
-
-void require(bool condition)
-{
-    if (!condition)
-        std::abort();
-}
 
 /// Gives the bytes to a reader as a connection does: what it does not take yet comes again with what follows. Returns how many it used.
 std::size_t readInPieces(server::RequestReader &reader, std::string_view bytes, std::size_t pieceSize)
