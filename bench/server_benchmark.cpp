@@ -80,7 +80,7 @@ public:
         server::makeLocalCertificate(m_configuration.certificate, m_configuration.privateKey);
         const std::string hash = server::hashPassword("no matter");
         m_generation = server::generationOf(hash);
-        server::writeUsers(m_configuration.users, { { "bench", hash } });
+        server::writeUsers(m_configuration.users, { { "bench", { .hash = hash } } });
         m_server = std::make_unique<server::Server>(m_configuration);
     }
 

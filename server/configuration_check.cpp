@@ -1,8 +1,10 @@
 #include "server/configuration_check.h"
 
 #include "engine/pool/open_engine.h"
+#include "server/account_query.h"
 #include "server/base/files.h"
 #include "server/tls/tls_context.h"
+#include "server/users/account_table.h"
 #include "server/users/user_file.h"
 
 namespace server {
@@ -12,7 +14,8 @@ namespace fs = std::filesystem;
 void checkFiles(const Configuration &configuration)
 {
     makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
-    readUsers(configuration.users);
+    if (configuration.accounts.query.empty())
+        readUsers(configuration.users);
     const fs::path folder = configuration.auditLog.parent_path();
     if (!configuration.auditLog.empty() && !fs::is_directory(folder))
         throw std::runtime_error("审计日志的目录 " + folder.string() + " 不存在，请先建立它");
@@ -34,6 +37,12 @@ void checkDatabases(const Configuration &configuration)
             throw std::runtime_error("数据库“" + database.name + "”不能使用：" + error.what());
         }
     }
+    if (configuration.accounts.query.empty())
+        return;
+    std::string faults;
+    accountsOf(*AccountQuery(configuration).ask({}), faults);
+    if (!faults.empty())
+        throw std::runtime_error(faults);
 }
 
 } // namespace server

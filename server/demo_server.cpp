@@ -44,7 +44,7 @@ DemoServer prepareDemo(const Options &options)
     configuration.drainTime = {};
     configuration.databases.push_back({ "demo", database });
     makeLocalCertificate(configuration.certificate, configuration.privateKey);
-    writeUsers(configuration.users, { { demo.user, hashPassword(demo.password) } });
+    writeUsers(configuration.users, { { demo.user, { .hash = hashPassword(demo.password) } } });
     return demo;
 }
 

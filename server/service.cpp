@@ -11,19 +11,20 @@ namespace server {
 
 namespace {
 
+/// For whom the rules of tables are; nothing when none apply.
+std::optional<engine::Reader> readerOf(const Account &account)
+{
+    if (account.rowRules == Account::RowRules::Off)
+        return std::nullopt;
+    return engine::Reader { account.allSites().names, account.site, account.employeeCode };
+}
+
 /// The beginning of a line about a statement; "id" ties its lines together.
 AuditLine auditLineOf(std::string_view event, const StatementRequest &request, const std::string &address, const Database &database)
 {
     AuditLine line(event);
     line.add("id", request.id).add("user", request.user).add("address", address).add("database", database.configuration().name);
     return line;
-}
-
-Response unauthorized()
-{
-    Response response = errorResponse(401, "token", "没有登录，或登录已经过期，请重新登录");
-    response.headers = "WWW-Authenticate: Bearer\r\n";
-    return response;
 }
 
 Response stopping() { return errorResponse(503, "stopping", "服务器正在停机，请稍候再试或换一台服务器"); }
@@ -49,6 +50,10 @@ const Service::Route *Service::routeOf(const std::string &path)
     static constexpr Route routes[] = {
         { "/v1/query", "POST", nullptr, Until::Refusing },
         { "/v1/login", "POST", &Service::login, Until::Refusing },
+        { "/v1/me", "GET", &Service::me, Until::Refusing },
+        { "/v1/password", "POST", &Service::changePassword, Until::Refusing },
+        { "/v1/logout", "POST", &Service::logout, Until::Refusing },
+        { "/v1/audit", "POST", &Service::takeReport, Until::Refusing },
         { "/v1/time", "GET", &Service::time, Until::Refusing },
         { "/healthz", "GET", &Service::health, Until::End },
         { "/readyz", "GET", &Service::readiness, Until::End },
@@ -67,10 +72,11 @@ bool Service::isQuery(const Request &request)
 Service::Service(const Configuration &configuration)
     : m_configuration(configuration)
     , m_key(configuration.tokenKey, configuration.clock)
-    , m_users(configuration.users)
+    , m_accounts(makeAccounts(m_configuration))
+    , m_callers(m_key, *m_accounts)
     , m_auditLog(configuration.auditLog)
     , m_asking({ .workers = 1, .waiting = 1000, .userRunning = 1, .userWaiting = 1000 })
-    , m_logins(m_users, m_key, configuration.tokenLife, configuration.loginQueue, m_metrics, m_auditLog)
+    , m_logins(*m_accounts, m_key, configuration.tokenLife, configuration.loginQueue, m_metrics, m_auditLog)
 {
     for (const DatabaseConfiguration &database : configuration.databases)
         m_databases.push_back(std::make_unique<Database>(database));
@@ -112,21 +118,15 @@ void Service::answer(const Request &request, const std::string &address, Answer 
     (this->*route->answer)(request, address, std::move(answer));
 }
 
-void Service::login(const Request &request, const std::string &address, Answer answer)
-{
-    if (!request.hasBody)
-        return answer(errorResponse(411, "length", "请求缺少内容长度，请在请求里带上内容"));
-    m_logins.login(request.body, address, std::move(answer));
-}
-
 std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
     const Request &request, const std::string &address, std::function<void()> wake)
 {
     if (m_phase == Phase::Refusing)
         return stopping();
-    const auto user = userOf(request);
-    if (const auto *refusal = std::get_if<Response>(&user))
+    const auto admitted = m_callers.admitted(request);
+    if (const auto *refusal = std::get_if<Response>(&admitted))
         return *refusal;
+    const auto &caller = std::get<Caller>(admitted);
     if (!request.hasBody)
         return errorResponse(411, "length", "请求缺少内容长度，请在请求里带上查询语句");
     if (!request.isVersion11)
@@ -134,11 +134,14 @@ std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
     const auto format = acceptedFormat(request.accept);
     if (!format)
         return errorResponse(406, "accept", "结果只能是 " + std::string(arrowType) + "、text/csv 或 application/json，请检查 Accept");
-    Database *const database = databaseFor(request);
-    if (!database)
-        return errorResponse(404, "database", "没有这个数据库，请检查 X-Kelvara-Database");
-    StatementRequest wanted { std::get<std::string>(user), request.body, *format,
+    const auto chosen = databaseFor(request, caller.account->account);
+    if (const auto *refusal = std::get_if<Response>(&chosen))
+        return *refusal;
+    Database *const database = std::get<Database *>(chosen);
+    StatementRequest wanted { caller.user, request.body, *format,
         request.compression == "lz4" ? packet::Compression::Lz4 : packet::Compression::None };
+    wanted.reader = readerOf(caller.account->account);
+    wanted.mayGoOn = [this, caller, database] { return m_callers.mayGoOn(caller, database->configuration().name); };
     wanted.id = m_run + "-" + std::to_string(++m_lastStatement);
     // A statement that ends the process has its line in the log before it runs.
     const auto line = m_auditLog.add(auditLineOf("query", wanted, address, *database).add("statement", wanted.sql));
@@ -160,23 +163,14 @@ void Service::endQuery(const Statement &statement, const std::string &address, c
                        .add("result", result));
 }
 
-void Service::time(const Request &request, const std::string &, Answer answer)
-{
-    const auto user = userOf(request);
-    if (const auto *refusal = std::get_if<Response>(&user))
-        return answer(*refusal);
-    std::string text;
-    packet::appendTimestamp(localSecondsNow(), text);
-    answer({ .body = "{\"time\":" + jsonText(text) + "}\n" });
-}
-
 void Service::health(const Request &, const std::string &, Answer answer) { answer(plainText(200, "ok\n")); }
 
 void Service::metricsText(const Request &request, const std::string &address, Answer answer)
 {
     if (!maySeeNames(request, address))
         return answer(errorResponse(403, "monitor", "只有本机、配置文件 monitors 中的地址和已登录的用户可以查看"));
-    m_metrics.usersUnreadable = m_users.isReadable() ? 0 : 1;
+    m_metrics.usersUnreadable = m_accounts->isReadable() ? 0 : 1;
+    m_metrics.accountsOverdue = m_accounts->overdue().count();
     std::map<std::string, Metrics::Load> databases;
     for (const auto &database : m_databases)
         databases[database->configuration().name] = { database->pool().running(), database->pool().waiting() };
@@ -188,7 +182,7 @@ void Service::readiness(const Request &request, const std::string &address, Answ
     if (m_phase != Phase::Serving)
         return answer(plainText(503, "stopping\n"));
     const auto ask = [this, answer, showsNames = maySeeNames(request, address)] {
-        bool isReady = m_users.isReadable();
+        bool isReady = m_accounts->isReadable();
         std::string text = isReady ? "" : "users unavailable\n";
         for (const auto &database : m_databases) {
             const bool answers = database->isReady();
@@ -201,33 +195,29 @@ void Service::readiness(const Request &request, const std::string &address, Answ
         answer(plainText(503, "busy\n"));
 }
 
-/// The user whose token the request shows, as long as the account is still the one that got it, or why there is none.
-std::variant<std::string, Response> Service::userOf(const Request &request)
-try {
-    constexpr std::string_view scheme = "Bearer ";
-    if (!request.authorization.starts_with(scheme))
-        return unauthorized();
-    const auto token = m_key.verify(std::string_view(request.authorization).substr(scheme.size()));
-    const auto account = token ? m_users.find(token->user) : std::nullopt;
-    if (!account || account->generation != token->generation)
-        return unauthorized();
-    return token->user;
-} catch (const UsersUnknown &) {
-    return errorResponse(503, "unavailable", "服务器暂时无法核对用户，请稍候再试；仍然如此时请联系管理员");
-}
-
 bool Service::maySeeNames(const Request &request, const std::string &address)
 {
     const auto &monitors = m_configuration.monitors;
     return isLoopback(address) || std::find(monitors.begin(), monitors.end(), address) != monitors.end()
-        || std::holds_alternative<std::string>(userOf(request));
+        || std::holds_alternative<Caller>(m_callers.admitted(request));
 }
 
-/// The database that the request names; the first one when it names none.
-Database *Service::databaseFor(const Request &request) const
+/// The database that the request names; when it names none, the first one of the account's.
+std::variant<Database *, Response> Service::databaseFor(const Request &request, const Account &account) const
 {
     const std::string name = request.database.empty() ? request.parameter("database") : request.database;
-    return name.empty() ? m_databases.front().get() : find(name);
+    const auto isAllowed = [&account](const auto &database) { return account.databases.has(database->configuration().name); };
+    if (name.empty()) {
+        const auto first = std::find_if(m_databases.begin(), m_databases.end(), isAllowed);
+        if (first == m_databases.end())
+            return errorResponse(403, "database", "帐户没有可以查询的数据库，请联系管理员");
+        return first->get();
+    }
+    if (!account.databases.has(name))
+        return errorResponse(403, "database", "帐户无权查询这个数据库，请联系管理员");
+    if (Database *const found = find(name))
+        return found;
+    return errorResponse(404, "database", "没有这个数据库，请检查 X-Kelvara-Database");
 }
 
 Database *Service::find(std::string_view name) const
@@ -253,6 +243,8 @@ Response responseTo(Outcome outcome, const std::string &message)
         response.headers = "Retry-After: 1\r\n";
         return response;
     }
+    case Outcome::Revoked:
+        return errorResponse(401, "token", message);
     case Outcome::Cancelled:
         return errorResponse(503, "stopping", "服务器正在停机，查询没有完成，请稍候再试或换一台服务器");
     case Outcome::Complete:
@@ -277,6 +269,8 @@ std::string_view nameOf(Outcome outcome)
         return "time limit";
     case Outcome::TooLarge:
         return "too large";
+    case Outcome::Revoked:
+        return "revoked";
     case Outcome::Unavailable:
         return "unavailable";
     case Outcome::Busy:

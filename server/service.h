@@ -1,13 +1,17 @@
 #pragma once
 
 #include "server/base/audit_log.h"
+#include "server/callers.h"
 #include "server/http/request.h"
 #include "server/settings/configuration.h"
 #include "server/statements/statement.h"
 #include "server/users/logins.h"
 
+#include <chrono>
 #include <functional>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <variant>
 
 namespace server {
@@ -50,24 +54,33 @@ private:
     struct Route;
     static const Route *routeOf(const std::string &path);
     void login(const Request &request, const std::string &address, Answer answer);
+    void changePassword(const Request &request, const std::string &address, Answer answer);
+    void logout(const Request &request, const std::string &address, Answer answer);
+    void me(const Request &request, const std::string &address, Answer answer);
+    void takeReport(const Request &request, const std::string &address, Answer answer);
     void time(const Request &request, const std::string &address, Answer answer);
     void health(const Request &request, const std::string &address, Answer answer);
     void readiness(const Request &request, const std::string &address, Answer answer);
     void metricsText(const Request &request, const std::string &address, Answer answer);
-    std::variant<std::string, Response> userOf(const Request &request);
+    bool mayReport(const std::string &user);
     bool maySeeNames(const Request &request, const std::string &address);
     Database *find(std::string_view name) const;
-    Database *databaseFor(const Request &request) const;
+    std::variant<Database *, Response> databaseFor(const Request &request, const Account &account) const;
+    static std::unique_ptr<Accounts> makeAccounts(const Configuration &configuration);
 
     const Configuration m_configuration;
     const TokenKey m_key;
-    UserFile m_users;
+    const std::unique_ptr<Accounts> m_accounts;
+    Callers m_callers;
     AuditLog m_auditLog;
     Metrics m_metrics {};
     std::atomic<Phase> m_phase { Phase::Serving };
     std::vector<std::unique_ptr<Database>> m_databases {};
     const std::string m_run = randomHex(4); ///< tells the statements of this run from others in the audit log
     std::atomic<std::uint64_t> m_lastStatement { 0 };
+    std::mutex m_reportMutex {};
+    std::chrono::steady_clock::time_point m_reportsSince {};
+    std::map<std::string, int> m_reports {}; ///< of a minute, by user
     FairPool m_asking; ///< one thread that asks the databases whether they are there
     Logins m_logins;
 };

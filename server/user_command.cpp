@@ -57,7 +57,7 @@ void change(const Options &options, const std::string &hash)
     if (hash.empty())
         users.erase(options.userName);
     else
-        users[options.userName] = hash;
+        users[options.userName].hash = hash;
     writeUsers(options.users, users);
 }
 

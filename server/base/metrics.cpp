@@ -59,8 +59,10 @@ std::string Metrics::text(const std::map<std::string, Load> &databases) const
     writeSingle(out, "kelvara_connections_refused_total", "counter", "Connections refused at a limit.", refusedConnections.load());
     writeSingle(out, "kelvara_login_failures_total", "counter", "Logins with a wrong name or password.", loginFailures.load());
     writeSingle(out, "kelvara_password_checks_total", "counter", "Passwords that were hashed to be compared.", passwordChecks.load());
-    writeSingle(out, "kelvara_users_unreadable", "gauge", "1 while the users file cannot be read and everybody is refused.",
-        usersUnreadable.load());
+    writeSingle(
+        out, "kelvara_users_unreadable", "gauge", "1 while the accounts cannot be read and everybody is refused.", usersUnreadable.load());
+    writeSingle(out, "kelvara_accounts_overdue_seconds", "gauge", "Time for which the table of accounts could not be read.",
+        accountsOverdue.load());
     writeHead(out, "kelvara_statement_seconds", "histogram", "Time from the request to the last byte of the result.");
     std::uint64_t below = 0;
     for (std::size_t at = 0; at < bounds.size(); ++at)

@@ -20,7 +20,8 @@ public:
     std::atomic<std::uint64_t> refusedConnections { 0 };
     std::atomic<std::uint64_t> loginFailures { 0 };
     std::atomic<std::uint64_t> passwordChecks { 0 };
-    std::atomic<int> usersUnreadable { 0 }; ///< 1 while the users file cannot be read
+    std::atomic<int> usersUnreadable { 0 }; ///< 1 while the accounts cannot be read
+    std::atomic<std::int64_t> accountsOverdue { 0 }; ///< seconds for which a table of accounts has given no answer
 
     /// The text of /metrics; running and waiting statements by the name of the database.
     struct Load {

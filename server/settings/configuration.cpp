@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <set>
+#include <span>
 #include <sstream>
 
 namespace server {
@@ -71,6 +72,12 @@ template <class Number>
 Setter number(Number DatabaseConfiguration::*member, std::int64_t low, std::int64_t high, std::int64_t unit = 1)
 {
     return [=](const Target &target, std::string_view text) { assignNumber(target.database(), member, text, low, high, unit); };
+}
+
+template <class Number>
+Setter number(Number AccountsConfiguration::*member, std::int64_t low, std::int64_t high, std::int64_t unit = 1)
+{
+    return [=](const Target &target, std::string_view text) { assignNumber(target.configuration.accounts, member, text, low, high, unit); };
 }
 
 Setter path(fs::path Configuration::*member)
@@ -143,6 +150,22 @@ const std::map<std::string, Setter, std::less<>> databaseKeys {
     { "send_buffer_mib", number(&DatabaseConfiguration::sendBuffer, 1, 1024, mebibyte) },
 };
 
+const std::map<std::string, Setter, std::less<>> accountsKeys {
+    { "query", [](const Target &target, std::string_view text) { target.configuration.accounts.query = text; } },
+    { "database", [](const Target &target, std::string_view text) { target.configuration.accounts.database = text; } },
+    { "refresh_seconds", number(&AccountsConfiguration::refresh, 1, 3600, millisecond) },
+    { "stale_seconds", number(&AccountsConfiguration::stale, 0, 3600, millisecond) },
+};
+
+/// A part of the file: its keys, and what to call it.
+struct Section {
+    const std::map<std::string, Setter, std::less<>> &keys;
+    std::string_view fault;
+};
+const Section serverSection { serverKeys, "不存在" };
+const Section databaseSection { databaseKeys, "不属于数据库小节" };
+const Section accountsSection { accountsKeys, "不属于 [accounts] 小节" };
+
 class Parser {
 public:
     Parser(const std::string &name, const fs::path &directory)
@@ -159,7 +182,7 @@ public:
             readLine(trimmed(text.substr(0, end)));
             text.remove_prefix(std::min(end + 1, text.size()));
         }
-        finishDatabase();
+        finishSection();
         checkComplete();
         return std::move(m_configuration);
     }
@@ -169,14 +192,26 @@ private:
     {
         if (line.empty() || line.front() == '#')
             return;
+        if (line == "[accounts]")
+            return beginAccounts();
         if (line.front() == '[')
             return beginDatabase(line);
         if (acceptRule(line))
             return;
         const std::size_t equals = line.find('=');
         if (equals == std::string_view::npos)
-            fail("不是“键 = 值”，也不是“[database 名称]”，请改正或在行首加 #");
+            fail("不是“键 = 值”，也不是“[database 名称]”或“[accounts]”，请改正或在行首加 #");
         setKey(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+    }
+
+    void beginAccounts()
+    {
+        finishSection();
+        if (m_hasAccounts)
+            fail("小节“[accounts]”已经写过一次，请合在一处");
+        m_hasAccounts = true;
+        m_section = &accountsSection;
+        m_keys.clear();
     }
 
     void beginDatabase(std::string_view line)
@@ -185,12 +220,13 @@ private:
         const auto name = line.starts_with(begin) && line.back() == ']' ? trimmed(line.substr(begin.size(), line.size() - begin.size() - 1))
                                                                         : std::string_view();
         if (name.empty())
-            fail("小节“" + std::string(line) + "”无法识别，应写作“[database 名称]”");
-        finishDatabase();
+            fail("小节“" + std::string(line) + "”无法识别，应写作“[database 名称]”或“[accounts]”");
+        finishSection();
         for (const DatabaseConfiguration &database : m_configuration.databases)
             if (database.name == name)
                 fail("数据库“" + std::string(name) + "”已经写过一次，请换一个名称");
         m_configuration.databases.push_back({ std::string(name), {} });
+        m_section = &databaseSection;
         m_keys.clear();
     }
 
@@ -248,13 +284,12 @@ private:
 
     void setKey(std::string_view key, std::string_view value)
     {
-        const auto &setters = m_configuration.databases.empty() ? serverKeys : databaseKeys;
         // A line that is no key at all may be an address with a password.
         const bool isPlain = key.find_first_of(":/@ ") == key.npos;
         const std::string quoted = isPlain ? "键“" + std::string(key) + "”" : "等号前面的键";
-        const auto setter = setters.find(key);
-        if (setter == setters.end())
-            fail(quoted + (&setters == &databaseKeys ? "不属于数据库小节" : "不存在") + "，请检查拼写和位置");
+        const auto setter = m_section->keys.find(key);
+        if (setter == m_section->keys.end())
+            fail(quoted + std::string(m_section->fault) + "，请检查拼写和位置");
         if (!m_keys.insert(std::string(key)).second)
             fail(quoted + "写了两次，请删去一处");
         if (value.empty())
@@ -268,9 +303,11 @@ private:
         }
     }
 
-    void finishDatabase()
+    void finishSection()
     {
-        if (!m_configuration.databases.empty() && m_configuration.databases.back().url.empty())
+        if (m_section == &accountsSection && m_configuration.accounts.query.empty())
+            fail("小节“[accounts]”缺少键“query”，如 query = select user_name,password_hash,site from KELVARA_ACCOUNT");
+        if (m_section == &databaseSection && m_configuration.databases.back().url.empty())
             fail("数据库“" + m_configuration.databases.back().name + "”缺少键“url”，如 url = sqlite:parcels.db");
     }
 
@@ -278,12 +315,26 @@ private:
     {
         if (m_configuration.databases.empty())
             fail("没有数据库，请至少写一个“[database 名称]”小节");
+        const bool usesFile = m_configuration.accounts.query.empty();
+        if (!usesFile)
+            checkAccounts();
         const std::pair<const char *, const fs::path &> wanted[]
             = { { "certificate", m_configuration.certificate }, { "private_key", m_configuration.privateKey },
-                  { "users", m_configuration.users }, { "token_key_file", m_configuration.tokenKeyFile } };
-        for (const auto &[key, value] : wanted)
+                  { "token_key_file", m_configuration.tokenKeyFile }, { "users", m_configuration.users } };
+        for (const auto &[key, value] : std::span(wanted).first(usesFile ? 4 : 3))
             if (value.empty())
                 fail("缺少键“" + std::string(key) + "”，请补上");
+    }
+
+    void checkAccounts()
+    {
+        if (!m_configuration.users.empty())
+            fail("键“users”和小节“[accounts]”只能写一个，请删去一处");
+        const std::string &name = m_configuration.accounts.database;
+        const auto &databases = m_configuration.databases;
+        const auto isMeant = [&](const DatabaseConfiguration &database) { return database.name == name; };
+        if (!name.empty() && std::none_of(databases.begin(), databases.end(), isMeant))
+            fail("小节“[accounts]”中的数据库“" + name + "”没有小节");
     }
 
     [[noreturn]] void fail(const std::string &reason) const
@@ -294,6 +345,8 @@ private:
     const std::string &m_name;
     const fs::path &m_directory;
     int m_line = 0;
+    const Section *m_section = &serverSection;
+    bool m_hasAccounts = false;
     std::set<std::string, std::less<>> m_keys; ///< of the section at hand
     Configuration m_configuration;
 };

@@ -14,6 +14,14 @@
 
 namespace server {
 
+/// A table that holds the accounts in place of the users file.
+struct AccountsConfiguration {
+    std::string query {}; ///< empty: the file
+    std::string database {}; ///< empty: the first one
+    std::chrono::milliseconds refresh = std::chrono::seconds(1);
+    std::chrono::milliseconds stale = std::chrono::seconds(60); ///< how long the last answer serves while there is no newer one
+};
+
 /// Everything that a server is told. The file's keys have the same names with underscores.
 struct Configuration {
     std::string address = "0.0.0.0";
@@ -21,6 +29,7 @@ struct Configuration {
     std::filesystem::path certificate {};
     std::filesystem::path privateKey {};
     std::filesystem::path users {};
+    AccountsConfiguration accounts {};
     std::filesystem::path tokenKeyFile {};
     std::string tokenKey {}; ///< the file's text
     std::filesystem::path auditLog {}; ///< empty: none

@@ -21,6 +21,7 @@ enum class Outcome {
     TooLarge, ///< the result, beyond a limit
     Unavailable, ///< the database
     Busy, ///< never begun
+    Revoked, ///< the user may not go on
 };
 
 /// The bytes of a result on their way from the thread that reads rows to the one that sends them. Bounded: the reader waits

@@ -70,16 +70,25 @@ void Statement::abandon()
         m_queue.finish(Outcome::Cancelled, "查询已取消");
 }
 
+/// Whatever the worker does with it from now on comes too late.
+void Statement::end(Outcome outcome, const std::string &message)
+{
+    m_database.pool().withdraw(m_request.user, m_ticket);
+    m_queue.finish(outcome, message);
+    m_stop.request_stop();
+}
+
 void Statement::check(Clock::time_point now)
 {
+    if (m_ticket && m_request.mayGoOn && !m_request.mayGoOn())
+        return end(Outcome::Revoked, "帐户或密码刚刚更改，查询已停止，请重新登录");
     if (now < m_deadline || !m_ticket)
         return;
     if (m_database.pool().withdraw(m_request.user, m_ticket))
         return m_queue.finish(Outcome::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");
     if (now < m_deadline + graceTime)
         return;
-    m_queue.finish(Outcome::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
-    m_stop.request_stop();
+    end(Outcome::TimeLimit, "查询超过了规定的时间，请缩小查询范围");
 }
 
 void Statement::run()
@@ -115,7 +124,8 @@ void Statement::stream()
             { .stop = m_stop.get_token(),
                 .timeLimit = left,
                 .memoryLimit = m_database.configuration().statementMemory,
-                .rowLimit = m_database.configuration().rows });
+                .rowLimit = m_database.configuration().rows,
+                .reader = m_request.reader });
     });
 }
 

@@ -6,6 +6,7 @@
 
 #include <atomic>
 #include <functional>
+#include <optional>
 
 namespace server {
 
@@ -15,7 +16,9 @@ struct StatementRequest {
     Format format = Format::Arrow;
     packet::Compression compression = packet::Compression::None;
     std::string id {}; ///< for the audit log
+    std::optional<engine::Reader> reader {}; ///< nothing: the rules of tables do not apply
     std::function<void()> beforeRunning {}; ///< called on the worker
+    std::function<bool()> mayGoOn {}; ///< false when the user has lost the right meanwhile; asked now and then
 };
 
 /// One statement from its place in the queue to the last byte of its result. Runs on a worker of the database; the other
@@ -32,7 +35,7 @@ public:
     /// Ends it soon, wherever it is; take() gives the end.
     void abandon();
     /// To be called now and then: ends it when its time is over, also when no worker is free, or when the one that has it does not
-    /// come back.
+    /// come back, or when the user may not go on.
     void check(Clock::time_point now);
     ResultQueue::Portion take() { return m_queue.take(); }
 
@@ -44,6 +47,7 @@ public:
 
 private:
     class CountingSink;
+    void end(Outcome outcome, const std::string &message);
     void run();
     void stream();
     void takeBytes(std::span<const std::byte> bytes);

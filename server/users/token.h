@@ -37,7 +37,7 @@ public:
     [[nodiscard]] std::int64_t now() const { return m_clock(); }
     /// Hexadecimal: version, expiry, a random number, the generation and the user; then their HMAC-SHA256.
     [[nodiscard]] std::string sign(const Token &token) const;
-    /// Nothing unless the text is exactly what sign() gave and has not expired.
+    /// Nothing unless the text is exactly what sign() gave. Whether it has expired is for the caller to say.
     [[nodiscard]] std::optional<Token> verify(std::string_view text) const;
 
 private:

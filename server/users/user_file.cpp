@@ -2,7 +2,6 @@
 
 #include "server/base/files.h"
 #include "server/base/log.h"
-#include "server/users/token.h"
 
 #include <algorithm>
 #include <fstream>
@@ -15,17 +14,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t longestName = 64;
 constexpr auto lookEvery = std::chrono::seconds(1);
 
-} // namespace
+constexpr auto explanation
+    = R"(# kelvara-server 的用户，每行一个：用户名:密码散列，后面可以有“:字段=值”。名单以逗号分隔，* 表示全部；值中的冒号写作 %3A。
+#   employee_code 工号   employee_name 姓名   site 登录网点（不写则由用户选择）   sites 可以查询的网点（* 要求 row_rules=off）
+#   screens 窗口和权限，如 frm_ManCome=101,frm_ManSend（不写为 *）   databases 数据库（不写为 *）   row_rules 行规则 on/off（不写为 on）
+#   must_change 须先改密码 yes/no   locked 停用 yes/no
+# 请用 kelvara-server user 命令更改；它会重写本文件，另外的注释不保留。
+)";
 
-bool isUserName(std::string_view name)
-{
-    const auto isForbidden = [](char byte) { return (byte >= 0 && byte < ' ') || byte == ':' || byte == '\x7f'; };
-    return !name.empty() && name.size() <= longestName && name.front() != '#' && name.front() != ' ' && name.back() != ' '
-        && std::none_of(name.begin(), name.end(), isForbidden);
-}
+} // namespace
 
 Users parseUsers(std::string_view text, const std::string &name)
 {
@@ -38,13 +37,13 @@ Users parseUsers(std::string_view text, const std::string &name)
             line.remove_suffix(1);
         if (line.empty() || line.front() == '#')
             continue;
-        const std::size_t colon = std::min(line.find(':'), line.size());
-        const auto user = line.substr(0, colon);
-        const auto hash = line.substr(std::min(colon + 1, line.size()));
-        const bool isPlain = std::all_of(hash.begin(), hash.end(), [](char byte) { return byte > ' ' && byte < '\x7f'; });
-        if (!isUserName(user) || !hash.starts_with("$argon2id$") || !isPlain || !users.emplace(user, hash).second)
-            throw std::runtime_error(
-                "用户文件 " + name + " 第 " + std::to_string(number) + " 行应写作“用户名:密码散列”，每个用户一行，请改正");
+        const auto place = "用户文件 " + name + " 第 " + std::to_string(number) + " 行";
+        try {
+            if (!users.insert(parseAccountLine(line)).second)
+                throw std::invalid_argument("的用户名前面已经有了，每个用户一行");
+        } catch (const std::invalid_argument &error) {
+            throw std::runtime_error(place + error.what() + "，请改正");
+        }
     }
     return users;
 }
@@ -59,30 +58,41 @@ Users readUsers(const fs::path &path)
     return parseUsers(text.str(), path.string());
 }
 
-void writeUsers(const fs::path &path, const Users &users)
+std::string usersText(const Users &users)
 {
-    std::string text;
-    for (const auto &[name, hash] : users)
-        text += name + ':' + hash + '\n';
-    replaceFile(path, text);
+    std::string text = explanation;
+    for (const auto &[name, account] : users)
+        text += accountLine(name, account) + '\n';
+    return text;
+}
+
+void writeUsers(const fs::path &path, const Users &users) { replaceFile(path, usersText(users)); }
+
+Users changeUsers(const fs::path &path, MissingFile missing, const std::function<void(Users &)> &change)
+{
+    const FileLock lock(path);
+    Users users = missing == MissingFile::IsEmpty && !fs::exists(path) ? Users() : readUsers(path);
+    change(users);
+    writeUsers(path, users);
+    return users;
 }
 
 UserFile::UserFile(fs::path path)
     : m_path(std::move(path))
     , m_stamp(fileStamp(m_path))
+    , m_accounts(liveAccounts(readUsers(m_path)))
     , m_looked(Clock::now())
 {
-    take(readUsers(m_path));
 }
 
-std::optional<Account> UserFile::find(std::string_view name)
+AccountPtr UserFile::find(std::string_view name)
 {
     const std::lock_guard lock(m_mutex);
     refresh();
     if (!m_fault.empty())
-        throw UsersUnknown(m_fault);
+        throw AccountsUnknown(m_fault);
     const auto found = m_accounts.find(name);
-    return found == m_accounts.end() ? std::nullopt : std::optional(found->second);
+    return found == m_accounts.end() ? nullptr : found->second;
 }
 
 bool UserFile::isReadable()
@@ -90,6 +100,19 @@ bool UserFile::isReadable()
     const std::lock_guard lock(m_mutex);
     refresh();
     return m_fault.empty();
+}
+
+void UserFile::setPassword(const std::string &name, const std::string &before, const std::string &hash)
+{
+    const Users users = changeUsers(m_path, MissingFile::IsAFault, [&](Users &known) {
+        const auto user = known.find(name);
+        if (user == known.end() || user->second.hash != before)
+            throw std::runtime_error("帐户刚刚被别人更改过，密码没有更改");
+        user->second.hash = hash;
+        user->second.mustChange = false;
+    });
+    const std::lock_guard lock(m_mutex);
+    m_accounts = liveAccounts(users);
 }
 
 void UserFile::refresh()
@@ -106,7 +129,7 @@ void UserFile::read()
 {
     const std::string stamp = fileStamp(m_path);
     try {
-        take(readUsers(m_path));
+        m_accounts = liveAccounts(readUsers(m_path));
         m_stamp = stamp;
         m_fault.clear();
         logLine("用户文件已重新读入，共 " + std::to_string(m_accounts.size()) + " 个用户");
@@ -115,14 +138,6 @@ void UserFile::read()
             logLine(std::string("用户文件不能用，在它恢复之前拒绝所有登录和查询：") + error.what());
         m_fault = error.what();
     }
-}
-
-/// The generations are made here once, as every request asks for one.
-void UserFile::take(const Users &users)
-{
-    m_accounts.clear();
-    for (const auto &[name, hash] : users)
-        m_accounts.emplace(name, Account { hash, generationOf(hash) });
 }
 
 } // namespace server

@@ -51,7 +51,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     require(request.body.size() <= limit && (request.hasBody || request.body.empty()));
     server::acceptedFormat(request.accept);
     (void)request.parameter("database");
-    require(!server::TokenKey(std::string(32, 'k'), [] { return 0; }).verify(request.authorization));
+    require(!server::TokenKey(std::string(32, 'k')).verify(request.authorization));
     if (const auto texts = server::readJsonTexts(request.body)) {
         std::string written = "{";
         for (const auto &[name, text] : *texts)

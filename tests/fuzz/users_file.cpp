@@ -25,11 +25,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const auto users = usersOf({ reinterpret_cast<const char *>(data), size });
     if (!users)
         return 0;
-    std::string written;
-    for (const auto &[name, hash] : *users) {
-        require(server::isUserName(name));
-        written += name + ":" + hash + "\n";
-    }
-    require(usersOf(written) == users);
+    for (const auto &[name, account] : *users)
+        require(server::isUserName(name) && account.hash.starts_with("$argon2id$"));
+    require(usersOf(server::usersText(*users)) == users);
     return 0;
 }

@@ -28,7 +28,7 @@ QString sharedFile(const QString &name)
         const auto path
             = [](const char *file) { return std::filesystem::path(directory.filePath(QString::fromLatin1(file)).toStdU16String()); };
         server::makeLocalCertificate(path("server.crt"), path("server.key"));
-        server::writeUsers(path("users"), { { "张三", server::hashPassword(password.toStdString()) } });
+        server::writeUsers(path("users"), { { "张三", { .hash = server::hashPassword(password.toStdString()) } } });
         writeFile(directory.filePath(QStringLiteral("token.key")), QByteArray(64, 'k'));
         writeFile(directory.filePath(QStringLiteral("password")), password.toUtf8() + '\n');
         return true;

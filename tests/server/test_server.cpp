@@ -53,7 +53,8 @@ TestServer::TestServer(const std::function<void(Configuration &)> &change)
         change(m_configuration);
     makeLocalCertificate(m_configuration.certificate, m_configuration.privateKey);
     static const std::string hash = hashPassword(password);
-    writeUsers(m_configuration.users, { { "ann", hash }, { "bob", hash }, { "李明", hash } });
+    const Account account { .hash = hash };
+    writeUsers(m_configuration.users, { { "ann", account }, { "bob", account }, { "李明", account } });
     m_server = std::make_unique<Server>(m_configuration);
 }
 
@@ -61,7 +62,7 @@ std::string TestServer::token(const std::string &user, std::int64_t lifeSeconds)
 {
     const Users users = readUsers(m_configuration.users);
     const auto account = users.find(user);
-    const std::string generation = generationOf(account == users.end() ? "" : account->second);
+    const std::string generation = generationOf(account == users.end() ? "" : account->second.hash);
     const auto now = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch());
     return TokenKey(m_configuration.tokenKey).sign({ user, now.count() + lifeSeconds, generation });
 }

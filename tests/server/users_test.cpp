@@ -124,14 +124,14 @@ TEST(Users, AreManagedInAFile)
     for (const auto &[command, name, secret] : { std::tuple("add", "ann", newPassword), { "add", "bob", "short" },
              { "add", "b:b", newPassword }, { "passwd", "bob", newPassword }, { "remove", "bob", "" } })
         EXPECT_THROW(runUser(path, command, name, secret), std::runtime_error) << command << name;
-    const std::string before = readUsers(path).at("ann");
+    const std::string before = readUsers(path).at("ann").hash;
     EXPECT_TRUE(passwordMatches(before, newPassword));
     EXPECT_FALSE(passwordMatches(before, "long enougH"));
     fs::permissions(path, fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
     runUser(path, "passwd", "ann", "another one");
     runUser(path, "add", "李明");
     EXPECT_EQ(runUser(path, "list", ""), "ann\n李明\n");
-    EXPECT_NE(readUsers(path).at("ann"), before);
+    EXPECT_NE(readUsers(path).at("ann").hash, before);
     EXPECT_NE(fs::status(path).permissions() & fs::perms::group_read, fs::perms::none) << "the mode is the operator's";
 }
 
