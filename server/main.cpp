@@ -1,3 +1,4 @@
+#include "server/audit_command.h"
 #include "server/base/log.h"
 #include "server/base/signals.h"
 #include "server/base/system.h"
@@ -66,6 +67,14 @@ void demonstrate(const Options &options)
     runUntilStopped(running);
 }
 
+void audit(const Options &options)
+{
+    const auto log = options.auditLog.empty() ? server::readConfiguration(options.config).auditLog : options.auditLog;
+    if (log.empty())
+        throw std::runtime_error("配置文件 " + options.config.string() + " 没有写 audit_log，没有审计日志可以显示");
+    server::showAudit(log, options, std::cout);
+}
+
 void run(const Options &options)
 {
     switch (options.mode) {
@@ -81,6 +90,8 @@ void run(const Options &options)
         return checkConfiguration(options);
     case Options::Mode::Demo:
         return demonstrate(options);
+    case Options::Mode::Audit:
+        return audit(options);
     case Options::Mode::User:
         return server::runUserCommand(options, std::cin, std::cout);
     }

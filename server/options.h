@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 namespace server {
 
@@ -12,7 +13,7 @@ namespace server {
 std::string helpText();
 
 struct Options {
-    enum class Mode { Help, Version, Serve, CheckConfig, Demo, User };
+    enum class Mode { Help, Version, Serve, CheckConfig, Demo, User, Audit };
 
     Mode mode = Mode::Serve;
     std::filesystem::path config {};
@@ -20,10 +21,17 @@ struct Options {
     std::uint16_t port = 8866; ///< of the demo
     std::filesystem::path data = "run-data"; ///< of the demo
 
-    std::string userCommand {}; ///< add, passwd, remove or list
+    std::string userCommand {}; ///< add, set, passwd, remove, list or import
     std::filesystem::path users {};
-    std::string userName {};
+    std::string userName {}; ///< or the file to import
+    std::vector<std::string> userFields {}; ///< "field=value"
     bool passwordFromInput = false;
+
+    std::filesystem::path auditLog {}; ///< empty: that of the configuration
+    std::string auditUser {}; ///< empty: everybody
+    std::string auditFrom {};
+    std::string auditTo {};
+    bool asJson = false;
 };
 
 /// Reads the arguments after the program's name. Throws std::invalid_argument with a message in Chinese.

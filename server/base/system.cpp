@@ -75,9 +75,28 @@ std::int64_t secondsNow()
     return std::chrono::duration_cast<std::chrono::seconds>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
-std::int64_t localSecondsNow()
+std::int64_t localSecondsNow() { return localSeconds(secondsNow()); }
+
+std::int64_t utcSeconds(std::int64_t localSeconds)
 {
-    const std::time_t now = std::time(nullptr);
+    const std::chrono::sys_seconds moment { std::chrono::seconds(localSeconds) };
+    const auto day = std::chrono::floor<std::chrono::days>(moment);
+    const std::chrono::year_month_day date(day);
+    const std::chrono::hh_mm_ss time(moment - day);
+    std::tm local {};
+    local.tm_year = int(date.year()) - 1900;
+    local.tm_mon = int(unsigned(date.month())) - 1;
+    local.tm_mday = int(unsigned(date.day()));
+    local.tm_hour = int(time.hours().count());
+    local.tm_min = int(time.minutes().count());
+    local.tm_sec = int(time.seconds().count());
+    local.tm_isdst = -1;
+    return std::mktime(&local);
+}
+
+std::int64_t localSeconds(std::int64_t utcSeconds)
+{
+    const std::time_t now = utcSeconds;
     std::tm local {};
 #ifdef _WIN32
     localtime_s(&local, &now);

@@ -16,6 +16,10 @@ std::int64_t secondsNow();
 /// The wall clock of this machine's place as seconds since 1970 without a time zone.
 std::int64_t localSecondsNow();
 
+/// The same for any moment, and back; both are seconds since 1970.
+std::int64_t localSeconds(std::int64_t utcSeconds);
+std::int64_t utcSeconds(std::int64_t localSeconds);
+
 /// Lets the program have as many connections and files open as the system allows it.
 void raiseFileLimit();
 

@@ -248,7 +248,7 @@ World::World()
     m_configuration.databases.back().workers = 4;
     server::makeLocalCertificate(m_configuration.certificate, m_configuration.privateKey);
     m_certificate = server::test::contentOf(m_configuration.certificate);
-    server::writeUsers(m_configuration.users, { { "ann", cheapHash() } });
+    server::writeUsers(m_configuration.users, { { "ann", { .hash = cheapHash() } } });
 }
 
 Findings simulate(const World &world, std::uint64_t seed, const Size &size) { return Simulation(world, seed, size).run(); }
