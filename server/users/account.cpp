@@ -233,6 +233,8 @@ std::string accountLine(const std::string &name, const Account &account)
 
 std::pair<std::string, Account> parseAccountLine(std::string_view line)
 {
+    // The other fields of such a line would fall back to what an old line may do.
+    const bool isCut = line.ends_with(':');
     // Names may end with blanks of other scripts, and hashes have none, so nothing is trimmed here.
     const auto next = [&line] {
         const auto part = line.substr(0, line.find(':'));
@@ -242,7 +244,7 @@ std::pair<std::string, Account> parseAccountLine(std::string_view line)
     const auto name = next();
     Account account { .hash = std::string(next()) };
     const bool isPlain = std::all_of(account.hash.begin(), account.hash.end(), [](char byte) { return byte > ' ' && byte < '\x7f'; });
-    if (!isUserName(name) || !account.hash.starts_with("$argon2id$") || !isPlain)
+    if (isCut || !isUserName(name) || !account.hash.starts_with("$argon2id$") || !isPlain)
         throw std::invalid_argument("应写作“用户名:密码散列”，后面可以有“:字段=值”");
     while (!line.empty()) {
         const auto part = next();

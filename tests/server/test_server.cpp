@@ -1,12 +1,14 @@
 #include "tests/server/test_server.h"
 
 #include "server/tls/certificate.h"
+#include "server/user_command.h"
 #include "server/users/password.h"
 #include "server/users/token.h"
 #include "server/users/user_file.h"
 
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <thread>
 
 namespace server::test {
@@ -94,6 +96,34 @@ std::vector<std::string> TestServer::auditLines(const std::string &event, std::s
     });
     return lines;
 }
+
+std::string runUser(const fs::path &users, const std::string &command, const std::string &name, const std::string &secret,
+    const std::vector<std::string> &fields)
+{
+    Options options { .mode = Options::Mode::User };
+    options.userCommand = command;
+    options.users = users;
+    options.userName = name;
+    options.userFields = fields;
+    options.passwordFromInput = true;
+    std::istringstream in(secret + "\n");
+    std::ostringstream out;
+    runUserCommand(options, in, out);
+    return out.str();
+}
+
+HttpReply logIn(std::uint16_t port, const std::string &user, const std::string &secret, const HttpHeaders &headers)
+{
+    return HttpsClient(port).post("/v1/login", R"({"user":")" + user + R"(","password":")" + secret + "\"}", headers);
+}
+
+std::string tokenOf(const HttpReply &login)
+{
+    const std::size_t begin = login.body.find("\"token\":\"") + 9;
+    return login.body.substr(begin, login.body.find('"', begin) - begin);
+}
+
+std::string tokenFor(std::uint16_t port, const std::string &user, const std::string &secret) { return tokenOf(logIn(port, user, secret)); }
 
 std::string contentOf(const std::filesystem::path &path)
 {

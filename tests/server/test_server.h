@@ -7,6 +7,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace server::test {
 
@@ -59,6 +61,15 @@ private:
 
 const HttpHeaders csv = "Accept: text/csv\r\n";
 const HttpHeaders json = "Accept: application/json\r\n";
+
+constexpr auto newPassword = "long enough";
+
+/// What kelvara-server user says.
+std::string runUser(const std::filesystem::path &users, const std::string &command, const std::string &name,
+    const std::string &secret = newPassword, const std::vector<std::string> &fields = {});
+HttpReply logIn(std::uint16_t port, const std::string &user, const std::string &secret, const HttpHeaders &headers = {});
+std::string tokenOf(const HttpReply &login);
+std::string tokenFor(std::uint16_t port, const std::string &user, const std::string &secret);
 
 /// The bytes of a file; empty when there is none.
 std::string contentOf(const std::filesystem::path &path);

@@ -1,6 +1,5 @@
 // Who is let in, and who is not any more.
 
-#include "server/user_command.h"
 #include "server/users/login_throttle.h"
 #include "server/users/password.h"
 #include "server/users/token.h"
@@ -29,34 +28,6 @@ using testing::Not;
 namespace {
 
 namespace fs = std::filesystem;
-
-constexpr auto newPassword = "long enough";
-
-/// What the command says.
-std::string runUser(const fs::path &users, const std::string &command, const std::string &name, const std::string &secret = newPassword)
-{
-    Options options { .mode = Options::Mode::User };
-    options.userCommand = command;
-    options.users = users;
-    options.userName = name;
-    options.passwordFromInput = true;
-    std::istringstream in(secret + "\n");
-    std::ostringstream out;
-    runUserCommand(options, in, out);
-    return out.str();
-}
-
-HttpReply logIn(std::uint16_t port, const std::string &user, const std::string &secret, const HttpHeaders &headers = {})
-{
-    return HttpsClient(port).post("/v1/login", R"({"user":")" + user + R"(","password":")" + secret + "\"}", headers);
-}
-
-std::string tokenFor(std::uint16_t port, const std::string &user, const std::string &secret)
-{
-    const std::string body = logIn(port, user, secret).body;
-    const std::size_t begin = body.find("\"token\":\"") + 9;
-    return body.substr(begin, body.find('"', begin) - begin);
-}
 
 int timeStatus(std::uint16_t port, const std::string &token) { return HttpsClient(port).get("/v1/time", bearer(token)).status; }
 
