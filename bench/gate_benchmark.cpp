@@ -1,5 +1,6 @@
 // Reads a statement with 800 waybill numbers through the gate and the dialect, beside what SQLite takes to prepare what
-// comes out; then the same with half of the numbers, to see that the time grows with the length alone.
+// comes out; the same with half of the numbers, to see that the time grows with the length alone; and for readers to whom rules
+// apply, with few sites and with hundreds.
 
 #include "bench/pairs.h"
 #include "engine/dialect/dialect.h"
@@ -18,8 +19,8 @@ constexpr int rounds = 15;
 constexpr int repetitions = 200; ///< within a round
 
 constexpr auto createTables = R"(
-create table TAB_SCAN_COME (BILL_CODE, SUB_BILL_CODE, OWNER_BAG_NO, SCAN_TYPE, SCAN_SITE, SCAN_DATE DATE, SCAN_MAN, PIECE, WEIGHT, CLASS);
-create table TAB_BILL (BILL_CODE, TOPAYMENT NUMBER(12,2));
+create table TAB_SCAN_COME (BILL_CODE, SUB_BILL_CODE, OWNER_BAG_NO, SCAN_TYPE, SCAN_SITE, SCAN_DATE DATE, SCAN_MAN, PIECE, WEIGHT, CLASS, DISPATCH_SITE);
+create table TAB_BILL (BILL_CODE, TOPAYMENT NUMBER(12,2), SEND_SITE, DISPATCH_SITE);
 create index TAB_SCAN_COME_I on TAB_SCAN_COME (BILL_CODE);
 create index TAB_BILL_P on TAB_BILL (BILL_CODE))";
 
@@ -33,6 +34,14 @@ std::string statement(int numbers)
            "where a.scan_date between to_date('2024-03-04 12:00:00','yyyy-mm-dd hh24:mi:ss') and "
            "to_date('2024-03-05 11:59:59','yyyy-mm-dd hh24:mi:ss') and a.bill_code in ("
         + list + ") and nvl(a.WEIGHT,0) >='5' order by a.bill_code";
+}
+
+engine::Reader readerOf(int sites)
+{
+    engine::Reader reader { .site = "北京朝阳", .employee = "10001" };
+    for (int number = 0; number < sites; ++number)
+        reader.sites.push_back("北京网点" + std::to_string(number));
+    return reader;
 }
 
 void prepare(sqlite3 *database, const std::string &text)
@@ -57,14 +66,27 @@ int main()
 
     const engine::gate::Schema schema {
         { "TAB_SCAN_COME",
-            { "BILL_CODE", "SUB_BILL_CODE", "OWNER_BAG_NO", "SCAN_TYPE", "SCAN_SITE", "SCAN_DATE", "SCAN_MAN", "PIECE", "WEIGHT",
-                "CLASS" } },
-        { "TAB_BILL", { "BILL_CODE", "TOPAYMENT" } },
+            { "BILL_CODE", "SUB_BILL_CODE", "OWNER_BAG_NO", "SCAN_TYPE", "SCAN_SITE", "SCAN_DATE", "SCAN_MAN", "PIECE", "WEIGHT", "CLASS",
+                "DISPATCH_SITE" } },
+        { "TAB_BILL", { "BILL_CODE", "TOPAYMENT", "SEND_SITE", "DISPATCH_SITE" } },
     };
+    const engine::gate::RowRules rules(
+        {
+            { .table = "TAB_SCAN_COME", .condition = "scan_site in (:sites) or dispatch_site in (:sites)" },
+            { .table = "TAB_BILL", .condition = "send_site in (:sites) or dispatch_site in (:sites)" },
+        },
+        schema);
     const std::string whole = statement(800);
     const std::string half = statement(400);
     const auto read = [&schema](const std::string &sql) { return engine::sqliteText(sql, engine::gate::check(sql, schema)); };
+    const auto readFor = [&](const engine::Reader &reader) {
+        const engine::gate::Reading reading(rules, reader);
+        return engine::sqliteText(whole, engine::gate::check(whole, schema, &reading), &reading);
+    };
+    const engine::Reader region = readerOf(40);
+    const engine::Reader network = readerOf(500);
     const std::string written = read(whole);
+    const std::string filtered = readFor(region);
     std::size_t bytes = 0; // keeps the work from being left out
     const auto repeat = [](auto work) {
         return [work] {
@@ -76,6 +98,9 @@ int main()
         { "prepare", repeat([&] { prepare(opened, written); }) },
         { "gate and dialect", repeat([&] { bytes += read(whole).size(); }) },
         { "gate and dialect, half the numbers", repeat([&] { bytes += read(half).size(); }) },
+        { "gate and dialect, 40 sites", repeat([&] { bytes += readFor(region).size(); }) },
+        { "gate and dialect, 500 sites", repeat([&] { bytes += readFor(network).size(); }) },
+        { "prepare, 40 sites", repeat([&] { prepare(opened, filtered); }) },
     };
     std::printf("%zu bytes; prepared as %zu bytes\n", whole.size(), written.size());
     runInTurn(sides, rounds);
@@ -83,6 +108,8 @@ int main()
         std::printf("%-36s %7.1f us\n", side.name.c_str(), median(side.milliseconds) * 1000 / repetitions);
     printRatio(sides[1], sides[0], 1.0);
     printRatio(sides[1], sides[2], 1.15 * double(whole.size()) / double(half.size()));
+    printRatio(sides[3], sides[1], 1.3);
+    printRatio(sides[4], sides[1], 1.3);
     if (!machineIsQuiet())
         std::puts("machine busy: no verdict");
     return bytes > 0 ? 0 : 1;

@@ -1,5 +1,6 @@
 #include "server/demo_server.h"
 
+#include "server/demo_rules.h"
 #include "server/tls/certificate.h"
 #include "server/users/password.h"
 #include "server/users/token.h"
@@ -42,7 +43,7 @@ DemoServer prepareDemo(const Options &options)
     configuration.tokenKey = randomHex(TokenKey::shortestSecret);
     configuration.auditLog = folder / "audit.log";
     configuration.drainTime = {};
-    configuration.databases.push_back({ "demo", database });
+    configuration.databases.push_back({ .name = "demo", .url = database, .rules = demoRules() });
     makeLocalCertificate(configuration.certificate, configuration.privateKey);
     writeUsers(configuration.users, { { demo.user, { .hash = hashPassword(demo.password) } } });
     return demo;

@@ -41,14 +41,6 @@ std::string columnName(std::string_view expression)
 
 } // namespace
 
-std::string listOf(std::span<const std::string> literals)
-{
-    std::string list = "(";
-    for (const std::string &literal : literals)
-        list.append(list.size() > 1 ? "," : "").append(literal);
-    return list + ")";
-}
-
 /// The number itself, or a call that reports at run time that it is none.
 std::string DialectWriter::numberOf(std::string_view literal) const
 {
@@ -72,7 +64,7 @@ void DialectWriter::writeValue(const gate::Annotation &annotation, const gate::R
         return replace(annotation, reading.site);
     if (annotation.construct == Construct::Employee)
         return replace(annotation, reading.employee);
-    replace(annotation, listOf(reading.sites));
+    replace(annotation, reading.siteList);
 }
 
 void DialectWriter::writeCommon(const gate::Annotation &annotation)

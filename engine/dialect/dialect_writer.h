@@ -2,8 +2,6 @@
 
 #include "engine/gate/row_rules.h"
 
-#include <span>
-
 namespace engine {
 
 /// Gathers what is to be changed in a statement and then writes it out.
@@ -61,8 +59,5 @@ private:
     std::string_view m_helpers;
     std::vector<Edit> m_edits;
 };
-
-/// "('a','b')"
-std::string listOf(std::span<const std::string> literals);
 
 } // namespace engine

@@ -12,17 +12,18 @@ using gate::Construct;
 constexpr std::size_t longestList = 1000; ///< Oracle takes no more values in one list
 
 /// "X in (:sites)", the whole test again for every thousand sites.
-void writeSites(DialectWriter &writer, std::string_view sql, const gate::Annotation &annotation, std::span<const std::string> sites)
+void writeSites(DialectWriter &writer, std::string_view sql, const gate::Annotation &annotation, const gate::Reading &reading)
 {
+    std::span<const std::string> sites = reading.sites;
     if (sites.size() <= longestList)
-        return writer.replace(annotation, listOf(sites));
+        return writer.writeValue(annotation, reading);
     const auto test = std::size_t(annotation.limit);
     const std::string_view before = sql.substr(test, annotation.begin - test);
     std::string lists;
     for (; !sites.empty(); sites = sites.subspan(std::min(longestList, sites.size()))) {
         if (!lists.empty())
             lists.append(" or ").append(before);
-        lists += listOf(sites.first(std::min(longestList, sites.size())));
+        lists += gate::listOf(sites.first(std::min(longestList, sites.size())));
     }
     writer.open(std::uint32_t(test), "(");
     writer.replace(annotation, lists);
@@ -50,7 +51,7 @@ std::string oracleText(std::string_view sql, const std::vector<gate::Annotation>
         if (annotation.construct == Construct::RuledTable)
             writeTable(writer, annotation, *reading);
         else if (annotation.construct == Construct::SiteList)
-            writeSites(writer, sql, annotation, reading->sites);
+            writeSites(writer, sql, annotation, *reading);
         else if (annotation.construct == Construct::OwnSite || annotation.construct == Construct::Employee)
             writer.writeValue(annotation, *reading);
     }

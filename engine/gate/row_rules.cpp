@@ -48,6 +48,14 @@ std::string maskOf(const std::string &column, bool isText) { return isText ? "'*
 
 } // namespace
 
+std::string listOf(std::span<const std::string> literals)
+{
+    std::string list = "(";
+    for (const std::string &literal : literals)
+        list.append(list.size() > 1 ? "," : "").append(literal);
+    return list + ")";
+}
+
 RowRules::RowRules(const std::vector<TableRule> &rules, const Schema &schema)
 {
     for (const TableRule &rule : rules)
@@ -116,6 +124,7 @@ Reading::Reading(const RowRules &given, const Reader &reader)
         sites.push_back(literalOf(name, "网点名称"));
     if (sites.empty())
         sites.emplace_back("NULL");
+    siteList = listOf(sites);
 }
 
 std::size_t Reading::wordsOf(std::size_t rule) const

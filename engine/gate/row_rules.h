@@ -4,6 +4,7 @@
 #include "engine/gate/gate.h"
 
 #include <optional>
+#include <span>
 
 namespace engine::gate {
 
@@ -49,9 +50,12 @@ struct Reading {
 
     const RowRules &rules;
     std::vector<std::string> sites; ///< never empty: NULL belongs to nobody
+    std::string siteList {}; ///< "('a','b')"
     std::string site;
     std::string employee;
     RuleOrder order = RuleOrder::Any;
 };
+
+std::string listOf(std::span<const std::string> literals);
 
 } // namespace engine::gate
