@@ -70,8 +70,9 @@ void stop(void *) { }
 
 constexpr sqlite3_mem_methods methods { allocate, release, resize, sizeOf, roundUp, start, stop, nullptr };
 
-/// SQLite takes no other methods once it is in use.
-const bool counted = sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK;
+/// SQLite takes no other methods once it is in use. Its own counting would hold one lock for all connections at each piece, so that a
+/// statement which yields the processor could hold up all others.
+const bool counted = sqlite3_config(SQLITE_CONFIG_MALLOC, &methods) == SQLITE_OK && sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0) == SQLITE_OK;
 
 } // namespace
 
