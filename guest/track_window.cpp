@@ -240,7 +240,8 @@ void TrackWindow::showTrack()
     if (!track)
         return;
     QPalette palette = positionLabel->palette();
-    palette.setColor(QPalette::WindowText, gapsOf(*track).isEmpty() ? this->palette().color(QPalette::WindowText) : alarmColor);
+    palette.setColor(
+        QPalette::WindowText, gapsOf(*track).isEmpty() ? this->palette().color(QPalette::WindowText) : alarmColorOn(this->palette()));
     positionLabel->setPalette(palette);
     positionLabel->setText(positionOf(*track).sentence);
     m_billBox->setTitle(u"运单 " + track->number + (track->bill.isEmpty() ? QStringLiteral("（没有录入）") : QString()));

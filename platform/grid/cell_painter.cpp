@@ -89,7 +89,7 @@ void CellPainter::paintCell(int row, int column)
     const CellParameters parameters = m_view.parameters(row, column, m_colors);
     const QRect cell = m_view.cellRect(row, column);
     const bool current = row == m_view.currentRow;
-    QColor background = parameters.background;
+    QColor background = m_colors.background(parameters.background);
     if (m_view.selection.contains(QPoint(column, row)))
         background = m_colors.selected(background);
     else if (current)
@@ -121,7 +121,8 @@ void CellPainter::paintText(QRect box, int row, int column, const CellParameters
         paintFound(box, column, text, parameters);
     // A colour of the palette is dim already while the grid is disabled.
     const bool dimmed = !m_view.grid.isEnabled() && parameters.textColor != m_colors.text;
-    m_painter.setPen(dimmed ? blend(parameters.textColor, parameters.background, 0.5) : parameters.textColor);
+    const QColor color = m_colors.textColor(parameters.textColor);
+    m_painter.setPen(dimmed ? blend(color, m_colors.background(parameters.background), 0.5) : color);
     m_view.texts.draw(m_painter, box, m_view.columns.alignment(column), parameters.font, text);
 }
 

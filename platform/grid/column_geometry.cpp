@@ -22,7 +22,7 @@ void ColumnGeometry::arrange(const ColumnModel &columns, int frozen, int indicat
     m_edges = { 0 };
     int shown = 0;
     for (int column = 0; column < columns.count(); ++column) {
-        const int width = columns.at(column).visible ? columns.at(column).width : 0;
+        const int width = columns.at(column).visible ? toScreen(columns.at(column).width) : 0;
         m_edges.append(m_edges.last() + width);
         if (width == 0)
             continue;

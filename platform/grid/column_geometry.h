@@ -16,6 +16,10 @@ public:
     /// `frozen` visible columns stay in place, or fewer when the view has no room for them all.
     void arrange(const ColumnModel &columns, int frozen, int indicatorWidth, int viewWidth);
     void setScroll(int pixels) { m_scroll = pixels; }
+    /// In percent; in force from the next arrange().
+    void setZoom(int percent) { m_zoom = percent; }
+    int toScreen(int designed) const { return (designed * m_zoom + 50) / 100; } ///< pixels
+    int toDesign(int pixels) const { return (pixels * 100 + m_zoom / 2) / m_zoom; }
 
     int scroll() const { return m_scroll; }
     int indicatorWidth() const { return m_indicatorWidth; }
@@ -51,6 +55,7 @@ private:
     int m_indicatorWidth = 0;
     int m_viewWidth = 0;
     int m_scroll = 0;
+    int m_zoom = 100;
 };
 
 } // namespace platform

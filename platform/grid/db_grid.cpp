@@ -12,12 +12,14 @@
 #include "platform/grid/grid_header.h"
 #include "platform/grid/grid_menu.h"
 #include "platform/grid/grid_selection.h"
+#include "platform/grid/grid_zoom.h"
 #include "platform/grid/number_text.h"
 #include "platform/grid/sum_list.h"
 #include "platform/grid/text_painter.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/handler.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMenu>
@@ -332,8 +334,14 @@ QString TDBGridEh::emptyNote() const
 {
     const TDataSet *rows = dataSet();
     if (!rows || !rows->active())
-        return QStringLiteral("未查询");
+        return m_closedNote.isEmpty() ? QStringLiteral("尚未查询，按 F9 查询") : m_closedNote;
     return rows->recordCount() == 0 ? QStringLiteral("没有符合条件的记录") : QString();
+}
+
+void TDBGridEh::setClosedNote(const QString &note)
+{
+    m_closedNote = note;
+    viewport()->update();
 }
 
 CellView TDBGridEh::view() const
@@ -369,7 +377,7 @@ void TDBGridEh::fitColumn(int index)
         width = std::max(width, m_texts->width(view.parameters(row, index, colors).font, displayText(row, index)) + rowPadding + 2);
     for (int row = 0; row < footerRowCount(); ++row)
         width = std::max(width, m_texts->width(font(), footerDisplayText(row, index)) + rowPadding + 2);
-    setColumnWidth(index, std::min(width, widestFit));
+    setColumnWidth(index, m_geometry->toDesign(std::min(width, m_geometry->toScreen(widestFit))));
 }
 
 void TDBGridEh::copySelection(CopyTitles titles)
@@ -385,6 +393,8 @@ void TDBGridEh::copySelection(CopyTitles titles)
 void TDBGridEh::takeRows()
 {
     m_cellEventFailed = false;
+    if (dataSet() && dataSet()->active())
+        m_closedNote.clear();
     m_columns->bind(dataSet());
     m_sums->invalidate();
     m_selection->clear();
@@ -452,6 +462,21 @@ int TDBGridEh::rowAt(int y) const
 {
     const qint64 row = verticalScrollBar()->value() + qint64(std::floor(double(y) / m_rowHeight));
     return row >= 0 && row < rowCount() ? int(row) : -1;
+}
+
+QFont TDBGridEh::designedFont() const { return parentWidget() ? parentWidget()->font() : QApplication::font(); }
+
+void TDBGridEh::takeZoom()
+{
+    QFont zoomed = designedFont();
+    if (zoomed.pixelSize() > 0)
+        zoomed.setPixelSize(std::max(1, zoomed.pixelSize() * gridZoom() / 100));
+    else
+        zoomed.setPointSizeF(zoomed.pointSizeF() * gridZoom() / 100);
+    m_geometry->setZoom(gridZoom());
+    setFont(gridZoom() == 100 ? QFont() : zoomed);
+    arrange();
+    showCurrentCell();
 }
 
 QRect TDBGridEh::cellRect(int row, int column) const { return view().cellRect(row, column); }

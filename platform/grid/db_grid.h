@@ -11,6 +11,8 @@
 #include <memory>
 #include <optional>
 
+class QMenu;
+
 namespace platform {
 
 class ColumnGeometry;
@@ -95,6 +97,8 @@ public:
     void addSelectedRow(int row); ///< and makes it current
     void toggleCell(int row, int column); ///< takes the cell in or out, and makes it current
 
+    void openCurrentCell(); ///< as a double click on it does
+
     int rowCount() const;
     /// The exact texts: what is copied, exported and searched.
     QString cellText(int row, int column) const;
@@ -109,6 +113,8 @@ public:
     Qt::Alignment footerAlignment(int footerRow, int column) const;
     /// What stands in place of rows: that nothing was asked, or that nothing was found; "" while there are rows.
     QString emptyNote() const;
+    /// Says in place of "nothing was asked" why there are no rows, until the dataset opens.
+    void setClosedNote(const QString &note);
     QColor cellBackground(int row, int column) const;
     /// The record number that the sum list reports for a shown row, counted from 1; -1 when the list is not active.
     int recordNumber(int row) const;
@@ -130,6 +136,8 @@ public:
     int rowAt(int y) const; ///< -1 where there is none
     int pageRows() const; ///< rows that fit in, at least 1
     int rowHeight() const { return m_rowHeight; } ///< pixels
+    QFont designedFont() const; ///< what its texts would be in without zoom
+    void takeZoom(); ///< the zoom of all grids has changed, or the font that this one is designed in
 
 Q_SIGNALS:
     void titleClicked(int column);
@@ -137,6 +145,7 @@ Q_SIGNALS:
     void currentCellChanged(int row, int column);
     void selectionChanged();
     void columnsChanged(); ///< order, width or visibility
+    void cellMenuOpening(QMenu *menu); ///< a right click on the cells; whoever hears it may add to the menu
 
 protected:
     bool event(QEvent *event) override;
@@ -181,6 +190,7 @@ private:
     std::unique_ptr<platform::GridGestures> m_gestures;
     platform::GridHeader *m_header;
     platform::GridFooter *m_footer;
+    QString m_closedNote;
     int m_designedFrozen = 0;
     int m_frozen = 0;
     int m_rowHeight = 1;

@@ -7,6 +7,7 @@
 #include "platform/grid/grid_gestures.h"
 #include "platform/grid/grid_menu.h"
 #include "platform/grid/grid_selection.h"
+#include "platform/grid/grid_zoom.h"
 #include "platform/grid/text_painter.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/plain_text.h"
@@ -116,6 +117,12 @@ void TDBGridEh::addSelectedRow(int row)
     announceSelection();
 }
 
+void TDBGridEh::openCurrentCell()
+{
+    if (currentRow() >= 0 && m_currentColumn >= 0)
+        Q_EMIT cellDoubleClicked(currentRow(), m_currentColumn);
+}
+
 bool TDBGridEh::isSelected(int row, int column) const { return m_selection->contains(QPoint(column, row)); }
 
 QList<QRect> TDBGridEh::selectedRanges() const { return m_selection->ranges(); }
@@ -214,6 +221,10 @@ void TDBGridEh::mouseDoubleClickEvent(QMouseEvent *event)
 
 void TDBGridEh::wheelEvent(QWheelEvent *event)
 {
+    if (event->modifiers() & Qt::ControlModifier) {
+        stepGridZoom(event->angleDelta().y() > 0 ? 1 : event->angleDelta().y() < 0 ? -1 : 0);
+        return event->accept();
+    }
     if (!(event->modifiers() & Qt::ShiftModifier) || event->angleDelta().y() == 0)
         return QAbstractScrollArea::wheelEvent(event);
     QScrollBar *bar = horizontalScrollBar();
@@ -231,7 +242,9 @@ void TDBGridEh::contextMenuEvent(QContextMenuEvent *event)
         if (byMouse && row >= 0 && column >= 0 && !isSelected(row, column))
             setCurrentCell(row, column);
         const bool atCell = !byMouse && currentRow() >= 0 && m_currentColumn >= 0;
-        popUp(cellMenu(*this), atCell ? viewport()->mapToGlobal(cellRect(currentRow(), m_currentColumn).bottomLeft()) : event->globalPos());
+        auto menu = cellMenu(*this);
+        Q_EMIT cellMenuOpening(menu.get());
+        popUp(std::move(menu), atCell ? viewport()->mapToGlobal(cellRect(currentRow(), m_currentColumn).bottomLeft()) : event->globalPos());
     });
 }
 
@@ -255,6 +268,8 @@ void TDBGridEh::changeEvent(QEvent *event)
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         arrange();
+    if (event->type() == QEvent::ParentChange && gridZoom() != 100)
+        takeZoom();
     viewport()->update();
 }
 

@@ -2,7 +2,24 @@
 
 #include <QPalette>
 
+#include <algorithm>
+
 namespace platform {
+
+namespace {
+
+// Of a colour on a dark palette: how light a background is at least and at most, how much of its saturation stays, how light a text is.
+constexpr float darkest = 0.12F;
+constexpr float lightest = 0.40F;
+constexpr float saturation = 0.55F;
+constexpr float textLightness = 0.70F;
+
+QColor lightened(const QColor &text)
+{
+    return QColor::fromHslF(std::max(0.0F, text.hslHueF()), text.hslSaturationF(), std::max(text.lightnessF(), textLightness));
+}
+
+} // namespace
 
 GridColors::GridColors(const QPalette &palette)
     : base(palette.color(QPalette::Base))
@@ -22,6 +39,23 @@ GridColors::GridColors(const QPalette &palette)
 QColor GridColors::currentRow(const QColor &background) const { return blend(background, accent, 0.16); }
 
 QColor GridColors::selected(const QColor &background) const { return blend(background, accent, 0.38); }
+
+QColor GridColors::background(const QColor &designed) const
+{
+    if (base.lightnessF() > 0.5F || designed == base)
+        return designed;
+    const float lightness = darkest + (1 - designed.lightnessF()) * (lightest - darkest);
+    return QColor::fromHslF(std::max(0.0F, designed.hslHueF()), designed.hslSaturationF() * saturation, lightness);
+}
+
+QColor GridColors::textColor(const QColor &designed) const
+{
+    return base.lightnessF() > 0.5F || designed == text ? designed : lightened(designed);
+}
+
+QColor alarmColorOn(const QPalette &palette) { return isDark(palette) ? lightened(alarmColor) : alarmColor; }
+
+bool isDark(const QPalette &palette) { return palette.color(QPalette::Window).lightnessF() < 0.5F; }
 
 QColor rowStripe(int number) { return QColor::fromRgb(number % 2 == 1 ? 0xc4c4ff : 0xddddff); }
 

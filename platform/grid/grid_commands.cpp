@@ -3,14 +3,21 @@
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_finder.h"
 
+#include <QMap>
+
 #include <algorithm>
-#include <utility>
 
 namespace platform {
 
 namespace {
 
 using Id = GridCommandId;
+
+void sortByCurrent(TDBGridEh &grid, Qt::KeyboardModifiers modifiers)
+{
+    if (grid.currentColumn() >= 0)
+        grid.clickTitle(grid.currentColumn(), modifiers);
+}
 
 const GridCommand commands[] = {
     { Id::Copy, 1, u"复制", u"Ctrl+C", [](TDBGridEh &grid) { grid.copySelection(CopyTitles::Without); } },
@@ -22,26 +29,17 @@ const GridCommand commands[] = {
     { Id::Find, 3, u"查找…", u"Ctrl+F", [](TDBGridEh &grid) { grid.finder().openDialog(); } },
     { Id::FindNext, 3, u"查找下一个", u"F3", [](TDBGridEh &grid) { grid.finder().findAgain(SearchDirection::Forward); } },
     { Id::FindPrevious, 3, u"查找上一个", u"Shift+F3", [](TDBGridEh &grid) { grid.finder().findAgain(SearchDirection::Backward); } },
+    { Id::Sort, 4, u"按此列排序", u"F7", [](TDBGridEh &grid) { sortByCurrent(grid, Qt::NoModifier); } },
+    { Id::SortAlso, 4, u"再按此列排序", u"Shift+F7", [](TDBGridEh &grid) { sortByCurrent(grid, Qt::ControlModifier); } },
 };
 
-struct KeyRow {
-    QKeyCombination keys;
-    const GridCommand *command;
-};
-
-QList<KeyRow> keyRows()
-{
-    QList<KeyRow> rows;
-    for (const GridCommand &command : commands) {
-        for (const QKeySequence &sequence : command.keys())
-            rows.append({ sequence[0], &command });
-    }
-    return rows;
-}
+QMap<Id, QList<QKeySequence>> chosenKeys;
 
 } // namespace
 
-QList<QKeySequence> GridCommand::keys() const
+QList<QKeySequence> GridCommand::keys() const { return chosenKeys.contains(id) ? chosenKeys[id] : designedKeys(); }
+
+QList<QKeySequence> GridCommand::designedKeys() const
 {
     QList<QKeySequence> keys;
     for (const QStringView shortcut : shortcuts.split(u' ', Qt::SkipEmptyParts))
@@ -53,11 +51,12 @@ std::span<const GridCommand> gridCommands() { return commands; }
 
 const GridCommand &gridCommand(GridCommandId id) { return *std::ranges::find(commands, id, &GridCommand::id); }
 
+void setGridCommandKeys(GridCommandId id, const QList<QKeySequence> &keys) { chosenKeys[id] = keys; }
+
 const GridCommand *gridCommandFor(QKeyCombination keys)
 {
-    static const QList<KeyRow> rows = keyRows();
-    const auto found = std::ranges::find(rows, keys, &KeyRow::keys);
-    return found == rows.end() ? nullptr : found->command;
+    const auto found = std::ranges::find_if(commands, [keys](const GridCommand &command) { return command.keys().contains(keys); });
+    return found == std::end(commands) ? nullptr : found;
 }
 
 } // namespace platform

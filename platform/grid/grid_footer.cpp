@@ -36,9 +36,9 @@ void GridFooter::setColor(const QColor &color)
 void GridFooter::paintEvent(QPaintEvent *event)
 {
     const GridColors colors(palette());
-    const QColor background = m_color.isValid() ? m_color : colors.title;
+    const QColor background = m_color.isValid() ? colors.background(m_color) : colors.title;
     const QColor line = blend(background, Qt::black, 0.15);
-    const QColor text = m_textColor.isValid() ? m_textColor : readableOn(background);
+    const QColor text = m_textColor.isValid() ? colors.textColor(m_textColor) : readableOn(background);
     QPainter painter(this);
     painter.fillRect(event->rect(), background);
     for (const ColumnGeometry::Span &span : m_geometry.spans(event->rect())) {

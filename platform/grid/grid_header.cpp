@@ -47,7 +47,7 @@ int GridHeader::lowerHeight() const
 {
     for (int column = 0; column < m_columns.count(); ++column) {
         const Column &shown = m_columns.at(column);
-        if (shown.visible && isWrapped(lowerCaption(shown.caption), shown.width - 2 * textMargin))
+        if (shown.visible && isWrapped(lowerCaption(shown.caption), m_geometry.toScreen(shown.width) - 2 * textMargin))
             return 2 * fontMetrics().height() + 8;
     }
     return fontMetrics().height() + 8;
@@ -152,7 +152,7 @@ void GridHeader::mousePressEvent(QMouseEvent *event)
     m_column = borderAt(m_pressed);
     if (m_column >= 0) {
         m_drag = Drag::Resize;
-        m_pressedWidth = m_columns.at(m_column).width;
+        m_pressedWidth = m_geometry.toScreen(m_columns.at(m_column).width);
         return;
     }
     const Section section = sectionAt(m_pressed);
@@ -170,7 +170,7 @@ void GridHeader::mouseMoveEvent(QMouseEvent *event)
     }
     const int distance = event->pos().x() - m_pressed.x();
     if (m_drag == Drag::Resize)
-        Q_EMIT widthDragged(m_column, std::max(leastWidth, m_pressedWidth + distance));
+        Q_EMIT widthDragged(m_column, m_geometry.toDesign(std::max(leastWidth, m_pressedWidth + distance)));
     if (m_drag == Drag::Press && std::abs(distance) >= QApplication::startDragDistance())
         m_drag = Drag::Move;
     if (m_drag == Drag::Move) {

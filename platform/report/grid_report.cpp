@@ -107,7 +107,7 @@ QList<GridReport::Slot> GridReport::columnPlaces() const
 
 Style GridReport::cellStyle() const
 {
-    Style style = styleOf(grid.font());
+    Style style = styleOf(grid.designedFont());
     style.family = QStringLiteral("宋体");
     style.points = std::max(smallestPoints, style.points * scale());
     style.sides = AllSides;

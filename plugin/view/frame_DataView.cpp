@@ -123,7 +123,7 @@ void TDataView::showDescription()
     const QString text = open ? QStringList({ notice, m_description }).join(u'　').trimmed() : QString();
     QPalette colors;
     if (!notice.isEmpty() || m_attention == Attention::Wanted)
-        colors.setColor(QPalette::WindowText, alarmColor);
+        colors.setColor(QPalette::WindowText, alarmColorOn(palette()));
     Panel1->setPalette(colors);
     Panel1->setText(text);
     Panel1->setToolTip(text.toHtmlEscaped());

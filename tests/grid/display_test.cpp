@@ -105,7 +105,7 @@ TEST_F(Display, AnEmptyGridSaysWhetherAnythingWasAsked)
     EXPECT_EQ(m_grid.emptyNote(), QStringLiteral("没有符合条件的记录"));
     const QImage none = picture();
     m_dataSet.close();
-    EXPECT_EQ(m_grid.emptyNote(), QStringLiteral("未查询"));
+    EXPECT_EQ(m_grid.emptyNote(), QStringLiteral("尚未查询，按 F9 查询"));
     QImage blank = none;
     blank.fill(m_grid.palette().color(QPalette::Base));
     EXPECT_NE(none, blank);

@@ -102,7 +102,7 @@ TEST_F(DestinationLayout, AnAmountThatWasMovedToTheFrontKeepsItsSum)
 TEST_F(DestinationLayout, NumbersStandInLineAndAnEmptyGridSaysWhy)
 {
     const auto displayed = [this] { return m_client.obey(QStringLiteral("rows"), m_view); };
-    EXPECT_EQ(displayed()[u"note"].toString(), QStringLiteral("未查询"));
+    EXPECT_EQ(displayed()[u"note"].toString(), QStringLiteral("尚未查询，按 F9 查询"));
     ASSERT_EQ(query().size(), 1);
     EXPECT_FALSE(displayed().contains(u"note"));
     int fee = 0;

@@ -1,0 +1,34 @@
+#include "platform/grid/grid_zoom.h"
+
+#include "platform/grid/db_grid.h"
+
+#include <QApplication>
+
+#include <algorithm>
+
+namespace platform {
+
+namespace {
+
+constexpr int smallest = 50;
+constexpr int largest = 300;
+constexpr int step = 10;
+
+int zoom = 100;
+
+} // namespace
+
+int gridZoom() { return zoom; }
+
+void setGridZoom(int percent)
+{
+    zoom = std::clamp(percent, smallest, largest);
+    for (QWidget *widget : QApplication::allWidgets()) {
+        if (auto *grid = qobject_cast<TDBGridEh *>(widget))
+            grid->takeZoom();
+    }
+}
+
+void stepGridZoom(int steps) { setGridZoom((zoom + step / 2) / step * step + steps * step); }
+
+} // namespace platform
