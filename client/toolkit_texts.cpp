@@ -25,6 +25,8 @@ const ToolkitText texts[] = {
     { "Help", u"帮助" },
     { "Apply", u"应用" },
     { "Reset", u"重置" },
+    { "Show Details...", u"详细…" },
+    { "Hide Details...", u"收起详细" },
     // Edit menus
     { "&Undo", u"撤销(&U)" },
     { "&Redo", u"重做(&R)" },

@@ -1,6 +1,7 @@
 #include "platform/toolkit/application.h"
 
 #include "platform/toolkit/exception.h"
+#include "platform/toolkit/foreign_words.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/long_work.h"
 
@@ -31,7 +32,9 @@ QMessageBox::Icon iconOf(int flags)
 
 int askPerson(const MessageRequest &request, QWidget *parent)
 {
-    QMessageBox box(iconOf(request.flags), request.title, request.text, QMessageBox::NoButton, parent);
+    const SplitMessage message = withoutForeignWords(request.text);
+    QMessageBox box(iconOf(request.flags), request.title, message.text, QMessageBox::NoButton, parent);
+    box.setDetailedText(message.foreignWords);
     box.setTextFormat(Qt::PlainText);
     QPushButton *ok = box.addButton(QStringLiteral("确定"), QMessageBox::AcceptRole);
     QPushButton *cancel = request.flags & mbOkCancel ? box.addButton(QStringLiteral("取消"), QMessageBox::RejectRole) : nullptr;

@@ -1,5 +1,6 @@
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/long_work.h"
+#include "tests/support/print_qstring.h"
 
 #include <gtest/gtest.h>
 
@@ -48,6 +49,37 @@ TEST(MessageBox, MarkupIsShownLetterByLetter)
     QTimer::singleShot(0, &application, lookAtBox);
     application.handleException(std::make_exception_ptr(Exception(markup)));
     EXPECT_EQ(shown, QStringList({ markup, markup }));
+}
+
+TEST(HandleException, WhatSystemsSayStandsBehindTheChineseText)
+{
+    const struct {
+        const char16_t *message;
+        const char16_t *text;
+        const char16_t *behind;
+    } cases[] = {
+        { u"与服务器 https://center:8866 的连接不通或已断开（Connection refused）。请检查网络后再试。",
+            u"与服务器 https://center:8866 的连接不通或已断开。请检查网络后再试。", u"Connection refused" },
+        { u"无法打开数据库 /a/b c.db：unable to open database file；请检查路径。", u"无法打开数据库 /a/b c.db；请检查路径。",
+            u"unable to open database file" },
+        { u"数据库拒绝了这个查询：near \"x\": syntax error", u"数据库拒绝了这个查询。", u"near \"x\": syntax error" },
+        { u"语句里不能用 order by，只能用：SELECT。", u"语句里不能用 order by，只能用：SELECT。", u"" },
+    };
+    TApplication application;
+    for (const auto &[message, text, behind] : cases) {
+        QString shown;
+        QString detailed;
+        QTimer::singleShot(0, &application, [&] {
+            auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            shown = box->text();
+            detailed = box->detailedText();
+            box->defaultButton()->click();
+        });
+        application.handleException(std::make_exception_ptr(Exception(QString::fromUtf16(message))));
+        EXPECT_EQ(shown, QString::fromUtf16(text));
+        EXPECT_EQ(detailed, QString::fromUtf16(behind));
+    }
 }
 
 TEST(HandleException, EveryKindOfExceptionBecomesAMessage)
