@@ -56,6 +56,7 @@ inline constexpr char resetSearch[] = "ResetSearch"; ///< method: takes the grid
 namespace published_by_screen {
 inline constexpr char queryButton[] = "QueryButton"; ///< property: a QAbstractButton, or null
 inline constexpr const char *rights[] = { "Right1", "Right2", "Right3" }; ///< properties: bool
+inline constexpr char panelButton[] = "PanelButton"; ///< property: the QAbstractButton that collapses and expands the conditions
 /// Property of the dataset of a detail: the summary row that its rows belong to, in words; nothing for other datasets.
 inline constexpr char summaryRow[] = "SummaryRow";
 } // namespace published_by_screen

@@ -13,6 +13,7 @@
 #include <QTest>
 
 #include <memory>
+#include <string>
 
 using namespace platform;
 
@@ -122,6 +123,29 @@ TEST_F(Entry, AnotherConnectionIsTakenOverByTheNextScreen)
     m_exec(Application, Screen, connections, 1, "frm_ScanContrast111");
     EXPECT_EQ(serverOf(m_host.forms().first()), &other);
     m_host.mdiArea()->closeAllSubWindows();
+}
+
+TEST_F(Entry, EveryScreenFitsTheSmallestScreenThatIsInUse)
+{
+    load();
+    m_host.resize(1024, 700);
+    m_host.show();
+    for (const char *screen : { "frm_ScanContrast", "frm_GuestSignQuery", "frm_ManCome", "frm_ManSend", "frm_SendNextUnCome",
+             "frm_ComeDispContrast", "frm_RecSendContrast", "frm_BillContrastScan", "frm_BillContrastSiteCome", "frm_MonthSendBill",
+             "frm_MonthRecBill", "frm_MonthCalc", "frm_DispFeeQry1", "frm_BJDispFee", "frm_SaleQry", "frm_DestQry", "frm_AuditingQuery" }) {
+        exec((std::string(screen) + "111").c_str());
+        const TForm *form = m_host.activeForm();
+        ASSERT_EQ(form->objectName().toStdString(), screen);
+        QCoreApplication::processEvents();
+        EXPECT_LE(form->parentWidget()->minimumSizeHint().width(), m_host.mdiArea()->viewport()->width()) << screen;
+        // The conditions leave room for rows.
+        const auto *panel = qobject_cast<QWidget *>(form->findComponent(u"Panel1"));
+        EXPECT_LT(panel->height(), 330) << screen;
+        for (const QWidget *field : panel->findChildren<QWidget *>()) {
+            if (field->isVisible())
+                EXPECT_LE(field->mapTo(form, field->rect().bottomRight()).x(), form->width()) << screen;
+        }
+    }
 }
 
 TEST_F(Entry, ACollapsedConditionPanelOpensAgainWithTheMouse)

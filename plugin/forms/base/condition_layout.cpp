@@ -3,6 +3,7 @@
 #include "platform/editors/editors.h"
 #include "platform/toolkit/plain_text.h"
 #include "plugin/forms/base/frame_Panel.h"
+#include "plugin/forms/base/wrapping_layout.h"
 
 #include <QAbstractButton>
 #include <QFrame>
@@ -21,16 +22,18 @@ constexpr int fieldWidth = 150;
 constexpr int widestField = 260;
 constexpr int timeFieldWidth = 168;
 constexpr int gap = 6;
+constexpr qreal designedPoints = 9; ///< of the font that the widths are measured in
 
 void setFieldWidth(QWidget *control)
 {
     if (control->minimumWidth() == control->maximumWidth())
         return;
+    const qreal scale = std::max(1.0, control->font().pointSizeF() / designedPoints);
     if (qobject_cast<TDBDateTimeEditEh *>(control)) {
-        control->setFixedWidth(timeFieldWidth);
+        control->setFixedWidth(int(timeFieldWidth * scale));
     } else if (!qobject_cast<QAbstractButton *>(control)) {
-        control->setMinimumWidth(fieldWidth);
-        control->setMaximumWidth(widestField);
+        control->setMinimumWidth(int(fieldWidth * scale));
+        control->setMaximumWidth(int(widestField * scale));
     }
 }
 
@@ -64,7 +67,7 @@ QGridLayout *conditionGrid()
     return grid;
 }
 
-void place(const ConditionItem &item, QHBoxLayout *line, TComponentOwner *owner)
+void place(const ConditionItem &item, WrappingLayout *layout, TComponentOwner *owner)
 {
     QGridLayout *grid = conditionGrid();
     const auto *boxed = std::get_if<ConditionBox>(&item);
@@ -75,9 +78,9 @@ void place(const ConditionItem &item, QHBoxLayout *line, TComponentOwner *owner)
     if (boxed && boxed->box) {
         boxed->box->setTitle(boxed->caption);
         boxed->box->setLayout(grid);
-        line->addWidget(boxed->box);
+        layout->addChild(boxed->box);
     } else {
-        line->addLayout(grid);
+        layout->addChild(grid);
     }
 }
 
@@ -114,23 +117,21 @@ void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const
 {
     auto *conditions = new QWidget(panel);
     conditions->setMinimumHeight(1); // a collapsed panel covers them
-    auto *layout = new QVBoxLayout(conditions);
+    auto *layout = new WrappingLayout(conditions);
     layout->setContentsMargins(gap, gap, gap, gap + workPanel->height());
-    layout->setSpacing(gap);
+    layout->setGaps(gap * 2, gap);
     for (const ConditionLine &items : lines) {
-        auto *line = new QHBoxLayout;
-        line->setSpacing(gap * 2);
+        layout->beginLine();
         for (const ConditionItem &item : items)
-            place(item, line, owner);
-        line->addStretch(1);
-        layout->addLayout(line);
+            place(item, layout, owner);
     }
     auto *layers = new QGridLayout(panel);
     layers->setContentsMargins(0, 0, 0, 0);
     layers->addWidget(conditions, 0, 0);
     layers->addWidget(workPanel, 0, 0, Qt::AlignBottom | Qt::AlignHCenter);
     workPanel->raise();
-    panel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    // As high as the lines need at the panel's width.
+    panel->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     QWidget *previous = nullptr;
     forEachRow(lines, [&previous](const ConditionRow &row) {
         if (previous)

@@ -48,13 +48,37 @@ void TWorkPanel::ShowSpeedClick()
     QWidget *target = ShowSpeed->parentWidget()->parentWidget();
     if (target->height() != ShowSpeed->height()) {
         setGlyph(0);
-        m_heightBefore = target->height();
+        closeToKeyboard(target);
+        m_heightsBefore = { target->minimumHeight(), target->maximumHeight() };
         target->setFixedHeight(ShowSpeed->height());
         ShowSpeed->setToolTip(QStringLiteral("最大化面板"));
     } else {
         setGlyph(1);
-        target->setFixedHeight(m_heightBefore);
+        target->setMinimumHeight(m_heightsBefore.first);
+        target->setMaximumHeight(m_heightsBefore.second);
+        openToKeyboard();
         ShowSpeed->setToolTip(QStringLiteral("最小化面板"));
+    }
+}
+
+/// Nobody types into what cannot be seen.
+void TWorkPanel::closeToKeyboard(QWidget *panel)
+{
+    if (panel->isAncestorOf(panel->window()->focusWidget()))
+        setFocus();
+    for (QWidget *control : panel->findChildren<QWidget *>()) {
+        if (!(control->focusPolicy() & Qt::TabFocus))
+            continue;
+        m_tabStops.append({ control, control->focusPolicy() });
+        control->setFocusPolicy(Qt::FocusPolicy(control->focusPolicy() & ~Qt::TabFocus));
+    }
+}
+
+void TWorkPanel::openToKeyboard()
+{
+    for (const auto &[control, policy] : std::exchange(m_tabStops, {})) {
+        if (control)
+            control->setFocusPolicy(policy);
     }
 }
 

@@ -2,7 +2,10 @@
 
 #include "platform/toolkit/form.h"
 
+#include <QPointer>
 #include <QToolButton>
+
+#include <utility>
 
 /// The small frame that collapses and expands the condition panel it stands in.
 class TWorkPanel : public TFrame {
@@ -16,7 +19,10 @@ public:
 private:
     void ShowSpeedClick();
     void setGlyph(int index);
+    void closeToKeyboard(QWidget *panel);
+    void openToKeyboard();
 
     QList<QIcon> ShowHide; ///< 0: shown while collapsed, 1: while expanded
-    int m_heightBefore = 0; ///< of the panel, before it was collapsed
+    std::pair<int, int> m_heightsBefore; ///< the least and the greatest of the panel, before it was collapsed
+    QList<std::pair<QPointer<QWidget>, Qt::FocusPolicy>> m_tabStops; ///< of the collapsed panel
 };

@@ -23,6 +23,7 @@ namespace plugin {
 /// statements, and nothing else.
 class QueryScreen : public Tfrm_BasicBoot {
     Q_OBJECT
+    Q_PROPERTY(QAbstractButton *PanelButton READ panelButton)
 
 public:
     QueryScreen(TComponentOwner *owner, const QString &name, QStringView caption);
@@ -67,6 +68,7 @@ protected:
 
 private:
     friend class QueryRun;
+    QAbstractButton *panelButton() const { return WorkPanel1->ShowSpeed; }
     virtual void showFirstPage() { }
 
     QHBoxLayout *m_row;
