@@ -8,7 +8,7 @@ namespace client {
 namespace {
 
 constexpr int iconSize = 20;
-const QColor ink(52, 84, 138);
+const QColor ink(70, 120, 190); // to be seen on light and dark alike
 
 void drawQuery(QPainter &painter)
 {

@@ -1,6 +1,7 @@
 #include "client/login_dialog.h"
 
 #include "client/connections.h"
+#include "platform/grid/grid_colors.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/plain_text.h"
@@ -25,7 +26,7 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
     setWindowTitle(QStringLiteral("登录"));
     m_password->setEchoMode(QLineEdit::Password);
     m_refusal->setWordWrap(true);
-    m_refusal->setStyleSheet(QStringLiteral("color: #b00020"));
+    m_refusal->setStyleSheet(u"color: " + platform::alarmColorOn(palette()).name());
     m_refusal->hide();
     auto *const place = plainLabel(connections.place(), this);
     auto *const buttons = new QDialogButtonBox(this);

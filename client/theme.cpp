@@ -2,6 +2,9 @@
 
 #include "client/icons.h"
 #include "client/toolkit_texts.h"
+#include "client/user_settings.h"
+#include "platform/grid/grid_colors.h"
+#include "platform/grid/grid_zoom.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -9,41 +12,67 @@
 #include <QPalette>
 #include <QStyleFactory>
 
+#include <algorithm>
+
 namespace client {
 namespace {
 
 constexpr QStringView families[]
     = { u"Microsoft YaHei UI", u"PingFang SC", u"Noto Sans CJK SC", u"Source Han Sans SC", u"WenQuanYi Micro Hei" };
 constexpr int fontPoints = 9;
+const QString toneSetting = QStringLiteral("Window/Tone");
+const QString textSetting = QStringLiteral("Window/TextPercent");
 
-void setFont()
+bool systemIsDark = false;
+
+void substituteFonts()
 {
     // Result grids ask for this family, in which a digit is half as wide as a Han character.
     QFont::insertSubstitutions(QStringLiteral("宋体"),
         { QStringLiteral("SimSun"), QStringLiteral("NSimSun"), QStringLiteral("Noto Sans Mono CJK SC"),
             QStringLiteral("WenQuanYi Zen Hei Mono") });
+}
+
+void setFont(int percent)
+{
     for (const QStringView family : families) {
         if (QFontDatabase::hasFamily(family.toString())) {
-            QApplication::setFont(QFont(family.toString(), fontPoints));
-            return;
+            QFont font(family.toString());
+            font.setPointSizeF(fontPoints * percent / 100.0);
+            return QApplication::setFont(font);
         }
     }
 }
 
-QPalette quietPalette()
+/// The colours of a tone; everything else follows from them.
+struct Colors {
+    QRgb window;
+    QRgb base;
+    QRgb otherBase;
+    QRgb highlight;
+    QRgb link;
+    QRgb tip;
+    QRgb text;
+    QRgb faintText;
+};
+
+constexpr Colors lightColors { 0xf0f1f3, 0xffffff, 0xf6f7f9, 0x2f6fb7, 0x2f6fb7, 0xffffe8, 0x20242a, 0x9aa0a8 };
+constexpr Colors darkColors { 0x2b2e33, 0x1d1f23, 0x24272b, 0x3a78bf, 0x7ab4f0, 0x3a3d42, 0xdde1e6, 0x82888f };
+
+QPalette paletteOf(const Colors &colors)
 {
-    QPalette palette(QColor(0xf0, 0xf1, 0xf3), QColor(0xf0, 0xf1, 0xf3));
-    palette.setColor(QPalette::Base, Qt::white);
-    palette.setColor(QPalette::AlternateBase, QColor(0xf6, 0xf7, 0xf9));
-    palette.setColor(QPalette::Highlight, QColor(0x2f, 0x6f, 0xb7));
+    QPalette palette(QColor::fromRgb(colors.window), QColor::fromRgb(colors.window));
+    palette.setColor(QPalette::Base, QColor::fromRgb(colors.base));
+    palette.setColor(QPalette::AlternateBase, QColor::fromRgb(colors.otherBase));
+    palette.setColor(QPalette::Highlight, QColor::fromRgb(colors.highlight));
     palette.setColor(QPalette::HighlightedText, Qt::white);
-    palette.setColor(QPalette::Link, QColor(0x2f, 0x6f, 0xb7));
-    palette.setColor(QPalette::ToolTipBase, QColor(0xff, 0xff, 0xe8));
+    palette.setColor(QPalette::Link, QColor::fromRgb(colors.link));
+    palette.setColor(QPalette::ToolTipBase, QColor::fromRgb(colors.tip));
     for (const QPalette::ColorRole role : { QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText }) {
-        palette.setColor(role, QColor(0x20, 0x24, 0x2a));
-        palette.setColor(QPalette::Disabled, role, QColor(0x9a, 0xa0, 0xa8));
+        palette.setColor(role, QColor::fromRgb(colors.text));
+        palette.setColor(QPalette::Disabled, role, QColor::fromRgb(colors.faintText));
     }
-    palette.setColor(QPalette::PlaceholderText, QColor(0x9a, 0xa0, 0xa8));
+    palette.setColor(QPalette::PlaceholderText, QColor::fromRgb(colors.faintText));
     return palette;
 }
 
@@ -52,11 +81,33 @@ QPalette quietPalette()
 void applyTheme()
 {
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
+    systemIsDark = platform::isDark(QApplication::palette());
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
-    QApplication::setPalette(quietPalette());
-    setFont();
+    substituteFonts();
+    applyAppearance({});
     QApplication::installTranslator(new ToolkitTexts(qApp));
     QApplication::setWindowIcon(programIcon());
+}
+
+void applyAppearance(const Appearance &appearance)
+{
+    const bool dark = appearance.tone == Tone::Dark || (appearance.tone == Tone::System && systemIsDark);
+    QApplication::setPalette(paletteOf(dark ? darkColors : lightColors));
+    setFont(appearance.textPercent);
+    platform::setGridZoom(appearance.textPercent);
+}
+
+Appearance keptAppearance()
+{
+    const int tone = userSetting(toneSetting, int(Tone::System)).toInt();
+    const int percent = userSetting(textSetting, 100).toInt();
+    return { Tone(std::clamp(tone, int(Tone::System), int(Tone::Dark))), std::clamp(percent, 75, 200) };
+}
+
+void keepAppearance(const Appearance &appearance)
+{
+    keepUserSetting(toneSetting, int(appearance.tone));
+    keepUserSetting(textSetting, appearance.textPercent);
 }
 
 } // namespace client

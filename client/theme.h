@@ -2,7 +2,21 @@
 
 namespace client {
 
-/// Style, font, palette, program icon and the toolkit's own texts in Chinese, for the whole program.
+/// Which colours the program has: those of the system's taste, or always the same.
+enum class Tone { System, Light, Dark };
+
+/// How a person wants the program to look.
+struct Appearance {
+    Tone tone = Tone::System;
+    int textPercent = 100; ///< size of all texts
+};
+
+/// Style, program icon, the toolkit's own texts in Chinese, and the usual appearance, for the whole program; once.
 void applyTheme();
+/// Changes every window at once.
+void applyAppearance(const Appearance &appearance);
+/// What the person chose last; keepAppearance() keeps a choice.
+Appearance keptAppearance();
+void keepAppearance(const Appearance &appearance);
 
 } // namespace client
