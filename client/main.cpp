@@ -34,6 +34,16 @@ void useOffscreenWithoutDisplay()
 #endif
 }
 
+/// The off-screen display tells of every window what it cannot do with it, which is nothing that anybody has to read.
+void silenceOffscreen()
+{
+    static QtMessageHandler previous = nullptr;
+    previous = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &message) {
+        if (!message.startsWith(u"This plugin does not support "))
+            previous(type, context, message);
+    });
+}
+
 /// Tells why the client cannot start: to whoever automates it as a reply, to a person in a box.
 void reportFailure(const QString &message, bool automated)
 {
@@ -83,11 +93,14 @@ std::unique_ptr<MainWindow> createWindow(const Options &options)
             throw Exception(QStringLiteral("无法建立设置目录“%1”，请用 --settings 指定可以写入的目录。").arg(options.settingsDirectory));
         Application->setSettingsDirectory(options.settingsDirectory);
     }
+    applyAppearance(keptAppearance());
     auto connections = connect(options);
     if (!connections)
         return nullptr;
     auto window = std::make_unique<MainWindow>(options, std::move(connections));
     window->resize(1280, 800);
+    if (!options.automation)
+        window->takeLastPlace();
     return window;
 }
 
@@ -119,6 +132,7 @@ int runClient(const Options &options)
 int main(int argc, char **argv)
 {
     useOffscreenWithoutDisplay();
+    silenceOffscreen();
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvara 查询系统"));
     QApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));

@@ -2,8 +2,10 @@
 
 #include "client/connections.h"
 #include "client/status_line.h"
+#include "client/user_settings.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_zoom.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
@@ -18,6 +20,12 @@
 using namespace platform;
 
 namespace client {
+namespace {
+
+const QString placeSetting = QStringLiteral("Window/Place");
+const QString zoomSetting = QStringLiteral("Window/GridZoom");
+
+} // namespace
 
 MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> connections)
     : m_options(options)
@@ -39,6 +47,8 @@ MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> conn
 
     Screen->registerCursor(crQueryBusy, Qt::BusyCursor);
     handle(Application, &TApplication::happened, this, [this](const QString &kind, const QVariantMap &particulars) {
+        if (kind == u"cancelled" || kind == u"error")
+            ++m_failures;
         if (kind == u"cancelled")
             m_status->showMessage(particulars[QStringLiteral("text")].toString(), messageMilliseconds);
     });
@@ -95,7 +105,7 @@ qintptr MainWindow::perform(int message, quintptr formAddress, qintptr)
     const auto *form = reinterpret_cast<const TForm *>(formAddress);
     Application->record(
         QStringLiteral("perform"), { { QStringLiteral("message"), message }, { QStringLiteral("form"), form->objectName() } });
-    if (message == hostFormClosed)
+    if (message == hostFormClosed && form->isAncestorOf(m_grid))
         useGrid(nullptr);
     // The form is still being made, or already on its way out; what depends on it waits for the next turn.
     if (message == hostFormCreating || message == hostFormActivated || message == hostFormClosed)
@@ -113,7 +123,9 @@ void MainWindow::ResetSearch(QObject *grid)
 void MainWindow::showRows()
 {
     m_status->showRows(m_grid);
-    m_status->showConditions(m_grid && m_asked.haveChanged(*m_grid) ? ConditionState::Changed : ConditionState::AsAsked);
+    const bool changed = m_grid && m_asked.haveChanged(*m_grid);
+    const bool old = m_grid && m_asked.areOld(*m_grid);
+    m_status->showConditions(old ? ConditionState::OldRows : changed ? ConditionState::Changed : ConditionState::AsAsked);
 }
 
 void MainWindow::useGrid(TDBGridEh *grid)
@@ -124,8 +136,10 @@ void MainWindow::useGrid(TDBGridEh *grid)
         disconnect(m_gridSource, nullptr, this, nullptr);
     m_grid = grid;
     m_gridSource = grid ? grid->dataSource() : nullptr;
-    if (m_grid)
+    if (m_grid) {
         handle(m_grid.data(), &TDBGridEh::selectionChanged, this, [this] { m_status->showSelection(m_grid); });
+        handle(m_grid.data(), &TDBGridEh::cellMenuOpening, this, &MainWindow::offerTracks);
+    }
     if (m_gridSource)
         handle(m_gridSource.data(), &TDataSource::rowsChanged, this, &MainWindow::showRows);
     updateCommands();
@@ -156,7 +170,31 @@ void MainWindow::closeEvent(QCloseEvent *event)
         if (!form->parentWidget()->close())
             return;
     }
+    keepPlace();
     event->accept();
+}
+
+void MainWindow::changeEvent(QEvent *event)
+{
+    TMainForm::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        mdiArea()->setBackground(palette().window());
+}
+
+void MainWindow::takeLastPlace()
+{
+    setGridZoom(userSetting(zoomSetting, gridZoom()).toInt());
+    if (!restoreGeometry(userSetting(placeSetting).toByteArray()))
+        setWindowState(Qt::WindowMaximized);
+}
+
+/// A window that a program drives has the size that the program wants.
+void MainWindow::keepPlace() const
+{
+    if (m_options.automation)
+        return;
+    keepUserSetting(placeSetting, saveGeometry());
+    keepUserSetting(zoomSetting, gridZoom());
 }
 
 } // namespace client

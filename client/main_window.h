@@ -3,6 +3,8 @@
 #include "client/export/asked_conditions.h"
 #include "client/host_data.h"
 #include "client/options.h"
+#include "client/shortcuts.h"
+#include "client/waybill_tracks.h"
 #include "platform/connection/socket_connection.h"
 #include "platform/grid/db_grid.h"
 #include "platform/toolkit/form.h"
@@ -20,6 +22,7 @@ class QToolBar;
 namespace client {
 
 class Connections;
+class PinnedResult;
 class StartPage;
 class StatusLine;
 class WindowTabs;
@@ -45,18 +48,23 @@ public:
     void openScreen(const QString &formName);
     /// Presses the query button of the screen in front; throws Exception when there is none.
     void query();
-    /// Shows the current grid as it would be printed.
-    void print();
+    enum class Print { Preview, AtOnce };
+    /// Shows the current grid as it would be printed, or asks for a printer at once.
+    void print(Print way = Print::Preview);
     /// Writes what a grid shows, with its screen's conditions, in the background of a wait window; returns the number of rows.
     int exportTo(const TDBGridEh &grid, const ExportTarget &target);
     TDBGridEh *currentGrid() const { return m_grid; }
+    /// Takes the place on the screen that the window had last, or all of it.
+    void takeLastPlace();
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     struct Command;
     static const QList<Command> &commands();
+    static QList<QKeySequence> designedKeys(const Command &command);
 
     void loadPlugin();
     void useGrid(TDBGridEh *grid);
@@ -73,6 +81,25 @@ private:
     void updateCommands();
 
     void exportAsking();
+    void exportAgain();
+    QString exportName() const;
+    void tellFailure(const TForm &screen);
+    enum class Answer { None, Came };
+    void enterAnswer(QWidget *before, Answer answer);
+    void showResultPage(int number);
+    void turnResultPage(int step);
+    void openCell();
+    void goBack();
+    void enterRows();
+    void enterWaybillBox();
+    void openTracks(const QStringList &numbers);
+    void openBoxedTrack(const QStringList &numbers);
+    void offerTracks(QMenu *menu);
+    void pinResult();
+    void compareResult();
+    void compareWith(const PinnedResult &pinned);
+    QList<Shortcut> shortcuts() const;
+    void useShortcuts(const QList<Shortcut> &shortcuts);
     void showShortcuts();
     void showAbout();
 
@@ -81,6 +108,8 @@ private:
     double serverDateTime() const;
     QDateTime serverTime() const;
 
+    void keepPlace() const;
+
     const Options m_options;
     QElapsedTimer m_sinceStart;
     const std::unique_ptr<Connections> m_connections;
@@ -88,18 +117,23 @@ private:
     TSocketConnectionEx m_second;
     HostData m_data;
     std::unique_ptr<TLibrary> m_library;
+    WaybillTracks m_tracks;
 
     QPointer<TDBGridEh> m_grid; ///< the current one
     QPointer<TDataSource> m_gridSource; ///< what it shows
     QList<std::pair<QAction *, const Command *>> m_actions;
+    QMenu *m_viewMenu = nullptr;
     QMenu *m_windowMenu = nullptr;
     QList<QAction *> m_windowActions; ///< one for each open screen, at the end of the menu
     StartPage *m_startPage = nullptr;
     WindowTabs *m_tabs = nullptr;
+    WaybillBox *m_waybillBox = nullptr;
+    QPointer<TForm> m_boxedTrack; ///< opened last from the box
     QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
     StatusLine *m_status;
     QTimer m_clock;
     AskedConditions m_asked;
+    int m_failures = 0; ///< that reached the application object so far
     QString m_exportDirectory;
     QString m_exportFilter; ///< chosen last
 };

@@ -1,15 +1,19 @@
 #include "client/main_window.h"
 
+#include "client/appearance_menu.h"
 #include "client/connections.h"
 #include "client/export/screen_conditions.h"
 #include "client/export/table_export.h"
 #include "client/icons.h"
+#include "client/navigation.h"
 #include "client/screen_list.h"
 #include "client/start_page.h"
 #include "client/status_line.h"
+#include "client/theme.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_commands.h"
+#include "platform/grid/grid_zoom.h"
 #include "platform/report/print_db_grid.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
@@ -50,7 +54,7 @@ QString summaryRowOf(const TDBGridEh &grid)
 /// One command of the menus.
 struct MainWindow::Command {
     enum Needs { Nothing, Form, Query, Grid };
-    QStringView menu;
+    QStringView menu; ///< empty: in none
     QStringView text; ///< empty: a separator
     QStringView shortcuts; ///< joined with blanks; the first one stands in the menu
     const char *icon; ///< on the tool bar too, when there is one
@@ -65,14 +69,21 @@ struct MainWindow::Command {
         return { u"操作(&O)", command.text, command.shortcuts, icon, Grid,
             [](MainWindow *window) { gridCommand(id).run(*window->m_grid); } };
     }
+    template <int number>
+    static Command ofPage(QStringView text, QStringView shortcut)
+    {
+        return { u"", text, shortcut, nullptr, Form, [](MainWindow *window) { window->showResultPage(number); } };
+    }
 };
 
 const QList<MainWindow::Command> &MainWindow::commands()
 {
     static const QList<Command> rows {
         { u"操作(&O)", u"查询", u"F9 F5 Ctrl+Return Ctrl+Enter", "query", Command::Query, [](MainWindow *window) { window->query(); } },
-        { u"操作(&O)", u"导出…", u"Ctrl+E", "export", Command::Grid, [](MainWindow *window) { window->exportAsking(); } },
+        { u"操作(&O)", u"导出", u"Ctrl+E", "export", Command::Grid, [](MainWindow *window) { window->exportAgain(); } },
+        { u"操作(&O)", u"导出到…", u"Ctrl+Shift+E", nullptr, Command::Grid, [](MainWindow *window) { window->exportAsking(); } },
         { u"操作(&O)", u"打印…", u"Ctrl+P", "print", Command::Grid, [](MainWindow *window) { window->print(); } },
+        { u"操作(&O)", u"直接打印", u"Ctrl+Shift+P", nullptr, Command::Grid, [](MainWindow *window) { window->print(Print::AtOnce); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         Command::ofGrid<GridCommandId::Find>("find"),
         Command::ofGrid<GridCommandId::FindNext>(),
@@ -80,8 +91,36 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         Command::ofGrid<GridCommandId::Copy>("copy"),
         Command::ofGrid<GridCommandId::CopyWithTitles>(),
+        Command::ofGrid<GridCommandId::Sort>(),
+        Command::ofGrid<GridCommandId::SortAlso>(),
+        { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
+        { u"操作(&O)", u"固定结果", u"Ctrl+D", nullptr, Command::Grid, [](MainWindow *window) { window->pinResult(); } },
+        { u"操作(&O)", u"与固定结果比较…", u"Ctrl+Shift+D", nullptr, Command::Grid, [](MainWindow *window) { window->compareResult(); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         { u"操作(&O)", u"退出", u"Alt+F4", nullptr, Command::Nothing, [](MainWindow *window) { window->close(); } },
+        { u"转到(&G)", u"条件与表格", u"F6", nullptr, Command::Form,
+            [](MainWindow *window) { switchFocus(*window->activeForm(), window->m_grid); } },
+        { u"转到(&G)", u"明细", u"F8 Alt+Return Alt+Enter", nullptr, Command::Grid, [](MainWindow *window) { window->openCell(); } },
+        { u"转到(&G)", u"返回", u"Alt+Left", nullptr, Command::Form, [](MainWindow *window) { window->goBack(); } },
+        { u"转到(&G)", u"运单跟踪", u"Ctrl+G", nullptr, Command::Nothing, [](MainWindow *window) { window->enterWaybillBox(); } },
+        { u"转到(&G)", trackCommand, u"Ctrl+T", nullptr, Command::Grid,
+            [](MainWindow *window) { window->openTracks(waybillsOf(*window->m_grid)); } },
+        { u"转到(&G)", u"下一页结果", u"Ctrl+PgDown", nullptr, Command::Form, [](MainWindow *window) { window->turnResultPage(1); } },
+        { u"转到(&G)", u"上一页结果", u"Ctrl+PgUp", nullptr, Command::Form, [](MainWindow *window) { window->turnResultPage(-1); } },
+        Command::ofPage<1>(u"第 1 页结果", u"Ctrl+1"),
+        Command::ofPage<2>(u"第 2 页结果", u"Ctrl+2"),
+        Command::ofPage<3>(u"第 3 页结果", u"Ctrl+3"),
+        Command::ofPage<4>(u"第 4 页结果", u"Ctrl+4"),
+        Command::ofPage<5>(u"第 5 页结果", u"Ctrl+5"),
+        Command::ofPage<6>(u"第 6 页结果", u"Ctrl+6"),
+        Command::ofPage<7>(u"第 7 页结果", u"Ctrl+7"),
+        Command::ofPage<8>(u"第 8 页结果", u"Ctrl+8"),
+        Command::ofPage<9>(u"第 9 页结果", u"Ctrl+9"),
+        { u"显示(&V)", u"放大表格", u"Ctrl+= Ctrl++", nullptr, Command::Nothing, [](MainWindow *) { stepGridZoom(1); } },
+        { u"显示(&V)", u"缩小表格", u"Ctrl+-", nullptr, Command::Nothing, [](MainWindow *) { stepGridZoom(-1); } },
+        { u"显示(&V)", u"原始大小", u"Ctrl+0", nullptr, Command::Nothing, [](MainWindow *) { setGridZoom(keptAppearance().textPercent); } },
+        { u"显示(&V)", u"收起或展开条件", u"Shift+F6", nullptr, Command::Form,
+            [](MainWindow *window) { toggleConditions(*window->activeForm()); } },
         { u"窗口(&W)", u"层叠", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->cascadeSubWindows(); } },
         { u"窗口(&W)", u"平铺", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->tileSubWindows(); } },
         { u"窗口(&W)", u"下一个窗口", u"Ctrl+F6", nullptr, Command::Form,
@@ -93,6 +132,14 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"帮助(&H)", u"关于", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->showAbout(); } },
     };
     return rows;
+}
+
+QList<QKeySequence> MainWindow::designedKeys(const Command &command)
+{
+    QList<QKeySequence> keys;
+    for (const QStringView shortcut : command.shortcuts.split(u' ', Qt::SkipEmptyParts))
+        keys.append(QKeySequence(shortcut.toString()));
+    return keys;
 }
 
 void MainWindow::createScreenMenus()
@@ -114,6 +161,10 @@ void MainWindow::createCommands()
     toolBar->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     QMenu *menu = nullptr;
     for (const Command &command : commands()) {
+        if (command.menu.isEmpty()) {
+            addAction(createAction(command));
+            continue;
+        }
         if (!menu || menu->title() != command.menu)
             menu = menuBar()->addMenu(command.menu.toString());
         if (command.text.isEmpty()) {
@@ -126,19 +177,25 @@ void MainWindow::createCommands()
             toolBar->addAction(action);
         if (command.menu.startsWith(u"窗口"))
             m_windowMenu = menu;
+        if (command.menu.startsWith(u"显示"))
+            m_viewMenu = menu;
     }
+    addAppearanceMenus(m_viewMenu);
+    QList<Shortcut> keys = shortcuts();
+    takeKeptKeys(keys);
+    useShortcuts(keys);
     handle(m_windowMenu, &QMenu::aboutToShow, this, &MainWindow::listWindows);
+    m_waybillBox = new WaybillBox;
+    toolBar->addSeparator();
+    toolBar->addWidget(m_waybillBox);
+    handle(m_waybillBox, &WaybillBox::wanted, this, &MainWindow::openBoxedTrack);
+    handle(m_waybillBox, &WaybillBox::left, this, &MainWindow::enterRows);
 }
 
 QAction *MainWindow::createAction(const Command &command)
 {
     auto *action = new QAction(command.text.toString(), this);
-    QList<QKeySequence> shortcuts;
-    for (const QStringView shortcut : command.shortcuts.split(u' ', Qt::SkipEmptyParts))
-        shortcuts.append(QKeySequence(shortcut.toString()));
-    action->setShortcuts(shortcuts);
-    if (!shortcuts.isEmpty())
-        action->setToolTip(QString(command.text.toString()).remove(u'…') + QStringLiteral(" (%1)").arg(shortcuts.first().toString()));
+    action->setShortcuts(designedKeys(command));
     if (command.icon)
         action->setIcon(commandIcon(command.icon));
     if (command.run)
@@ -208,15 +265,7 @@ void MainWindow::updateCommands()
     m_status->showSelection(m_grid);
 }
 
-void MainWindow::query()
-{
-    auto *button = qobject_cast<QAbstractButton *>(queryButton());
-    if (!button)
-        throw Exception(QStringLiteral("当前没有可以查询的窗口，请先从菜单打开一个。"));
-    button->click();
-}
-
-void MainWindow::print()
+void MainWindow::print(Print way)
 {
     if (!m_grid)
         throw Exception(QStringLiteral("没有可以打印的表格，请先打开一个查询窗口。"));
@@ -233,8 +282,10 @@ void MainWindow::print()
         printer->setTitle(activeForm()->caption());
     const QString summaryRow = summaryRowOf(*m_grid);
     printer->setNotes(summaryRow.isEmpty() ? QStringList() : QStringList(u"汇总行：" + summaryRow));
-    printer->preview(this);
+    way == Print::Preview ? printer->preview(this) : printer->print(this);
 }
+
+QString MainWindow::exportName() const { return activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm"); }
 
 void MainWindow::exportAsking()
 {
@@ -248,12 +299,25 @@ void MainWindow::exportAsking()
     handle(&dialog, &QFileDialog::filterSelected, &dialog, useFilter);
     dialog.selectNameFilter(m_exportFilter.isEmpty() ? exportFilters().first() : m_exportFilter);
     useFilter(dialog.selectedNameFilter());
-    dialog.selectFile(activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm"));
+    dialog.selectFile(exportName());
     if (dialog.exec() != QDialog::Accepted)
         return;
     m_exportFilter = dialog.selectedNameFilter();
     const ExportTarget target = chosenTarget(dialog.selectedFiles().first(), m_exportFilter);
     m_exportDirectory = QFileInfo(target.fileName).absolutePath();
+    exportTo(*m_grid, target);
+}
+
+/// In the folder and the form that were chosen last, under a name that no file has.
+void MainWindow::exportAgain()
+{
+    requireRows(*m_grid);
+    if (m_exportFilter.isEmpty())
+        return exportAsking();
+    const QString path = m_exportDirectory + u'/' + exportName();
+    ExportTarget target = chosenTarget(path, m_exportFilter);
+    for (int number = 2; QFileInfo::exists(target.fileName); ++number)
+        target = chosenTarget(QStringLiteral("%1 (%2)").arg(path).arg(number), m_exportFilter);
     exportTo(*m_grid, target);
 }
 
@@ -269,29 +333,6 @@ int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
     m_status->showMessage(
         QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(target.fileName)), messageMilliseconds);
     return rows;
-}
-
-void MainWindow::showShortcuts()
-{
-    const auto named = [](QStringView text) { return text.toString().remove(u'…'); };
-    const auto readable = [](QStringView shortcuts) {
-        QString keys = shortcuts.toString().replace(u' ', u'、');
-        return keys.replace(QStringLiteral("Return"), QStringLiteral("回车")).replace(QStringLiteral("Space"), QStringLiteral("空格"));
-    };
-    QStringList lines;
-    QSet<QStringView> listed;
-    for (const Command &command : commands()) {
-        if (!command.shortcuts.isEmpty())
-            lines.append(named(command.text) + u'：' + readable(command.shortcuts));
-        listed.insert(command.text);
-    }
-    QStringList inGrid;
-    for (const GridCommand &command : gridCommands()) {
-        if (!listed.contains(command.text))
-            inGrid.append(readable(command.shortcuts) + u' ' + named(command.text));
-    }
-    lines << QStringLiteral("条件栏：回车到下一栏，F4 打开列表") << u"表格：" + inGrid.join(u'，') << QStringLiteral("查询时：Esc 取消");
-    Application->messageBox(lines.join(u'\n'), QStringLiteral("快捷键"), mbOk);
 }
 
 void MainWindow::showAbout()

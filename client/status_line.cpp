@@ -2,6 +2,7 @@
 
 #include "platform/dataset/client_data_set.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_colors.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/plain_text.h"
 #include "platform/toolkit/plugin_interface.h"
@@ -16,7 +17,7 @@ namespace {
 
 constexpr qint64 mostSummedCells = 200'000; // more would be felt at every step of a dragged selection
 
-const QString alarming = QStringLiteral("color: #b00020; font-weight: bold");
+QString alarming(const QWidget &field) { return QStringLiteral("color: %1; font-weight: bold").arg(alarmColorOn(field.palette()).name()); }
 
 QString counted(qint64 number) { return QLocale(QLocale::Chinese, QLocale::China).toString(number); }
 
@@ -106,7 +107,7 @@ StatusLine::StatusLine()
     , m_server(addField())
     , m_time(addField())
 {
-    m_conditions->setStyleSheet(alarming);
+    m_conditions->setStyleSheet(alarming(*this));
     m_conditions->setToolTip(QStringLiteral("表格里仍是上次查询的结果，请重新查询"));
     m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
     m_time->setToolTip(QStringLiteral("服务器时间"));
@@ -123,7 +124,7 @@ void StatusLine::showServer(const QString &address)
     const bool offline = address.isEmpty();
     m_server->setText(offline ? QStringLiteral("● 离线") : QStringLiteral("● ") + address);
     m_server->setToolTip(offline ? QStringLiteral("服务器都连不上；再次查询时会重新连接") : QStringLiteral("正在使用的服务器"));
-    m_server->setStyleSheet(offline ? alarming : QStringLiteral("color: #1b7a3d"));
+    m_server->setStyleSheet(offline ? alarming(*this) : QStringLiteral("color: %1").arg(isDark(palette()) ? u"#6cc48c" : u"#1b7a3d"));
     m_server->show();
 }
 
@@ -143,12 +144,13 @@ void StatusLine::showRows(const TDBGridEh *grid)
         return fill(m_rows, {});
     const QString rows = counted(dataSet->recordCount());
     fill(m_rows, dataSet->truncated() ? QStringLiteral("已取 %1 行（已截断）").arg(rows) : QStringLiteral("共 %1 行").arg(rows));
-    m_rows->setStyleSheet(dataSet->truncated() ? alarming : QString());
+    m_rows->setStyleSheet(dataSet->truncated() ? alarming(*this) : QString());
 }
 
 void StatusLine::showConditions(ConditionState state)
 {
-    fill(m_conditions, state == ConditionState::Changed ? QStringLiteral("条件已改") : QString());
+    const QString texts[] = { {}, QStringLiteral("条件已改"), QStringLiteral("旧结果，上次查询没有完成") };
+    fill(m_conditions, texts[int(state)]);
 }
 
 void StatusLine::showSelection(const TDBGridEh *grid) { fill(m_selection, grid ? selectionSummary(*grid) : QString()); }

@@ -10,7 +10,7 @@ namespace client {
 
 constexpr int messageMilliseconds = 15'000;
 
-enum class ConditionState { AsAsked, Changed };
+enum class ConditionState { AsAsked, Changed, OldRows };
 
 /// The status bar: what is shown and selected, the rights of the screen in front, who is logged in where, the server that answers, and the
 /// server's clock.

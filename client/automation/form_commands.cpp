@@ -34,7 +34,12 @@ QJsonObject Automation::forms(const QJsonObject &)
     for (const TForm *form : m_window->forms())
         names.append(form->objectName());
     const TForm *active = m_window->activeForm();
-    return { { QStringLiteral("forms"), names }, { QStringLiteral("active"), active ? QJsonValue(active->objectName()) : QJsonValue() } };
+    QJsonObject reply { { QStringLiteral("forms"), names }, { QStringLiteral("active"), QJsonValue() } };
+    if (active) {
+        reply[u"active"] = active->objectName();
+        reply[u"caption"] = active->caption();
+    }
+    return reply;
 }
 
 QJsonObject Automation::activate(const QJsonObject &arguments)
@@ -79,6 +84,8 @@ void Automation::lookAt(const report::PreviewRequest &preview)
     preview.report.prepareAllPages();
     m_printed = { { QStringLiteral("pages"), preview.report.pageCount() }, { QStringLiteral("rows"), preview.report.rowCount() },
         { QStringLiteral("truncated"), preview.report.isTruncated() } };
+    m_events.append(
+        QJsonObject { { QStringLiteral("event"), QStringLiteral("preview") }, { QStringLiteral("pages"), m_printed[u"pages"] } });
     const QString file = std::exchange(m_printFile, {}); // a later preview is not saved
     if (file.isEmpty())
         return;

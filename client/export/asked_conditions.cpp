@@ -21,6 +21,7 @@ void AskedConditions::watch(TForm *screen, const QAbstractButton *queryButton)
     handle(queryButton, &QAbstractButton::pressed, this, [this, screen] {
         Asking &asking = m_screens[screen];
         asking.pressed = screenConditions(*screen);
+        asking.opened.clear();
         asking.isAsking = true;
     });
     // The screen's own handler is connected before: it has done its work.
@@ -31,13 +32,28 @@ void AskedConditions::watch(TForm *screen, const QAbstractButton *queryButton)
         if (!dataSet)
             continue;
         handle(dataSet, &TDataSet::afterOpen, this, [this, screen, dataSet] { remember(screen, dataSet); });
-        handle(dataSet, &QObject::destroyed, this, [this](const QObject *gone) { m_asked.remove(gone); });
+        handle(dataSet, &QObject::destroyed, this, [this](const QObject *gone) {
+            m_asked.remove(gone);
+            m_old.remove(gone);
+        });
+    }
+}
+
+void AskedConditions::markOld(const TForm &screen)
+{
+    for (const QObject *component : screen.components()) {
+        const auto *dataSet = qobject_cast<const TDataSet *>(component);
+        if (dataSet && dataSet->active() && !m_screens[&screen].opened.contains(dataSet))
+            m_old.insert(dataSet);
     }
 }
 
 void AskedConditions::remember(const TForm *screen, const TDataSet *dataSet)
 {
+    ++m_openings;
     Asking &asking = m_screens[screen];
+    asking.opened.insert(dataSet);
+    m_old.remove(dataSet);
     if (asking.isAsking) {
         asking.asked = asking.pressed;
         asking.wasAsked = true;
@@ -46,16 +62,26 @@ void AskedConditions::remember(const TForm *screen, const TDataSet *dataSet)
         m_asked.insert(dataSet, asking.asked);
 }
 
+bool AskedConditions::areOld(const TDBGridEh &grid) const { return m_old.contains(grid.dataSet()); }
+
 QList<ExportNote> AskedConditions::of(const TDBGridEh &grid) const
 {
     const auto asked = m_asked.constFind(grid.dataSet());
     return asked == m_asked.constEnd() ? screenConditions(*screenOf(grid)) : *asked;
 }
 
+void AskedConditions::adopt(const TDBGridEh &original, const QObject *copy)
+{
+    m_asked.insert(copy, of(original));
+    handle(copy, &QObject::destroyed, this, [this](const QObject *gone) { m_asked.remove(gone); });
+}
+
 bool AskedConditions::haveChanged(const TDBGridEh &grid) const
 {
     const auto asked = m_asked.constFind(grid.dataSet());
-    return grid.dataSet() && grid.dataSet()->active() && asked != m_asked.constEnd() && *asked != screenConditions(*screenOf(grid));
+    const QWidget *screen = screenOf(grid);
+    return grid.dataSet() && grid.dataSet()->active() && m_screens.contains(screen) && asked != m_asked.constEnd()
+        && *asked != screenConditions(*screen);
 }
 
 } // namespace client

@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QObject>
+#include <QSet>
 
 class QAbstractButton;
 class TDataSet;
@@ -22,13 +23,21 @@ public:
     void watch(TForm *screen, const QAbstractButton *queryButton);
     /// The conditions of a grid's rows; those that stand on its screen now, when it has not been queried by its button.
     QList<ExportNote> of(const TDBGridEh &grid) const;
+    /// Lets a copy of a grid's rows have the conditions of those.
+    void adopt(const TDBGridEh &original, const QObject *copy);
     /// Whether other conditions stand on the screen now than those of a grid's rows.
     bool haveChanged(const TDBGridEh &grid) const;
+    /// The last query of a screen failed: rows that it did not ask anew are those of an earlier one.
+    void markOld(const TForm &screen);
+    bool areOld(const TDBGridEh &grid) const;
+    /// How many datasets of all screens have been opened so far.
+    int openings() const { return m_openings; }
 
 private:
     struct Asking {
         QList<ExportNote> pressed; ///< when its button was pressed last
         QList<ExportNote> asked; ///< of the last press that opened a dataset
+        QSet<const QObject *> opened; ///< since then
         bool isAsking = false; ///< its button is down
         bool wasAsked = false;
     };
@@ -36,6 +45,8 @@ private:
 
     QHash<const QObject *, Asking> m_screens;
     QHash<const QObject *, QList<ExportNote>> m_asked; ///< by dataset
+    QSet<const QObject *> m_old; ///< datasets
+    int m_openings = 0;
 };
 
 } // namespace client

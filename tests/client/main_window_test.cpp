@@ -2,8 +2,11 @@
 #include "client/main_window.h"
 
 #include "client/export/table_export.h"
+#include "client/result_window.h"
+#include "client/shortcut_dialog.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
+#include "platform/grid/grid_commands.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/long_work.h"
@@ -14,11 +17,15 @@
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QFile>
+#include <QKeySequenceEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMdiSubWindow>
+#include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTreeWidget>
 
 #include <sqlite3.h>
 
@@ -53,6 +60,7 @@ protected:
         m_options.database = u"sqlite:" + m_directory.filePath(QStringLiteral("主.db"));
         m_options.pluginDirectory = QStringLiteral(HOST_PLUGIN_DIRECTORY);
         m_options.user = QStringLiteral("张三");
+        Application->setSettingsDirectory(m_directory.path());
         sqlite3 *database = nullptr;
         EXPECT_EQ(sqlite3_open(m_directory.filePath(QStringLiteral("主.db")).toUtf8().constData(), &database), SQLITE_OK);
         EXPECT_EQ(sqlite3_exec(database, tables, nullptr, nullptr, nullptr), SQLITE_OK);
@@ -84,14 +92,19 @@ protected:
             return exceptionMessage(exception);
         }
     }
-    static bool enabled(const MainWindow &window, const QString &command)
+    static bool enabled(const MainWindow &window, const QString &text)
     {
-        for (const QAction *action : window.findChildren<QAction *>()) {
-            if (action->text() == command)
-                return action->isEnabled();
+        const QAction *action = command(window, text);
+        EXPECT_TRUE(action) << text.toStdString();
+        return action && action->isEnabled();
+    }
+    static QAction *command(const MainWindow &window, const QString &text)
+    {
+        for (QAction *action : window.findChildren<QAction *>()) {
+            if (action->text() == text)
+                return action;
         }
-        ADD_FAILURE() << "no command " << command.toStdString();
-        return false;
+        return nullptr;
     }
     static QStringList statusTexts(const MainWindow &window)
     {
@@ -267,6 +280,107 @@ TEST_F(MainWindowTest, KeysRunTheCommands)
     press(Qt::Key_F4, Qt::ControlModifier);
     press(Qt::Key_W, Qt::ControlModifier);
     EXPECT_EQ(window->activeForm(), nullptr);
+}
+
+TEST_F(MainWindowTest, APersonGivesOtherKeysToCommandsAndGetsTheDesignedOnesBack)
+{
+    const auto keysOf = [](const MainWindow &window, const char16_t *text) {
+        return QKeySequence::listToString(command(window, QString::fromUtf16(text))->shortcuts());
+    };
+    {
+        const auto window = open();
+        command(*window, QStringLiteral("快捷键"))->trigger();
+        auto *dialog = window->findChild<ShortcutDialog *>();
+        auto *list = dialog->findChild<QTreeWidget *>();
+        auto *key = dialog->findChild<QKeySequenceEdit *>();
+        const auto give = [&](const QString &text, const char *keys) {
+            list->setCurrentItem(list->findItems(text, Qt::MatchExactly).value(0));
+            key->setKeySequence(QKeySequence(QString::fromLatin1(keys)));
+        };
+        give(QStringLiteral("查找…"), "Ctrl+P"); // the person says no
+        EXPECT_EQ(keysOf(*window, u"查找…"), QStringLiteral("Ctrl+F"));
+        m_answer = idOk;
+        give(QStringLiteral("查找…"), "Ctrl+P");
+        give(QStringLiteral("全选"), "Ctrl+Shift+A");
+        give(QStringLiteral("全选"), "A"); // belongs to the fields
+        EXPECT_EQ(keysOf(*window, u"打印…"), QString());
+    }
+    const auto window = open();
+    EXPECT_EQ(keysOf(*window, u"查找…"), QStringLiteral("Ctrl+F; Ctrl+P"));
+    EXPECT_EQ(gridCommand(GridCommandId::SelectAll).keys().size(), 2);
+    EXPECT_EQ(gridCommandFor(QKeyCombination(Qt::CTRL | Qt::SHIFT, Qt::Key_A)), &gridCommand(GridCommandId::SelectAll));
+    command(*window, QStringLiteral("快捷键"))->trigger();
+    for (QPushButton *button : window->findChild<ShortcutDialog *>()->findChildren<QPushButton *>()) {
+        if (button->text() == u"恢复默认")
+            button->click();
+    }
+    EXPECT_EQ(keysOf(*window, u"打印…"), QStringLiteral("Ctrl+P"));
+    EXPECT_EQ(gridCommandFor(QKeyCombination(Qt::CTRL | Qt::SHIFT, Qt::Key_A)), nullptr);
+}
+
+TEST_F(MainWindowTest, NoTwoCommandsShareAKey)
+{
+    const auto window = open();
+    command(*window, QStringLiteral("快捷键"))->trigger();
+    const auto *list = window->findChild<ShortcutDialog *>()->findChild<QTreeWidget *>();
+    QSet<QString> keys;
+    for (int row = 0; row < list->topLevelItemCount(); ++row) {
+        for (const QString &key : list->topLevelItem(row)->text(1).split(u'、', Qt::SkipEmptyParts)) {
+            EXPECT_FALSE(keys.contains(key)) << key.toStdString();
+            keys.insert(key);
+        }
+    }
+    EXPECT_GT(keys.size(), 30);
+}
+
+TEST_F(MainWindowTest, APinnedResultOutlivesItsScreenAndIsComparedWithALaterOne)
+{
+    const auto window = open();
+    window->openScreen(QStringLiteral("frm_One111"));
+    QApplication::processEvents();
+    auto *condition = window->activeForm()->findChild<QLineEdit *>(QStringLiteral("Edit1"));
+    condition->setText(QStringLiteral("first"));
+    window->query();
+    command(*window, QStringLiteral("固定结果"))->trigger();
+    EXPECT_EQ(window->activeForm()->objectName(), QStringLiteral("frm_One")) << "work goes on where it was";
+
+    condition->setText(QStringLiteral("cut"));
+    window->query();
+    command(*window, QStringLiteral("与固定结果比较…"))->trigger();
+    auto *comparison = qobject_cast<ResultWindow *>(window->activeForm());
+    ASSERT_TRUE(comparison);
+    EXPECT_TRUE(comparison->descriptionLabel->text().contains(QStringLiteral("相同 1200 行，改变 0 行")));
+
+    window->forms().first()->parentWidget()->close();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    auto *pinned = qobject_cast<PinnedResult *>(window->forms().first());
+    ASSERT_TRUE(pinned);
+    pinned->showForm();
+    QApplication::processEvents();
+    EXPECT_EQ(pinned->resultGrid->rowCount(), 1200);
+    EXPECT_FALSE(statusTexts(*window).contains(QStringLiteral("条件已改")));
+    const QString file = m_directory.filePath(QStringLiteral("固定.html"));
+    window->exportTo(*window->currentGrid(), { file });
+    QFile written(file);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(QString::fromUtf8(written.readAll()).contains(QStringLiteral("first"))) << "the conditions it was asked by";
+}
+
+TEST_F(MainWindowTest, TheWindowComesBackWhereItWasLeft)
+{
+    {
+        const auto window = open();
+        window->takeLastPlace();
+        EXPECT_TRUE(window->isMaximized());
+        window->showNormal();
+        window->resize(700, 500);
+        QApplication::processEvents();
+        EXPECT_TRUE(window->close());
+    }
+    const auto window = open();
+    window->takeLastPlace();
+    EXPECT_FALSE(window->isMaximized());
+    EXPECT_EQ(window->size(), QSize(700, 500));
 }
 
 TEST_F(MainWindowTest, ClosingAsksTheScreensAndStopsAtTheFirstThatStays)

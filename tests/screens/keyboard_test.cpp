@@ -1,6 +1,7 @@
 // Keys and clicks as the window system sends them: the client runs on a display of its own.
 
 #include "tests/screens/client_process.h"
+#include "tests/screens/display.h"
 #include "tests/support/print_qstring.h"
 
 #include <gtest/gtest.h>
@@ -9,47 +10,9 @@
 
 namespace {
 
-constexpr int patience = 10'000; // milliseconds
 const QString man = QStringLiteral("DBLookupComboboxEh3"); ///< completes when Enter is pressed
 const QString shift = QStringLiteral("DBComboBoxEh4"); ///< the condition behind it
 const QString site = QStringLiteral("DBLookupComboboxEh5"); ///< completes when it is left
-
-/// An X server that shows nothing to anybody.
-class Display {
-public:
-    Display()
-    {
-        m_server.start(QStringLiteral("Xvfb"),
-            { QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"),
-                QStringLiteral("1600x1000x24"), QStringLiteral("-nolisten"), QStringLiteral("tcp") });
-        while (!m_server.canReadLine() && m_server.waitForReadyRead(patience)) { }
-        m_name = u':' + QString::fromLatin1(m_server.readLine().trimmed());
-    }
-    ~Display()
-    {
-        m_server.terminate();
-        m_server.waitForFinished(patience);
-    }
-    QProcessEnvironment environment() const
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("DISPLAY"), m_name);
-        environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
-        return environment;
-    }
-    /// Lets xdotool act.
-    void act(const QStringList &arguments) const
-    {
-        QProcess tool;
-        tool.setProcessEnvironment(environment());
-        tool.start(QStringLiteral("xdotool"), arguments);
-        EXPECT_TRUE(tool.waitForFinished(patience) && tool.exitCode() == 0) << arguments.join(u' ').toStdString();
-    }
-
-private:
-    QProcess m_server;
-    QString m_name;
-};
 
 class Keyboard : public testing::Test {
 protected:
@@ -57,8 +20,7 @@ protected:
         : m_client({}, m_display.environment())
     {
         m_client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QStringLiteral("frm_ScanContrast111") } });
-        m_display.act({ QStringLiteral("search"), QStringLiteral("--sync"), QStringLiteral("--onlyvisible"), QStringLiteral("--name"),
-            QStringLiteral("."), QStringLiteral("windowfocus"), QStringLiteral("--sync") });
+        m_display.focusWindow(QStringLiteral("."));
     }
 
     /// Empties a condition, stays in it and types, presses keys.
@@ -66,9 +28,9 @@ protected:
     {
         m_client.obey(QStringLiteral("set"),
             { { QStringLiteral("control"), control }, { QStringLiteral("text"), QString() }, { QStringLiteral("leave"), false } });
-        m_display.act({ QStringLiteral("type"), QStringLiteral("--delay"), QStringLiteral("20"), text });
+        m_display.type(text);
         expectSoon(control, QStringLiteral("text"), text);
-        m_display.act(QStringList { QStringLiteral("key"), QStringLiteral("--delay"), QStringLiteral("20") } + keys);
+        m_display.press(keys);
     }
     /// A control comes to have the value: keys take their time.
     void expectSoon(const QString &control, const QString &what, const QJsonValue &value)

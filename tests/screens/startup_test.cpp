@@ -70,6 +70,8 @@ TEST(StartUp, ADatabaseThatIsLostKeepsTheScreenAndItsConditions)
     EXPECT_EQ(client.events(QStringLiteral("error")).size(), 1);
     EXPECT_EQ(client.textOf(QStringLiteral("DBLookupComboboxEh7")), QStringLiteral("发件"));
     EXPECT_EQ(client.obey(QStringLiteral("rows"), view)[u"total"].toInt(), onlySource);
+    const QJsonObject emptied { { QStringLiteral("view"), QStringLiteral("DataView1") } };
+    EXPECT_TRUE(client.obey(QStringLiteral("rows"), emptied)[u"note"].toString().contains(u"查询没有完成"));
     EXPECT_EQ(client.quit(), 0);
 }
 
