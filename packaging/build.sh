@@ -27,12 +27,12 @@ install_missing() {
         || die "Installing ${missing[*]} failed."
 }
 
-# build PRESET TARGET...: the programs end up in $root/build/PRESET/bin.
+# build PRESET [TARGET...]: without targets those of the preset. The programs end up in $root/build/PRESET/bin.
 build() {
     local preset=$1
     shift
     say "Building (preset $preset)"
     cmake -S "$root" --preset "$preset" >"$root/build-configure.log" 2>&1 || { cat "$root/build-configure.log" >&2; die "Configuring failed."; }
     rm -f "$root/build-configure.log"
-    cmake --build "$root/build/$preset" --target "$@" || die "Building failed."
+    (cd "$root" && cmake --build --preset "$preset" ${1:+--target "$@"}) || die "Building failed."
 }
