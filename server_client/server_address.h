@@ -11,7 +11,8 @@ namespace server_client {
 enum class Failure {
     Unreachable, ///< no connection, or it was lost, or the server is shutting down: another one may do
     Certificate, ///< the server is not who it should be
-    Login, ///< the user or the password is wrong, or the session has ended
+    Login, ///< the user or the password is wrong
+    SessionEnded, ///< nobody is logged in, or not any more: the message says why
     Refused, ///< the server or its database refused the statement
     Result, ///< the result is damaged or larger than is taken; asking again would only cost the same once more
     Cancelled,

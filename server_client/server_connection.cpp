@@ -1,5 +1,7 @@
 #include "server_client/server_connection.h"
 
+#include "server_client/account.h"
+
 #include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>
 #include <boost/asio/ip/tcp.hpp>
@@ -159,6 +161,7 @@ int ServerConnection::exchangeOver(
     message.prepare_payload();
     ++delivery.sends;
     link->send(message, m_timeouts.silence, stop);
+    wipe(message.body()); // it may hold a password
     Link::Parser parser;
     parser.body_limit(std::numeric_limits<std::uint64_t>::max()); // the reader of the body knows its own limits
     link->receiveHeader(parser, m_timeouts.answer, stop);

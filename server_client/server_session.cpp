@@ -1,11 +1,12 @@
 #include "server_client/server_session.h"
 
 #include "packet/stream_reader.h"
+#include "packet/text.h"
 
 #include <nlohmann/json.hpp>
 
-#include <condition_variable>
 #include <random>
+#include <thread>
 
 namespace server_client {
 
@@ -35,9 +36,10 @@ std::string messageOf(int status, const std::string &reply)
     return "服务器回答了 HTTP " + std::to_string(status) + "，请联系管理员。";
 }
 
-[[noreturn]] void fail(int status, const std::string &reply)
+/// `unauthorizedIs`: what it means that the server does not know who asks.
+[[noreturn]] void fail(int status, const std::string &reply, Failure unauthorizedIs = Failure::SessionEnded)
 {
-    const Failure failure = status == unauthorized ? Failure::Login : status == unavailable ? Failure::Unreachable : Failure::Refused;
+    const Failure failure = status == unauthorized ? unauthorizedIs : status == unavailable ? Failure::Unreachable : Failure::Refused;
     throw Error(failure, messageOf(status, reply));
 }
 
@@ -45,15 +47,28 @@ std::string messageOf(int status, const std::string &reply)
 bool isBusy(int status, const std::string &reply) { return status == tooMany && jsonText(reply, "code") == "busy"; }
 
 /// About a second, not the same for all who wait.
-void waitForTurn(const std::stop_token &stop)
+void waitForTurn()
 {
     std::random_device random;
-    std::mutex mutex;
-    std::unique_lock lock(mutex);
-    std::condition_variable_any().wait_for(lock, stop, std::chrono::milliseconds(700 + random() % 600), [] { return false; });
-    if (stop.stop_requested())
-        throw Error(Failure::Cancelled, "查询已取消");
+    std::this_thread::sleep_for(std::chrono::milliseconds(700 + random() % 600));
 }
+
+/// A request whose body is an object of secrets; it is wiped with the request.
+struct SecretRequest : Request {
+    SecretRequest(const std::string &wantedPath, std::initializer_list<std::pair<std::string_view, const std::string &>> texts)
+        : Request { .method = "POST", .path = wantedPath, .headers = { { "Content-Type", "application/json" } } }
+    {
+        for (const auto &[name, text] : texts) {
+            body += body.empty() ? "{" : ",";
+            packet::appendJsonText(name, body);
+            body += ':';
+            packet::appendJsonText(text, body);
+        }
+        body += '}';
+    }
+    SecretRequest(const SecretRequest &) = delete;
+    ~SecretRequest() { wipe(body); }
+};
 
 [[noreturn]] void failTooLarge(const std::string &what)
 {
@@ -105,34 +120,78 @@ auto ServerSession::withServer(Delivery &delivery, const Ask &ask)
     }
 }
 
-/// Sends with the token at hand; a token that has run out is renewed once.
+/// Sends with the token at hand. One that is refused is forgotten, as nobody here can renew it.
 template <class Send>
-ServerSession::Answer ServerSession::authorized(std::size_t server, Delivery &delivery, const std::stop_token &stop, const Send &send)
+ServerSession::Answer ServerSession::authorized(Delivery &delivery, const Send &send)
 {
-    for (bool renewed = false;; renewed = true) {
-        const std::string used = token(server, stop);
-        const Answer answer = send("Bearer " + used);
-        if (answer.status == ok)
-            return answer;
-        --delivery.sends; // a refusal is an answer; what was lost before stays lost
-        if (answer.status != unauthorized || renewed)
-            fail(answer.status, answer.text);
+    const std::string used = token();
+    const Answer answer = send("Bearer " + used);
+    if (answer.status == ok)
+        return answer;
+    --delivery.sends; // a refusal is an answer; what was lost before stays lost
+    if (answer.status == unauthorized) {
         const std::lock_guard lock(m_mutex);
         if (m_token == used)
             m_token.clear();
     }
+    fail(answer.status, answer.text);
 }
 
-void ServerSession::login(const std::string &user, const std::string &password)
+Account ServerSession::login(const std::string &user, const std::string &password)
 {
     {
         const std::lock_guard lock(m_mutex);
-        m_user = user;
-        m_password = password;
         m_token.clear();
     }
+    const SecretRequest request("/v1/login", { { "user", user }, { "password", password } });
     Delivery delivery;
-    withServer(delivery, [this](std::size_t server) { return token(server, {}); });
+    return withServer(delivery, [&](std::size_t server) {
+        delivery = {}; // may be asked as often as one likes
+        const Answer answer = callPatiently(server, request, delivery);
+        if (answer.status != ok)
+            fail(answer.status, answer.text, Failure::Login);
+        return takeToken(answer);
+    });
+}
+
+Account ServerSession::changePassword(const std::string &before, const std::string &after)
+{
+    SecretRequest request("/v1/password", { { "old_password", before }, { "password", after } });
+    Delivery delivery;
+    return withServer(delivery, [&](std::size_t server) {
+        return takeToken(authorized(delivery, [&](const std::string &header) {
+            request.headers.back() = { "Authorization", header };
+            return callPatiently(server, request, delivery);
+        }));
+    });
+}
+
+void ServerSession::logout(const std::stop_token &stop)
+try {
+    const Request request { .method = "POST", .path = "/v1/logout", .headers = { { "Authorization", "Bearer " + token() } } };
+    std::size_t server = 0;
+    {
+        const std::lock_guard lock(m_mutex);
+        m_token.clear();
+        server = m_server;
+    }
+    Delivery delivery;
+    call(server, request, delivery, stop, {});
+} catch (const std::exception &) {
+    // The token ends by itself.
+}
+
+void ServerSession::reportRefusedScreen(const std::string &screen)
+try {
+    Delivery delivery;
+    std::string body = R"({"event":"refused_screen","screen":)";
+    packet::appendJsonText(screen, body);
+    const Request request {
+        .method = "POST", .path = "/v1/audit", .body = body + "}", .headers = { { "Authorization", "Bearer " + token() } }
+    };
+    withServer(delivery, [&](std::size_t server) { return call(server, request, delivery, {}, {}); });
+} catch (const std::exception &) {
+    // The user has been refused all the same.
 }
 
 packet::PacketPtr ServerSession::query(
@@ -147,7 +206,7 @@ std::int64_t ServerSession::serverTime()
     Delivery delivery;
     const Answer answer = withServer(delivery, [&](std::size_t server) {
         delivery = {}; // may be asked as often as one likes
-        return authorized(server, delivery, {}, [&](const std::string &header) {
+        return authorized(delivery, [&](const std::string &header) {
             return call(server, { .method = "GET", .path = "/v1/time", .headers = { { "Authorization", header } } }, delivery, {}, {});
         });
     });
@@ -183,40 +242,34 @@ ServerSession::Answer ServerSession::call(std::size_t server, const Request &req
     return answer;
 }
 
-std::string ServerSession::token(std::size_t server, const std::stop_token &stop)
+std::string ServerSession::token()
 {
-    std::string user;
-    std::string password;
-    {
-        const std::lock_guard lock(m_mutex);
-        if (!m_token.empty())
-            return m_token;
-        user = m_user;
-        password = m_password;
-    }
-    Answer answer = logIn(server, user, password, stop);
-    for (int waits = 0; waits < mostWaits && isBusy(answer.status, answer.text); ++waits) {
-        waitForTurn(stop);
-        answer = logIn(server, user, password, stop);
-    }
-    if (answer.status != ok)
-        fail(answer.status, answer.text);
-    const auto token = jsonText(answer.text, "token");
-    if (!token || token->empty())
-        throw Error(Failure::Login, "服务器没有给出登录凭证，请联系管理员。");
     const std::lock_guard lock(m_mutex);
-    return m_token = *token;
+    if (m_token.empty())
+        throw Error(Failure::SessionEnded, "没有登录，请先登录");
+    return m_token;
 }
 
-ServerSession::Answer ServerSession::logIn(
-    std::size_t server, const std::string &user, const std::string &password, const std::stop_token &stop)
+ServerSession::Answer ServerSession::callPatiently(std::size_t server, const Request &request, Delivery &delivery)
 {
-    const Request request { .method = "POST",
-        .path = "/v1/login",
-        .body = nlohmann::json { { "user", user }, { "password", password } }.dump(),
-        .headers = { { "Content-Type", "application/json" } } };
-    Delivery delivery;
-    return call(server, request, delivery, stop, {});
+    Answer answer = call(server, request, delivery, {}, {});
+    for (int waits = 0; waits < mostWaits && isBusy(answer.status, answer.text); ++waits) {
+        waitForTurn();
+        --delivery.sends;
+        answer = call(server, request, delivery, {}, {});
+    }
+    return answer;
+}
+
+Account ServerSession::takeToken(const Answer &answer)
+{
+    const auto given = jsonText(answer.text, "token");
+    auto account = Account::parse(answer.text);
+    if (!given || given->empty() || !account)
+        throw Error(Failure::Login, "服务器没有给出登录凭证，请联系管理员。");
+    const std::lock_guard lock(m_mutex);
+    m_token = *given;
+    return *std::move(account);
 }
 
 packet::PacketPtr ServerSession::queryAt(std::size_t server, const std::string &statement, Delivery &delivery, const std::stop_token &stop,
@@ -224,7 +277,7 @@ packet::PacketPtr ServerSession::queryAt(std::size_t server, const std::string &
 try {
     std::optional<packet::StreamReader> reader;
     std::uint64_t received = 0;
-    authorized(server, delivery, stop, [&](const std::string &header) {
+    authorized(delivery, [&](const std::string &header) {
         reader.emplace(packet::StreamLimits { .totalBytes = m_options.mostBytes });
         Request request { .method = "POST",
             .path = "/v1/query",

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "packet/packet.h"
+#include "server_client/account.h"
 #include "server_client/server_connection.h"
 
 #include <functional>
@@ -30,9 +31,16 @@ public:
     ServerSession(const ServerSession &) = delete;
     ~ServerSession();
 
-    /// While the servers have too many logins at a time it waits, half a minute at most. Throws Error: Login when user or password are
-    /// wrong, Unreachable when no server answers.
-    void login(const std::string &user, const std::string &password);
+    /// Remembers the token alone. While the servers have too many logins at a time it waits, half a minute at most. Throws Error: Login
+    /// when user or password are wrong, Unreachable when no server answers.
+    Account login(const std::string &user, const std::string &password);
+    /// The token from before ends; the session goes on with a new one. Throws Error, and the password is as before then unless the
+    /// connection was lost on the way.
+    Account changePassword(const std::string &before, const std::string &after);
+    /// Tells one server that the user goes, and forgets the token. Never throws; ends soon after a stop request.
+    void logout(const std::stop_token &stop);
+    /// For the audit log: the user wanted a screen that the account does not have. Never throws.
+    void reportRefusedScreen(const std::string &screen);
     /// Runs exactly one SELECT. A statement whose connection is lost before anything of its result has come is sent once more, to the
     /// next server that answers. Throws Error.
     packet::PacketPtr query(const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress);
@@ -49,10 +57,11 @@ private:
     auto withServer(Delivery &delivery, const Ask &ask);
     Answer call(std::size_t server, const Request &request, Delivery &delivery, const std::stop_token &stop,
         const ServerConnection::Receive &receiveRows);
-    Answer logIn(std::size_t server, const std::string &user, const std::string &password, const std::stop_token &stop);
-    std::string token(std::size_t server, const std::stop_token &stop);
+    Answer callPatiently(std::size_t server, const Request &request, Delivery &delivery);
+    Account takeToken(const Answer &answer);
+    std::string token();
     template <class Send>
-    Answer authorized(std::size_t server, Delivery &delivery, const std::stop_token &stop, const Send &send);
+    Answer authorized(Delivery &delivery, const Send &send);
     packet::PacketPtr queryAt(std::size_t server, const std::string &statement, Delivery &delivery, const std::stop_token &stop,
         const std::function<void(std::int64_t)> &progress);
     void tell(const std::string &address);
@@ -61,9 +70,7 @@ private:
     const Watch m_watch;
     const std::shared_ptr<const Trust> m_trust;
     std::mutex m_mutex; ///< for what follows
-    std::string m_user;
-    std::string m_password;
-    std::string m_token;
+    std::string m_token; ///< empty: nobody is logged in
     std::size_t m_server = 0;
     std::optional<std::string> m_told;
     std::vector<std::vector<std::unique_ptr<ServerConnection>>> m_idle; ///< by server

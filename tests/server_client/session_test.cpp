@@ -187,13 +187,47 @@ TEST(Session, RefusesWrongPasswordsAndServersThatCannotProveWhoTheyAre)
     EXPECT_THROW(ServerSession({ .addresses = { {} }, .authorities = { "no certificate" } }), server_client::Error);
 }
 
-TEST(Session, RenewsATokenThatHasRunOut)
+TEST(Session, EndsWithItsTokenAndKeepsNoPassword)
 {
     const TestServer server([](server::Configuration &configuration) { configuration.tokenLife = 1s; });
     ServerSession session(optionsFor(server, { server.port() }));
+    EXPECT_EQ(failureOf([&] { run(session, fewRows); })->failure(), Failure::SessionEnded);
     session.login("ann", server::test::password);
     std::this_thread::sleep_for(2100ms);
+    for (const char *reason : { "过期", "没有登录" }) {
+        const auto failure = failureOf([&] { run(session, fewRows); });
+        ASSERT_TRUE(failure);
+        EXPECT_EQ(failure->failure(), Failure::SessionEnded);
+        EXPECT_THAT(failure->what(), HasSubstr(reason));
+    }
+    EXPECT_EQ(failureOf([&] { session.login("ann", "falsch"); })->failure(), Failure::Login);
+    session.login("ann", server::test::password);
     EXPECT_EQ(run(session, fewRows)->rowCount(), 1000U);
+}
+
+TEST(Session, ChangesThePasswordAndGoesOn)
+{
+    const TestServer server;
+    server::test::runUser(
+        server.configuration().users, "set", "ann", {}, { "must_change=yes", "site=O'Neill", "sites=O'Neill,甲", "screens=frm_A=101" });
+    ServerSession session(optionsFor(server, { server.port() }));
+    ASSERT_TRUE(becomesTrue([&] { return session.login("ann", server::test::password).mustChangePassword; }));
+    ServerSession other(optionsFor(server, { server.port() }));
+    const auto account = other.login("ann", server::test::password);
+    EXPECT_EQ(account.site, "O'Neill");
+    EXPECT_EQ(account.sites, (std::vector<std::string> { "O'Neill", "甲" }));
+    EXPECT_EQ(account.screens.at("frm_A"), "101");
+    const auto refused = failureOf([&] { session.changePassword("falsch", "new password"); });
+    ASSERT_TRUE(refused);
+    EXPECT_EQ(refused->failure(), Failure::Refused);
+    EXPECT_FALSE(session.changePassword(server::test::password, "new password").mustChangePassword);
+    EXPECT_EQ(run(session, fewRows)->rowCount(), 1000U);
+    EXPECT_THAT(failureOf([&] { run(other, fewRows); })->what(), HasSubstr("密码已经更改"));
+    session.reportRefusedScreen("frm_\"B\"111");
+    session.logout({});
+    EXPECT_THAT(server.auditLines("screen", 1).front(), HasSubstr("frm_\\\"B\\\"111"));
+    EXPECT_EQ(server.auditLines("logout", 1).size(), 1U);
+    EXPECT_EQ(failureOf([&] { run(session, fewRows); })->failure(), Failure::SessionEnded);
 }
 
 TEST(Session, CancelsAtTheServer)

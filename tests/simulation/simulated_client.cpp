@@ -58,14 +58,22 @@ std::vector<Asked> SimulatedClient::run(int statements)
 {
     std::vector<Asked> all;
     server_client::ServerSession session(m_surroundings.session);
-    try {
-        session.login("ann", server::test::password);
-    } catch (const server_client::Error &) {
-        // The first statement logs in.
-    }
+    const auto logIn = [&] {
+        m_jumpsAtLogin = m_surroundings.clockJumps();
+        try {
+            session.login("ann", server::test::password);
+            return true;
+        } catch (const server_client::Error &) {
+            return false;
+        }
+    };
+    bool isIn = logIn();
     for (int number = 0; number < statements; ++number) {
         m_surroundings.begins();
-        all.push_back(ask(session, planStatement(m_seed, m_number, number)));
+        isIn = isIn || logIn();
+        const StatementPlan plan = planStatement(m_seed, m_number, number);
+        all.push_back(isIn ? ask(session, plan) : Asked { .plan = plan, .outcome = "unreachable" });
+        isIn = isIn && all.back().outcome != "session ended";
     }
     return all;
 }
@@ -77,7 +85,6 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
     if (plan.cancelAfter)
         canceller.emplace(*plan.cancelAfter);
     std::uint64_t actsBefore = 0;
-    const int jumpsBefore = m_surroundings.clockJumps();
     const auto begun = Clock::now();
     try {
         const auto rows = session.query(plan.sql(), canceller ? canceller->token() : std::stop_token(), [&](std::int64_t) {
@@ -89,10 +96,10 @@ Asked SimulatedClient::ask(server_client::ServerSession &session, const Statemen
         asked.outcome = "whole";
         asked.violation = plan.faultOf(*rows);
     } catch (const server_client::Error &error) {
-        const char *const names[] = { "unreachable", "certificate", "login", "refused", "result", "cancelled" };
+        const char *const names[] = { "unreachable", "certificate", "login", "session ended", "refused", "result", "cancelled" };
         asked.outcome = names[int(error.failure())];
         asked.violation = judge(
-            plan, error, { .isCancelled = canceller && canceller->hasAsked(), .clockJumps = m_surroundings.clockJumps() - jumpsBefore });
+            plan, error, { .isCancelled = canceller && canceller->hasAsked(), .clockJumps = m_surroundings.clockJumps() - m_jumpsAtLogin });
     } catch (const std::exception &error) {
         asked.outcome = "exception";
         asked.violation = error.what();
@@ -123,7 +130,9 @@ std::string SimulatedClient::judge(const StatementPlan &plan, const server_clien
             || (plan.nature == Nature::Failing && has(message, "ORA-01722"));
         break;
     case Failure::Login:
-        // The token that was fetched in place of an old one may end before it is used.
+        break;
+    case Failure::SessionEnded:
+        // A clock that was set forward has ended the token.
         isAllowed = circumstances.clockJumps > 0;
         break;
     case Failure::Certificate:

@@ -43,6 +43,7 @@ private:
     const std::uint64_t m_seed;
     const int m_number;
     const Surroundings m_surroundings;
+    int m_jumpsAtLogin = 0; ///< of the clock by which tokens end
 };
 
 } // namespace simulation
