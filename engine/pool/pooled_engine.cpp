@@ -92,6 +92,8 @@ void PooledEngine::readRules(Connection &connection, const EngineOptions &option
                 areTexts.push_back(packet->schema()[column].type == packet::ColumnType::Text);
             m_rules.hide(number, areTexts, m_schema);
         } catch (const Error &error) {
+            if (error.failure() == Failure::Unavailable)
+                throw;
             throw Error(Failure::Unavailable, "表 " + rule.table + " 的行规则不能用：" + error.what() + "；请改正配置后重新启动");
         }
     }
