@@ -64,7 +64,10 @@ void DialectWriter::writeValue(const gate::Annotation &annotation, const gate::R
         return replace(annotation, reading.site);
     if (annotation.construct == Construct::Employee)
         return replace(annotation, reading.employee);
-    replace(annotation, reading.siteList);
+    std::string list = "(";
+    for (const std::string &sites : reading.sites)
+        list.append(list.size() > 1 ? "," : "").append(sites);
+    replace(annotation, list + ")");
 }
 
 void DialectWriter::writeCommon(const gate::Annotation &annotation)

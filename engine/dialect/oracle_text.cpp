@@ -1,29 +1,24 @@
 #include "engine/dialect/dialect.h"
 #include "engine/dialect/dialect_writer.h"
 
-#include <algorithm>
-
 namespace engine {
 
 namespace {
 
 using gate::Construct;
 
-constexpr std::size_t longestList = 1000; ///< Oracle takes no more values in one list
-
-/// "X in (:sites)", the whole test again for every thousand sites.
+/// "X in (:sites)", the whole test again for every list.
 void writeSites(DialectWriter &writer, std::string_view sql, const gate::Annotation &annotation, const gate::Reading &reading)
 {
-    std::span<const std::string> sites = reading.sites;
-    if (sites.size() <= longestList)
+    if (reading.sites.size() == 1)
         return writer.writeValue(annotation, reading);
     const auto test = std::size_t(annotation.limit);
     const std::string_view before = sql.substr(test, annotation.begin - test);
     std::string lists;
-    for (; !sites.empty(); sites = sites.subspan(std::min(longestList, sites.size()))) {
+    for (const std::string &sites : reading.sites) {
         if (!lists.empty())
             lists.append(" or ").append(before);
-        lists += gate::listOf(sites.first(std::min(longestList, sites.size())));
+        lists.append("(").append(sites).append(")");
     }
     writer.open(std::uint32_t(test), "(");
     writer.replace(annotation, lists);

@@ -10,6 +10,7 @@ namespace engine::gate {
 namespace {
 
 constexpr std::size_t longestValue = 400; ///< bytes
+constexpr std::string_view siteName = "网点名称";
 constexpr std::size_t wordsAround = 8; ///< select, from, where, parentheses, an alias
 
 [[noreturn]] void fail(const TableRule &rule, const std::string &reason)
@@ -26,10 +27,8 @@ std::string quotedName(std::string_view name)
     return quoted + '"';
 }
 
-std::string literalOf(const std::string &value, std::string_view what)
+void appendLiteral(std::string &out, std::string_view value, std::string_view what)
 {
-    if (value.empty())
-        return "NULL";
     if (value.size() > longestValue)
         throw Error(Failure::Refused, "账号的" + std::string(what) + "超过 400 字节，不能用来限定数据范围，请联系管理员");
     try {
@@ -37,24 +36,27 @@ std::string literalOf(const std::string &value, std::string_view what)
     } catch (const Refusal &) {
         throw Error(Failure::Refused, "账号的" + std::string(what) + "中有控制字符或不是 UTF-8 编码，请联系管理员");
     }
-    std::string literal = "'";
-    for (const char character : value)
-        literal.append(character == '\'' ? 2 : 1, character);
-    return literal + '\'';
+    if (value.empty()) {
+        out += "NULL";
+        return;
+    }
+    out += '\'';
+    for (std::size_t quote; (quote = value.find('\'')) != std::string_view::npos; value.remove_prefix(quote + 1))
+        out.append(value.substr(0, quote + 1)) += '\'';
+    out.append(value) += '\'';
+}
+
+std::string literalOf(std::string_view value, std::string_view what)
+{
+    std::string literal;
+    appendLiteral(literal, value, what);
+    return literal;
 }
 
 /// Null of the column's own type where it is no text.
 std::string maskOf(const std::string &column, bool isText) { return isText ? "'***'" : "nullif(" + column + "," + column + ")"; }
 
 } // namespace
-
-std::string listOf(std::span<const std::string> literals)
-{
-    std::string list = "(";
-    for (const std::string &literal : literals)
-        list.append(list.size() > 1 ? "," : "").append(literal);
-    return list + ")";
-}
 
 RowRules::RowRules(const std::vector<TableRule> &rules, const Schema &schema)
 {
@@ -116,21 +118,25 @@ void RowRules::hide(std::size_t number, const std::vector<bool> &areTexts, const
 
 Reading::Reading(const RowRules &given, const Reader &reader)
     : rules(given)
-    , site(literalOf(reader.site, "网点名称"))
+    , siteCount(reader.sites.size())
+    , site(literalOf(reader.site, siteName))
     , employee(literalOf(reader.employee, "员工编号"))
 {
-    sites.reserve(reader.sites.size() + 1);
-    for (const std::string &name : reader.sites)
-        sites.push_back(literalOf(name, "网点名称"));
+    for (std::size_t number = 0; number < siteCount; ++number) {
+        if (number % sitesTogether == 0)
+            sites.emplace_back();
+        else
+            sites.back() += ',';
+        appendLiteral(sites.back(), reader.sites[number], siteName);
+    }
     if (sites.empty())
         sites.emplace_back("NULL");
-    siteList = listOf(sites);
 }
 
 std::size_t Reading::wordsOf(std::size_t rule) const
 {
     const Condition &condition = rules[rule].condition;
-    return wordsAround + condition.words + condition.siteLists * 2 * sites.size();
+    return wordsAround + condition.words + condition.siteLists * 2 * siteCount;
 }
 
 } // namespace engine::gate

@@ -4,7 +4,6 @@
 #include "engine/gate/gate.h"
 
 #include <optional>
-#include <span>
 
 namespace engine::gate {
 
@@ -48,14 +47,14 @@ struct Reading {
     /// How many words a rule puts in place of its table.
     std::size_t wordsOf(std::size_t rule) const;
 
+    static constexpr std::size_t sitesTogether = 1000; ///< Oracle takes no more values in one list
+
     const RowRules &rules;
-    std::vector<std::string> sites; ///< never empty: NULL belongs to nobody
-    std::string siteList {}; ///< "('a','b')"
+    std::size_t siteCount;
+    std::vector<std::string> sites {}; ///< "'a','b'", so many together; NULL, which belongs to nobody, when there are none
     std::string site;
     std::string employee;
     RuleOrder order = RuleOrder::Any;
 };
-
-std::string listOf(std::span<const std::string> literals);
 
 } // namespace engine::gate
