@@ -131,6 +131,9 @@ enum class Verdict { Same, BothFail, NotCompared, Different };
 
 Verdict compare(const Outcome &seen, const Outcome &expected)
 {
+    const auto isLate = [](const Outcome &outcome) { return outcome.failed && outcome.failure == Failure::TimeLimit; };
+    if (isLate(seen) || isLate(expected))
+        return Verdict::NotCompared;
     if (seen.failed || expected.failed)
         return seen.failed && expected.failed ? Verdict::BothFail : Verdict::Different;
     if (seen.packet->truncated() || expected.packet->truncated())
@@ -146,9 +149,10 @@ bool showsCanary(const Outcome &outcome)
     return std::any_of(rows.begin(), rows.end(), [](const std::string &row) { return row.find(canary) != std::string::npos; });
 }
 
-Verdict verdictOn(const Networks &networks, const std::string &sql)
+/// `failures` tells what the two said when they failed.
+Verdict verdictOn(const Networks &networks, const std::string &sql, std::string &failures)
 {
-    const QueryOptions plain { .timeLimit = std::chrono::seconds(5), .rowLimit = 20'000 };
+    const QueryOptions plain { .timeLimit = std::chrono::seconds(60), .rowLimit = 20'000 };
     QueryOptions asReader = plain;
     asReader.reader = reader;
     const Outcome seen = outcomeOf(*networks.whole, sql, asReader);
@@ -156,6 +160,7 @@ Verdict verdictOn(const Networks &networks, const std::string &sql)
         return Verdict::Different;
     const Outcome expected = outcomeOf(*networks.left, sql, plain);
     const Verdict verdict = compare(seen, expected);
+    failures = seen.message + " / " + expected.message;
     if (verdict != Verdict::Different || (!seen.failed && !expected.failed))
         return verdict;
     // Which values are computed, and so whether one fails, depends on the order of conditions: then let rules stand on both sides.
@@ -178,9 +183,10 @@ int main(int count, char **arguments)
         EvasionWriter writer(seed);
         const std::string sql = writer.evasion();
         ways.insert(writer.ways().begin(), writer.ways().end());
-        const Verdict verdict = verdictOn(networks, sql);
+        std::string failures;
+        const Verdict verdict = verdictOn(networks, sql, failures);
         if (++verdicts[verdict] <= mostPrinted && verdict == Verdict::Different)
-            std::printf("seed %llu: %s\n", static_cast<unsigned long long>(seed), sql.c_str());
+            std::printf("seed %llu: %s\n  %s\n", static_cast<unsigned long long>(seed), sql.c_str(), failures.c_str());
     }
     const auto number = [](std::uint64_t value) { return static_cast<unsigned long long>(value); };
     std::printf("%llu statements in %zu ways: %llu the same, %llu refused alike, %llu not compared, %llu different\n", number(statements),
