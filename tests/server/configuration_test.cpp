@@ -181,6 +181,24 @@ TEST_F(ConfigurationTest, APasswordInAnAddressStandsInNoMessage)
     }
 }
 
+/// Only the tables can tell that a rule is wrong.
+TEST_F(ConfigurationTest, TheCheckNamesTheLineOfARuleThatDoesNotFit)
+{
+    const auto faultOf = [this](const std::string &line) {
+        const std::string database = "\n[database main]\nurl = " + numbersDatabase().url() + "\n" + line + "\n";
+        try {
+            checkDatabases(parse("certificate = c\nprivate_key = k\nusers = u\ntoken_key_file = token.key" + database));
+            return std::string("no fault");
+        } catch (const std::runtime_error &error) {
+            return std::string(error.what());
+        }
+    };
+    EXPECT_EQ(faultOf("rows NUMBERS = n = 1 and text <> :employee"), "no fault");
+    EXPECT_THAT(faultOf("rows NUMBERS = site in (:sites)"),
+        AllOf(HasSubstr("数据库“main”"), HasSubstr("server.conf 第 7 行"), HasSubstr("没有“site”这一列")));
+    EXPECT_THAT(faultOf("hide NUMBERS.phone"), AllOf(HasSubstr("server.conf 第 7 行"), HasSubstr("没有“phone”这一列")));
+}
+
 TEST(Options, AreReadOrRefused)
 {
     const auto read = [](std::vector<std::string> arguments) { return readOptions(arguments); };
