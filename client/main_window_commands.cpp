@@ -9,7 +9,6 @@
 #include "client/screen_list.h"
 #include "client/start_page.h"
 #include "client/status_line.h"
-#include "client/theme.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_commands.h"
@@ -118,7 +117,7 @@ const QList<MainWindow::Command> &MainWindow::commands()
         Command::ofPage<9>(u"第 9 页结果", u"Ctrl+9"),
         { u"显示(&V)", u"放大表格", u"Ctrl+= Ctrl++", nullptr, Command::Nothing, [](MainWindow *) { stepGridZoom(1); } },
         { u"显示(&V)", u"缩小表格", u"Ctrl+-", nullptr, Command::Nothing, [](MainWindow *) { stepGridZoom(-1); } },
-        { u"显示(&V)", u"原始大小", u"Ctrl+0", nullptr, Command::Nothing, [](MainWindow *) { setGridZoom(keptAppearance().textPercent); } },
+        { u"显示(&V)", u"原始大小", u"Ctrl+0", nullptr, Command::Nothing, [](MainWindow *) { setGridZoom(100); } },
         { u"显示(&V)", u"收起或展开条件", u"Shift+F6", nullptr, Command::Form,
             [](MainWindow *window) { toggleConditions(*window->activeForm()); } },
         { u"窗口(&W)", u"层叠", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->cascadeSubWindows(); } },

@@ -50,11 +50,11 @@ void MainWindow::tellFailure(const TForm &screen)
 void MainWindow::enterAnswer(QWidget *before, Answer answer)
 {
     const QWidget *now = activeForm()->focusWidget();
-    if (now && (now == before || isTabStop(*now)))
+    if (now && isTabStop(*now))
         return;
     if (answer == Answer::Came && m_grid && m_grid->rowCount() > 0)
         m_grid->setFocus();
-    else if (before)
+    else if (before && isTabStop(*before))
         before->setFocus();
 }
 

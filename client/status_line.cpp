@@ -160,7 +160,8 @@ void StatusLine::showRights(const TForm *form)
     QString rights;
     for (const char *name : published_by_screen::rights)
         rights += form && form->property(name).toBool() ? u'1' : u'0';
-    fill(m_rights, form ? QStringLiteral("权限：%1").arg(rights) : QString());
+    const bool hasRights = form && form->property(published_by_screen::rights[0]).isValid();
+    fill(m_rights, hasRights ? QStringLiteral("权限：%1").arg(rights) : QString());
 }
 
 void StatusLine::showTime(const QString &time) { fill(m_time, time); }

@@ -92,9 +92,12 @@ void applyTheme()
 void applyAppearance(const Appearance &appearance)
 {
     const bool dark = appearance.tone == Tone::Dark || (appearance.tone == Tone::System && systemIsDark);
-    QApplication::setPalette(paletteOf(dark ? darkColors : lightColors));
+    QPalette palette = paletteOf(dark ? darkColors : lightColors);
+    if (dark)
+        palette.setColor(QPalette::Mid, QColor(0x60, 0x65, 0x6c)); // lines must be lighter than what they part
+    QApplication::setPalette(palette);
     setFont(appearance.textPercent);
-    platform::setGridZoom(appearance.textPercent);
+    platform::setTextScale(appearance.textPercent);
 }
 
 Appearance keptAppearance()

@@ -468,13 +468,14 @@ QFont TDBGridEh::designedFont() const { return parentWidget() ? parentWidget()->
 
 void TDBGridEh::takeZoom()
 {
+    const int percent = gridZoom() * textScale() / 100;
     QFont zoomed = designedFont();
     if (zoomed.pixelSize() > 0)
-        zoomed.setPixelSize(std::max(1, zoomed.pixelSize() * gridZoom() / 100));
+        zoomed.setPixelSize(std::max(1, zoomed.pixelSize() * percent / 100));
     else
         zoomed.setPointSizeF(zoomed.pointSizeF() * gridZoom() / 100);
-    m_geometry->setZoom(gridZoom());
-    setFont(gridZoom() == 100 ? QFont() : zoomed);
+    m_geometry->setZoom(percent);
+    setFont(zoomed == designedFont() ? QFont() : zoomed);
     arrange();
     showCurrentCell();
 }

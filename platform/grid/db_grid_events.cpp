@@ -268,7 +268,9 @@ void TDBGridEh::changeEvent(QEvent *event)
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
         arrange();
-    if (event->type() == QEvent::ParentChange && gridZoom() != 100)
+    // A font that it inherits is the design again.
+    const bool inherits = event->type() == QEvent::FontChange || event->type() == QEvent::ParentChange;
+    if (inherits && gridZoom() * textScale() != 100 * 100)
         takeZoom();
     viewport()->update();
 }

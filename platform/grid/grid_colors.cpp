@@ -8,10 +8,12 @@ namespace platform {
 
 namespace {
 
-// Of a colour on a dark palette: how light a background is at least and at most, how much of its saturation stays, how light a text is.
+// Of a colour on a dark palette: how light a background is at least and at most and how far light ones
+// lie apart, how much of its saturation stays, how light a text is.
 constexpr float darkest = 0.12F;
 constexpr float lightest = 0.40F;
-constexpr float saturation = 0.55F;
+constexpr float spread = 0.8F;
+constexpr float saturation = 0.30F;
 constexpr float textLightness = 0.70F;
 
 QColor lightened(const QColor &text)
@@ -44,7 +46,7 @@ QColor GridColors::background(const QColor &designed) const
 {
     if (base.lightnessF() > 0.5F || designed == base)
         return designed;
-    const float lightness = darkest + (1 - designed.lightnessF()) * (lightest - darkest);
+    const float lightness = std::min(lightest, darkest + (1 - designed.lightnessF()) * spread);
     return QColor::fromHslF(std::max(0.0F, designed.hslHueF()), designed.hslSaturationF() * saturation, lightness);
 }
 

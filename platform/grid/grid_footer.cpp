@@ -37,8 +37,9 @@ void GridFooter::paintEvent(QPaintEvent *event)
 {
     const GridColors colors(palette());
     const QColor background = m_color.isValid() ? colors.background(m_color) : colors.title;
-    const QColor line = blend(background, Qt::black, 0.15);
-    const QColor text = m_textColor.isValid() ? colors.textColor(m_textColor) : readableOn(background);
+    const QColor edge = readableOn(background);
+    const QColor line = blend(background, edge, 0.15);
+    const QColor text = m_textColor.isValid() ? colors.textColor(m_textColor) : edge;
     QPainter painter(this);
     painter.fillRect(event->rect(), background);
     for (const ColumnGeometry::Span &span : m_geometry.spans(event->rect())) {
@@ -53,7 +54,7 @@ void GridFooter::paintEvent(QPaintEvent *event)
         }
     }
     painter.setClipping(false);
-    painter.fillRect(0, 0, width(), 1, blend(background, Qt::black, 0.3));
+    painter.fillRect(0, 0, width(), 1, blend(background, edge, 0.3));
     for (int row = 1; row < m_rows; ++row)
         painter.fillRect(0, row * m_rowHeight, width(), 1, line);
     painter.fillRect(m_geometry.indicatorWidth() - 1, 0, 1, height(), line);

@@ -15,6 +15,15 @@ constexpr int largest = 300;
 constexpr int step = 10;
 
 int zoom = 100;
+int scale = 100;
+
+void tellGrids()
+{
+    for (QWidget *widget : QApplication::allWidgets()) {
+        if (auto *grid = qobject_cast<TDBGridEh *>(widget))
+            grid->takeZoom();
+    }
+}
 
 } // namespace
 
@@ -23,10 +32,15 @@ int gridZoom() { return zoom; }
 void setGridZoom(int percent)
 {
     zoom = std::clamp(percent, smallest, largest);
-    for (QWidget *widget : QApplication::allWidgets()) {
-        if (auto *grid = qobject_cast<TDBGridEh *>(widget))
-            grid->takeZoom();
-    }
+    tellGrids();
+}
+
+int textScale() { return scale; }
+
+void setTextScale(int percent)
+{
+    scale = std::clamp(percent, smallest, largest);
+    tellGrids();
 }
 
 void stepGridZoom(int steps) { setGridZoom((zoom + step / 2) / step * step + steps * step); }

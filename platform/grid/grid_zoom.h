@@ -6,6 +6,10 @@ namespace platform {
 int gridZoom();
 /// Takes the nearest zoom that there is, at once in all grids.
 void setGridZoom(int percent);
+/// How large the program's texts are, in percent of their design. Grids whose font is designed in pixels follow it; fonts in points
+/// are the program's own, which has taken it already.
+int textScale();
+void setTextScale(int percent);
 /// The next larger or smaller zoom.
 void stepGridZoom(int steps);
 

@@ -19,20 +19,37 @@ namespace plugin {
 namespace {
 
 constexpr int fieldWidth = 150;
+constexpr int leastFieldWidth = 112; ///< where the window is narrow
 constexpr int widestField = 260;
 constexpr int timeFieldWidth = 168;
 constexpr int gap = 6;
 constexpr qreal designedPoints = 9; ///< of the font that the widths are measured in
 
+qreal fontScale(const QWidget &control) { return std::max(1.0, control.font().pointSizeF() / designedPoints); }
+
+/// A field that wants to have its usual width and can do with less.
+class FieldItem : public QWidgetItem {
+public:
+    using QWidgetItem::QWidgetItem;
+
+    QSize sizeHint() const override
+    {
+        const QWidget *field = const_cast<FieldItem *>(this)->widget();
+        const bool isButton = qobject_cast<const QAbstractButton *>(field);
+        const int wanted = isButton ? 0 : std::min(int(fieldWidth * fontScale(*field)), field->maximumWidth());
+        return QWidgetItem::sizeHint().expandedTo({ wanted, 0 });
+    }
+};
+
 void setFieldWidth(QWidget *control)
 {
     if (control->minimumWidth() == control->maximumWidth())
         return;
-    const qreal scale = std::max(1.0, control->font().pointSizeF() / designedPoints);
+    const qreal scale = fontScale(*control);
     if (qobject_cast<TDBDateTimeEditEh *>(control)) {
         control->setFixedWidth(int(timeFieldWidth * scale));
     } else if (!qobject_cast<QAbstractButton *>(control)) {
-        control->setMinimumWidth(int(fieldWidth * scale));
+        control->setMinimumWidth(int(leastFieldWidth * scale));
         control->setMaximumWidth(int(widestField * scale));
     }
 }
@@ -54,7 +71,7 @@ void fill(QGridLayout *grid, TComponentOwner *owner, const QList<ConditionRow> &
         if (!row.label.isEmpty())
             grid->addWidget(makeLabel(owner, row), line, column, Qt::AlignRight | Qt::AlignVCenter);
         setFieldWidth(row.control);
-        grid->addWidget(row.control, line, column + 1);
+        grid->addItem(new FieldItem(row.control), line, column + 1);
         grid->setColumnStretch(column + 1, 1);
     }
 }
