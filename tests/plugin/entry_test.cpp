@@ -142,8 +142,9 @@ TEST_F(Entry, EveryScreenFitsTheSmallestScreenThatIsInUse)
         const auto *panel = qobject_cast<QWidget *>(form->findComponent(u"Panel1"));
         EXPECT_LT(panel->height(), 330) << screen;
         for (const QWidget *field : panel->findChildren<QWidget *>()) {
-            if (field->isVisible())
+            if (field->isVisible()) {
                 EXPECT_LE(field->mapTo(form, field->rect().bottomRight()).x(), form->width()) << screen;
+            }
         }
     }
 }
