@@ -85,7 +85,7 @@ void applyTheme()
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     substituteFonts();
     applyAppearance({});
-    QApplication::installTranslator(new ToolkitTexts(qApp));
+    installToolkitTexts();
     QApplication::setWindowIcon(programIcon());
 }
 
