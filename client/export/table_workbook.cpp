@@ -16,6 +16,14 @@ namespace client {
 namespace {
 
 constexpr int rowsBetweenReports = 1024;
+constexpr char16_t fontFamily[] = u"宋体";
+constexpr int fontPoints = 10;
+constexpr int halfWidth = 7; ///< pixels of a letter in that font; a Han character takes two
+constexpr int timeLetters = 19;
+constexpr int cellPadding = 10;
+constexpr int filterButton = 18; ///< beside the title
+constexpr int mostLetters = 40; ///< for which a column is made wider than on the screen
+constexpr int uprightPixels = 720; ///< what A4 is wide between its margins
 
 /// The looks of one column's cells.
 struct ColumnFormats {
@@ -43,6 +51,29 @@ QByteArray numberFormat(CellKind kind, int scale)
     return "#,##0." + QByteArray(std::max(2, scale), '0');
 }
 
+/// Half-widths that the first letters of a UTF-8 text take.
+int widthOf(std::string_view text)
+{
+    int width = 0;
+    int letters = 0;
+    for (const char byte : text) {
+        const auto lead = static_cast<unsigned char>(byte);
+        if ((lead & 0xC0) == 0x80)
+            continue;
+        if (++letters > mostLetters)
+            break;
+        width += lead >= 0xE0 ? 2 : 1;
+    }
+    return width;
+}
+
+/// The same of a number that is written with thousands and `decimals` digits after the point.
+int widthOf(double number, int decimals)
+{
+    const int digits = std::abs(number) < 10 ? 1 : int(std::log10(std::abs(number))) + 1;
+    return (number < 0 ? 1 : 0) + digits + (digits - 1) / 3 + (decimals > 0 ? 1 + decimals : 0);
+}
+
 /// A table in a workbook, written row by row.
 class TableWorkbook {
 public:
@@ -50,6 +81,7 @@ public:
         : m_table(table)
         , m_sheetRows(sheetRows)
         , m_book(file)
+        , m_letters(table.columns.size())
     {
         createFormats();
         addTitledSheet();
@@ -75,9 +107,11 @@ public:
     }
     void addNotes()
     {
+        finishSheet();
         m_book.addSheet(QStringLiteral("查询条件"));
         m_book.setColumnWidth(0, 173, m_text);
         m_book.setColumnWidth(1, 425, m_text);
+        m_book.setPrinting(QPageLayout::Portrait, 0);
         m_row = 0;
         for (const ExportNote &note : m_table.notes) {
             m_book.writeText(m_row, 0, note.caption.toStdString(), m_title);
@@ -92,7 +126,7 @@ private:
     {
         lxw_format *&made = m_looks[{ number, bold }];
         if (!made)
-            made = m_book.addFormat({ .number = number, .bold = bold });
+            made = m_book.addFormat({ .number = number, .bold = bold, .family = QString::fromUtf16(fontFamily), .points = fontPoints });
         return made;
     }
     void createFormats()
@@ -113,11 +147,8 @@ private:
     void addTitledSheet()
     {
         m_book.addSheet(m_table.title);
-        for (std::size_t column = 0; column < m_table.columns.size(); ++column) {
-            const ExportColumn &shown = m_table.columns[column];
-            m_book.setColumnWidth(int(column), shown.width, m_formats[column].cell);
-            m_book.writeText(0, int(column), shown.title.toStdString(), m_title);
-        }
+        for (std::size_t column = 0; column < m_table.columns.size(); ++column)
+            m_book.writeText(0, int(column), m_table.columns[column].title.toStdString(), m_title);
         m_book.freezePanes(1, m_table.frozenColumns);
         m_lastDataRow = 0;
         m_row = 1;
@@ -127,12 +158,26 @@ private:
         if (std::exchange(m_rowsOpen, false))
             m_book.setFilter(m_lastDataRow, int(m_table.columns.size()));
     }
+    /// The widths are those of what was written so far.
+    void finishSheet()
+    {
+        int whole = 0;
+        for (std::size_t column = 0; column < m_table.columns.size(); ++column) {
+            const int letters = m_letters[column] * halfWidth + cellPadding;
+            const int title = widthOf(m_table.columns[column].title.toStdString()) * halfWidth + cellPadding + filterButton;
+            const int width = std::max({ m_table.columns[column].width, letters, title });
+            m_book.setColumnWidth(int(column), width, m_formats[column].cell);
+            whole += width;
+        }
+        m_book.setPrinting(whole > uprightPixels ? QPageLayout::Landscape : QPageLayout::Portrait, 1);
+    }
     void beginRow()
     {
         if (m_row < m_sheetRows)
             return;
         const bool rows = m_rowsOpen;
         endRows();
+        finishSheet();
         addTitledSheet();
         m_rowsOpen = rows;
     }
@@ -145,11 +190,24 @@ private:
             if (m_table.rows.overlay().isNull(field, source))
                 return;
             if (const auto number = numberOf(shown.kind, field, source))
-                return m_book.writeNumber(m_row, int(column), *number, m_formats[column].cell);
+                return writeNumber(column, *number, m_formats[column].cell);
         }
         const std::string_view text = m_table.text(column, row, m_buffer);
         if (!text.empty())
-            m_book.writeText(m_row, int(column), text, m_formats[column].text);
+            writeText(column, text, m_formats[column].text);
+    }
+    void writeText(std::size_t column, std::string_view text, lxw_format *format)
+    {
+        m_letters[column] = std::max(m_letters[column], widthOf(text));
+        m_book.writeText(m_row, int(column), text, format);
+    }
+    void writeNumber(std::size_t column, double number, lxw_format *format)
+    {
+        const ExportColumn &shown = m_table.columns[column];
+        const int width
+            = shown.kind == CellKind::Time ? timeLetters : widthOf(number, shown.kind == CellKind::Integer ? 0 : std::max(2, shown.scale));
+        m_letters[column] = std::max(m_letters[column], width);
+        m_book.writeNumber(m_row, int(column), number, format);
     }
     std::optional<double> numberOf(CellKind kind, std::size_t field, std::uint32_t source) const
     {
@@ -166,9 +224,9 @@ private:
     {
         const auto value = footer.number ? packet::Decimal::parse(footer.text.toStdString()) : std::nullopt;
         if (const auto number = value ? files::exactNumber(*value) : std::nullopt)
-            m_book.writeNumber(m_row, int(column), *number, m_formats[column].footer);
+            writeNumber(column, *number, m_formats[column].footer);
         else if (!footer.text.isEmpty())
-            m_book.writeText(m_row, int(column), footer.text.toStdString(), m_formats[column].footerText);
+            writeText(column, footer.text.toStdString(), m_formats[column].footerText);
     }
 
     const ExportTable &m_table;
@@ -178,6 +236,7 @@ private:
     lxw_format *m_title = nullptr;
     QHash<std::pair<QByteArray, bool>, lxw_format *> m_looks;
     std::vector<ColumnFormats> m_formats;
+    std::vector<int> m_letters; ///< half-widths of each column's longest text
     std::uint32_t m_row = 0;
     bool m_rowsOpen = true; ///< no filter has been set over the rows of the sheet at hand
     std::uint32_t m_lastDataRow = 0; ///< of the sheet; the titles' while it has none

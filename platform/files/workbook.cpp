@@ -119,6 +119,18 @@ void Workbook::setColumnWidth(int column, int pixels, lxw_format *format)
 
 void Workbook::freezePanes(std::uint32_t rows, int columns) { worksheet_freeze_panes(m_sheet, rows, lxw_col_t(columns)); }
 
+void Workbook::setPrinting(QPageLayout::Orientation orientation, int titleRows)
+{
+    constexpr std::uint8_t a4 = 9;
+    worksheet_set_paper(m_sheet, a4);
+    if (orientation == QPageLayout::Landscape)
+        worksheet_set_landscape(m_sheet);
+    worksheet_fit_to_pages(m_sheet, 1, 0);
+    if (titleRows > 0)
+        check(worksheet_repeat_rows(m_sheet, 0, lxw_row_t(titleRows - 1)));
+    check(worksheet_set_footer(m_sheet, "&L&A&R第 &P 页 / 共 &N 页"));
+}
+
 void Workbook::setFilter(std::uint32_t lastRow, int columns)
 {
     check(worksheet_autofilter(m_sheet, 0, 0, lastRow, lxw_col_t(columns - 1)));

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QColor>
+#include <QPageLayout>
 #include <QString>
 
 #include <cstdint>
@@ -52,9 +53,11 @@ public:
 
     /// Begins a sheet, to which everything below goes. A title that is taken is numbered; letters that cannot stand in one are left out.
     void addSheet(const QString &title);
-    /// The format is that of the column's empty cells.
+    /// The format is that of the column's empty cells. May come after the cells.
     void setColumnWidth(int column, int pixels, lxw_format *format = nullptr);
     void freezePanes(std::uint32_t rows, int columns);
+    /// How the sheet is printed: as wide as a page of A4, the first `titleRows` on each page, its name and the page's number below.
+    void setPrinting(QPageLayout::Orientation orientation, int titleRows);
     /// A filter over the rows from the first to `lastRow` and all columns before `columns`; to be set before anything below them.
     void setFilter(std::uint32_t lastRow, int columns);
 

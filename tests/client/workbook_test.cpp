@@ -15,12 +15,14 @@ struct SheetCell {
     QString text;
     QString format;
     bool bold = false;
+    QString font; ///< "name points"
 };
 
 struct Sheet {
     QMap<QString, SheetCell> cells; ///< by their names: "A1"
     QMap<QString, QString> attributes; ///< "element.attribute" of everything outside the cells
     QList<double> widths;
+    QString foot;
     int rows = 0;
 };
 
@@ -34,7 +36,11 @@ public:
         const QByteArray book = part(QStringLiteral("workbook.xml"));
         QXmlStreamReader xml(book);
         while (!xml.atEnd()) {
-            if (xml.readNext() != QXmlStreamReader::StartElement || xml.name() != u"sheet")
+            if (xml.readNext() != QXmlStreamReader::StartElement)
+                continue;
+            if (xml.name() == u"definedName" && xml.attributes().value(QStringLiteral("name")) == u"_xlnm.Print_Titles")
+                repeated.append(xml.readElementText());
+            if (xml.name() != u"sheet")
                 continue;
             names.append(xml.attributes().value(QStringLiteral("name")).toString());
             sheets.append(readSheet(int(names.size())));
@@ -43,6 +49,7 @@ public:
     }
 
     QStringList names;
+    QStringList repeated; ///< the rows that stand on each page
     QList<Sheet> sheets;
 
 private:
@@ -57,7 +64,7 @@ private:
     {
         QMap<QString, QString> codes { { QStringLiteral("0"), QStringLiteral("General") }, { QStringLiteral("1"), QStringLiteral("0") },
             { QStringLiteral("4"), QStringLiteral("#,##0.00") }, { QStringLiteral("49"), QStringLiteral("@") } };
-        QList<bool> boldFonts;
+        QList<SheetCell> fonts;
         bool inCells = false;
         const QByteArray styles = part(QStringLiteral("styles.xml"));
         QXmlStreamReader xml(styles);
@@ -71,11 +78,17 @@ private:
             if (xml.name() == u"numFmt")
                 codes.insert(value("numFmtId"), value("formatCode"));
             else if (xml.name() == u"font")
-                boldFonts.append(false);
+                fonts.append(SheetCell {});
             else if (xml.name() == u"b")
-                boldFonts.last() = true;
-            else if (xml.name() == u"xf" && inCells)
-                m_styles.append({ {}, {}, codes.value(value("numFmtId")), boldFonts.value(value("fontId").toInt()) });
+                fonts.last().bold = true;
+            else if (xml.name() == u"sz" && !inCells)
+                fonts.last().font = value("val");
+            else if (xml.name() == u"name")
+                fonts.last().font.prepend(value("val") + u' ');
+            else if (xml.name() == u"xf" && inCells) {
+                m_styles.append(fonts.value(value("fontId").toInt()));
+                m_styles.last().format = codes.value(value("numFmtId"));
+            }
         }
         EXPECT_FALSE(xml.hasError());
     }
@@ -97,6 +110,10 @@ private:
             }
             if (xml.name() == u"row")
                 ++sheet.rows;
+            if (xml.name() == u"oddFooter") {
+                sheet.foot = xml.readElementText();
+                continue;
+            }
             if (xml.name() == u"col")
                 sheet.widths.append(attributes.value(QStringLiteral("width")).toDouble());
             for (const QXmlStreamAttribute &attribute : attributes)
@@ -175,8 +192,38 @@ TEST_F(WorkbookTest, TheSheetIsReadyForWork)
     EXPECT_EQ(sheet.attributes[QStringLiteral("ignoredError.numberStoredAsText")], QStringLiteral("1"));
     EXPECT_EQ(sheet.attributes[QStringLiteral("ignoredError.sqref")], QStringLiteral("A1:XFD1048576"));
     ASSERT_EQ(sheet.widths.size(), 9);
-    EXPECT_NEAR(sheet.widths[0] * 7, 40, 1); // a digit is 7 pixels wide
-    EXPECT_NEAR(sheet.widths[1] * 7, 120, 1);
+    EXPECT_EQ(sheet.cells[QStringLiteral("B2")].font, QStringLiteral("宋体 10"));
+    EXPECT_EQ(sheet.cells[QStringLiteral("F2")].font, QStringLiteral("宋体 10"));
+}
+
+TEST_F(WorkbookTest, ColumnsAreAsWideAsTheirTexts)
+{
+    m_dataSet.setData(packetOf("CODE:text,SITE:text,SENT:time,FEE:decimal,OK:text\n"
+                               "12345678901234567890,"
+        + std::string(QString(60, u'长').toUtf8()) + ",2026-02-28 23:59:59,-1234567.5,1\n"));
+    m_grid.setColumns({ column(u"CODE", u"号", 64), column(u"SITE", u"网点"), column(u"SENT", u"时间"), column(u"FEE", u"费用"),
+        column(u"OK", u"到件|签收", 300) });
+    const QList<double> widths = read().sheets[0].widths;
+    ASSERT_EQ(widths.size(), 5);
+    const int pixels[] { 20 * 7, 80 * 7, 19 * 7, 13 * 7, 300 }; // a digit is 7 pixels wide; 40 letters are enough
+    for (int index = 0; index < 5; ++index) {
+        EXPECT_GE(widths[index] * 7, pixels[index] - 1) << index;
+        EXPECT_LE(widths[index] * 7, pixels[index] + 20) << index;
+    }
+}
+
+TEST_F(WorkbookTest, ItPrintsOnePageWideWithItsTitles)
+{
+    const ReadWorkbook book = read();
+    for (const Sheet &sheet : book.sheets) {
+        EXPECT_EQ(sheet.attributes[QStringLiteral("pageSetUpPr.fitToPage")], QStringLiteral("1"));
+        EXPECT_EQ(sheet.attributes[QStringLiteral("pageSetup.fitToHeight")], QStringLiteral("0"));
+        EXPECT_EQ(sheet.attributes[QStringLiteral("pageSetup.paperSize")], QStringLiteral("9"));
+        EXPECT_TRUE(sheet.foot.endsWith(QStringLiteral("第 &P 页 / 共 &N 页"))) << sheet.foot.toStdString();
+    }
+    EXPECT_EQ(book.sheets[0].attributes[QStringLiteral("pageSetup.orientation")], QStringLiteral("landscape"));
+    EXPECT_EQ(book.sheets[1].attributes[QStringLiteral("pageSetup.orientation")], QStringLiteral("portrait"));
+    EXPECT_EQ(book.repeated, QStringList(QStringLiteral("'月发件清单'!$1:$1")));
 }
 
 TEST_F(WorkbookTest, FootersAreNumbersBelowTheRows)
