@@ -98,7 +98,8 @@ void Automation::lookAt(const report::PreviewRequest &preview)
 
 QJsonObject Automation::exportGrid(const QJsonObject &arguments)
 {
-    const ExportTarget target { requiredText(arguments, u"file"), arguments[u"encoding"].toString() };
+    const files::TabGuard guard = arguments[u"excelSafe"].toBool() ? files::TabGuard::Numbers : files::TabGuard::Formulas;
+    const ExportTarget target { requiredText(arguments, u"file"), arguments[u"encoding"].toString(), guard };
     const TDBGridEh *grid = view(arguments);
     const int rows = m_window->exportTo(*grid, target);
     return { { QStringLiteral("rows"), rows }, { QStringLiteral("truncated"), !grid->dataSet()->truncationNotice().isEmpty() } };

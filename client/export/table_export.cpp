@@ -25,23 +25,25 @@ using Progress = std::function<void(std::int64_t rows)>;
 
 struct ExportForm {
     QStringView filter; ///< for a file dialog
-    QStringView encoding; ///< none: its own
+    QStringView encoding {}; ///< none: its own
+    files::TabGuard guard = files::TabGuard::Formulas;
 };
 
 constexpr ExportForm forms[] {
-    { u"Excel 工作簿 (*.xlsx)", {} },
-    { u"CSV 文件 (*.csv)", {} },
+    { u"Excel 工作簿 (*.xlsx)" },
+    { u"CSV 文件 (*.csv)" },
+    { u"CSV 文件，Excel 不变形 (*.csv)", {}, files::TabGuard::Numbers },
     { u"CSV 文件，GB18030 编码 (*.csv)", u"GB18030" },
-    { u"文本文件，制表符分隔 (*.txt)", {} },
-    { u"网页 (*.html)", {} },
-    { u"JSON 文件 (*.json)", {} },
+    { u"文本文件，制表符分隔 (*.txt)" },
+    { u"网页 (*.html)" },
+    { u"JSON 文件 (*.json)" },
 };
 
 /// What can be written to a file of that name, checked before anything is touched.
 class Writer {
 public:
     explicit Writer(const ExportTarget &target)
-        : m_format(TableFormat::of(target.fileName))
+        : m_format(TableFormat::of(target.fileName, target.guard))
     {
         const QString ending = QFileInfo(target.fileName).suffix().toLower();
         m_workbook = ending == u"xlsx";
@@ -148,7 +150,9 @@ ExportTarget chosenTarget(const QString &fileName, const QString &filter)
         return { fileName };
     const QString ending = filter.section(u'*', 1).chopped(1);
     const QString named = QFileInfo(fileName).suffix().isEmpty() ? fileName + ending : fileName;
-    return { named, named.endsWith(ending, Qt::CaseInsensitive) ? form->encoding.toString() : QString() };
+    if (!named.endsWith(ending, Qt::CaseInsensitive))
+        return { named };
+    return { named, form->encoding.toString(), form->guard };
 }
 
 } // namespace client

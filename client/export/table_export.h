@@ -1,6 +1,7 @@
 #pragma once
 
 #include "client/export/export_table.h"
+#include "platform/files/cell_text.h"
 
 #include <functional>
 
@@ -10,6 +11,7 @@ namespace client {
 struct ExportTarget {
     QString fileName; ///< its ending names the form
     QString encoding {}; ///< of .csv and .txt: "UTF-8" unless it says "GB18030"
+    files::TabGuard guard = files::TabGuard::Formulas; ///< of .csv and .txt
 };
 
 /// Writes a table to a file: beside it first, renamed at the end, so that a failure throws Exception and leaves what was there before.

@@ -1,7 +1,6 @@
 #include "client/export/table_format.h"
 
 #include "packet/text.h"
-#include "platform/files/cell_text.h"
 
 #include <QFileInfo>
 
@@ -11,9 +10,9 @@ namespace {
 
 class SeparatedFormat : public TableFormat {
 public:
-    explicit SeparatedFormat(char separator)
+    SeparatedFormat(char separator, files::TabGuard guard)
         : m_separator(separator)
-        , m_cells(separator)
+        , m_cells(separator, guard)
     {
     }
 
@@ -68,13 +67,13 @@ void TableFormat::appendTitles(files::TextBuffer &out, const ExportTable &table)
     }
 }
 
-std::unique_ptr<TableFormat> TableFormat::of(const QString &fileName)
+std::unique_ptr<TableFormat> TableFormat::of(const QString &fileName, files::TabGuard guard)
 {
     const QString ending = QFileInfo(fileName).suffix().toLower();
     if (ending == u"csv")
-        return std::make_unique<SeparatedFormat>(',');
+        return std::make_unique<SeparatedFormat>(',', guard);
     if (ending == u"txt")
-        return std::make_unique<SeparatedFormat>('\t');
+        return std::make_unique<SeparatedFormat>('\t', guard);
     if (ending == u"json")
         return std::make_unique<JsonFormat>();
     return ending == u"html" || ending == u"htm" ? htmlFormat() : nullptr;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "client/export/export_table.h"
+#include "platform/files/cell_text.h"
 #include "platform/files/text_buffer.h"
 
 #include <memory>
@@ -30,8 +31,8 @@ public:
     ///   .txt   the same with tabs between
     ///   .json  {"columns":[titles],"rows":[[cells]],"truncated":true when the server cut the rows}; numbers as numbers
     ///   .html  a page with the notes and the table, footers included; a spreadsheet that opens it keeps texts as texts
-    /// In the first two, cells that a spreadsheet would run as a formula begin with a tab.
-    static std::unique_ptr<TableFormat> of(const QString &fileName);
+    /// In the first two, the texts that `guard` names begin with a tab.
+    static std::unique_ptr<TableFormat> of(const QString &fileName, files::TabGuard guard = files::TabGuard::Formulas);
 
 protected:
     void appendTitles(files::TextBuffer &out, const ExportTable &table) const;

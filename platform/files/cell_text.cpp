@@ -27,6 +27,12 @@ bool beginsLikeFormula(std::string_view text)
     return std::ranges::any_of(fullWidth, [text](std::string_view letter) { return text.starts_with(letter); });
 }
 
+/// Digits and what stands between those of numbers, dates and times.
+bool readsAsNumber(std::string_view text)
+{
+    return std::ranges::any_of(text, isDigit) && text.find_first_not_of("0123456789.,+-/: %eE") == std::string_view::npos;
+}
+
 void appendQuoted(TextBuffer &out, std::string_view text)
 {
     for (const char letter : text) {
@@ -41,7 +47,8 @@ void appendQuoted(TextBuffer &out, std::string_view text)
 
 bool runsAsFormula(std::string_view text) { return beginsLikeFormula(text) && !isPlainNumber(text); }
 
-SeparatedCells::SeparatedCells(char separator)
+SeparatedCells::SeparatedCells(char separator, TabGuard guard)
+    : m_guard(guard)
 {
     for (const char letter : { '"', '\n', '\r', separator })
         m_special[static_cast<unsigned char>(letter)] = true;
@@ -49,7 +56,7 @@ SeparatedCells::SeparatedCells(char separator)
 
 void SeparatedCells::append(TextBuffer &out, std::string_view text) const
 {
-    const bool guarded = runsAsFormula(text);
+    const bool guarded = runsAsFormula(text) || (m_guard == TabGuard::Numbers && readsAsNumber(text));
     if (!guarded && std::ranges::none_of(text, [this](char letter) { return m_special[static_cast<unsigned char>(letter)]; })) {
         out += text;
         return;

@@ -12,15 +12,20 @@ namespace files {
 /// True for a text that a spreadsheet would run: it begins like a formula, also in full-width letters, and is no plain number.
 bool runsAsFormula(std::string_view text);
 
+/// Which texts begin with a tab, so that a spreadsheet takes them for texts: those that it would run; or also those that it would read
+/// as a number or a time, and lose zeros and digits of.
+enum class TabGuard { Formulas, Numbers };
+
 /// The cells of a file with separators between, as RFC 4180 quotes them.
 class SeparatedCells {
 public:
-    explicit SeparatedCells(char separator);
+    explicit SeparatedCells(char separator, TabGuard guard = TabGuard::Formulas);
 
-    /// Appends one cell without its separator, quoted where needed; one that would run as a formula begins with a tab.
+    /// Appends one cell without its separator, quoted where needed.
     void append(TextBuffer &out, std::string_view text) const;
 
 private:
+    TabGuard m_guard;
     std::array<bool, 256> m_special {}; ///< letters for which a cell is quoted
 };
 

@@ -125,6 +125,7 @@ TEST_F(TableExport, TheChosenFilterSetsEndingAndEncoding)
     EXPECT_EQ(target(QStringLiteral("a.CSV")).encoding, QStringLiteral("GB18030"));
     EXPECT_EQ(target(QStringLiteral("a.html")).encoding, QString());
     EXPECT_EQ(chosenTarget(QStringLiteral("a.csv"), QStringLiteral("CSV 文件 (*.csv)")).encoding, QString());
+    EXPECT_EQ(chosenTarget(QStringLiteral("a"), QStringLiteral("CSV 文件，Excel 不变形 (*.csv)")).guard, files::TabGuard::Numbers);
 }
 
 class FailingExport : public ExportTest, public testing::WithParamInterface<const char *> {

@@ -21,6 +21,20 @@ TEST(TableFormat, TheSeparatorDecidesWhatIsQuoted)
     EXPECT_EQ(cell(u"a.txt", "a,b"), "a,b");
 }
 
+TEST(TableFormat, CodesStayCodesInASpreadsheetWhenWanted)
+{
+    const auto guarded = TableFormat::of(QStringLiteral("a.csv"), files::TabGuard::Numbers);
+    const auto cell = [&guarded](std::string_view text) {
+        files::TextBuffer out;
+        guarded->appendText(out, text);
+        return std::string(out.view());
+    };
+    for (const char *code : { "010000016", "268004223517", "1E5", "3-1", "2026/2/3", "8:30", "-7", "7%" })
+        EXPECT_EQ(cell(code), std::string("\"\t") + code + '"') << code;
+    for (const char *text : { "北京2", "", "e", "A12", "7\"" })
+        EXPECT_EQ(cell(text).find('\t'), std::string::npos) << text;
+}
+
 TEST(TableFormat, MarksOfTheFormAreEscaped)
 {
     EXPECT_EQ(cell(u"a.json", "a\"b\\c\n\x1f北"), "\"a\\\"b\\\\c\\u000a\\u001f北\"");
