@@ -44,6 +44,13 @@ QString withoutShortcut(QString caption)
     return caption.remove(mark);
 }
 
+/// A list says in its empty state how to fill it, "每行一个运单编号": what it holds is what comes after.
+QString listCaption(const QString &hint)
+{
+    const QString beginning = QStringLiteral("每行一个");
+    return hint.startsWith(beginning) ? hint.mid(beginning.size()) : hint;
+}
+
 /// The value of a condition and, where it carries one, its caption; nothing for other widgets.
 std::optional<ExportNote> conditionIn(const QWidget &widget)
 {
@@ -54,7 +61,7 @@ std::optional<ExportNote> conditionIn(const QWidget &widget)
     if (const auto *combo = qobject_cast<const QComboBox *>(&widget))
         return ExportNote { {}, combo->currentText() };
     if (const auto *memo = qobject_cast<const QPlainTextEdit *>(&widget))
-        return ExportNote { memo->placeholderText(), memo->toPlainText().trimmed() };
+        return ExportNote { listCaption(memo->placeholderText()), memo->toPlainText().trimmed() };
     if (const auto *box = qobject_cast<const QCheckBox *>(&widget))
         return ExportNote { box->text(), yesOrNo(box->isChecked()) };
     if (const auto *button = qobject_cast<const QRadioButton *>(&widget);

@@ -64,8 +64,7 @@ TEST(ScreenConditions, AreToldByTheirLabelsInTabOrder)
     QStringList told;
     for (const ExportNote &condition : screenConditions(form))
         told.append(condition.caption + u'=' + condition.value);
-    EXPECT_EQ(
-        told.join(u'|'), QStringLiteral("扫描时间 开始=2026-02-01 00:00:00|班次=早班|按单号查询=否|每行一个运单编号=007\n008|类型=发件"));
+    EXPECT_EQ(told.join(u'|'), QStringLiteral("扫描时间 开始=2026-02-01 00:00:00|班次=早班|按单号查询=否|运单编号=007\n008|类型=发件"));
     EXPECT_EQ(screenTitle(*grid), QStringLiteral("月发件清单 明细数据"));
 }
 
