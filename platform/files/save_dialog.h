@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class QWidget;
+
+namespace files {
+
+struct SavePlace {
+    QString fileName; ///< absolute
+    QString filter; ///< one of those that were offered
+};
+
+/// A name for a file about something, now: its title without what file names cannot hold, and the date and time.
+QString datedName(const QString &title);
+
+/// Asks where to write a file, in the folder that was chosen last; the person's documents at first. A name without an ending gets that
+/// of the filter. Nothing when the person gives up.
+std::optional<SavePlace> askWhereToSave(
+    QWidget *parent, const QString &caption, const QString &name, const QStringList &filters, const QString &filter = {});
+
+} // namespace files

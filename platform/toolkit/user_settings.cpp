@@ -1,0 +1,36 @@
+#include "platform/toolkit/user_settings.h"
+
+#include "platform/toolkit/application.h"
+
+#include <QDir>
+#include <QSettings>
+
+namespace platform {
+namespace {
+
+QString fileName() { return Application->settingsDirectory() + QStringLiteral("/kelvara-client.ini"); }
+
+} // namespace
+
+QVariant userSetting(const QString &key, const QVariant &otherwise)
+{
+    return QSettings(fileName(), QSettings::IniFormat).value(key, otherwise);
+}
+
+void keepUserSetting(const QString &key, const QVariant &value)
+{
+    QSettings settings(fileName(), QSettings::IniFormat);
+    if (settings.value(key) == value)
+        return;
+    if (value.isValid())
+        settings.setValue(key, value);
+    else
+        settings.remove(key);
+    settings.sync();
+    if (settings.status() != QSettings::NoError)
+        Application->messageLater(
+            QStringLiteral("设置没有保存，下次启动时仍是原来的。请检查文件“%1”的权限和磁盘空间。").arg(QDir::toNativeSeparators(fileName())),
+            QStringLiteral("设置"), mbOk | mbIconWarning);
+}
+
+} // namespace platform
