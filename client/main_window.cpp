@@ -2,7 +2,6 @@
 
 #include "client/connections.h"
 #include "client/status_line.h"
-#include "client/user_settings.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_zoom.h"
@@ -11,6 +10,7 @@
 #include "platform/toolkit/long_work.h"
 #include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -134,8 +134,6 @@ private:
     QTimer m_clock;
     AskedConditions m_asked;
     int m_failures = 0; ///< that reached the application object so far
-    QString m_exportDirectory;
-    QString m_exportFilter; ///< chosen last
 };
 
 } // namespace client

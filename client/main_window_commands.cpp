@@ -2,6 +2,7 @@
 
 #include "client/appearance_menu.h"
 #include "client/connections.h"
+#include "client/export/printed_notes.h"
 #include "client/export/screen_conditions.h"
 #include "client/export/table_export.h"
 #include "client/icons.h"
@@ -10,6 +11,7 @@
 #include "client/start_page.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
+#include "platform/files/save_dialog.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_commands.h"
 #include "platform/grid/grid_zoom.h"
@@ -18,15 +20,14 @@
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
 #include "platform/toolkit/plugin_interface.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QDir>
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QMdiArea>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QStandardPaths>
 #include <QToolBar>
 #include <QVBoxLayout>
 
@@ -36,6 +37,8 @@ using namespace platform;
 namespace client {
 namespace {
 
+const QString exportFilterKey = QStringLiteral("export/filter");
+
 /// An empty result can be exported, but not one that was never asked for.
 void requireRows(const TDBGridEh &grid)
 {
@@ -43,9 +46,11 @@ void requireRows(const TDBGridEh &grid)
         throw Exception(QStringLiteral("没有可导出的数据，请先查询！"));
 }
 
-QString summaryRowOf(const TDBGridEh &grid)
+/// The summary row that a detail belongs to.
+QList<ExportNote> summaryRowOf(const TDBGridEh &grid)
 {
-    return grid.dataSet() ? grid.dataSet()->property(published_by_screen::summaryRow).toString() : QString();
+    const QString row = grid.dataSet() ? grid.dataSet()->property(published_by_screen::summaryRow).toString() : QString();
+    return row.isEmpty() ? QList<ExportNote>() : QList<ExportNote> { { QStringLiteral("汇总行"), row } };
 }
 
 } // namespace
@@ -279,58 +284,48 @@ void MainWindow::print(Print way)
     }
     if (printer->title().isEmpty())
         printer->setTitle(activeForm()->caption());
-    const QString summaryRow = summaryRowOf(*m_grid);
-    printer->setNotes(summaryRow.isEmpty() ? QStringList() : QStringList(u"汇总行：" + summaryRow));
+    QStringList notes { printedNotes(m_asked.of(*m_grid)), printedNotes(summaryRowOf(*m_grid)) };
+    notes.removeAll(QString());
+    printer->setNotes(notes);
+    printer->pageFooter().left = QStringList({ m_options.loginSite, m_data.employeeName(), dateTimeToText(serverTime()) }).join(u'　');
     way == Print::Preview ? printer->preview(this) : printer->print(this);
 }
 
-QString MainWindow::exportName() const { return activeForm()->caption() + Clock::now().toString(u" yyyy-MM-dd HHmm"); }
+QString MainWindow::exportName() const { return files::datedName(activeForm()->caption()); }
 
 void MainWindow::exportAsking()
 {
     requireRows(*m_grid);
-    if (m_exportDirectory.isEmpty())
-        m_exportDirectory = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QFileDialog dialog(this, QStringLiteral("导出"), m_exportDirectory, exportFilters().join(QStringLiteral(";;")));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    const auto useFilter
-        = [&dialog](const QString &filter) { dialog.setDefaultSuffix(chosenTarget(QStringLiteral("*"), filter).fileName.mid(2)); };
-    handle(&dialog, &QFileDialog::filterSelected, &dialog, useFilter);
-    dialog.selectNameFilter(m_exportFilter.isEmpty() ? exportFilters().first() : m_exportFilter);
-    useFilter(dialog.selectedNameFilter());
-    dialog.selectFile(exportName());
-    if (dialog.exec() != QDialog::Accepted)
+    const auto place
+        = files::askWhereToSave(this, QStringLiteral("导出"), exportName(), exportFilters(), userSetting(exportFilterKey).toString());
+    if (!place)
         return;
-    m_exportFilter = dialog.selectedNameFilter();
-    const ExportTarget target = chosenTarget(dialog.selectedFiles().first(), m_exportFilter);
-    m_exportDirectory = QFileInfo(target.fileName).absolutePath();
-    exportTo(*m_grid, target);
+    keepUserSetting(exportFilterKey, place->filter);
+    exportTo(*m_grid, chosenTarget(place->fileName, place->filter));
 }
 
 /// In the folder and the form that were chosen last, under a name that no file has.
 void MainWindow::exportAgain()
 {
     requireRows(*m_grid);
-    if (m_exportFilter.isEmpty())
+    const QString filter = userSetting(exportFilterKey).toString();
+    if (filter.isEmpty())
         return exportAsking();
-    const QString path = m_exportDirectory + u'/' + exportName();
-    ExportTarget target = chosenTarget(path, m_exportFilter);
+    const QString path = files::saveFolder() + u'/' + exportName();
+    ExportTarget target = chosenTarget(path, filter);
     for (int number = 2; QFileInfo::exists(target.fileName); ++number)
-        target = chosenTarget(QStringLiteral("%1 (%2)").arg(path).arg(number), m_exportFilter);
+        target = chosenTarget(QStringLiteral("%1 (%2)").arg(path).arg(number), filter);
     exportTo(*m_grid, target);
 }
 
 int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 {
     requireRows(grid);
-    QList<ExportNote> notes = m_asked.of(grid);
-    if (const QString summaryRow = summaryRowOf(grid); !summaryRow.isEmpty())
-        notes.append({ QStringLiteral("汇总行"), summaryRow });
+    QList<ExportNote> notes = m_asked.of(grid) + summaryRowOf(grid);
     notes.append({ { QStringLiteral("导出网点"), m_options.loginSite }, { QStringLiteral("导出人"), m_data.employeeName() },
         { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
     const int rows = exportGrid(grid, target, screenTitle(grid), notes);
-    m_status->showMessage(
-        QStringLiteral("已导出 %1 行到 %2").arg(rows).arg(QDir::toNativeSeparators(target.fileName)), messageMilliseconds);
+    m_status->showSavedFile(QStringLiteral("已导出 %1 行").arg(rows), target.fileName);
     return rows;
 }
 

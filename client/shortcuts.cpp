@@ -1,10 +1,12 @@
 #include "client/shortcuts.h"
 
-#include "client/user_settings.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QStringList>
 
 #include <algorithm>
+
+using namespace platform;
 
 namespace client {
 namespace {

@@ -1,6 +1,7 @@
 #include "client/status_line.h"
 
 #include "platform/dataset/client_data_set.h"
+#include "platform/files/saved_file_label.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_colors.h"
 #include "platform/toolkit/form.h"
@@ -99,7 +100,8 @@ QString selectionSummary(const TDBGridEh &grid)
 }
 
 StatusLine::StatusLine()
-    : m_selection(addField())
+    : m_saved(new files::SavedFileLabel)
+    , m_selection(addField())
     , m_rows(addField())
     , m_conditions(addField())
     , m_rights(addField())
@@ -107,6 +109,8 @@ StatusLine::StatusLine()
     , m_server(addField())
     , m_time(addField())
 {
+    addWidget(m_saved, 1);
+    m_saved->hide();
     m_conditions->setStyleSheet(alarming(*this));
     m_conditions->setToolTip(QStringLiteral("表格里仍是上次查询的结果，请重新查询"));
     m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
@@ -162,6 +166,12 @@ void StatusLine::showRights(const TForm *form)
         rights += form && form->property(name).toBool() ? u'1' : u'0';
     const bool hasRights = form && form->property(published_by_screen::rights[0]).isValid();
     fill(m_rights, hasRights ? QStringLiteral("权限：%1").arg(rights) : QString());
+}
+
+void StatusLine::showSavedFile(const QString &words, const QString &fileName)
+{
+    clearMessage();
+    m_saved->tell(words, fileName);
 }
 
 void StatusLine::showTime(const QString &time) { fill(m_time, time); }

@@ -3,6 +3,9 @@
 #include <QStatusBar>
 
 class QLabel;
+namespace files {
+class SavedFileLabel;
+}
 class TDBGridEh;
 class TForm;
 
@@ -29,10 +32,13 @@ public:
     /// The server that answers; "": none does.
     void showServer(const QString &address);
     void showTime(const QString &time);
+    /// Tells of a file that was written, and offers to open it.
+    void showSavedFile(const QString &words, const QString &fileName);
 
 private:
     QLabel *addField();
 
+    files::SavedFileLabel *m_saved;
     QLabel *m_selection;
     QLabel *m_rows;
     QLabel *m_conditions;

@@ -2,9 +2,9 @@
 
 #include "client/icons.h"
 #include "client/toolkit_texts.h"
-#include "client/user_settings.h"
 #include "platform/grid/grid_colors.h"
 #include "platform/grid/grid_zoom.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -13,6 +13,8 @@
 #include <QStyleFactory>
 
 #include <algorithm>
+
+using namespace platform;
 
 namespace client {
 namespace {

@@ -17,8 +17,12 @@ namespace {
 
 const QString folderKey = QStringLiteral("export/folder");
 
-/// The first one that is there.
-QString folder()
+/// "csv" of "CSV 文件 (*.csv)"
+QString endingOf(const QString &filter) { return filter.section(QStringLiteral("(*."), 1).chopped(1); }
+
+} // namespace
+
+QString saveFolder()
 {
     for (const QString &path : { userSetting(folderKey).toString(), QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation) }) {
         if (!path.isEmpty() && QFileInfo(path).isDir())
@@ -26,11 +30,6 @@ QString folder()
     }
     return QDir::homePath();
 }
-
-/// "csv" of "CSV 文件 (*.csv)"
-QString endingOf(const QString &filter) { return filter.section(QStringLiteral("(*."), 1).chopped(1); }
-
-} // namespace
 
 QString datedName(const QString &title)
 {
@@ -45,7 +44,7 @@ QString datedName(const QString &title)
 std::optional<SavePlace> askWhereToSave(
     QWidget *parent, const QString &caption, const QString &name, const QStringList &filters, const QString &filter)
 {
-    QFileDialog dialog(parent, caption, folder());
+    QFileDialog dialog(parent, caption, saveFolder());
     dialog.setNameFilters(filters);
     dialog.setAcceptMode(QFileDialog::AcceptSave);
     const auto useFilter = [&dialog](const QString &chosen) { dialog.setDefaultSuffix(endingOf(chosen)); };

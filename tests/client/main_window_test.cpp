@@ -6,7 +6,9 @@
 #include "client/shortcut_dialog.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
+#include "platform/files/saved_file_label.h"
 #include "platform/grid/grid_commands.h"
+#include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/long_work.h"
@@ -241,6 +243,46 @@ TEST_F(MainWindowTest, WhatWasNeverAskedForIsNotExported)
     EXPECT_FALSE(QFileInfo::exists(file));
     window->query();
     EXPECT_EQ(window->exportTo(*window->currentGrid(), { file }), 1200);
+}
+
+TEST_F(MainWindowTest, AWrittenFileIsOfferedToBeOpened)
+{
+    const auto window = open();
+    window->openScreen(QStringLiteral("frm_One111"));
+    QApplication::processEvents();
+    window->query();
+    auto *saved = window->findChild<files::SavedFileLabel *>();
+    EXPECT_FALSE(saved->isVisible());
+    const QString file = m_directory.filePath(QStringLiteral("<b>七.csv"));
+    window->exportTo(*window->currentGrid(), { file });
+    EXPECT_TRUE(saved->isVisible());
+    EXPECT_TRUE(saved->text().startsWith(QStringLiteral("已导出 1200 行　<a href"))) << saved->text().toStdString();
+    EXPECT_TRUE(saved->text().contains(QStringLiteral("&lt;b&gt;七.csv"))) << "a name is no markup";
+    QFile::remove(file);
+    m_log.clear();
+    Q_EMIT saved->linkActivated(QStringLiteral("file"));
+    EXPECT_EQ(m_log, QStringList(QStringLiteral("error "))) << "that it is gone is said";
+}
+
+TEST_F(MainWindowTest, PrintsTellWhatWasAskedByWhomAndWhere)
+{
+    m_options.serverNow = QDateTime(QDate(2024, 3, 5), QTime(18, 0), Qt::UTC);
+    const auto window = open();
+    window->openScreen(QStringLiteral("frm_One111"));
+    QApplication::processEvents();
+    window->activeForm()->findChild<QLineEdit *>(QStringLiteral("Edit1"))->setText(QStringLiteral("7[PAGE#]"));
+    window->query();
+    QStringList texts;
+    report::setPreviewResponder([&texts](const report::PreviewRequest &request) {
+        request.report.prepareAllPages();
+        texts = request.report.texts(0) + request.report.texts(request.report.pageCount() - 1);
+    });
+    window->print();
+    report::setPreviewResponder({});
+    EXPECT_EQ(texts.value(0), QStringLiteral("窗口 frm_One"));
+    EXPECT_EQ(texts.value(1), QStringLiteral("编号：7[PAGE#]"));
+    const QStringList feet = texts.filter(QStringLiteral("北京　张三　2024-03-05 18:00:0"));
+    EXPECT_EQ(feet.size(), 2) << texts.join(u'|').toStdString();
 }
 
 TEST_F(MainWindowTest, ClosingAScreenLeadsBackToTheOneBefore)

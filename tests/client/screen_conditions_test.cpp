@@ -1,4 +1,5 @@
 #include "client/export/asked_conditions.h"
+#include "client/export/printed_notes.h"
 #include "client/export/screen_conditions.h"
 
 #include "packet/builder.h"
@@ -117,6 +118,14 @@ TEST(ScreenConditions, StayWithTheRowsThatTheyAskedFor)
     EXPECT_EQ(value(), QStringLiteral("成都"));
     rows->close();
     EXPECT_FALSE(asked.haveChanged(*grid));
+}
+
+TEST(PrintedNotes, LeaveOutWhatAsksNothingAndShortenLists)
+{
+    EXPECT_EQ(printedNotes({ { QStringLiteral("网点"), QStringLiteral("北京") }, { QStringLiteral("袋号"), {} },
+                  { QStringLiteral("运单编号"), QStringLiteral("1\n2\n3\n4\n") }, { QStringLiteral("单号"), QStringLiteral("1\n2\n3") } }),
+        QStringLiteral("网点：北京　运单编号：1、2、3 等 4 个　单号：1、2、3"));
+    EXPECT_EQ(printedNotes({ { QStringLiteral("袋号"), QStringLiteral("\n") } }), QString());
 }
 
 } // namespace
