@@ -1,21 +1,25 @@
 #pragma once
 
-#include "platform/report/definition/definition.h"
+#include "platform/report/definition/page_setup.h"
 #include "platform/report/print_db_grid.h"
 
 namespace report {
 
 /// What a grid looks like on paper.
-struct GridReport {
-    const TDBGridEh &grid;
-    const QMarginsF &margins;
-    const PrintBand &header;
-    const PrintBand &footer;
-    const QString &title;
-    const QStringList &notes; ///< below the title
+class GridReport {
+public:
+    /// The grid must outlive it and stay as it is.
+    GridReport(const TDBGridEh &grid, const PageSetup &setup);
 
-    /// A report over the grid's GridRows: titles of up to two levels on each page, a row of cells, and the grid's footers at the end.
-    Definition definition() const;
+    struct Texts {
+        QString title;
+        QStringList notes; ///< below the title
+        PrintBand header;
+        PrintBand footer;
+    };
+    /// Reports over the grid's GridRows: titles of up to two levels on each page, a row of cells, and the grid's footers at the end.
+    /// Several when the columns do not fit: each begins with the frozen columns (or the first one) and shows a part of the others.
+    QList<Definition> parts(const Texts &texts) const;
 
 private:
     struct Slot {
@@ -23,18 +27,25 @@ private:
         int left;
         int width;
     };
-    int wantedWidth() const; ///< as on the screen
-    int roomOn(int paperWidth) const;
-    bool isAcross() const;
-    int room() const;
-    qreal scale() const;
-    QList<Slot> columnPlaces() const;
-    Band titleBand(int room) const;
-    Band pageBand(BandKind kind, const PrintBand &band, int room) const;
-    Band columnTitles(const QList<Slot> &places) const;
-    Band rowBand(const QList<Slot> &places) const;
-    Band footerBand(const QList<Slot> &places) const;
+    using Slots = QList<Slot>;
+
+    void turnPaper(int wantedWidth);
+    void divide(const Slots &columns);
+    Definition part(qsizetype number, const Texts &texts) const;
+    Band titleBand(const Texts &texts) const;
+    Band pageBand(BandKind kind, const PrintBand &band, qsizetype part) const;
+    QString bandText(const QString &text, qsizetype part) const;
+    Band columnTitles(const Slots &places) const;
+    Band rowBand(const Slots &places) const;
+    Band footerBand(const Slots &places) const;
     Style cellStyle() const;
+
+    const TDBGridEh &m_grid;
+    const PageSetup m_setup;
+    QSize m_paper; ///< as it is turned
+    int m_room = 0; ///< between the margins
+    qreal m_scale = 1; ///< of the screen's sizes
+    QList<Slots> m_parts;
 };
 
 } // namespace report

@@ -8,7 +8,13 @@
 #include "platform/report/output/spreadsheet_export.h"
 #include "platform/report/output/text_exports.h"
 #include "platform/report/report.h"
+#include "platform/toolkit/user_settings.h"
 
+#include <functional>
+#include <memory>
+#include <utility>
+
+using namespace platform;
 using namespace report;
 
 namespace {
@@ -29,17 +35,26 @@ QColor onPaper(const QColor &color)
     return QColor(paler(color.red()), paler(color.green()), paler(color.blue()));
 }
 
+/// Screens are told apart by their titles, here and where printers are kept.
+QString setupKey(const QString &title) { return QStringLiteral("page/") + title; }
+
 /// A prepared report together with the rows that it reads.
 class PreparedGrid : public PreparedReport {
 public:
-    PreparedGrid(const Definition &definition, std::unique_ptr<GridRows> rows, StyleEvent look)
-        : PreparedReport(definition, rows.get(), {}, std::move(look))
+    using LayOut = std::function<std::unique_ptr<PreparedReport>()>;
+
+    /// `inOnePiece`: empty when the parts are one.
+    PreparedGrid(const QList<Definition> &parts, std::unique_ptr<GridRows> rows, const StyleEvent &look, LayOut inOnePiece)
+        : PreparedReport(parts, rows.get(), look)
         , m_rows(std::move(rows))
+        , m_inOnePiece(std::move(inOnePiece))
     {
     }
+    std::unique_ptr<PreparedReport> inOnePiece() const override { return m_inOnePiece ? m_inOnePiece() : nullptr; }
 
 private:
     std::unique_ptr<GridRows> m_rows;
+    LayOut m_inOnePiece;
 };
 
 } // namespace
@@ -51,7 +66,9 @@ TPrintDBGridEh::TPrintDBGridEh(QObject *parent)
 {
 }
 
-std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
+std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const { return prepared(m_setup); }
+
+std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared(const PageSetup &setup) const
 {
     if (!m_grid || !m_grid->dataSet() || !m_grid->dataSet()->active() || m_grid->rowCount() == 0)
         throw Exception(QStringLiteral("没有可打印的数据！"));
@@ -78,21 +95,40 @@ std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared() const
         notes.append(notice);
         footer.left = footer.left.isEmpty() ? notice : notice + u'　' + footer.left;
     }
-    const GridReport report { *m_grid, m_margins, m_header, footer, m_title, notes };
-    auto prepared = std::make_unique<PreparedGrid>(report.definition(), std::move(rows), look);
+    const QList<Definition> parts = GridReport(*m_grid, setup).parts({ m_title, notes, m_header, footer });
+    PreparedGrid::LayOut inOnePiece;
+    if (parts.size() > 1) {
+        PageSetup narrow = setup;
+        narrow.wideColumns = WideColumns::Shrink;
+        inOnePiece = [this, narrow] { return prepared(narrow); };
+    }
+    auto prepared = std::make_unique<PreparedGrid>(parts, std::move(rows), look, inOnePiece);
     prepared->prepareNextPage();
     return prepared;
 }
 
+void TPrintDBGridEh::useKeptSetup() { m_setup = PageSetup::fromMap(userSetting(setupKey(m_title)).toMap(), m_setup); }
+
 void TPrintDBGridEh::preview(QWidget *parent)
 {
+    useKeptSetup();
+    const auto layOut = [this](const PageSetup &setup) {
+        auto pages = prepared(setup);
+        m_setup = setup;
+        keepUserSetting(setupKey(m_title), setup.toMap());
+        return pages;
+    };
     SpreadsheetExport spreadsheet;
     CsvExport csv;
     TextExport text;
     HtmlTableExport html;
     RtfExport rtf;
     JpegExport jpeg;
-    report::showPreview(*prepared(), { &spreadsheet, &csv, &text, &html, &rtf, &jpeg }, allPreviewButtons, parent);
+    report::showPreview(*prepared(), { &spreadsheet, &csv, &text, &html, &rtf, &jpeg }, allPreviewButtons, parent, { m_setup, layOut });
 }
 
-void TPrintDBGridEh::print(QWidget *parent) { printPrepared(*prepared(), parent); }
+void TPrintDBGridEh::print(QWidget *parent)
+{
+    useKeptSetup();
+    printPrepared(*prepared(), parent);
+}

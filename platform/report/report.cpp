@@ -1,6 +1,8 @@
 #include "platform/report/report.h"
 
 #include "platform/report/definition/report_file.h"
+#include "platform/report/definition/template.h"
+#include "platform/report/layout/text_face.h"
 #include "platform/report/output/printing.h"
 #include "platform/report/preview/preview_window.h"
 
@@ -25,12 +27,13 @@ void ReportObject::setText(const QString &text)
 
 QString ReportObject::literal(const QString &text) { return Template::literal(text); }
 
-void showPreview(PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent)
+void showPreview(
+    PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent, const PaperChoice &paper)
 {
     if (previewResponder)
         previewResponder({ report, filters });
     else
-        PreviewWindow(report, filters, buttons, parent).exec();
+        PreviewWindow(report, filters, buttons, parent, paper).exec();
 }
 
 bool printPrepared(PreparedReport &report, QWidget *parent)
@@ -63,6 +66,23 @@ void TfrReport::setDefinition(const Definition &definition)
         for (Object &object : band.objects)
             m_objects.push_back(std::make_unique<ReportObject>(object));
     }
+}
+
+void TfrReport::addNote(const QString &text)
+{
+    Definition definition = m_definition;
+    auto title = std::ranges::find(definition.bands, BandKind::Title, &Band::kind);
+    if (title == definition.bands.end())
+        title = definition.bands.insert(definition.bands.begin(), Band { .kind = BandKind::Title });
+    Object note;
+    const int room = definition.paper.width() - definition.margins.left() - definition.margins.right();
+    note.box = QRect(0, title->height, room, lineHeight(note.style) + millimetre);
+    note.text = Template::literal(text);
+    note.wrap = true;
+    note.grow = true;
+    title->height += note.box.height();
+    title->objects.append(note);
+    setDefinition(definition);
 }
 
 ReportObject *TfrReport::findObject(QStringView name)

@@ -2,6 +2,7 @@
 
 #include "platform/dataset/data_set.h"
 #include "platform/report/output/export_filter.h"
+#include "platform/report/preview/paper_choice.h"
 #include "platform/report/preview/preview_buttons.h"
 
 #include <QPointer>
@@ -39,7 +40,8 @@ struct PreviewRequest {
 void setPreviewResponder(std::function<void(const PreviewRequest &)> responder);
 
 /// Shows pages that are prepared otherwise, until the user closes the preview.
-void showPreview(PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent);
+void showPreview(
+    PreparedReport &report, const QList<ExportFilter *> &filters, PreviewButtons buttons, QWidget *parent, const PaperChoice &paper = {});
 /// Lets the user choose a printer; false when the user cancels.
 bool printPrepared(PreparedReport &report, QWidget *parent);
 
@@ -68,6 +70,8 @@ public:
 
     TfrDBDataSet *dataSet() const { return m_dataSet; }
     void setDataSet(TfrDBDataSet *dataSet) { m_dataSet = dataSet; }
+    /// Adds a line at the foot of the title, as long as it takes. Objects that were found before are gone.
+    void addNote(const QString &text);
     report::PreviewButtons previewButtons() const { return m_buttons; }
     void setPreviewButtons(report::PreviewButtons buttons) { m_buttons = buttons; }
     /// What reports can draw beside texts, lines, rectangles and pictures. Not owned.

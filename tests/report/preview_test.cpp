@@ -132,6 +132,54 @@ TEST(Preview, OffersOnlyWhatItIsGiven)
     }
 }
 
+TEST(Preview, ShowsPagesInPairs)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(320));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    prepared.prepareAllPages();
+    ASSERT_EQ(prepared.pageCount(), 40);
+    PreviewWindow window(prepared, {}, allPreviewButtons);
+    window.show();
+    const auto tool = [&window](const QString &text) {
+        for (QAction *action : window.findChildren<QAction *>()) {
+            if (action->text() == text)
+                return action->trigger();
+        }
+        ADD_FAILURE() << text.toStdString();
+    };
+    const qreal alone = window.view()->percent();
+    tool(QStringLiteral("双页"));
+    EXPECT_LT(window.view()->percent(), alone * 0.55);
+    window.view()->setZoom(PageZoom::Percent, 100);
+    tool(QStringLiteral("下页"));
+    EXPECT_EQ(window.view()->currentPage(), 2);
+    EXPECT_TRUE(window.find(QStringLiteral("no168"))); // at the top of the right page of its pair
+    EXPECT_EQ(window.view()->currentPage(), 20);
+    tool(QStringLiteral("双页"));
+    EXPECT_EQ(window.view()->pagesAcross(), 1);
+}
+
+TEST(Preview, LaysOutAnewForAnotherPaper)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(40));
+    const auto layOut = [&rows](const PageSetup &setup) {
+        Definition report = smallReport(band("master", 10, "no[N]"));
+        report.paper = setup.paper;
+        return std::make_unique<PreparedReport>(report, &rows);
+    };
+    const auto first = layOut({ .paper = { 10000, 10000 } });
+    PreviewWindow window(*first, {}, allPreviewButtons, nullptr, { {}, layOut });
+    window.show();
+    window.changePaper({ .paper = { 10000, 60000 } });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return statusOf(window).contains(u"共 1 页"); })) << statusOf(window).toStdString();
+    // What cannot be laid out leaves the pages.
+    EXPECT_THROW(window.changePaper({ .paper = { 10000, 2500 } }), Exception);
+    EXPECT_EQ(window.pageCount(), 1);
+    EXPECT_TRUE(window.find(QStringLiteral("no39")));
+}
+
 TEST(Preview, KeepsItsZoomAndItsPageWithinBounds)
 {
     TCustomClientDataSet rows;

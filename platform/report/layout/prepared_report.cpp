@@ -26,23 +26,33 @@ QByteArray checksum(const QByteArray &bytes) { return QCryptographicHash::hash(b
 PreparedReport::PreparedReport(Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns, StyleEvent styleEvent)
     : m_title(definition.title)
     , m_paper(definition.paper)
-    , m_builder(std::make_unique<PageBuilder>(std::move(definition), rows, addIns, std::move(styleEvent), m_resources))
-    , m_rowCount(m_builder->rowCount())
+    , m_rowCount(rows->recordCount())
     , m_truncated(!rows->truncationNotice().isEmpty())
 {
+    m_builders.push_back(std::make_unique<PageBuilder>(std::move(definition), rows, addIns, std::move(styleEvent), m_resources));
+}
+
+PreparedReport::PreparedReport(const QList<Definition> &parts, TDataSet *rows, const StyleEvent &styleEvent)
+    : m_title(parts.first().title)
+    , m_paper(parts.first().paper)
+    , m_rowCount(rows->recordCount())
+    , m_truncated(!rows->truncationNotice().isEmpty())
+{
+    for (const Definition &part : parts)
+        m_builders.push_back(std::make_unique<PageBuilder>(part, rows, QList<ReportAddIn *>(), styleEvent, m_resources));
 }
 
 PreparedReport::~PreparedReport() = default;
 
 bool PreparedReport::prepareNextPage()
 {
-    if (!m_builder)
+    if (m_builders.empty())
         return false;
-    if (const auto page = m_builder->next()) {
+    if (const auto page = m_builders[m_pages.size() % m_builders.size()]->next()) {
         m_pages.push_back(packedPage(*page));
         return true;
     }
-    m_builder.reset();
+    m_builders.clear();
     return false;
 }
 
@@ -55,7 +65,7 @@ bool PreparedReport::prepareAllPages(const Progress &progress)
     return true;
 }
 
-int PreparedReport::rowsDone() const { return m_builder ? m_builder->rowsDone() : m_rowCount; }
+int PreparedReport::rowsDone() const { return m_builders.empty() ? m_rowCount : m_builders.back()->rowsDone(); }
 
 int PreparedReport::rowCount() const { return m_rowCount; }
 

@@ -17,6 +17,9 @@ public:
 
     /// Throws Exception when the definition does not fit the dataset. The dataset must stay open and unchanged until isComplete().
     PreparedReport(Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns = {}, StyleEvent styleEvent = {});
+    /// The rows of each page on as many pages as there are definitions, one after the other: parts of a table that is too wide for one
+    /// page. Their bands must be as high as those of the first, and none may grow by what another one does not hold.
+    PreparedReport(const QList<Definition> &parts, TDataSet *rows, const StyleEvent &styleEvent);
     virtual ~PreparedReport();
     PreparedReport(const PreparedReport &) = delete;
 
@@ -24,7 +27,7 @@ public:
     QSize paper() const { return m_paper; } ///< in hundredths of a millimetre
     const Resources &resources() const { return m_resources; }
 
-    bool isComplete() const { return !m_builder; }
+    bool isComplete() const { return m_builders.empty(); }
     /// Pages laid out so far.
     int pageCount() const { return int(m_pages.size()); }
     /// Lays out one more; false when there are no more. Throws Exception.
@@ -42,6 +45,9 @@ public:
     /// The first text of every object that has a name, pages laid out as far as they are.
     QMap<QString, QString> namedTexts() const;
 
+    /// The same rows with all columns side by side, for whoever goes on with the data; null when this is the case anyway.
+    virtual std::unique_ptr<PreparedReport> inOnePiece() const { return nullptr; }
+
     /// Writes all pages to a file that load() reads, laying out the rest first; throws Exception and leaves no file when it cannot.
     void save(const QString &fileName, const Progress &progress = {});
     /// Throws Exception when the file is none of ours, or is broken or cut.
@@ -55,7 +61,7 @@ private:
     QString m_title;
     QSize m_paper;
     Resources m_resources;
-    std::unique_ptr<PageBuilder> m_builder; ///< null when all pages are there
+    std::vector<std::unique_ptr<PageBuilder>> m_builders; ///< for the parts in turn; none when all pages are there
     int m_rowCount = 0;
     bool m_truncated = false;
     std::vector<QByteArray> m_pages;

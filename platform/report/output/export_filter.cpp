@@ -3,8 +3,15 @@
 #include "platform/toolkit/long_work.h"
 
 #include <algorithm>
+#include <memory>
 
 namespace report {
+
+void ExportFilter::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+{
+    const std::unique_ptr<PreparedReport> whole = form() == Form::Table ? report.inOnePiece() : nullptr;
+    write(whole ? *whole : report, fileName, progress);
+}
 
 void ExportFilter::forEachPage(PreparedReport &report, const Progress &progress, const std::function<void(const Page &)> &visit)
 {

@@ -21,9 +21,13 @@ public:
     virtual QString caption() const = 0; ///< for a person, without the ending
     virtual QString ending() const = 0; ///< of the file's name, with the point
     /// Throws Exception, and Abort when it is cancelled.
-    virtual void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) = 0;
+    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {});
 
 protected:
+    /// What a file of this kind is for: to be looked at page by page, or to go on with the data.
+    enum class Form { Pages, Table };
+    virtual Form form() const { return Form::Table; }
+    virtual void write(PreparedReport &report, const QString &fileName, const Progress &progress) = 0;
     /// Calls `visit` with every page from the first.
     static void forEachPage(PreparedReport &report, const Progress &progress, const std::function<void(const Page &)> &visit);
 };

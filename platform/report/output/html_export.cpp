@@ -89,7 +89,7 @@ QString headOf(const PreparedReport &report)
 
 QString HtmlTableExport::caption() const { return QStringLiteral("网页表格"); }
 
-void HtmlTableExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void HtmlTableExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     files::SafeFile file(fileName);
     bool begun = false;

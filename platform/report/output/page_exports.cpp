@@ -42,7 +42,7 @@ QByteArray pictureOf(PagePainter &pages, const Page &page, QSize paper, int reso
 
 QString PdfExport::caption() const { return QStringLiteral("PDF 文件"); }
 
-void PdfExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void PdfExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     files::SafeFile file(fileName);
     PdfText texts;
@@ -69,7 +69,7 @@ void PdfExport::exportReport(PreparedReport &report, const QString &fileName, co
 
 QString JpegExport::caption() const { return QStringLiteral("JPEG 图片"); }
 
-void JpegExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void JpegExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     const QFileInfo info(fileName);
     const QString stem = info.path() + u'/' + info.completeBaseName();

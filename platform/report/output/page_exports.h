@@ -12,7 +12,10 @@ public:
     using ExportFilter::ExportFilter;
     QString caption() const override;
     QString ending() const override { return QStringLiteral(".pdf"); }
-    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) override;
+
+private:
+    Form form() const override { return Form::Pages; }
+    void write(PreparedReport &report, const QString &fileName, const Progress &progress) override;
 };
 
 /// One picture a page: "name.jpg", or "name-1.jpg" and so on when there are more; the pictures
@@ -27,9 +30,11 @@ public:
 
     QString caption() const override;
     QString ending() const override { return QStringLiteral(".jpg"); }
-    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) override;
 
 private:
+    Form form() const override { return Form::Pages; }
+    void write(PreparedReport &report, const QString &fileName, const Progress &progress) override;
+
     int m_resolution = 150;
 };
 

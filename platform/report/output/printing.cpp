@@ -4,10 +4,12 @@
 #include "platform/report/layout/prepared_report.h"
 #include "platform/report/output/page_painter.h"
 #include "platform/toolkit/long_work.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 
 #include <algorithm>
 
@@ -79,11 +81,16 @@ bool printReport(PreparedReport &report, QWidget *parent)
     QPrinter printer(QPrinter::HighResolution);
     setReportPaper(printer, report);
     printer.setDocName(report.title());
+    const QString key = QStringLiteral("printer/") + report.title();
+    if (const QString kept = userSetting(key).toString(); QPrinterInfo::availablePrinterNames().contains(kept))
+        printer.setPrinterName(kept);
     QPrintDialog dialog(&printer, parent);
     dialog.setWindowTitle(QStringLiteral("打印"));
     dialog.setOptions(QAbstractPrintDialog::PrintToFile | QAbstractPrintDialog::PrintPageRange | QAbstractPrintDialog::PrintCollateCopies);
     if (dialog.exec() != QDialog::Accepted)
         return false;
+    if (printer.outputFormat() == QPrinter::NativeFormat)
+        keepUserSetting(key, printer.printerName());
     setReportPaper(printer, report);
     InterfaceWork work(QStringLiteral("正在打印…"), QStringLiteral("页"));
     if (!report.prepareAllPages([&work](int pages, int, int) { return work.report(0, pages); }))

@@ -9,7 +9,8 @@ namespace report {
 
 class PreparedReport;
 
-/// Lets the user choose printer and pages and prints them, showing progress with Cancel. False when the user cancels the choice.
+/// Lets the user choose printer and pages and prints them, showing progress with Cancel. Proposes the printer that took a report of this
+/// title last. False when the user cancels the choice.
 bool printReport(PreparedReport &report, QWidget *parent);
 
 /// Gives the printer the paper of the report, edge to edge.

@@ -134,7 +134,7 @@ QByteArray headOf(QSize paper, const StyleTables &styles)
 
 QString RtfExport::caption() const { return QStringLiteral("RTF 文档"); }
 
-void RtfExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void RtfExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     files::SafeFile file(fileName);
     std::optional<StyleTables> styles;

@@ -12,7 +12,9 @@ public:
     using ExportFilter::ExportFilter;
     QString caption() const override;
     QString ending() const override { return QStringLiteral(".rtf"); }
-    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) override;
+
+private:
+    void write(PreparedReport &report, const QString &fileName, const Progress &progress) override;
 };
 
 } // namespace report

@@ -134,7 +134,7 @@ private:
 
 QString SpreadsheetExport::caption() const { return QStringLiteral("电子表格"); }
 
-void SpreadsheetExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void SpreadsheetExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     files::SafeFile file(fileName);
     ReportWorkbook book(file, report, m_looks);

@@ -20,9 +20,10 @@ public:
 
     QString caption() const override;
     QString ending() const override { return QStringLiteral(".xlsx"); }
-    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) override;
 
 private:
+    void write(PreparedReport &report, const QString &fileName, const Progress &progress) override;
+
     CellLooks m_looks;
 };
 

@@ -85,7 +85,7 @@ void appendCsvLine(files::TextBuffer &out, const CellRow &row, int columns, char
 
 QString TextExport::caption() const { return QStringLiteral("文本文件"); }
 
-void TextExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void TextExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     files::SafeFile file(fileName);
     file.write(byteOrderMark);
@@ -108,7 +108,7 @@ void TextExport::exportReport(PreparedReport &report, const QString &fileName, c
 
 QString CsvExport::caption() const { return QStringLiteral("CSV 数据"); }
 
-void CsvExport::exportReport(PreparedReport &report, const QString &fileName, const Progress &progress)
+void CsvExport::write(PreparedReport &report, const QString &fileName, const Progress &progress)
 {
     files::SafeFile file(fileName);
     file.write(byteOrderMark);

@@ -18,9 +18,10 @@ public:
 
     QString caption() const override;
     QString ending() const override { return QStringLiteral(".txt"); }
-    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) override;
 
 private:
+    void write(PreparedReport &report, const QString &fileName, const Progress &progress) override;
+
     qreal m_scaleX = 1.0;
     qreal m_scaleY = 1.0;
 };
@@ -42,9 +43,10 @@ public:
 
     QString caption() const override;
     QString ending() const override { return QStringLiteral(".csv"); }
-    void exportReport(PreparedReport &report, const QString &fileName, const Progress &progress = {}) override;
 
 private:
+    void write(PreparedReport &report, const QString &fileName, const Progress &progress) override;
+
     char m_delimiter = ';';
     qreal m_scaleX = 1.0;
     qreal m_scaleY = 1.0;

@@ -58,18 +58,30 @@ void PageView::setZoom(PageZoom zoom, qreal percent)
     Q_EMIT zoomChanged();
 }
 
+void PageView::setPagesAcross(int pages)
+{
+    const int page = currentPage();
+    m_across = std::max(1, pages);
+    arrange();
+    showPage(page);
+    Q_EMIT zoomChanged();
+}
+
 qreal PageView::scale() const { return m_percent / 100 * logicalDpiX() / (25.4 * millimetre); }
 
 QSize PageView::pageSize() const { return m_report ? (QSizeF(m_report->paper()) * scale()).toSize() : QSize(1, 1); }
 
 int PageView::pageStep() const { return pageSize().height() + gap; }
 
+int PageView::wholeWidth() const { return m_across * (pageSize().width() + gap) - gap; }
+
 QRect PageView::pageRect(int page) const
 {
     const QSize size = pageSize();
-    const int spare = viewport()->width() - size.width();
+    const int spare = viewport()->width() - wholeWidth();
     const int left = spare > 2 * gap ? spare / 2 : gap - horizontalScrollBar()->value();
-    return QRect(QPoint(left, gap + page * pageStep() - verticalScrollBar()->value()), size);
+    return QRect(
+        QPoint(left + page % m_across * (size.width() + gap), gap + lineOf(page) * pageStep() - verticalScrollBar()->value()), size);
 }
 
 void PageView::arrange()
@@ -77,14 +89,14 @@ void PageView::arrange()
     if (!m_report)
         return;
     const QSizeF paper = QSizeF(m_report->paper()) * logicalDpiX() / (25.4 * millimetre);
-    const qreal across = (viewport()->width() - 2 * gap) / paper.width() * 100;
+    const qreal across = (viewport()->width() - (m_across + 1) * gap) / (m_across * paper.width()) * 100;
     const qreal down = (viewport()->height() - 2 * gap) / paper.height() * 100;
     if (m_zoom != PageZoom::Percent)
         m_percent = std::clamp(m_zoom == PageZoom::FitWidth ? across : std::min(across, down), leastPercent, mostPercent);
-    const int height = gap + m_report->pageCount() * pageStep();
+    const int height = gap + (m_report->pageCount() + m_across - 1) / m_across * pageStep();
     verticalScrollBar()->setRange(0, std::max(0, height - viewport()->height()));
     verticalScrollBar()->setPageStep(viewport()->height());
-    horizontalScrollBar()->setRange(0, std::max(0, pageSize().width() + 2 * gap - viewport()->width()));
+    horizontalScrollBar()->setRange(0, std::max(0, wholeWidth() + 2 * gap - viewport()->width()));
     horizontalScrollBar()->setPageStep(viewport()->width());
     viewport()->update();
 }
@@ -94,12 +106,13 @@ int PageView::currentPage() const
     if (!m_report || m_report->pageCount() == 0)
         return 0;
     // The page that takes the upper middle of the window.
-    return std::clamp((verticalScrollBar()->value() + viewport()->height() / 3) / pageStep(), 0, m_report->pageCount() - 1);
+    const int line = (verticalScrollBar()->value() + viewport()->height() / 3) / pageStep();
+    return std::clamp(line * m_across, 0, m_report->pageCount() - 1);
 }
 
 void PageView::showPage(int page)
 {
-    verticalScrollBar()->setValue(page * pageStep());
+    verticalScrollBar()->setValue(lineOf(page) * pageStep());
     Q_EMIT currentPageChanged(currentPage());
 }
 
@@ -107,7 +120,7 @@ void PageView::markBox(int page, const QRect &box)
 {
     m_markedPage = page;
     m_marked = box;
-    const int top = gap + page * pageStep() + int(box.y() * scale());
+    const int top = gap + lineOf(page) * pageStep() + int(box.y() * scale());
     const int value = verticalScrollBar()->value();
     if (top < value + 20 || top > value + viewport()->height() - 60)
         verticalScrollBar()->setValue(top - viewport()->height() / 3);
@@ -145,7 +158,7 @@ void PageView::paintEvent(QPaintEvent *event)
     painter.fillRect(event->rect(), QColor(0x8b, 0x91, 0x99));
     if (!m_report)
         return;
-    const int first = std::max(0, (verticalScrollBar()->value() + event->rect().top() - gap) / pageStep());
+    const int first = std::max(0, (verticalScrollBar()->value() + event->rect().top() - gap) / pageStep()) * m_across;
     for (int index = first; index < m_report->pageCount(); ++index) {
         const QRect rect = pageRect(index);
         if (rect.top() > event->rect().bottom())
@@ -171,7 +184,7 @@ void PageView::resizeEvent(QResizeEvent *)
     const int page = currentPage();
     arrange();
     if (m_zoom != PageZoom::Percent) {
-        verticalScrollBar()->setValue(page * pageStep());
+        verticalScrollBar()->setValue(lineOf(page) * pageStep());
         Q_EMIT zoomChanged();
     }
 }

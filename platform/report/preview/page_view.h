@@ -13,7 +13,7 @@ class PreparedReport;
 
 enum class PageZoom { Percent, FitWidth, WholePage };
 
-/// Shows the pages of a prepared report one below the other.
+/// Shows the pages of a prepared report one below the other, or in pairs.
 class PageView : public QAbstractScrollArea {
     Q_OBJECT
 
@@ -27,7 +27,9 @@ public:
     void setZoom(PageZoom zoom, qreal percent = 100);
     qreal percent() const { return m_percent; }
     PageZoom zoom() const { return m_zoom; }
-    int currentPage() const; ///< from 0
+    int pagesAcross() const { return m_across; }
+    void setPagesAcross(int pages);
+    int currentPage() const; ///< from 0; the first one of a pair
     void showPage(int page);
     /// Marks a box of a page and brings it into view.
     void markBox(int page, const QRect &box);
@@ -49,7 +51,9 @@ private:
     qreal scale() const;
     QSize pageSize() const; ///< in pixels
     QRect pageRect(int page) const; ///< in the viewport
-    int pageStep() const;
+    int pageStep() const; ///< from one line of pages to the next
+    int lineOf(int page) const { return page / m_across; }
+    int wholeWidth() const; ///< of a line of pages
     void arrange();
     const Page &page(int index);
 
@@ -58,6 +62,7 @@ private:
     QCache<int, Page> m_pages { 16 };
     PageZoom m_zoom = PageZoom::FitWidth;
     qreal m_percent = 100;
+    int m_across = 1;
     int m_markedPage = -1;
     QRect m_marked;
 };

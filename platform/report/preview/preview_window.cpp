@@ -1,18 +1,23 @@
 #include "platform/report/preview/preview_window.h"
 
+#include "platform/files/save_dialog.h"
+#include "platform/files/saved_file_label.h"
 #include "platform/report/output/cell_table.h"
 #include "platform/report/output/page_exports.h"
 #include "platform/report/output/printing.h"
+#include "platform/report/preview/page_setup_dialog.h"
 #include "platform/report/preview/page_view.h"
 #include "platform/report/preview/thumbnail_model.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/long_work.h"
 #include "platform/toolkit/plain_text.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QAction>
 #include <QComboBox>
 #include <QElapsedTimer>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -36,12 +41,15 @@ namespace {
 constexpr int idleSlice = 20; ///< milliseconds
 constexpr QStringView fitWidth = u"适合宽度";
 constexpr QStringView wholePage = u"整页";
+const QString exportKindKey = QStringLiteral("export/previewKind");
 constexpr QStringView savedFilter = u"保存的报表 (*.kpages)";
 
 } // namespace
 
-PreviewWindow::PreviewWindow(PreparedReport &report, QList<ExportFilter *> filters, PreviewButtons buttons, QWidget *parent)
+PreviewWindow::PreviewWindow(
+    PreparedReport &report, QList<ExportFilter *> filters, PreviewButtons buttons, QWidget *parent, PaperChoice paper)
     : QDialog(parent, Qt::Window)
+    , m_paper(std::move(paper))
     , m_filters(std::move(filters))
     , m_buttons(buttons)
     , m_tools(new QToolBar(this))
@@ -103,6 +111,8 @@ void PreviewWindow::buildTools()
         addTool(QStringLiteral("保存"), QStringLiteral("保存排好的报表"), QKeySequence::Save, &PreviewWindow::save);
     if (has(PreviewButton::Print))
         addTool(QStringLiteral("打印"), QStringLiteral("打印"), QKeySequence::Print, &PreviewWindow::printAll);
+    if (m_paper.layOut)
+        addTool(QStringLiteral("页面设置"), QStringLiteral("纸张、方向、页边距"), Qt::CTRL | Qt::Key_U, &PreviewWindow::setUpPage);
     if (has(PreviewButton::Export))
         addTool(QStringLiteral("导出"), QStringLiteral("导出为其他格式"), Qt::CTRL | Qt::Key_E, &PreviewWindow::exportAll);
     m_tools->addSeparator();
@@ -132,6 +142,7 @@ void PreviewWindow::buildTools()
     handle(m_zoomBox, &QComboBox::textActivated, this, &PreviewWindow::chooseZoom);
     QAction *zoom = m_tools->addWidget(m_zoomBox);
     zoom->setVisible(has(PreviewButton::Zoom));
+    addTool(QStringLiteral("双页"), QStringLiteral("并排显示两页"), Qt::Key_F2, &PreviewWindow::togglePairs)->setCheckable(true);
     if (has(PreviewButton::Find))
         addTool(QStringLiteral("查找"), QStringLiteral("查找文字"), QKeySequence::Find, &PreviewWindow::showFindBar);
     QAction *thumbnails
@@ -177,7 +188,10 @@ QWidget *PreviewWindow::buildStatus()
     m_progress->setTextVisible(false);
     m_cancel = new QPushButton(QStringLiteral("停止排版"), bar);
     m_cancel->setAutoDefault(false);
-    layout->addWidget(m_status, 1);
+    m_saved = new files::SavedFileLabel(bar);
+    layout->addWidget(m_status);
+    layout->addWidget(m_saved, 1);
+    layout->addStretch();
     layout->addWidget(m_progress);
     layout->addWidget(m_cancel);
     handle(m_cancel, &QPushButton::clicked, this, &PreviewWindow::stopPreparing);
@@ -251,9 +265,9 @@ void PreviewWindow::showPosition()
 
 void PreviewWindow::showPage(int page) { m_view->showPage(std::clamp(page, 0, pageCount() - 1)); }
 
-void PreviewWindow::showPreviousPage() { showPage(m_view->currentPage() - 1); }
+void PreviewWindow::showPreviousPage() { showPage(m_view->currentPage() - m_view->pagesAcross()); }
 
-void PreviewWindow::showNextPage() { showPage(m_view->currentPage() + 1); }
+void PreviewWindow::showNextPage() { showPage(m_view->currentPage() + m_view->pagesAcross()); }
 
 void PreviewWindow::showLastPage() { showPage(pageCount() - 1); }
 
@@ -282,21 +296,39 @@ void PreviewWindow::openSaved()
     const QString name = QFileDialog::getOpenFileName(this, QStringLiteral("打开保存的报表"), {}, savedFilter.toString());
     if (name.isEmpty())
         return;
-    auto loaded = PreparedReport::load(name);
-    setReport(loaded.get());
-    m_loaded = std::move(loaded);
+    showInstead(PreparedReport::load(name));
+}
+
+void PreviewWindow::showInstead(std::unique_ptr<PreparedReport> report)
+{
+    setReport(report.get());
+    m_own = std::move(report);
+}
+
+void PreviewWindow::changePaper(const PageSetup &setup)
+{
+    showInstead(m_paper.layOut(setup));
+    m_paper.setup = setup;
+}
+
+void PreviewWindow::setUpPage()
+{
+    PageSetupDialog dialog(m_paper.setup, this);
+    if (dialog.exec() == QDialog::Accepted && dialog.setup() != m_paper.setup)
+        changePaper(dialog.setup());
 }
 
 void PreviewWindow::save()
 {
-    QString name = QFileDialog::getSaveFileName(this, QStringLiteral("保存报表"), m_report->title(), savedFilter.toString());
-    if (name.isEmpty())
+    const auto place
+        = files::askWhereToSave(this, QStringLiteral("保存报表"), files::datedName(m_report->title()), { savedFilter.toString() });
+    if (!place)
         return;
-    if (!name.endsWith(u".kpages"))
-        name += u".kpages";
+    const QString name = place->fileName.endsWith(u".kpages") ? place->fileName : place->fileName + u".kpages";
     InterfaceWork work(QStringLiteral("正在保存…"));
     m_report->save(name, [&work](int, int done, int rows) { return work.report(done, rows); });
     pagesAdded();
+    m_saved->tell(QStringLiteral("已保存 %1 页").arg(pageCount()), name);
 }
 
 void PreviewWindow::printAll()
@@ -310,18 +342,22 @@ void PreviewWindow::exportAll()
     QStringList kinds;
     for (const ExportFilter *filter : std::as_const(m_filters))
         kinds.append(filter->caption() + QStringLiteral(" (*") + filter->ending() + u')');
-    QString kind;
-    QString name = QFileDialog::getSaveFileName(this, QStringLiteral("导出"), m_report->title(), kinds.join(QStringLiteral(";;")), &kind);
-    if (name.isEmpty())
+    const auto place = files::askWhereToSave(
+        this, QStringLiteral("导出"), files::datedName(m_report->title()), kinds, userSetting(exportKindKey).toString());
+    if (!place)
         return;
+    keepUserSetting(exportKindKey, place->filter);
+    QString name = place->fileName;
     ExportFilter *filter = filterFor(m_filters, name);
     if (!filter) {
-        filter = m_filters[std::max<qsizetype>(0, kinds.indexOf(kind))];
+        filter = m_filters[std::max<qsizetype>(0, kinds.indexOf(place->filter))];
         name += filter->ending();
     }
     InterfaceWork work(QStringLiteral("正在导出…"), QStringLiteral("页"));
     filter->exportReport(*m_report, name, [&work](int done, int pages) { return work.report(done, pages); });
     pagesAdded();
+    // Pictures are several files, with numbers behind the name.
+    m_saved->tell(QStringLiteral("已导出"), QFileInfo::exists(name) ? name : QFileInfo(name).absolutePath());
 }
 
 void PreviewWindow::showFindBar()
@@ -342,9 +378,14 @@ bool PreviewWindow::find(const QString &text, Direction direction)
     const bool forward = direction == Direction::Forward;
     int pageIndex = m_foundPage < 0 ? m_view->currentPage() : m_foundPage;
     qsizetype place = m_foundPage < 0 ? (forward ? -1 : std::numeric_limits<qsizetype>::max()) : m_foundPlace;
-    InterfaceWork work(QStringLiteral("正在查找…"));
-    const auto preparesNext = [&] { return work.report(m_report->rowsDone(), m_report->rowCount()) && m_report->prepareNextPage(); };
-    while (pageIndex >= 0 && (pageIndex < pageCount() || (forward && preparesNext()))) {
+    InterfaceWork work(QStringLiteral("正在查找…"), QStringLiteral("页"));
+    const auto isThere = [&] { return pageIndex < pageCount() || (forward && m_report->prepareNextPage()); };
+    while (pageIndex >= 0 && isThere()) {
+        if (!work.report(pageIndex + 1, pageCount())) {
+            pagesAdded();
+            m_findResult->setText(QStringLiteral(" 查找已取消"));
+            return false;
+        }
         const Page page = m_report->page(pageIndex);
         const qsizetype step = forward ? 1 : -1;
         for (qsizetype index = forward ? place + 1 : std::min(place, page.size()) - 1; index >= 0 && index < page.size(); index += step) {
@@ -369,6 +410,8 @@ bool PreviewWindow::find(const QString &text, Direction direction)
 }
 
 void PreviewWindow::toggleThumbnails() { m_thumbnails->setVisible(!m_thumbnails->isVisible()); }
+
+void PreviewWindow::togglePairs() { m_view->setPagesAcross(m_view->pagesAcross() == 1 ? 2 : 1); }
 
 void PreviewWindow::keyPressEvent(QKeyEvent *event)
 {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/report/output/export_filter.h"
+#include "platform/report/preview/paper_choice.h"
 #include "platform/report/preview/preview_buttons.h"
 
 #include <QDialog>
@@ -18,6 +19,10 @@ class QPushButton;
 class QSpinBox;
 class QToolBar;
 
+namespace files {
+class SavedFileLabel;
+}
+
 namespace report {
 
 class PageView;
@@ -32,13 +37,16 @@ public:
     enum class Direction { Forward, Backward };
 
     /// The report must outlive the window.
-    PreviewWindow(PreparedReport &report, QList<ExportFilter *> filters, PreviewButtons buttons, QWidget *parent = nullptr);
+    PreviewWindow(
+        PreparedReport &report, QList<ExportFilter *> filters, PreviewButtons buttons, QWidget *parent = nullptr, PaperChoice paper = {});
     ~PreviewWindow() override;
 
     int pageCount() const { return m_report->pageCount(); }
     /// Looks for the text from the marked place on; lays out further pages on the way. False when it stands nowhere.
     bool find(const QString &text, Direction direction = Direction::Forward);
     PageView *view() const { return m_view; }
+    /// Lays the report out for another paper, as the person's choice does; throws Exception and leaves the pages when it does not fit.
+    void changePaper(const PageSetup &setup);
 
 protected:
     void keyPressEvent(QKeyEvent *event) override;
@@ -49,6 +57,7 @@ private:
     QWidget *buildStatus();
     QAction *addTool(const QString &text, const QString &tip, const QKeySequence &key, void (PreviewWindow::*work)());
     void setReport(PreparedReport *report);
+    void showInstead(std::unique_ptr<PreparedReport> report);
     void prepareInIdleTime();
     void stopPreparing();
     void pagesAdded();
@@ -68,9 +77,12 @@ private:
     void findNext();
     void findPrevious();
     void toggleThumbnails();
+    void togglePairs();
+    void setUpPage();
 
     PreparedReport *m_report = nullptr;
-    std::unique_ptr<PreparedReport> m_loaded; ///< opened from a file
+    std::unique_ptr<PreparedReport> m_own; ///< opened from a file, or laid out anew
+    PaperChoice m_paper;
     QList<ExportFilter *> m_filters;
     std::unique_ptr<PdfExport> m_pdf;
     PreviewButtons m_buttons;
@@ -85,6 +97,7 @@ private:
     QLabel *m_pageCount;
     QComboBox *m_zoomBox;
     QLabel *m_status;
+    files::SavedFileLabel *m_saved;
     QProgressBar *m_progress;
     QPushButton *m_cancel;
     QTimer m_idle;
