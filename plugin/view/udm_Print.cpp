@@ -1,6 +1,7 @@
 #include "plugin/view/udm_Print.h"
 
 #include "platform/toolkit/handler.h"
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
 #include "plugin/data/host_data.h"
@@ -67,6 +68,8 @@ void Tdm_Print::PrintReport(TDataSet *DataSet, const QString &FileName, const st
     guarded([&] {
         frDBDataSet->setDataSet(DataSet);
         frReport->loadFromFile(path);
+        if (const QString summaryRow = DataSet->property(published_by_screen::summaryRow).toString(); !summaryRow.isEmpty())
+            frReport->addNote(u"汇总行：" + summaryRow);
         FillReportHeader();
         if (Hook)
             Hook();

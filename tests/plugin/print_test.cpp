@@ -1,5 +1,6 @@
 #include "plugin/view/udm_Print.h"
 
+#include "platform/toolkit/plugin_interface.h"
 #include "platform/toolkit/screen.h"
 #include "tests/plugin/fake_host.h"
 
@@ -41,6 +42,7 @@ protected:
             ++m_previews;
             request.report.prepareAllPages();
             m_texts = request.report.namedTexts();
+            m_firstPage = request.report.texts(0);
         });
     }
     ~Print() override
@@ -73,6 +75,7 @@ protected:
     std::unique_ptr<Tdm_Print> m_module;
     int m_previews = 0;
     QMap<QString, QString> m_texts;
+    QStringList m_firstPage;
     QMetaObject::Connection m_errors;
 };
 
@@ -91,6 +94,16 @@ TEST_F(Print, FillsTheHeadingLetsTheScreenAddItsTextsAndComesBackToItsRow)
     expectUntouched();
     EXPECT_EQ(print("report 1\n" + rows + "end\n"), QStringList()) << "no heading at all";
     EXPECT_EQ(m_texts, (QMap<QString, QString> { { QStringLiteral("Bill"), QStringLiteral("甲") } }));
+}
+
+TEST_F(Print, TellsToWhichSummaryRowTheRowsBelong)
+{
+    m_rows.setProperty(published_by_screen::summaryRow, QStringLiteral("上一站=[北京]，票数=3"));
+    const QString line = QStringLiteral("汇总行：上一站=[北京]，票数=3");
+    EXPECT_EQ(print(heading + rows + "end\n"), QStringList());
+    EXPECT_EQ(m_firstPage.indexOf(line), 4) << "below the heading: " << m_firstPage.join(u'|').toStdString();
+    EXPECT_EQ(print("report 1\n" + rows + "end\n"), QStringList());
+    EXPECT_EQ(m_firstPage.value(0), line) << "no heading at all";
 }
 
 TEST_F(Print, RefusesToPrintNothingAndNamesAMissingFile)
