@@ -1,5 +1,7 @@
 #include "platform/dataset/text_pattern.h"
 
+#include "platform/dataset/pinyin.h"
+
 #include <algorithm>
 #include <array>
 
@@ -20,11 +22,16 @@ constexpr auto sameButCase = [](char inText, char lowered) { return lower(inText
 
 } // namespace
 
-TextPattern::TextPattern(const QString &text, Match match, Qt::CaseSensitivity sensitivity)
+TextPattern::TextPattern(const QString &text, Match match, Qt::CaseSensitivity sensitivity, HanText han)
     : m_text(text)
     , m_bytes(text.toStdString())
     , m_match(match)
 {
+    if (han == HanText::AlsoAsRead && match != Match::Whole) {
+        m_read.emplace(text);
+        if (m_read->isEmpty())
+            m_read.reset();
+    }
     if (sensitivity == Qt::CaseSensitive || text.toLower() == text.toUpper())
         return;
     const bool latin = std::ranges::all_of(text, [](QChar letter) { return letter < u'\x80' || letter.toLower() == letter.toUpper(); });
@@ -33,6 +40,13 @@ TextPattern::TextPattern(const QString &text, Match match, Qt::CaseSensitivity s
 }
 
 bool TextPattern::matches(std::string_view text) const
+{
+    if (isWrittenIn(text))
+        return true;
+    return m_read && Pinyin::mayHoldHan(text) && matches(QString::fromUtf8(text.data(), qsizetype(text.size())));
+}
+
+bool TextPattern::isWrittenIn(std::string_view text) const
 {
     if (text.size() < m_bytes.size() && m_compare != Compare::AnyCase)
         return false;
@@ -47,12 +61,23 @@ bool TextPattern::matches(std::string_view text) const
         return (m_match == Match::Beginning || text.size() == m_bytes.size())
             && std::equal(m_bytes.begin(), m_bytes.end(), text.begin(), [](char lowered, char inText) { return lower(inText) == lowered; });
     case Compare::AnyCase:
-        return matches(QString::fromUtf8(text.data(), qsizetype(text.size())));
+        return findWritten(QString::fromUtf8(text.data(), qsizetype(text.size()))) >= 0;
     }
     return false;
 }
 
-qsizetype TextPattern::find(const QString &text) const
+TextPattern::Place TextPattern::find(const QString &text) const
+{
+    const qsizetype written = findWritten(text);
+    if (written >= 0 || !m_read)
+        return { written, m_text.size() };
+    if (m_match == Match::Anywhere)
+        return m_read->find(text);
+    const qsizetype length = m_read->lengthReadFrom(text);
+    return { length > 0 ? 0 : -1, length };
+}
+
+qsizetype TextPattern::findWritten(const QString &text) const
 {
     const Qt::CaseSensitivity sensitivity = m_compare == Compare::Bytes ? Qt::CaseSensitive : Qt::CaseInsensitive;
     switch (m_match) {

@@ -1,39 +1,14 @@
 #include "platform/editors/lookup_match.h"
 
 #include "platform/dataset/data_set.h"
-#include "platform/dataset/pinyin.h"
 #include "platform/dataset/text_order.h"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 
 namespace platform {
 
 namespace {
-
-constexpr std::size_t mostLetters = 63; ///< what a set of numbers of typed letters can tell
-
-/// The letters of a text as pinyin, ü as v, without blanks and the marks between syllables; empty when it holds anything else.
-std::string lettersOf(const QString &typed)
-{
-    std::string letters;
-    bool hasLetter = false;
-    for (const QChar character : typed) {
-        const QChar small = character.toLower();
-        hasLetter = hasLetter || small.isLetter();
-        if (small == u'ü')
-            letters += 'v';
-        else if (small.unicode() > 0x7F)
-            return {};
-        else if (small != u' ' && small != u'\'')
-            letters += small.toLatin1();
-    }
-    return hasLetter && letters.size() <= mostLetters ? letters : std::string();
-}
-
-/// People write ü as v or as u.
-bool isSameLetter(char ofSyllable, char typed) { return ofSyllable == typed || (ofSyllable == 'v' && typed == 'u'); }
 
 LookupRank rankOf(const LookupMatcher &matcher, const TDataSet &dataSet, const LookupFields &fields, int row)
 {
@@ -46,9 +21,8 @@ LookupRank rankOf(const LookupMatcher &matcher, const TDataSet &dataSet, const L
 } // namespace
 
 LookupMatcher::LookupMatcher(const QString &typed)
-    : m_pinyin(Pinyin::table())
-    , m_typed(typed.trimmed())
-    , m_letters(lettersOf(m_typed))
+    : m_typed(typed.trimmed())
+    , m_read(m_typed)
 {
 }
 
@@ -69,61 +43,8 @@ LookupRank LookupMatcher::rankByName(const QString &name) const
             return name == m_typed ? LookupRank::SameName : LookupRank::SameButCase;
         return place == 0 ? LookupRank::NameBegins : LookupRank::NameContains;
     }
-    if (m_letters.empty())
-        return LookupRank::None;
-    for (qsizetype start = 0; start < name.size(); ++start) {
-        if (isReadFrom(QStringView(name).mid(start)))
-            return start == 0 ? LookupRank::PinyinBegins : LookupRank::PinyinContains;
-    }
-    return LookupRank::None;
-}
-
-/// Whether the characters, from the first one on, can have been typed as they are read; more of them may follow.
-bool LookupMatcher::isReadFrom(QStringView name) const
-{
-    if (!name.front().isLetterOrNumber())
-        return false;
-    Reached reached = 1;
-    for (const QChar character : name) {
-        reached = after(character, reached);
-        if (reached == 0 || reached & all())
-            break;
-    }
-    return reached & all();
-}
-
-LookupMatcher::Reached LookupMatcher::after(QChar character, Reached reached) const
-{
-    const auto readings = m_pinyin.readings(character.unicode());
-    if (readings.empty() && !character.isLetterOrNumber())
-        return reached;
-    Reached next = 0;
-    for (Reached left = reached; left != 0; left &= left - 1) {
-        const auto typed = std::size_t(std::countr_zero(left));
-        for (const Pinyin::Reading reading : readings)
-            next |= afterSyllable(m_pinyin.syllable(reading), typed);
-        if (readings.empty() && character.toLower() == QLatin1Char(m_letters[typed]))
-            next |= Reached(2) << typed;
-    }
-    return next;
-}
-
-/// A character may be typed as its syllable, as the initial of it, as zh, ch, sh in full or not, and the last one as any beginning.
-LookupMatcher::Reached LookupMatcher::afterSyllable(std::string_view syllable, std::size_t typed) const
-{
-    const std::size_t most = std::min(syllable.size(), m_letters.size() - typed);
-    std::size_t common = 0;
-    while (common < most && isSameLetter(syllable[common], m_letters[typed + common]))
-        ++common;
-    if (common == 0)
-        return 0;
-    const Reached before = Reached(1) << typed;
-    Reached next = before << 1;
-    if (common > 1 && syllable[1] == 'h')
-        next |= before << 2;
-    if (common == syllable.size() || typed + common == m_letters.size())
-        next |= before << common;
-    return next;
+    const qsizetype read = m_read.find(name).start;
+    return read < 0 ? LookupRank::None : read == 0 ? LookupRank::PinyinBegins : LookupRank::PinyinContains;
 }
 
 LookupMatches lookUp(const TDataSet &dataSet, const LookupFields &fields, const QString &typed)

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "platform/dataset/pinyin_pattern.h"
+
 #include <QList>
 #include <QString>
 
-#include <string>
 #include <vector>
 
 class TDataSet;
 
 namespace platform {
-
-class Pinyin;
 
 /// How well a row fits what was typed, the best first.
 enum class LookupRank { SameCode, SameName, SameButCase, CodeBegins, NameBegins, NameContains, PinyinBegins, PinyinContains, None };
@@ -25,17 +24,8 @@ public:
     LookupRank rankByName(const QString &name) const;
 
 private:
-    /// A set of numbers of typed letters: those after which a character of the name can begin.
-    using Reached = quint64;
-
-    bool isReadFrom(QStringView name) const;
-    Reached after(QChar character, Reached reached) const;
-    Reached afterSyllable(std::string_view syllable, std::size_t typed) const;
-    Reached all() const { return Reached(1) << m_letters.size(); }
-
-    const Pinyin &m_pinyin;
     QString m_typed;
-    std::string m_letters; ///< as pinyin in small letters; empty when it cannot be that
+    PinyinPattern m_read;
 };
 
 /// Where a lookup searches: indexes of fields.

@@ -112,12 +112,12 @@ void GridFinder::endTyping()
     m_grid.viewport()->update();
 }
 
-GridFinder::FoundText GridFinder::foundText(int column, const QString &text) const
+TextPattern::Place GridFinder::foundText(int column, const QString &text) const
 {
     const bool wanted = isTyping() || (m_dialog && m_dialog->isVisible());
     if (!wanted || m_last.text.isEmpty() || (m_last.column >= 0 && m_last.column != column))
         return {};
-    return { TextPattern(m_last.text, m_last.match, m_last.sensitivity).find(text), m_last.text.size() };
+    return TextPattern(m_last.text, m_last.match, m_last.sensitivity, HanText::AlsoAsRead).find(text);
 }
 
 void GridFinder::showTyped(const QString &message)

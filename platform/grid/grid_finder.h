@@ -29,11 +29,7 @@ public:
     bool takeKey(const QKeyEvent &event);
     void endTyping();
     /// Where in the current cell's text that stands which is typed or asked for in the dialog.
-    struct FoundText {
-        qsizetype start = -1; ///< -1: nowhere
-        qsizetype length = 0;
-    };
-    FoundText foundText(int column, const QString &text) const;
+    TextPattern::Place foundText(int column, const QString &text) const;
 
 private:
     bool moveTo(std::optional<QPoint> cell);
