@@ -3,6 +3,7 @@
 
 #include "bench/pairs.h"
 #include "bench/scan_rows.h"
+#include "platform/dataset/quick_filter.h"
 
 #include <QAbstractTableModel>
 #include <QApplication>
@@ -297,6 +298,35 @@ void compareFilters(TClientDataSetEx &dataSet, ReadyModel &model)
     dataSet.setFiltered(false);
 }
 
+/// A person at a grid types a part of a site's name.
+void compareQuickFilters(TClientDataSetEx &dataSet, ReadyModel &model)
+{
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&model);
+    proxy.setFilterKeyColumn(ReadyModel::Site);
+    const QString part = model.data(model.index(0, ReadyModel::Site), Qt::DisplayRole).toString().left(1);
+    std::vector<Side> sides {
+        { "dataset", [&] { dataSet.setQuickFilter({ .text = part, .fieldNames = { QStringLiteral("SCAN_SITE") } }); } },
+        { "proxy",
+            [&] {
+                proxy.setFilterFixedString(part);
+                proxy.rowCount();
+            } },
+    };
+    sides[0].prepare = [&] { dataSet.setQuickFilter({}); };
+    sides[1].prepare = [&] {
+        proxy.setFilterFixedString({});
+        proxy.rowCount();
+    };
+    std::printf("\nquick filter by a part of a repeated text, %d rounds\n", rounds);
+    runInTurn(sides, rounds);
+    if (dataSet.recordCount() != proxy.rowCount())
+        failWith(QStringLiteral("%1 rows pass, beside %2").arg(dataSet.recordCount()).arg(proxy.rowCount()));
+    std::printf("dataset: median %.1f ms\nproxy: median %.0f ms\n", median(sides[0].milliseconds), median(sides[1].milliseconds));
+    printRatio(sides[0], sides[1], 1.0 / 50);
+    dataSet.setQuickFilter({});
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -316,6 +346,7 @@ int main(int argc, char **argv)
     Sorting(dataSet, model).run();
     compareFooters(dataSet, path);
     compareFilters(dataSet, model);
+    compareQuickFilters(dataSet, model);
     if (!wasQuiet || !machineIsQuiet())
         std::printf("machine busy: these ratios are no verdict\n");
     return 0;

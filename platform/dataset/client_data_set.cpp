@@ -4,6 +4,7 @@
 #include "platform/dataset/column_sum.h"
 #include "platform/dataset/data_set_provider.h"
 #include "platform/dataset/filter_expression.h"
+#include "platform/dataset/quick_filter.h"
 #include "platform/dataset/row_order.h"
 #include "platform/dataset/row_snapshot.h"
 #include "platform/toolkit/application.h"
@@ -50,6 +51,7 @@ packet::PacketPtr withoutRows(const packet::Packet &packet)
 
 TCustomClientDataSet::TCustomClientDataSet(QObject *parent)
     : TDataSet(parent)
+    , m_quickFilter(std::make_unique<QuickFilter>())
 {
 }
 
@@ -88,6 +90,7 @@ void TCustomClientDataSet::emptyDataSet()
 {
     requireActive();
     m_overlay = std::make_unique<RowOverlay>(withoutRows(m_overlay->packet()));
+    *m_quickFilter = {};
     m_filterExpression = m_filtered ? compiled(m_filter) : nullptr;
     rebuildRows();
     setState(DataSetState::Browse);
@@ -123,6 +126,8 @@ void TCustomClientDataSet::doClose()
 {
     m_overlay.reset();
     m_filterExpression.reset();
+    *m_quickFilter = {};
+    m_wideRows.reset();
     m_rows = {};
     m_allRows = true;
 }
@@ -279,7 +284,7 @@ void TCustomClientDataSet::post() { postPending(); }
 void TCustomClientDataSet::doPost()
 {
     m_overlay->commit();
-    const bool mayMove = m_filterExpression || !m_indexName.isEmpty();
+    const bool mayMove = m_filterExpression || m_wideRows || !m_indexName.isEmpty();
     const auto current = bookmark();
     if (mayMove)
         rebuildRows();
@@ -314,7 +319,7 @@ void TCustomClientDataSet::deleteRow()
         fail(QStringLiteral("没有可以删除的行。"));
     const int row = recordIndex();
     m_overlay->remove(*bookmark());
-    if (m_allRows)
+    if (m_allRows || m_wideRows)
         rebuildRows();
     else
         m_rows.erase(m_rows.begin() + row);
@@ -413,19 +418,31 @@ std::vector<OrderKey> TCustomClientDataSet::orderKeys() const
 void TCustomClientDataSet::rebuildRows()
 {
     m_rows = {};
+    m_wideRows.reset();
     const auto keys = orderKeys();
     m_allRows = !m_filterExpression && keys.empty() && !m_overlay->hasDeleted();
-    if (m_allRows)
-        return;
     if (m_filterExpression) {
         m_rows = m_filterExpression->select(*m_overlay);
-    } else {
+    } else if (!m_allRows) {
         m_rows.resize(m_overlay->rowCount());
         std::iota(m_rows.begin(), m_rows.end(), 0U);
         if (m_overlay->hasDeleted())
             std::erase_if(m_rows, [this](quint32 row) { return m_overlay->isDeleted(row); });
     }
-    orderRows(*m_overlay, keys, m_rows);
+    if (!m_allRows)
+        orderRows(*m_overlay, keys, m_rows);
+    narrowRows();
+}
+
+/// Goes from the rows without the quick filter to those with it.
+void TCustomClientDataSet::narrowRows()
+{
+    if (m_quickFilter->isEmpty())
+        return;
+    auto passing = passingRows(*m_quickFilter, *m_overlay, m_allRows ? nullptr : &m_rows);
+    m_wideRows = { m_allRows, std::move(m_rows) };
+    m_rows = std::move(passing);
+    m_allRows = false;
 }
 
 /// Shows the rows anew after the filter or the index has changed; the current row stays current while it is shown.
@@ -435,8 +452,43 @@ void TCustomClientDataSet::showAgain()
         return;
     const auto current = bookmark();
     rebuildRows();
+    showCurrent(current);
+}
+
+void TCustomClientDataSet::showCurrent(const Bookmark &current)
+{
     const int row = current ? shownRow(*current) : -1;
     setRecord(std::max(row, 0), Announce::Rows);
+}
+
+void TCustomClientDataSet::setQuickFilter(const QuickFilter &filter)
+{
+    requireActive();
+    postPending();
+    const auto current = bookmark();
+    if (m_wideRows) {
+        m_allRows = m_wideRows->all;
+        m_rows = std::move(m_wideRows->rows);
+        m_wideRows.reset();
+    }
+    *m_quickFilter = filter;
+    narrowRows();
+    showCurrent(current);
+}
+
+int TCustomClientDataSet::unnarrowedCount() const
+{
+    if (!m_wideRows)
+        return recordCount();
+    return m_wideRows->all ? int(m_overlay->rowCount()) : int(m_wideRows->rows.size());
+}
+
+std::vector<ValueCount> TCustomClientDataSet::valueCounts(int field, const QuickFilter &filter, std::size_t most) const
+{
+    requireActive();
+    const bool all = m_wideRows ? m_wideRows->all : m_allRows;
+    const auto &rows = m_wideRows ? m_wideRows->rows : m_rows;
+    return countValues(*m_overlay, std::size_t(field), passingRows(filter, *m_overlay, all ? nullptr : &rows), most);
 }
 
 void TClientDataSetEx::setRemoteServer(TCustomRemoteServer *server) { m_remoteServer = server; }

@@ -15,6 +15,8 @@ class FilterExpression;
 class RowOverlay;
 class RowSnapshot;
 struct OrderKey;
+struct QuickFilter;
+struct ValueCount;
 
 /// An index over the shown rows of a client dataset.
 struct IndexDefinition {
@@ -85,6 +87,15 @@ public:
     bool filtered() const { return m_filtered; }
     void setFiltered(bool filtered); ///< recorded by the application object as "filter"
 
+    /// What a person narrows the rows to; it goes with the rows when the dataset closes or is emptied. The dataset's own filter and its
+    /// index work on beneath it, and taking it back costs no search.
+    const platform::QuickFilter &quickFilter() const { return *m_quickFilter; }
+    void setQuickFilter(const platform::QuickFilter &filter);
+    int unnarrowedCount() const override;
+    /// What stands in a field of the rows that would be shown with `filter` in place of the quick filter; only the first `most`
+    /// different texts are counted.
+    std::vector<platform::ValueCount> valueCounts(int field, const platform::QuickFilter &filter, std::size_t most) const;
+
     const QList<platform::IndexDefinition> &indexDefinitions() const { return m_indexes; }
     void addIndex(const platform::IndexDefinition &index); ///< throws DataSetError for an unknown field or a name in use
     void deleteIndex(const QString &name);
@@ -106,12 +117,21 @@ private:
     std::vector<platform::OrderKey> orderKeys() const;
     std::unique_ptr<platform::FilterExpression> compiled(const QString &filter) const; ///< null while closed and for a blank filter
     void rebuildRows();
+    void narrowRows();
     void showAgain();
+    void showCurrent(const Bookmark &current);
 
     std::unique_ptr<platform::RowOverlay> m_overlay; ///< the packet and its edits; null while closed
     std::unique_ptr<platform::FilterExpression> m_filterExpression; ///< null while nothing is filtered
     std::vector<quint32> m_rows; ///< source rows in shown order, unless m_allRows
     bool m_allRows = true; ///< the shown rows are the source rows, one for one
+    /// The rows as they are without the quick filter; only while there is one.
+    struct WideRows {
+        bool all;
+        std::vector<quint32> rows; ///< unless `all`
+    };
+    std::optional<WideRows> m_wideRows;
+    std::unique_ptr<platform::QuickFilter> m_quickFilter;
     int m_rowBeforeAppend = -1;
     QString m_filter;
     bool m_filtered = false;

@@ -89,6 +89,13 @@ int TDataSet::moveBy(int rows)
     return moved;
 }
 
+QString TDataSet::filterNotice() const
+{
+    if (unnarrowedCount() == recordCount())
+        return {};
+    return QStringLiteral("已筛选：%L1 行中的 %L2 行").arg(unnarrowedCount()).arg(recordCount());
+}
+
 void TDataSet::moveTo(int row)
 {
     postPending();

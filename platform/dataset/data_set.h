@@ -83,6 +83,10 @@ public:
     bool isEmpty() const { return recordCount() == 0; }
     /// "已截断：只有前 20,000 行" when a limit of the server cut the rows, "" otherwise: what every paper and file has to say.
     virtual QString truncationNotice() const { return {}; }
+    /// Rows that would be shown if no person had narrowed them.
+    virtual int unnarrowedCount() const { return recordCount(); }
+    /// "已筛选：106 行中的 12 行" while a person has hidden some, "" otherwise.
+    QString filterNotice() const;
     int recordIndex() const { return m_recordIndex; } ///< the current row, -1 without rows
     bool bof() const { return m_ends.bof; }
     bool eof() const { return m_ends.eof; }
