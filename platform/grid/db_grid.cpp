@@ -5,7 +5,9 @@
 #include "platform/grid/column_model.h"
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/dataset_features.h"
+#include "platform/grid/filter_bar.h"
 #include "platform/grid/grid_colors.h"
+#include "platform/grid/grid_filter.h"
 #include "platform/grid/grid_finder.h"
 #include "platform/grid/grid_footer.h"
 #include "platform/grid/grid_gestures.h"
@@ -65,6 +67,8 @@ TDBGridEh::TDBGridEh(QWidget *parent)
           *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerDisplayText(row, column); }, this))
 {
     m_finder = std::make_unique<GridFinder>(*this);
+    m_filter = std::make_unique<GridFilter>(*this);
+    handle(m_filter.get(), &GridFilter::barToggled, this, &TDBGridEh::arrange);
     m_gestures = std::make_unique<GridGestures>(*this, *m_columns, *m_geometry);
     setFocusPolicy(Qt::StrongFocus);
     setAttribute(Qt::WA_InputMethodEnabled);
@@ -269,6 +273,8 @@ QString TDBGridEh::cellText(int row, int column) const
     return onCellText ? onCellText(row, column) : QString();
 }
 
+bool TDBGridEh::isNarrowed() const { return rowCount() > 0 && dataSet()->unnarrowedCount() != rowCount(); }
+
 /// Whether a footer is the heading of a count that a limit of the server made too small.
 bool TDBGridEh::countsCutRows(int footerRow, int column) const
 {
@@ -318,7 +324,7 @@ QString TDBGridEh::footerDisplayText(int footerRow, int column) const
     const FooterKind kind = footerRow >= 0 && footerRow < footers.size() ? footers[footerRow].kind : FooterKind::None;
     const int decimals = m_columns->decimals(column);
     if (kind == FooterKind::Count)
-        return shownNumber(text, 0);
+        return shownNumber(text, 0) + (isNarrowed() ? u" / " + shownNumber(QString::number(dataSet()->unnarrowedCount()), 0) : QString());
     return kind == FooterKind::Sum && decimals >= 0 ? shownNumber(text, decimals) : text;
 }
 
@@ -335,7 +341,9 @@ QString TDBGridEh::emptyNote() const
     const TDataSet *rows = dataSet();
     if (!rows || !rows->active())
         return m_closedNote.isEmpty() ? QStringLiteral("尚未查询，按 F9 查询") : m_closedNote;
-    return rows->recordCount() == 0 ? QStringLiteral("没有符合条件的记录") : QString();
+    if (rows->recordCount() > 0)
+        return {};
+    return rows->unnarrowedCount() > 0 ? QStringLiteral("没有符合筛选的行") : QStringLiteral("没有符合条件的记录");
 }
 
 void TDBGridEh::setClosedNote(const QString &note)
@@ -380,6 +388,14 @@ void TDBGridEh::fitColumn(int index)
     setColumnWidth(index, m_geometry->toDesign(std::min(width, m_geometry->toScreen(widestFit))));
 }
 
+void TDBGridEh::fitColumns()
+{
+    for (int column = 0; column < m_columns->count(); ++column) {
+        if (m_columns->at(column).visible)
+            fitColumn(column);
+    }
+}
+
 void TDBGridEh::copySelection(CopyTitles titles)
 {
     const qint64 cells = cellCount(selectedRanges());
@@ -398,6 +414,7 @@ void TDBGridEh::takeRows()
     m_columns->bind(dataSet());
     m_sums->invalidate();
     m_selection->clear();
+    m_filter->takeRows();
     arrange();
     m_shownRecord = currentRow();
     showCurrentCell();
@@ -418,9 +435,12 @@ void TDBGridEh::arrange()
 {
     m_rowHeight = fontMetrics().height() + rowPadding;
     m_footer->setRowHeight(m_rowHeight);
-    setViewportMargins(0, m_header->preferredHeight(), 0, m_footer->preferredHeight());
+    FilterBar &bar = m_filter->bar();
+    const int barHeight = bar.isVisibleTo(this) ? bar.sizeHint().height() : 0;
+    setViewportMargins(0, barHeight + m_header->preferredHeight(), 0, m_footer->preferredHeight());
     const QRect view = viewport()->geometry();
     m_geometry->arrange(*m_columns, m_frozen, indicatorWidth, view.width());
+    bar.setGeometry(view.left(), view.top() - m_header->preferredHeight() - barHeight, view.width(), barHeight);
     m_header->setGeometry(view.left(), view.top() - m_header->preferredHeight(), view.width(), m_header->preferredHeight());
     m_footer->setGeometry(view.left(), view.bottom() + 1, view.width(), m_footer->preferredHeight());
 

@@ -17,6 +17,7 @@ namespace platform {
 
 class ColumnGeometry;
 class ColumnModel;
+class GridFilter;
 class GridFinder;
 class GridFooter;
 class GridGestures;
@@ -111,7 +112,7 @@ public:
     /// The form of a column's numbers as a format of the report engine; "" when it shows its values as they are.
     QString displayFormat(int column) const;
     Qt::Alignment footerAlignment(int footerRow, int column) const;
-    /// What stands in place of rows: that nothing was asked, or that nothing was found; "" while there are rows.
+    /// What stands in place of rows: that nothing was asked, that nothing was found, or that a filter hides all; "" while there are rows.
     QString emptyNote() const;
     /// Says in place of "nothing was asked" why there are no rows, until the dataset opens.
     void setClosedNote(const QString &note);
@@ -127,9 +128,12 @@ public:
     /// Puts the selected cells (else the current one) on the clipboard, as text and as HTML in which codes stay text.
     void copySelection(platform::CopyTitles titles);
     platform::GridFinder &finder() { return *m_finder; }
+    platform::GridFilter &filter() { return *m_filter; }
+    const platform::GridFilter &filter() const { return *m_filter; }
     void markTitle(int column); ///< as the one that was found; -1: none
     /// Widens or narrows a column to its title, its footers and its texts in the rows that are seen.
     void fitColumn(int index);
+    void fitColumns(); ///< the same for all that are visible
 
     /// Where things are painted in the viewport.
     QRect cellRect(int row, int column) const; ///< empty for a hidden column
@@ -146,6 +150,7 @@ Q_SIGNALS:
     void selectionChanged();
     void columnsChanged(); ///< order, width or visibility
     void cellMenuOpening(QMenu *menu); ///< a right click on the cells; whoever hears it may add to the menu
+    void columnMenuOpening(QMenu *menu); ///< of a title; whoever hears it may add to the menu
 
 protected:
     bool event(QEvent *event) override;
@@ -177,6 +182,7 @@ private:
     void showCurrentCell();
     void goTo(int row, int column);
     void announceSelection();
+    bool isNarrowed() const;
     bool countsCutRows(int footerRow, int column) const;
     platform::CellView view() const;
 
@@ -187,6 +193,7 @@ private:
     std::unique_ptr<platform::SumList> m_sums;
     std::unique_ptr<platform::GridSelection> m_selection;
     std::unique_ptr<platform::GridFinder> m_finder;
+    std::unique_ptr<platform::GridFilter> m_filter;
     std::unique_ptr<platform::GridGestures> m_gestures;
     platform::GridHeader *m_header;
     platform::GridFooter *m_footer;

@@ -1,6 +1,7 @@
 #include "platform/grid/grid_commands.h"
 
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_filter.h"
 #include "platform/grid/grid_finder.h"
 
 #include <QMap>
@@ -31,6 +32,14 @@ const GridCommand commands[] = {
     { Id::FindPrevious, 3, u"查找上一个", u"Shift+F3", [](TDBGridEh &grid) { grid.finder().findAgain(SearchDirection::Backward); } },
     { Id::Sort, 4, u"按此列排序", u"F7", [](TDBGridEh &grid) { sortByCurrent(grid, Qt::NoModifier); } },
     { Id::SortAlso, 4, u"再按此列排序", u"Shift+F7", [](TDBGridEh &grid) { sortByCurrent(grid, Qt::ControlModifier); } },
+    { Id::FilterByValue, 5, u"只看此值", u"Ctrl+J", [](TDBGridEh &grid) { grid.filter().useSelectedValues(QuickFilter::Keep::Those); } },
+    { Id::FilterOutValue, 5, u"排除此值", u"Ctrl+Shift+J",
+        [](TDBGridEh &grid) { grid.filter().useSelectedValues(QuickFilter::Keep::Others); } },
+    { Id::FilterColumn, 5, u"按列筛选…", u"Alt+Down", [](TDBGridEh &grid) { grid.filter().chooseValues(grid.currentColumn()); } },
+    { Id::FilterText, 5, u"筛选…", u"Ctrl+Shift+L", [](TDBGridEh &grid) { grid.filter().openBar(); } },
+    { Id::ClearFilter, 5, u"清除筛选", u"Ctrl+Shift+X", [](TDBGridEh &grid) { grid.filter().clear(); } },
+    { Id::FitColumns, columnGroup, u"全部列适合内容", u"Ctrl+Shift+F", [](TDBGridEh &grid) { grid.fitColumns(); } },
+    { Id::RestoreLayout, columnGroup, u"恢复原始布局", u"Ctrl+Shift+R", [](TDBGridEh &grid) { grid.restoreDesignedColumns(); } },
 };
 
 QMap<Id, QList<QKeySequence>> chosenKeys;

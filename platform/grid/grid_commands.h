@@ -10,7 +10,28 @@ class TDBGridEh;
 
 namespace platform {
 
-enum class GridCommandId { Copy, CopyWithTitles, SelectAll, SelectColumn, SelectRow, SelectNothing, Find, FindNext, FindPrevious, Sort, SortAlso };
+enum class GridCommandId {
+    Copy,
+    CopyWithTitles,
+    SelectAll,
+    SelectColumn,
+    SelectRow,
+    SelectNothing,
+    Find,
+    FindNext,
+    FindPrevious,
+    Sort,
+    SortAlso,
+    FilterByValue,
+    FilterOutValue,
+    FilterColumn,
+    FilterText,
+    ClearFilter,
+    FitColumns,
+    RestoreLayout
+};
+
+constexpr int columnGroup = 6; ///< commands that the menus of columns offer, and those of cells do not
 
 /// A command of every grid. Its row is the one place that its menu, its keys, the host's menus and the list of shortcuts read.
 struct GridCommand {

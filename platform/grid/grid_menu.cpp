@@ -3,6 +3,7 @@
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_commands.h"
+#include "platform/grid/grid_filter.h"
 #include "platform/grid/number_text.h"
 #include "platform/toolkit/handler.h"
 
@@ -23,12 +24,11 @@ int visibleColumns(const TDBGridEh &grid, int end)
     return count;
 }
 
-void fitAllColumns(TDBGridEh &grid)
+void addCommand(QMenu *menu, TDBGridEh &grid, const GridCommand &command)
 {
-    for (int column = 0; column < grid.columnCount(); ++column) {
-        if (grid.column(column).visible)
-            grid.fitColumn(column);
-    }
+    QAction *action = menu->addAction(command.text.toString());
+    action->setShortcuts(command.keys());
+    handle(action, &QAction::triggered, &grid, [&grid, run = command.run] { run(grid); });
 }
 
 void addShownColumns(QMenu *menu, TDBGridEh &grid)
@@ -62,11 +62,11 @@ std::unique_ptr<QMenu> cellMenu(TDBGridEh &grid)
     auto menu = std::make_unique<QMenu>(&grid);
     int group = gridCommands().front().group;
     for (const GridCommand &command : gridCommands()) {
+        if (command.group == columnGroup)
+            continue;
         if (std::exchange(group, command.group) != command.group)
             menu->addSeparator();
-        QAction *action = menu->addAction(command.text.toString());
-        action->setShortcuts(command.keys());
-        handle(action, &QAction::triggered, &grid, [&grid, run = command.run] { run(grid); });
+        addCommand(menu.get(), grid, command);
     }
     if (grid.currentColumn() < 0)
         return menu;
@@ -84,8 +84,9 @@ std::unique_ptr<QMenu> columnMenu(TDBGridEh &grid, int column)
     const auto add = [&grid, &menu](const QString &text, auto &&work) { handle(menu->addAction(text), &QAction::triggered, &grid, work); };
     if (column >= 0) {
         add(QStringLiteral("隐藏“%1”").arg(plainTitle(grid.column(column).caption)), [&grid, column] { grid.hideColumn(column); });
+        add(QStringLiteral("按此列筛选…"), [&grid, column] { grid.filter().chooseValues(column); });
         add(QStringLiteral("适合内容的列宽"), [&grid, column] { grid.fitColumn(column); });
-        add(QStringLiteral("全部列适合内容"), [&grid] { fitAllColumns(grid); });
+        addCommand(menu.get(), grid, gridCommand(GridCommandId::FitColumns));
         add(QStringLiteral("冻结到此列"), [&grid, column] { grid.freezeColumns(visibleColumns(grid, column + 1)); });
     }
     if (grid.frozenColumns() > 0)
@@ -93,7 +94,8 @@ std::unique_ptr<QMenu> columnMenu(TDBGridEh &grid, int column)
     addShownColumns(menu.get(), grid);
     addThousandsMarks(menu.get(), grid);
     menu->addSeparator();
-    add(QStringLiteral("恢复原始布局"), [&grid] { grid.restoreDesignedColumns(); });
+    addCommand(menu.get(), grid, gridCommand(GridCommandId::RestoreLayout));
+    Q_EMIT grid.columnMenuOpening(menu.get());
     return menu;
 }
 
