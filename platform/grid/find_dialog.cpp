@@ -2,6 +2,7 @@
 
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_filter.h"
 #include "platform/grid/grid_finder.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/plain_text.h"
@@ -11,6 +12,7 @@
 #include <QFormLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QVBoxLayout>
 
@@ -20,6 +22,8 @@ namespace {
 
 constexpr int rememberedTexts = 20;
 constexpr int textWidth = 260;
+constexpr qsizetype mostHits = 500;
+constexpr int hitsHeight = 180;
 
 } // namespace
 
@@ -33,6 +37,7 @@ FindDialog::FindDialog(TDBGridEh &grid, GridFinder &finder)
     , m_case(new QCheckBox(QStringLiteral("区分大小写(&M)")))
     , m_titles(new QCheckBox(QStringLiteral("也查找列标题(&T)")))
     , m_result(plainLabel())
+    , m_hits(new QListWidget)
 {
     setWindowTitle(QStringLiteral("查找"));
     m_text->setEditable(true);
@@ -56,18 +61,31 @@ FindDialog::FindDialog(TDBGridEh &grid, GridFinder &finder)
     auto *previous = new QPushButton(QStringLiteral("查找上一个(&B)"));
     auto *close = new QPushButton(QStringLiteral("关闭"));
     next->setDefault(true);
+    auto *all = new QPushButton(QStringLiteral("列出全部(&A)"));
+    auto *filter = new QPushButton(QStringLiteral("筛选(&O)"));
     buttons->addStretch();
-    for (QPushButton *button : { previous, next, close })
+    for (QPushButton *button : { all, filter, previous, next, close })
         buttons->addWidget(button);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(form);
     layout->addLayout(switches);
     layout->addWidget(m_result);
+    layout->addWidget(m_hits);
     layout->addLayout(buttons);
+    m_hits->setAccessibleName(QStringLiteral("找到的单元格"));
+    m_hits->setFixedHeight(hitsHeight);
+    m_hits->hide();
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     handle(next, &QPushButton::clicked, this, [this] { find(SearchDirection::Forward); });
     handle(previous, &QPushButton::clicked, this, [this] { find(SearchDirection::Backward); });
+    handle(all, &QPushButton::clicked, this, &FindDialog::listAll);
+    handle(filter, &QPushButton::clicked, this, &FindDialog::keepFound);
+    handle(m_hits, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem *item, const QListWidgetItem *) {
+        const QPoint cell = item ? item->data(Qt::UserRole).toPoint() : QPoint();
+        if (item)
+            m_grid.setCurrentCell(cell.y(), cell.x());
+    });
     handle(close, &QPushButton::clicked, this, &QDialog::close);
 }
 
@@ -94,13 +112,49 @@ GridSearch FindDialog::search() const
     };
 }
 
+std::optional<GridSearch> FindDialog::wantedSearch()
+{
+    GridSearch wanted = search();
+    m_result->setText(wanted.text.isEmpty() ? QStringLiteral("请输入要查找的内容。") : QString());
+    if (wanted.text.isEmpty())
+        return {};
+    remember(wanted.text);
+    return wanted;
+}
+
 void FindDialog::find(SearchDirection direction)
 {
-    const GridSearch wanted = search();
-    if (wanted.text.isEmpty())
-        return m_result->setText(QStringLiteral("请输入要查找的内容。"));
-    remember(wanted.text);
-    m_result->setText(m_finder.find(wanted, direction) ? QString() : QStringLiteral("表格里没有“%1”。").arg(wanted.text));
+    const auto wanted = wantedSearch();
+    if (wanted && !m_finder.find(*wanted, direction))
+        m_result->setText(QStringLiteral("表格里没有“%1”。").arg(wanted->text));
+}
+
+void FindDialog::listAll()
+{
+    m_hits->clear();
+    disconnect(m_watching);
+    const auto wanted = wantedSearch();
+    if (!wanted)
+        return;
+    const FoundCells found = findCells(m_grid, *wanted, mostHits);
+    for (const QPoint cell : found.listed) {
+        const QString title = plainTitle(m_grid.column(cell.x()).caption);
+        auto *item = new QListWidgetItem(
+            QStringLiteral("第 %1 行　%2：%3").arg(QString::number(cell.y() + 1), title, m_grid.displayText(cell.y(), cell.x())), m_hits);
+        item->setData(Qt::UserRole, cell);
+    }
+    const QString listed = found.count > mostHits ? QStringLiteral("，只列出前 %1 处").arg(mostHits) : QString();
+    m_result->setText(QStringLiteral("共 %L1 处%2。").arg(found.count).arg(listed));
+    m_hits->show();
+    // Other rows, or the same ones in another order, stand elsewhere.
+    if (m_grid.dataSource())
+        m_watching = handle(m_grid.dataSource(), &TDataSource::rowsChanged, m_hits, &QListWidget::clear);
+}
+
+void FindDialog::keepFound()
+{
+    if (const auto wanted = wantedSearch())
+        m_grid.filter().setText(wanted->text, wanted->column);
 }
 
 void FindDialog::remember(const QString &text)

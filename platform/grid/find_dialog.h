@@ -2,9 +2,12 @@
 
 #include <QDialog>
 
+#include <optional>
+
 class QCheckBox;
 class QComboBox;
 class QLabel;
+class QListWidget;
 class TDBGridEh;
 
 namespace platform {
@@ -22,7 +25,11 @@ public:
 
 private:
     void find(SearchDirection direction);
+    void listAll();
+    void keepFound();
     GridSearch search() const;
+    /// What to look for, remembered; nothing, and a word to the person, while the line is empty.
+    std::optional<GridSearch> wantedSearch();
     void remember(const QString &text);
 
     TDBGridEh &m_grid;
@@ -33,6 +40,8 @@ private:
     QCheckBox *m_case;
     QCheckBox *m_titles;
     QLabel *m_result;
+    QMetaObject::Connection m_watching; ///< of the rows that the hits stand in
+    QListWidget *m_hits; ///< hidden until all were asked for
 };
 
 } // namespace platform

@@ -13,7 +13,7 @@ class SearchedCells {
 public:
     SearchedCells(const TDBGridEh &grid, const GridSearch &search)
         : m_grid(grid)
-        , m_pattern(search.text, search.match, search.sensitivity)
+        , m_pattern(search.text, search.match, search.sensitivity, HanText::AlsoAsRead)
         , m_titles(search.titles)
     {
         // Only a text that could be part of a number is compared with numbers as they are shown, which takes longer.
@@ -77,6 +77,21 @@ std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, 
             return cells.cell(place);
     }
     return {};
+}
+
+FoundCells findCells(const TDBGridEh &grid, const GridSearch &search, qsizetype most)
+{
+    const SearchedCells cells(grid, search);
+    FoundCells found {};
+    const qint64 titles = cells.count() > 0 ? cells.place(QPoint(grid.columnCount(), titleRow)) + 1 : 0;
+    for (qint64 place = titles; !search.text.isEmpty() && place < cells.count(); ++place) {
+        if (!cells.matches(place))
+            continue;
+        ++found.count;
+        if (found.listed.size() < most)
+            found.listed.append(cells.cell(place));
+    }
+    return found;
 }
 
 } // namespace platform

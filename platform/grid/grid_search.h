@@ -2,6 +2,7 @@
 
 #include "platform/dataset/text_pattern.h"
 
+#include <QList>
 #include <QPoint>
 
 #include <optional>
@@ -26,5 +27,12 @@ constexpr int titleRow = -1; ///< stands before row 0 when titles are searched
 /// The next cell (x: column, y: row or titleRow) that carries the text, row by row from behind `start`, around the end, `start`
 /// itself last. Check boxes carry none.
 std::optional<QPoint> findCell(const TDBGridEh &grid, const GridSearch &search, QPoint start, SearchDirection direction);
+
+/// All cells that carry the text, titles left out, row by row; only the first `most` are listed.
+struct FoundCells {
+    QList<QPoint> listed;
+    qint64 count;
+};
+FoundCells findCells(const TDBGridEh &grid, const GridSearch &search, qsizetype most);
 
 } // namespace platform

@@ -7,6 +7,8 @@
 #include <QComboBox>
 #include <QDialog>
 #include <QInputMethodEvent>
+#include <QListWidget>
+#include <QPushButton>
 
 using namespace platform;
 
@@ -138,6 +140,42 @@ TEST_F(Search, TheDialogStaysOpenAndRemembersWhatWasLookedFor)
     press(Qt::Key_F3);
     Application->setMessageResponder({});
     EXPECT_EQ(messages, QStringList { QStringLiteral("表格里没有“008”。") });
+}
+
+TEST_F(Search, FindsChineseAsItIsReadAndListsAllThatIsFound)
+{
+    EXPECT_TRUE(find({ .text = QStringLiteral("sh") }));
+    EXPECT_EQ(current(), QPoint(1, 1));
+    press(Qt::Key_Home, Qt::ControlModifier);
+    press(Qt::Key_Right);
+    QTest::keyClicks(&m_grid, QStringLiteral("shangh"));
+    EXPECT_EQ(current(), QPoint(1, 1));
+    EXPECT_EQ(m_grid.finder().foundText(1, QStringLiteral("在上海市")).start, 1);
+    EXPECT_EQ(m_grid.finder().foundText(1, QStringLiteral("在上海市")).length, 2);
+
+    const FoundCells found = findCells(m_grid, { .text = QStringLiteral("0"), .titles = true }, 3);
+    EXPECT_EQ(found.listed, QList<QPoint>({ { 0, 0 }, { 0, 1 }, { 2, 1 } }));
+    EXPECT_EQ(found.count, 4);
+    EXPECT_EQ(findCells(m_grid, {}, 3).count, 0);
+
+    press(Qt::Key_F, Qt::ControlModifier);
+    auto *dialog = m_grid.findChild<QDialog *>();
+    dialog->findChild<QComboBox *>()->setEditText(QStringLiteral("bj"));
+    const auto push = [dialog](const QString &text) {
+        for (QPushButton *button : dialog->findChildren<QPushButton *>()) {
+            if (button->text().startsWith(text))
+                button->click();
+        }
+    };
+    push(QStringLiteral("列出全部"));
+    auto *hits = dialog->findChild<QListWidget *>();
+    ASSERT_EQ(hits->count(), 1);
+    EXPECT_EQ(hits->item(0)->text(), QStringLiteral("第 1 行　寄件 网点：北京"));
+    hits->setCurrentRow(0);
+    EXPECT_EQ(current(), QPoint(1, 0));
+    push(QStringLiteral("筛选"));
+    EXPECT_EQ(m_grid.rowCount(), 1);
+    EXPECT_EQ(hits->count(), 0); // they stood elsewhere
 }
 
 } // namespace
