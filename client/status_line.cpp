@@ -8,15 +8,21 @@
 #include "platform/toolkit/plain_text.h"
 #include "platform/toolkit/plugin_interface.h"
 
+#include <QClipboard>
+#include <QEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QLocale>
+#include <QSet>
 
 using namespace platform;
 
 namespace client {
 namespace {
 
-constexpr qint64 mostSummedCells = 200'000; // more would be felt at every step of a dragged selection
+// More would be felt at every step of a dragged selection.
+constexpr qint64 mostSummedCells = 200'000;
+constexpr qint64 mostComparedCells = 50'000;
 
 QString alarming(const QWidget &field) { return QStringLiteral("color: %1; font-weight: bold").arg(alarmColorOn(field.palette()).name()); }
 
@@ -64,6 +70,19 @@ void addColumn(const TDBGridEh &grid, const QRect &range, int column, Sum &sum)
     }
 }
 
+qsizetype differentTexts(const TDBGridEh &grid, const QList<QRect> &ranges)
+{
+    QSet<QString> texts;
+    for (const QRect &range : ranges) {
+        for (int column = range.left(); column <= range.right(); ++column) {
+            for (int row = range.top(); grid.column(column).visible && row <= range.bottom(); ++row)
+                texts.insert(grid.cellText(row, column));
+        }
+    }
+    texts.remove(QString()); // what is blank is no value
+    return texts.size();
+}
+
 /// Shows a field with its text, or hides it without one.
 void fill(QLabel *field, const QString &text)
 {
@@ -73,7 +92,7 @@ void fill(QLabel *field, const QString &text)
 
 } // namespace
 
-QString selectionSummary(const TDBGridEh &grid)
+SelectionSummary selectionSummary(const TDBGridEh &grid)
 {
     const QList<QRect> ranges = grid.selectedRanges();
     qint64 cells = 0;
@@ -84,19 +103,21 @@ QString selectionSummary(const TDBGridEh &grid)
     }
     if (cells < 2 || !grid.dataSet() || !grid.dataSet()->active())
         return {};
-    const QString count = QStringLiteral("已选 %1 格").arg(counted(cells));
+    QString count = QStringLiteral("已选 %1 格").arg(counted(cells));
+    if (cells <= mostComparedCells)
+        count += QStringLiteral("  不同 %1").arg(counted(differentTexts(grid, ranges)));
     if (single > mostSummedCells)
-        return count;
+        return { count };
     Sum sum;
     for (const QRect &range : ranges) {
         for (int column = range.left(); column <= range.right(); ++column)
             addColumn(grid, range, column, sum);
     }
     if (sum.numbers == 0)
-        return count;
-    return count
-        + QStringLiteral("  合计 %1  平均 %2")
-              .arg(QString::fromStdString(sum.total.toString()), QString::number(sum.total.toDouble() / double(sum.numbers), 'f', 2));
+        return { count };
+    const QString total = QString::fromStdString(sum.total.toString());
+    const QString average = QString::number(sum.total.toDouble() / double(sum.numbers), 'f', 2);
+    return { count + QStringLiteral("  合计 %1  平均 %2").arg(total, average), total };
 }
 
 StatusLine::StatusLine()
@@ -113,6 +134,7 @@ StatusLine::StatusLine()
     m_saved->hide();
     m_conditions->setStyleSheet(alarming(*this));
     m_conditions->setToolTip(QStringLiteral("表格里仍是上次查询的结果，请重新查询"));
+    m_selection->installEventFilter(this);
     m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
     m_time->setToolTip(QStringLiteral("服务器时间"));
 }
@@ -146,7 +168,8 @@ void StatusLine::showRows(const TDBGridEh *grid)
     const auto *dataSet = grid ? qobject_cast<const TCustomClientDataSet *>(grid->dataSet()) : nullptr;
     if (!dataSet || !dataSet->active())
         return fill(m_rows, {});
-    const QString rows = counted(dataSet->recordCount());
+    const bool narrowed = dataSet->unnarrowedCount() != dataSet->recordCount();
+    const QString rows = counted(dataSet->recordCount()) + (narrowed ? u" / " + counted(dataSet->unnarrowedCount()) : QString());
     fill(m_rows, dataSet->truncated() ? QStringLiteral("已取 %1 行（已截断）").arg(rows) : QStringLiteral("共 %1 行").arg(rows));
     m_rows->setStyleSheet(dataSet->truncated() ? alarming(*this) : QString());
 }
@@ -157,7 +180,23 @@ void StatusLine::showConditions(ConditionState state)
     fill(m_conditions, texts[int(state)]);
 }
 
-void StatusLine::showSelection(const TDBGridEh *grid) { fill(m_selection, grid ? selectionSummary(*grid) : QString()); }
+void StatusLine::showSelection(const TDBGridEh *grid)
+{
+    const SelectionSummary summary = grid ? selectionSummary(*grid) : SelectionSummary();
+    fill(m_selection, summary.text);
+    m_sum = summary.sum;
+    m_selection->setCursor(m_sum.isEmpty() ? Qt::ArrowCursor : Qt::PointingHandCursor);
+    m_selection->setToolTip(m_sum.isEmpty() ? QString() : QStringLiteral("单击复制合计"));
+}
+
+bool StatusLine::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_selection || event->type() != QEvent::MouseButtonRelease || m_sum.isEmpty())
+        return QStatusBar::eventFilter(watched, event);
+    QGuiApplication::clipboard()->setText(m_sum);
+    showMessage(QStringLiteral("已复制合计 %1").arg(m_sum), messageMilliseconds);
+    return true;
+}
 
 void StatusLine::showRights(const TForm *form)
 {

@@ -35,11 +35,16 @@ public:
     /// Tells of a file that was written, and offers to open it.
     void showSavedFile(const QString &words, const QString &fileName);
 
+protected:
+    /// A click on the summary copies the sum.
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     QLabel *addField();
 
     files::SavedFileLabel *m_saved;
     QLabel *m_selection;
+    QString m_sum; ///< of the selection
     QLabel *m_rows;
     QLabel *m_conditions;
     QLabel *m_rights;
@@ -48,7 +53,11 @@ private:
     QLabel *m_time;
 };
 
-/// Number, sum and average of the selected cells, in words; empty unless several are selected.
-QString selectionSummary(const TDBGridEh &grid);
+/// Number, different values, sum and average of the selected cells.
+struct SelectionSummary {
+    QString text {}; ///< in words; empty unless several are selected
+    QString sum {}; ///< exact; empty when there are no numbers among them
+};
+SelectionSummary selectionSummary(const TDBGridEh &grid);
 
 } // namespace client

@@ -27,11 +27,12 @@ TEST(SelectionSummary, CountsCellsAndAddsOnlyNumbersThatAreSeen)
         columns.append({ .fieldName = QString::fromUtf16(field), .caption = QString::fromUtf16(field) });
     columns[3].visible = false;
     grid.setColumns(columns);
-    EXPECT_EQ(selectionSummary(grid), QString());
+    EXPECT_EQ(selectionSummary(grid).text, QString());
     grid.selectAll();
-    EXPECT_EQ(selectionSummary(grid), QStringLiteral("已选 9 格  合计 4.4  平均 1.10"));
+    EXPECT_EQ(selectionSummary(grid).text, QStringLiteral("已选 9 格  不同 7  合计 4.4  平均 1.10"));
+    EXPECT_EQ(selectionSummary(grid).sum, u"4.4");
     dataSet.close();
-    EXPECT_EQ(selectionSummary(grid), QString());
+    EXPECT_EQ(selectionSummary(grid).text, QString());
 }
 
 } // namespace
