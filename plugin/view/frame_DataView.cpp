@@ -4,8 +4,10 @@
 #include "platform/grid/number_text.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/handler.h"
+#include "plugin/view/grid_layout.h"
 #include "plugin/view/layout_file.h"
 #include "plugin/view/layout_storage.h"
+#include "plugin/view/named_layouts.h"
 
 #include <QEvent>
 #include <QFileInfo>
@@ -22,21 +24,6 @@ namespace {
 constexpr QRgb footerColor = 0xffddddff;
 const QString numbersSection = QStringLiteral("Numbers"); ///< of all grids
 const QString thousandsKey = QStringLiteral("ThousandsMarks");
-const QString fieldIndexKey = QStringLiteral("FieldIndex");
-// What a person arranged beyond order and widths stands in a section of its own.
-const QString arrangementSuffix = QStringLiteral(".Arrangement");
-const QString hiddenKey = QStringLiteral("Hidden");
-const QString shownKey = QStringLiteral("Shown");
-const QString frozenKey = QStringLiteral("Frozen");
-
-/// A column that only the screen has hidden keeps its place for the time when it is shown again.
-bool isStored(const TDBGridEh &grid, int index)
-{
-    const Column &column = grid.column(index);
-    const bool shown = column.visible || (grid.isDesignedVisible(index) && !grid.columnChoice(index));
-    return shown && !column.fieldName.isEmpty() && !column.caption.isEmpty();
-}
-
 bool hasSum(const Column &column)
 {
     return std::ranges::any_of(column.footers, [](const ColumnFooter &footer) { return footer.kind == FooterKind::Sum; });
@@ -141,6 +128,7 @@ bool TDataView::event(QEvent *event)
 void TDataView::InitColumns()
 {
     m_section = componentPath(DataViewGrid);
+    new NamedLayouts(*DataViewGrid, m_section);
     LoadLayout(layoutFileName());
 
     // The count stands beside a sum, not in its place: a person may have put an amount first.
@@ -164,74 +152,16 @@ void TDataView::LoadLayout(const QString &iniFileName)
     const LayoutFile file(iniFileName);
     tell(file);
     takeNumberSetting(file);
-    loadArrangement(file);
-    const QStringList names = file.value(m_section, fieldIndexKey).split(u';', Qt::SkipEmptyParts);
-    for (const QString &name : names) {
-        const int index = DataViewGrid->columnIndex(name, ColumnScope::Visible);
-        const int width = file.value(m_section, name).toInt();
-        if (index >= 0 && width > 0)
-            DataViewGrid->setColumnWidth(index, width);
-    }
-    const int last = DataViewGrid->columnCount() - 1;
-    for (qsizetype position = 0; position < names.size(); ++position) {
-        const int index = DataViewGrid->columnIndex(names[position], ColumnScope::Visible);
-        if (index >= 0)
-            DataViewGrid->moveColumn(index, std::min(int(position), last));
-    }
+    loadGridLayout(*DataViewGrid, file, m_section);
 }
 
 void TDataView::SaveLayout(const QString &iniFileName) const
 {
-    QMap<QString, QString> values;
-    QString order;
-    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
-        const Column &column = DataViewGrid->column(index);
-        if (!isStored(*DataViewGrid, index))
-            continue;
-        order += column.fieldName + u';';
-        values.insert(column.fieldName, QString::number(column.width));
-    }
-    values.insert(fieldIndexKey, order);
     LayoutFile file(iniFileName);
-    file.setSection(m_section, values);
-    saveArrangement(file);
+    storeGridLayout(*DataViewGrid, file, m_section);
     storeNumberSetting(file);
     if (!file.save())
         tell(file);
-}
-
-void TDataView::loadArrangement(const LayoutFile &file)
-{
-    const QString section = m_section + arrangementSuffix;
-    if (file.value(section, hiddenKey).isNull())
-        return;
-    const QStringList hidden = file.value(section, hiddenKey).split(u';', Qt::SkipEmptyParts);
-    const QStringList shown = file.value(section, shownKey).split(u';', Qt::SkipEmptyParts);
-    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
-        const QString name = DataViewGrid->column(index).fieldName;
-        if (hidden.contains(name, Qt::CaseInsensitive))
-            DataViewGrid->hideColumn(index);
-        else if (shown.contains(name, Qt::CaseInsensitive))
-            DataViewGrid->showColumn(index);
-    }
-    DataViewGrid->freezeColumns(file.value(section, frozenKey).toInt());
-}
-
-/// Only when the person has changed it, so that a new design reaches everybody else.
-void TDataView::saveArrangement(LayoutFile &file) const
-{
-    const QString section = m_section + arrangementSuffix;
-    QString hidden;
-    QString shown;
-    for (int index = 0; index < DataViewGrid->columnCount(); ++index) {
-        const QString &name = DataViewGrid->column(index).fieldName;
-        const std::optional<bool> choice = DataViewGrid->columnChoice(index);
-        if (choice && !name.isEmpty())
-            (*choice ? shown : hidden) += name + u';';
-    }
-    if (hidden.isEmpty() && shown.isEmpty() && DataViewGrid->isFreezeDesigned())
-        return file.setSection(section, {});
-    file.setSection(section, { { hiddenKey, hidden }, { shownKey, shown }, { frozenKey, QString::number(DataViewGrid->frozenColumns()) } });
 }
 
 void TDataView::DataViewGridGetCellParams(int row, CellParameters &parameters) const

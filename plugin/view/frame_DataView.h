@@ -10,8 +10,6 @@
 
 namespace plugin {
 
-class LayoutFile;
-
 /// Whether what is said of rows needs a person's attention.
 enum class Attention { None, Wanted };
 
@@ -48,8 +46,6 @@ protected:
 private:
     void InitColumns();
     void showDescription();
-    void loadArrangement(const plugin::LayoutFile &file);
-    void saveArrangement(plugin::LayoutFile &file) const;
     void DSStateChange();
     QString DataViewGridDrawColumnCell(int row, int column) const;
 

@@ -65,6 +65,16 @@ bool LayoutFile::parse(const QString &text)
 
 QString LayoutFile::value(const QString &section, const QString &key) const { return m_sections.value(section).value(key); }
 
+QStringList LayoutFile::sectionsUnder(const QString &beginning) const
+{
+    QStringList names;
+    for (const QString &section : m_sections.keys()) {
+        if (section.startsWith(beginning))
+            names.append(section.mid(beginning.size()));
+    }
+    return names;
+}
+
 void LayoutFile::setSection(const QString &section, const QMap<QString, QString> &values)
 {
     if (values.isEmpty())

@@ -2,6 +2,7 @@
 
 #include <QMap>
 #include <QString>
+#include <QStringList>
 
 namespace plugin {
 
@@ -13,6 +14,8 @@ public:
     explicit LayoutFile(const QString &path);
 
     QString value(const QString &section, const QString &key) const;
+    /// The sections whose names begin so, without that beginning.
+    QStringList sectionsUnder(const QString &beginning) const;
     /// Replaces a section as a whole; without values it goes.
     void setSection(const QString &section, const QMap<QString, QString> &values);
     /// Writes the file as a whole. False when that fails: the old file stays then. One that could neither be read nor be set aside is

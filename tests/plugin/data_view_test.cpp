@@ -1,9 +1,11 @@
 #include "plugin/view/frame_DataView.h"
 #include "plugin/view/layout_file.h"
 #include "plugin/view/layout_storage.h"
+#include "plugin/view/named_layouts.h"
 
 #include "packet/builder.h"
 #include "platform/dataset/data_set_provider.h"
+#include "platform/grid/grid_menu.h"
 #include "platform/toolkit/application.h"
 #include "plugin/util/dataset_features.h"
 #include "tests/plugin/fake_host.h"
@@ -14,6 +16,7 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QMenu>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -164,6 +167,48 @@ TEST_F(DataView, WhatWasHiddenShownOrFrozenStaysSoUntilTheDesignIsRestored)
                     .isNull());
     // The stored fields come first, in their order; a column without data is not among them.
     EXPECT_EQ(order(show()->view), QStringList({ QStringLiteral("NAME"), QStringLiteral("FEE"), QString(), QStringLiteral("SECRET") }));
+}
+
+/// The entries of the layouts' menu that a right click on a title offers.
+QList<QAction *> layoutActions(const QMenu &menu)
+{
+    for (const QAction *action : menu.actions()) {
+        if (action->menu() && action->text() == QStringLiteral("布局"))
+            return action->menu()->actions();
+    }
+    return {};
+}
+
+TEST_F(DataView, LayoutsHaveNamesAndComeBackByTheMenu)
+{
+    auto shown = show();
+    TDBGridEh &grid = *shown->view.DataViewGrid;
+    auto *layouts = grid.findChild<NamedLayouts *>();
+    grid.setColumnWidth(1, 123);
+    grid.moveColumn(3, 0);
+    grid.hideColumn(3);
+    grid.freezeColumns(1);
+    const QStringList arranged = order(shown->view);
+    layouts->save(QStringLiteral(" 月报[1]=a&b.x "));
+    EXPECT_THROW(layouts->save(QStringLiteral(" .; ")), Exception);
+    grid.restoreDesignedColumns();
+    layouts->save(QStringLiteral("日报"));
+    EXPECT_EQ(layouts->names(), QStringList({ QStringLiteral("日报"), QStringLiteral("月报 1 a&b x") }));
+
+    shown = show();
+    TDBGridEh &again = *shown->view.DataViewGrid;
+    const auto menu = columnMenu(again, 1);
+    const QList<QAction *> actions = layoutActions(*menu);
+    ASSERT_GE(actions.size(), 4);
+    EXPECT_EQ(actions[1]->text(), QStringLiteral("月报 1 a&&b x"));
+    actions[1]->trigger();
+    EXPECT_EQ(order(shown->view), arranged);
+    EXPECT_EQ(again.columnChoice(3), false);
+    EXPECT_EQ(again.frozenColumns(), 1);
+    actions[0]->trigger();
+    EXPECT_EQ(again.frozenColumns(), 0);
+    again.findChild<NamedLayouts *>()->remove(QStringLiteral("日报"));
+    EXPECT_EQ(again.findChild<NamedLayouts *>()->names().size(), 1);
 }
 
 TEST_F(DataView, UnknownFieldsAndZeroWidthsInTheFileAreIgnored)
