@@ -1,5 +1,7 @@
 #pragma once
 
+#include "server/base/thread_priority.h"
+
 #include <chrono>
 #include <condition_variable>
 #include <deque>
@@ -13,7 +15,8 @@
 
 namespace server {
 
-/// Worker threads that serve the users in turn: whoever has much waiting holds nobody else up. To be used from any thread.
+/// Worker threads that serve the users in turn: whoever has much waiting holds nobody else up. A quarter of the workers is kept for users
+/// who have nothing running, and whoever has worked much of late yields the processors to the others. To be used from any thread.
 class FairPool {
 public:
     using Clock = std::chrono::steady_clock;
@@ -37,16 +40,20 @@ public:
     Ticket submit(const std::string &user, Work work);
     /// True when the work had not begun and never will.
     bool withdraw(const std::string &user, const Ticket &ticket);
+    /// To be called now and then for work that takes its time: when it has run for long, it yields the processors to other work.
+    void look(const Ticket &ticket, Clock::time_point now);
     std::size_t running() const;
     std::size_t waiting() const;
     /// How long no worker has been free or has finished anything; zero while one is free.
     Clock::duration heldFor() const;
 
 private:
-    /// A user that has work; forgotten when there is none left.
+    /// A user that has work, or has worked much of late.
     struct Line {
         std::deque<Ticket> waiting {};
         std::size_t running = 0;
+        Clock::duration used {}; ///< of workers' time, as it stood at `usedAt`
+        Clock::time_point usedAt {};
     };
     using Lines = std::map<std::string, Line>;
 
@@ -56,15 +63,26 @@ private:
         bool isWoken = false;
     };
 
+    /// Work that runs.
+    struct Running {
+        const Ticket &ticket;
+        Clock::time_point begun;
+        ThreadPriority &priority;
+    };
+
     void work();
+    void run(Lines::iterator line, ThreadPriority &priority, std::unique_lock<std::mutex> &lock);
     void wakeOne();
     Lines::iterator nextLine();
     void forgetIfIdle(Lines::iterator line);
+    void forgetIdleOnes();
 
     const Limits m_limits;
     mutable std::mutex m_mutex;
     std::vector<Sleeper *> m_idle; ///< the one that worked last, whose memory is at hand, is woken first
     Lines m_lines;
+    std::vector<const Running *> m_atWork;
+    Clock::time_point m_forgot = Clock::now(); ///< those who had worked much
     std::string m_lastServed;
     std::size_t m_running = 0;
     std::size_t m_waiting = 0;

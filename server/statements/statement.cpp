@@ -80,9 +80,12 @@ void Statement::end(Outcome outcome, const std::string &message)
 
 void Statement::check(Clock::time_point now)
 {
-    if (m_ticket && m_request.mayGoOn && !m_request.mayGoOn())
+    if (!m_ticket)
+        return;
+    if (m_request.mayGoOn && !m_request.mayGoOn())
         return end(Outcome::Revoked, "帐户或密码刚刚更改，查询已停止，请重新登录");
-    if (now < m_deadline || !m_ticket)
+    m_database.pool().look(m_ticket, now);
+    if (now < m_deadline)
         return;
     if (m_database.pool().withdraw(m_request.user, m_ticket))
         return m_queue.finish(Outcome::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");

@@ -2,6 +2,7 @@
 #include "server/base/audit_log.h"
 #include "server/base/fair_pool.h"
 #include "server/base/json.h"
+#include "server/base/thread_priority.h"
 #include "server/statements/result_format.h"
 #include "server/users/login_throttle.h"
 #include "server/users/token.h"
@@ -9,10 +10,12 @@
 
 #include <gmock/gmock.h>
 
+#include <atomic>
 #include <csignal>
 #include <future>
 
 #ifndef _WIN32
+#include <sched.h>
 #include <sys/resource.h>
 #endif
 
@@ -138,6 +141,39 @@ TEST(FairPool, ServesUsersInTurn)
     gate.set_value();
     EXPECT_TRUE(becomesTrue([&] { return pool.waiting() + pool.running() == 0; }));
     EXPECT_EQ(order, "bcabaaa");
+}
+
+TEST(FairPool, KeepsWorkersForThoseWhoHaveNoneAndLetsLongWorkYield)
+{
+    FairPool pool({ .workers = 4, .waiting = 100, .userRunning = 4, .userWaiting = 100 });
+    std::promise<void> gate;
+    const auto opened = gate.get_future().share();
+    for (int number = 0; number < 4; ++number)
+        ASSERT_TRUE(pool.submit("greedy", [opened] { opened.wait(); }));
+    std::atomic<bool> isServed { false };
+    ASSERT_TRUE(pool.submit("modest", [&] { isServed = true; }));
+    EXPECT_TRUE(becomesTrue([&] { return isServed && pool.running() == 3; }));
+    gate.set_value();
+    EXPECT_TRUE(becomesTrue([&] { return pool.waiting() + pool.running() == 0; }));
+    if (!ThreadPriority::canLower())
+        GTEST_SKIP() << "threads cannot return from a low priority";
+#ifdef __linux__
+    const auto policyOf = [&pool](const std::string &user, std::chrono::milliseconds time) {
+        std::promise<int> policy;
+        const auto ticket = pool.submit(user, [&policy, time] {
+            std::this_thread::sleep_for(time);
+            policy.set_value(sched_getscheduler(0));
+        });
+        std::this_thread::sleep_for(time / 2);
+        pool.look(ticket, FairPool::Clock::now());
+        return policy.get_future().get();
+    };
+    EXPECT_EQ(policyOf("modest", 1ms), SCHED_OTHER);
+    EXPECT_EQ(policyOf("heavy", 1200ms), SCHED_IDLE) << "once it has run for long";
+    EXPECT_EQ(policyOf("heavy", 1ms), SCHED_IDLE) << "who has used much, from the first";
+    for (int number = 0; number < 8; ++number)
+        EXPECT_EQ(policyOf("modest", 1ms), SCHED_OTHER) << "the workers have returned";
+#endif
 }
 
 TEST(Json, ReadsOneObjectOfTexts)
