@@ -6,7 +6,9 @@
 #include "tests/fuzz/require.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 TIniPropStorageManEh *IniStorageManager = nullptr;
@@ -58,7 +60,14 @@ public:
     }
 
 private:
-    QTemporaryDir m_directory;
+    /// In memory where the system has such a folder, because each save waits for the disk.
+    static QString pattern()
+    {
+        const QString memory = QStringLiteral("/dev/shm");
+        return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) + QStringLiteral("/kelvara-fuzz-XXXXXX");
+    }
+
+    QTemporaryDir m_directory { pattern() };
     TIniPropStorageManEh m_storage;
     TDataModule m_form;
     TDataView m_view;
