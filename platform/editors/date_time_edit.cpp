@@ -1,12 +1,10 @@
 #include "platform/editors/date_time_edit.h"
 
+#include "platform/editors/calendar_popup.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
 
-#include <QCalendarWidget>
-#include <QFrame>
 #include <QKeyEvent>
-#include <QVBoxLayout>
 
 #include <algorithm>
 
@@ -20,20 +18,6 @@ struct TextRange {
     int length;
 };
 constexpr TextRange partRanges[] = { { 0, 4 }, { 5, 2 }, { 8, 2 }, { 11, 2 }, { 14, 2 }, { 17, 2 } };
-
-QCalendarWidget *makeCalendar(QWidget *parent, QDate day)
-{
-    auto *calendar = new QCalendarWidget(parent);
-    calendar->setLocale(QLocale(QLocale::Chinese, QLocale::China));
-    calendar->setFirstDayOfWeek(Qt::Monday);
-    calendar->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
-    calendar->setGridVisible(false);
-    calendar->setSelectedDate(day);
-    QTextCharFormat today;
-    today.setFontWeight(QFont::Bold);
-    calendar->setDateTextFormat(Clock::today(), today);
-    return calendar;
-}
 
 } // namespace
 
@@ -111,23 +95,34 @@ void TDBDateTimeEditEh::keyPressEvent(QKeyEvent *event)
         DropDownEdit::keyPressEvent(event);
 }
 
+void TDBDateTimeEditEh::pair(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end)
+{
+    start->m_end = end;
+    end->m_start = start;
+}
+
+void TDBDateTimeEditEh::chooseRange(NamedRange range)
+{
+    const TimeRange times = rangeOn(range, Clock::today());
+    TDBDateTimeEditEh *first = m_start ? m_start.data() : this;
+    first->show(times.start);
+    if (first->m_end)
+        first->m_end->show(times.end);
+}
+
 void TDBDateTimeEditEh::dropDown()
 {
     const QDateTime time = read(text()).value_or(QDateTime(Clock::today(), m_dateOnly ? m_keptTime : QTime(0, 0), Qt::UTC));
-    auto *popup = new QFrame(this, Qt::Popup);
-    popup->setAttribute(Qt::WA_DeleteOnClose);
-    popup->setFrameStyle(QFrame::StyledPanel);
-    auto *layout = new QVBoxLayout(popup);
-    layout->setContentsMargins(0, 0, 0, 0);
-    QCalendarWidget *calendar = makeCalendar(popup, time.date());
-    layout->addWidget(calendar);
-    const auto take = [this, popup, time](QDate day) {
+    auto *popup = new CalendarPopup(this, time.date());
+    handle(popup, &CalendarPopup::dayChosen, this, [this, popup, time](QDate day) {
         show(QDateTime(day, time.time(), Qt::UTC));
         popup->close();
-    };
-    handle(calendar, &QCalendarWidget::clicked, this, take);
-    handle(calendar, &QCalendarWidget::activated, this, take);
+    });
+    handle(popup, &CalendarPopup::rangeChosen, this, [this, popup](NamedRange range) {
+        chooseRange(range);
+        popup->close();
+    });
     popup->setGeometry(dropDownGeometry(popup->sizeHint()));
     popup->show();
-    calendar->setFocus(Qt::PopupFocusReason);
+    popup->focusDays();
 }

@@ -2,6 +2,9 @@
 
 #include "platform/editors/date_entry.h"
 #include "platform/editors/drop_down_edit.h"
+#include "platform/editors/time_range.h"
+
+#include <QPointer>
 
 /// A date and time as text "yyyy-mm-dd hh:mm:ss" (or "yyyy-mm-dd" when only the day is shown), typed or picked from a calendar.
 /// What is typed is put into that form when the editor is left, if it can be read; otherwise it stays as typed.
@@ -22,6 +25,13 @@ public:
     /// plain setText() does only when the editor is left.
     void setDateTimeText(const QString &text);
 
+    /// Makes two editors the ends of one range: a range that has a name sets both.
+    static void pair(TDBDateTimeEditEh *start, TDBDateTimeEditEh *end);
+    /// The other end of the range that this editor starts; null when it starts none.
+    TDBDateTimeEditEh *rangeEnd() const { return m_end; }
+    /// As a person does from the calendar: sets both ends of this editor's range; one that stands alone takes the first day.
+    void chooseRange(platform::NamedRange range);
+
 protected:
     void keyPressEvent(QKeyEvent *event) override;
     void dropDown() override;
@@ -35,4 +45,6 @@ private:
 
     bool m_dateOnly = false;
     QTime m_keptTime { 0, 0 };
+    QPointer<TDBDateTimeEditEh> m_start; ///< of the range that this one ends
+    QPointer<TDBDateTimeEditEh> m_end; ///< of the range that this one starts
 };

@@ -108,11 +108,16 @@ QToolButton *DropDownEdit::addButton(const QString &text, const QString &toolTip
     button->setAutoRaise(true);
     button->setText(text);
     button->setToolTip(toolTip);
+    button->setAccessibleName(toolTip);
     insertButton(button);
     return button;
 }
 
-void DropDownEdit::setDropDownToolTip(const QString &toolTip) { m_buttons.first()->setToolTip(toolTip); }
+void DropDownEdit::setDropDownToolTip(const QString &toolTip)
+{
+    m_buttons.first()->setToolTip(toolTip);
+    m_buttons.first()->setAccessibleName(toolTip);
+}
 
 QRect DropDownEdit::dropDownGeometry(const QSize &size) const
 {

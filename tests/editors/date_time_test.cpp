@@ -6,11 +6,14 @@
 #include <gmock/gmock.h>
 
 #include <QCalendarWidget>
+#include <QLabel>
 #include <QSignalSpy>
+#include <QToolButton>
 
 namespace {
 
 using ::testing::ElementsAre;
+using namespace platform;
 
 class DateTime : public ::testing::Test {
 protected:
@@ -136,6 +139,56 @@ TEST_F(DateTime, CalendarChangesTheDayAndKeepsTheTime)
 
     form.press(Qt::Key_Return);
     EXPECT_THAT(form.keys, ElementsAre(Qt::Key_Return));
+}
+
+TEST_F(DateTime, ANamedRangeSetsBothEndsAndIsKnownByItsDays)
+{
+    const struct {
+        NamedRange range;
+        const char *start;
+        const char *end;
+    } cases[] = {
+        { NamedRange::Today, "2026-03-01 00:00:00", "2026-03-01 23:59:59" },
+        { NamedRange::Yesterday, "2026-02-28 00:00:00", "2026-02-28 23:59:59" },
+        { NamedRange::ThisWeek, "2026-02-23 00:00:00", "2026-03-01 23:59:59" }, // a Sunday ends it
+        { NamedRange::LastWeek, "2026-02-16 00:00:00", "2026-02-22 23:59:59" },
+        { NamedRange::ThisMonth, "2026-03-01 00:00:00", "2026-03-31 23:59:59" },
+        { NamedRange::LastMonth, "2026-02-01 00:00:00", "2026-02-28 23:59:59" },
+        { NamedRange::LastShift, "2026-02-28 12:00:00", "2026-03-01 11:59:59" },
+    };
+    const QDate today(2026, 3, 1);
+    Clock::set(QDateTime(today, QTime(8, 0), Qt::UTC));
+    TDBDateTimeEditEh end;
+    TDBDateTimeEditEh::pair(edit, &end);
+    for (const auto &[range, first, last] : cases) {
+        end.chooseRange(range); // from either end
+        EXPECT_EQ(edit->text().toStdString(), first);
+        EXPECT_EQ(end.text().toStdString(), last);
+        EXPECT_EQ(nameOfRange({ textToDateTime(edit->text()), textToDateTime(end.text()) }, today), range) << first;
+    }
+    EXPECT_EQ(rangeOn(NamedRange::LastMonth, QDate(2026, 1, 31)).start.date(), QDate(2025, 12, 1));
+    EXPECT_EQ(nameOfRange(rangeOn(NamedRange::Today, today), today.addDays(2)), std::nullopt);
+}
+
+TEST_F(DateTime, CalendarSpeaksChineseAndOffersTheRanges)
+{
+    edit->setText(QStringLiteral("2026-11-30 11:59:59"));
+    form.press(Qt::Key_F4);
+    const QWidget *popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    const auto button = [popup](const char16_t *text) {
+        const auto buttons = popup->findChildren<QToolButton *>();
+        return *std::find_if(
+            buttons.begin(), buttons.end(), [&](const QToolButton *one) { return one->text() == QString::fromUtf16(text); });
+    };
+    const auto heading = [popup] { return popup->findChild<QLabel *>()->text(); };
+    EXPECT_EQ(heading(), QStringLiteral("2026年11月"));
+    button(u"»")->click();
+    button(u"›")->click();
+    EXPECT_EQ(heading(), QStringLiteral("2027年12月"));
+    button(u"昨天")->click();
+    EXPECT_EQ(edit->text(), QStringLiteral("2026-09-29 00:00:00"));
+    EXPECT_EQ(QApplication::activePopupWidget(), nullptr);
 }
 
 } // namespace
