@@ -20,6 +20,8 @@ struct TextHash {
     std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>()(text); }
 };
 
+constexpr qsizetype longestNumber = 60; ///< letters; no cell shows a longer one
+
 using TextTest = std::function<bool(std::string_view)>;
 
 bool isNumeric(ColumnType type) { return type != ColumnType::Text && type != ColumnType::Timestamp; }
@@ -37,10 +39,10 @@ public:
         const packet::Dictionary *dictionary = rows.packet().dictionary(column);
         for (std::size_t index = 0; dictionary && index < dictionary->size(); ++index)
             m_table.push_back(m_test(dictionary->at(index)));
+        m_isPossible = m_table.empty() || m_passesNull || std::ranges::find(m_table, 1) != m_table.end();
     }
 
-    /// False when no row of the packet can pass.
-    bool isPossible() const { return m_table.empty() || m_passesNull || std::ranges::find(m_table, 1) != m_table.end(); }
+    bool isPossible() const { return m_isPossible; } ///< false when no row of the packet can pass
 
     bool passes(std::uint32_t row) const
     {
@@ -80,6 +82,7 @@ private:
     bool m_isText;
     TextTest m_test;
     bool m_passesNull;
+    bool m_isPossible;
     std::vector<std::uint8_t> m_table; ///< for each text of the dictionary whether it passes
     mutable std::string m_buffer;
 };
@@ -97,6 +100,9 @@ TextTest testOfValues(const QuickFilter::Values &values)
 TextTest testOfNumber(QString typed)
 {
     typed.remove(u',');
+    const auto isOfNumber = [](QChar letter) { return (letter >= u'0' && letter <= u'9') || letter == u'.' || letter == u'-'; };
+    if (typed.isEmpty() || typed.size() > longestNumber || !std::ranges::all_of(typed, isOfNumber))
+        return [](std::string_view) { return false; };
     const qsizetype point = typed.indexOf(u'.');
     const auto decimals = point < 0 ? std::size_t(0) : std::size_t(typed.size() - point - 1);
     return [pattern = TextPattern(typed), decimals, padded = std::string()](std::string_view text) mutable {
