@@ -15,6 +15,7 @@ namespace {
 
 constexpr int typingPause = 150; ///< milliseconds
 constexpr int textWidth = 200;
+constexpr int longestText = 200;
 constexpr qsizetype mostButtons = 4;
 constexpr int mostLetters = 24; ///< of a button
 
@@ -41,6 +42,7 @@ FilterBar::FilterBar(QWidget *grid)
     m_text->setPlaceholderText(QStringLiteral("任意列的文字、数字或拼音首字母"));
     m_text->setAccessibleName(QStringLiteral("筛选"));
     m_text->setClearButtonEnabled(true);
+    m_text->setMaxLength(longestText);
     m_text->setMinimumWidth(textWidth);
     m_text->setMaximumWidth(textWidth * 2);
     m_text->installEventFilter(this);
