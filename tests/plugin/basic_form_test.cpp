@@ -1,3 +1,5 @@
+#include "platform/grid/db_grid.h"
+#include "platform/grid/grid_filter.h"
 #include "plugin/data/udm_BasicData.h"
 #include "plugin/forms/base/frame_Panel.h"
 #include "plugin/forms/base/ufrm_Basic.h"
@@ -125,6 +127,23 @@ TEST_F(BasicForm, PlainEnterMovesTheFocusAndEnterWithAKeyHeldDoesNot)
     }
     QTest::keyClick(m_screen->Edit1, Qt::Key_Return);
     EXPECT_TRUE(m_screen->Edit2->hasFocus());
+}
+
+TEST_F(BasicForm, EnterInTheLineAboveAGridLeadsDownToItsRows)
+{
+    m_screen->cds->setData(textColumn("NAME", { QStringLiteral("甲"), QStringLiteral("乙") }));
+    TDataSource source;
+    source.setDataSet(m_screen->cds);
+    auto *grid = new TDBGridEh;
+    m_screen->layout()->addWidget(grid);
+    grid->setDataSource(&source);
+    grid->setColumns({ { .fieldName = QStringLiteral("NAME"), .caption = QStringLiteral("名称") } });
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_host));
+    grid->filter().openBar();
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("yi"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_TRUE(grid->hasFocus());
+    EXPECT_EQ(grid->rowCount(), 1);
 }
 
 TEST_F(BasicForm, RightsAreTheFirstThreeCharacters)

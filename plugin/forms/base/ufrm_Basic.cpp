@@ -8,6 +8,18 @@ using namespace platform;
 
 namespace {
 
+/// In a result Enter walks through the cells, and in a line above them it goes down to them.
+bool belongsToGrid(const QWidget *focused)
+{
+    if (const auto *grid = qobject_cast<const TDBGridEh *>(focused))
+        return grid->currentRow() >= 0;
+    for (const QWidget *widget = focused; widget && !widget->isWindow(); widget = widget->parentWidget()) {
+        if (qobject_cast<const TDBGridEh *>(widget))
+            return true;
+    }
+    return false;
+}
+
 template <class Component>
 QList<Component *> ownedComponents(const TComponentOwner &owner)
 {
@@ -65,10 +77,7 @@ void Tfrm_Basic::FormClose(TCloseAction &action)
 
 void Tfrm_Basic::FormKeyDown(int key, Qt::KeyboardModifiers modifiers)
 {
-    // In a result Enter walks through the cells.
-    const auto *grid = qobject_cast<TDBGridEh *>(focusWidget());
-    const bool walksCells = grid && grid->currentRow() >= 0;
-    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier && !walksCells)
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && modifiers == Qt::NoModifier && !belongsToGrid(focusWidget()))
         focusNextControl();
 }
 
