@@ -1,5 +1,7 @@
 #include "platform/report/print_db_grid.h"
 
+#include "platform/grid/grid_filter.h"
+#include "platform/report/chart_window.h"
 #include "platform/report/grid_report.h"
 #include "platform/report/grid_rows.h"
 #include "platform/report/output/html_export.h"
@@ -43,10 +45,12 @@ class PreparedGrid : public PreparedReport {
 public:
     using LayOut = std::function<std::unique_ptr<PreparedReport>()>;
 
-    /// `inOnePiece`: empty when the parts are one.
-    PreparedGrid(const QList<Definition> &parts, std::unique_ptr<GridRows> rows, const StyleEvent &look, LayOut inOnePiece)
-        : PreparedReport(parts, rows.get(), look)
+    /// `inOnePiece`: empty when the parts are one. `chart`: null when the print has none.
+    PreparedGrid(const QList<Definition> &parts, std::unique_ptr<GridRows> rows, std::unique_ptr<ReadyChart> chart, const StyleEvent &look,
+        LayOut inOnePiece)
+        : PreparedReport(parts, rows.get(), chart ? QList<ReportAddIn *> { chart.get() } : QList<ReportAddIn *>(), look)
         , m_rows(std::move(rows))
+        , m_chart(std::move(chart))
         , m_inOnePiece(std::move(inOnePiece))
     {
     }
@@ -54,8 +58,26 @@ public:
 
 private:
     std::unique_ptr<GridRows> m_rows;
+    std::unique_ptr<ReadyChart> m_chart;
     LayOut m_inOnePiece;
 };
+
+/// Makes room for a chart below the title in all parts, and draws it in the first.
+void addChart(QList<Definition> &parts, ChartKind kind)
+{
+    constexpr int height = 80 * millimetre;
+    for (Definition &part : parts) {
+        if (part.bands.first().kind != BandKind::Title)
+            part.bands.prepend({ .kind = BandKind::Title });
+        const int room = part.paper.width() - part.margins.left() - part.margins.right();
+        Band &title = part.bands.first();
+        Object chart { .kind = ObjectKind::Chart, .box = QRect(0, title.height + millimetre, room, height) };
+        chart.chart = kind;
+        if (&part == &parts.first())
+            title.objects.append(chart);
+        title.height += height + 3 * millimetre;
+    }
+}
 
 } // namespace
 
@@ -95,14 +117,21 @@ std::unique_ptr<PreparedReport> TPrintDBGridEh::prepared(const PageSetup &setup)
         notes.append(notice);
         footer.left = footer.left.isEmpty() ? notice : notice + u'　' + footer.left;
     }
-    const QList<Definition> parts = GridReport(*m_grid, setup).parts({ m_title, notes, m_header, footer });
+    if (const QString notice = m_grid->dataSet()->filterNotice(); !notice.isEmpty())
+        notes.append(notice + u"（" + m_grid->filter().description() + u"）");
+    QList<Definition> parts = GridReport(*m_grid, setup).parts({ m_title, notes, m_header, footer });
     PreparedGrid::LayOut inOnePiece;
     if (parts.size() > 1) {
         PageSetup narrow = setup;
         narrow.wideColumns = WideColumns::Shrink;
         inOnePiece = [this, narrow] { return prepared(narrow); };
     }
-    auto prepared = std::make_unique<PreparedGrid>(parts, std::move(rows), look, inOnePiece);
+    std::unique_ptr<ReadyChart> chart;
+    if (const ChartWindow *shown = ChartWindow::of(*m_grid)) {
+        chart = std::make_unique<ReadyChart>(shown->chart().data, shown->choice().kind);
+        addChart(parts, shown->choice().kind);
+    }
+    auto prepared = std::make_unique<PreparedGrid>(parts, std::move(rows), std::move(chart), look, inOnePiece);
     prepared->prepareNextPage();
     return prepared;
 }

@@ -32,14 +32,15 @@ PreparedReport::PreparedReport(Definition definition, TDataSet *rows, const QLis
     m_builders.push_back(std::make_unique<PageBuilder>(std::move(definition), rows, addIns, std::move(styleEvent), m_resources));
 }
 
-PreparedReport::PreparedReport(const QList<Definition> &parts, TDataSet *rows, const StyleEvent &styleEvent)
+PreparedReport::PreparedReport(
+    const QList<Definition> &parts, TDataSet *rows, const QList<ReportAddIn *> &addIns, const StyleEvent &styleEvent)
     : m_title(parts.first().title)
     , m_paper(parts.first().paper)
     , m_rowCount(rows->recordCount())
     , m_truncated(!rows->truncationNotice().isEmpty())
 {
     for (const Definition &part : parts)
-        m_builders.push_back(std::make_unique<PageBuilder>(part, rows, QList<ReportAddIn *>(), styleEvent, m_resources));
+        m_builders.push_back(std::make_unique<PageBuilder>(part, rows, addIns, styleEvent, m_resources));
 }
 
 PreparedReport::~PreparedReport() = default;

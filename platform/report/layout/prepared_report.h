@@ -19,7 +19,7 @@ public:
     PreparedReport(Definition definition, TDataSet *rows, const QList<ReportAddIn *> &addIns = {}, StyleEvent styleEvent = {});
     /// The rows of each page on as many pages as there are definitions, one after the other: parts of a table that is too wide for one
     /// page. Their bands must be as high as those of the first, and none may grow by what another one does not hold.
-    PreparedReport(const QList<Definition> &parts, TDataSet *rows, const StyleEvent &styleEvent);
+    PreparedReport(const QList<Definition> &parts, TDataSet *rows, const QList<ReportAddIn *> &addIns, const StyleEvent &styleEvent);
     virtual ~PreparedReport();
     PreparedReport(const PreparedReport &) = delete;
 
