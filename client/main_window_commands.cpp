@@ -15,6 +15,7 @@
 #include "platform/grid/db_grid.h"
 #include "platform/grid/grid_commands.h"
 #include "platform/grid/grid_zoom.h"
+#include "platform/report/chart_window.h"
 #include "platform/report/print_db_grid.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/handler.h"
@@ -92,6 +93,12 @@ const QList<MainWindow::Command> &MainWindow::commands()
         Command::ofGrid<GridCommandId::Find>("find"),
         Command::ofGrid<GridCommandId::FindNext>(),
         Command::ofGrid<GridCommandId::FindPrevious>(),
+        Command::ofGrid<GridCommandId::FilterText>(),
+        Command::ofGrid<GridCommandId::FilterByValue>(),
+        Command::ofGrid<GridCommandId::FilterOutValue>(),
+        Command::ofGrid<GridCommandId::ClearFilter>(),
+        { u"操作(&O)", u"图表…", u"Ctrl+Shift+G", nullptr, Command::Grid,
+            [](MainWindow *window) { report::ChartWindow::showFor(*window->m_grid, screenTitle(*window->m_grid)); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         Command::ofGrid<GridCommandId::Copy>("copy"),
         Command::ofGrid<GridCommandId::CopyWithTitles>(),

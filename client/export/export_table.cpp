@@ -3,6 +3,8 @@
 #include "platform/dataset/client_data_set.h"
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_filter.h"
+#include "platform/report/chart_window.h"
 
 using namespace client;
 using namespace platform;
@@ -62,6 +64,34 @@ ExportColumn exportColumn(const TDBGridEh &grid, int index, const packet::Packet
     return column;
 }
 
+/// The number of a visible column among the visible ones; -1 when it is not.
+int exportedColumn(const TDBGridEh &grid, const QString &field)
+{
+    const int index = grid.columnIndex(field, ColumnScope::Visible);
+    int before = 0;
+    for (int column = 0; column < index; ++column)
+        before += grid.column(column).visible ? 1 : 0;
+    return index < 0 ? -1 : before;
+}
+
+std::optional<ExportChart> openChart(const TDBGridEh &grid)
+{
+    const report::ChartWindow *window = report::ChartWindow::of(grid);
+    if (!window || grid.rowCount() == 0)
+        return {};
+    const report::GridChartChoice &choice = window->choice();
+    ExportChart chart { .kind = choice.kind,
+        .title = window->chart().data.title,
+        .labels = exportedColumn(grid, choice.labelField),
+        .values = {},
+        .rows = std::min(grid.rowCount(), report::mostChartRows) };
+    for (const QString &field : choice.valueFields) {
+        if (const int column = exportedColumn(grid, field); column >= 0)
+            chart.values.append(column);
+    }
+    return chart.values.isEmpty() ? std::nullopt : std::optional(chart);
+}
+
 } // namespace
 
 std::string_view ExportTable::text(std::size_t column, std::size_t row, std::string &buffer) const
@@ -93,6 +123,9 @@ ExportTable exportTable(const TDBGridEh &grid, const QString &title, const QList
     table.notes.append({ QStringLiteral("行数"), QString::number(table.rows.rowCount()) });
     if (table.truncated)
         table.notes.append({ QStringLiteral("注意"), QStringLiteral("结果超过了行数上限，这里只有取到的部分，不是全部数据。") });
+    if (const QString notice = dataSet ? dataSet->filterNotice() : QString(); !notice.isEmpty())
+        table.notes.append({ QStringLiteral("筛选"), grid.filter().description() + u"（" + notice + u"）" });
+    table.chart = openChart(grid);
     for (int index = 0; index < grid.columnCount(); ++index) {
         if (!grid.column(index).visible)
             continue;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "platform/dataset/row_snapshot.h"
+#include "platform/report/definition/definition.h"
 
 #include <QList>
 #include <QString>
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -44,6 +46,15 @@ struct ExportNote {
     bool operator==(const ExportNote &) const = default;
 };
 
+/// A chart that stands beside the grid, of the first rows.
+struct ExportChart {
+    report::ChartKind kind;
+    QString title;
+    int labels; ///< the column that names the bars, or -1
+    QList<int> values; ///< columns
+    int rows;
+};
+
 /// What a grid shows at one moment, for another thread to write: it shares the rows and nothing else with the grid.
 struct ExportTable {
     QString title;
@@ -54,6 +65,7 @@ struct ExportTable {
     platform::RowSnapshot rows;
     bool truncated = false; ///< the server's limit cut the rows
     QString truncationNotice {}; ///< in words; "" when nothing is cut
+    std::optional<ExportChart> chart {}; ///< nothing while none is open
 
     /// A cell as the grid shows it, a tick as "√".
     std::string_view text(std::size_t column, std::size_t row, std::string &buffer) const;

@@ -104,10 +104,22 @@ public:
                 writeFooter(column, m_table.columns[column].footers[row]);
             ++m_row;
         }
+        finishSheet();
+    }
+    void addChart(const ExportChart &chart)
+    {
+        m_book.addSheet(QStringLiteral("图表"));
+        m_book.insertChart({ .kind = chart.kind == report::ChartKind::Bars ? files::SheetChart::Kind::Columns
+                : chart.kind == report::ChartKind::Lines                   ? files::SheetChart::Kind::Lines
+                                                                           : files::SheetChart::Kind::Pie,
+            .title = chart.title,
+            .labels = chart.labels,
+            .values = chart.values,
+            .firstRow = 1,
+            .lastRow = std::uint32_t(chart.rows) });
     }
     void addNotes()
     {
-        finishSheet();
         m_book.addSheet(QStringLiteral("查询条件"));
         m_book.setColumnWidth(0, 173, m_text);
         m_book.setColumnWidth(1, 425, m_text);
@@ -255,6 +267,8 @@ void writeWorkbook(
             progress(std::int64_t(row + 1));
     }
     book.addFooters();
+    if (table.chart)
+        book.addChart(*table.chart);
     book.addNotes();
     book.close();
 }

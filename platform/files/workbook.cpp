@@ -153,6 +153,31 @@ void Workbook::writeBlank(std::uint32_t row, int column, lxw_format *format)
     check(worksheet_write_blank(m_sheet, row, lxw_col_t(column), format));
 }
 
+void Workbook::insertChart(const SheetChart &chart)
+{
+    constexpr double scale = 1.8;
+    constexpr std::uint8_t types[] = { LXW_CHART_COLUMN, LXW_CHART_LINE, LXW_CHART_PIE };
+    const char *data = m_sheets.front()->name;
+    lxw_chart *made = workbook_add_chart(m_book.get(), types[int(chart.kind)]);
+    if (!made)
+        m_file.fail(QStringLiteral("内存不足"));
+    for (const int column : chart.values) {
+        lxw_chart_series *series = chart_add_series(made, nullptr, nullptr);
+        if (!series)
+            m_file.fail(QStringLiteral("内存不足"));
+        const auto place = lxw_col_t(column);
+        chart_series_set_values(series, data, chart.firstRow, place, chart.lastRow, place);
+        chart_series_set_name_range(series, data, 0, place);
+        if (chart.labels >= 0)
+            chart_series_set_categories(series, data, chart.firstRow, lxw_col_t(chart.labels), chart.lastRow, lxw_col_t(chart.labels));
+    }
+    chart_title_set_name(made, chart.title.toUtf8().constData());
+    lxw_chart_options options {};
+    options.x_scale = scale;
+    options.y_scale = scale;
+    check(worksheet_insert_chart_opt(m_sheet, 0, 0, made, &options));
+}
+
 void Workbook::close()
 {
     checkDisk();

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QColor>
+#include <QList>
 #include <QPageLayout>
 #include <QString>
 
@@ -38,6 +39,17 @@ struct CellFormat {
     qreal points = 0;
 };
 
+/// A chart of columns of a workbook's first sheet.
+struct SheetChart {
+    enum class Kind { Columns, Lines, Pie };
+    Kind kind;
+    QString title;
+    int labels; ///< the column that names the values, or -1
+    QList<int> values; ///< columns; their names stand in row 0
+    std::uint32_t firstRow;
+    std::uint32_t lastRow;
+};
+
 /// An .xlsx workbook that is written row by row from the top; only the current row is in memory, the others are in the folder for
 /// temporary files. Rows and columns count from 0. Every function throws SafeFile's Exception when the disk, that folder or the
 /// form of the file does not take something; nothing is lost without one.
@@ -65,6 +77,9 @@ public:
     void writeText(std::uint32_t row, int column, std::string_view text, lxw_format *format);
     void writeNumber(std::uint32_t row, int column, double number, lxw_format *format);
     void writeBlank(std::uint32_t row, int column, lxw_format *format);
+
+    /// Puts a chart at the top of the present sheet.
+    void insertChart(const SheetChart &chart);
 
     /// Writes the file.
     void close();

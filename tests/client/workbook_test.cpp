@@ -1,12 +1,15 @@
 #include "client/export/table_workbook.h"
 
 #include "platform/files/safe_file.h"
+#include "platform/grid/grid_filter.h"
+#include "platform/report/chart_window.h"
 #include "tests/client/export_fixture.h"
 
 #include <QProcess>
 #include <QXmlStreamReader>
 
 using namespace client;
+using namespace platform;
 
 namespace {
 
@@ -52,7 +55,6 @@ public:
     QStringList repeated; ///< the rows that stand on each page
     QList<Sheet> sheets;
 
-private:
     QByteArray part(const QString &name) const
     {
         QProcess unzip;
@@ -60,6 +62,8 @@ private:
         EXPECT_TRUE(unzip.waitForFinished() && unzip.exitCode() == 0) << "unzip is needed for this test";
         return unzip.readAllStandardOutput();
     }
+
+private:
     void readStyles()
     {
         QMap<QString, QString> codes { { QStringLiteral("0"), QStringLiteral("General") }, { QStringLiteral("1"), QStringLiteral("0") },
@@ -266,6 +270,34 @@ TEST_F(WorkbookTest, TheSecondSheetTellsTheConditions)
     expectText(notes, "B3", QStringLiteral("008"));
     expectText(notes, "A4", QStringLiteral("行数"));
     expectText(notes, "B4", QStringLiteral("4"));
+}
+
+TEST_F(WorkbookTest, AnOpenChartGoesAlongAndReadsItsCells)
+{
+    Column fee = m_grid.column(m_grid.columnIndex(u"FEE"));
+    fee.numberForm = NumberForm::Money;
+    m_grid.setColumn(m_grid.columnIndex(u"FEE"), fee);
+    m_grid.filter().setText(QStringLiteral("厦门"));
+    report::ChartWindow &window = report::ChartWindow::showFor(m_grid, QStringLiteral("费用"));
+    window.choose({ report::ChartKind::Pie, QStringLiteral("CODE"), { QStringLiteral("FEE") } });
+    const ReadWorkbook book = read();
+    ASSERT_EQ(book.names, QStringList({ QStringLiteral("月发件清单"), QStringLiteral("图表"), QStringLiteral("查询条件") }));
+    const QByteArray chart = book.part(QStringLiteral("charts/chart1.xml"));
+    QXmlStreamReader xml(chart);
+    QStringList ranges;
+    bool isPie = false;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        isPie = isPie || xml.name() == u"pieChart";
+        if (xml.isStartElement() && xml.name() == u"f")
+            ranges.append(xml.readElementText());
+    }
+    EXPECT_TRUE(isPie);
+    EXPECT_EQ(ranges.join(u' '), QStringLiteral("月发件清单!$F$1 月发件清单!$B$2:$B$2 月发件清单!$F$2:$F$2"));
+    QStringList notes;
+    for (const SheetCell &cell : book.sheets[2].cells)
+        notes.append(cell.text);
+    EXPECT_TRUE(notes.contains(QStringLiteral("含“厦门”（已筛选：4 行中的 1 行）"))) << notes.join(u'/').toStdString();
 }
 
 TEST_F(WorkbookTest, AFullSheetIsFollowedByAnother)

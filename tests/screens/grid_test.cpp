@@ -75,6 +75,38 @@ TEST_F(ScreenGrid, MarksSortByOneColumnByTwoAndGiveTheServersOrderBack)
     EXPECT_EQ(ask(QStringLiteral("columns"))[u"columns"].toArray()[0][u"sort"].toString(), QStringLiteral("none"));
 }
 
+TEST_F(ScreenGrid, AQuickFilterLeavesTheRestOfTheScreenAsItIs)
+{
+    const QString station = QStringLiteral("PRE_OR_NEXT_STATION");
+    const QStringList all = column(station);
+    const QString wanted = cell(0, station);
+    const auto count = all.count(wanted);
+    ASSERT_LT(count, all.size());
+    const auto footers = [this] {
+        return QString::fromUtf8(QJsonDocument(ask(QStringLiteral("footer"))[u"rows"].toArray()).toJson(QJsonDocument::Compact));
+    };
+    const QString before = footers();
+    key(QStringLiteral("Ctrl+J"));
+    EXPECT_EQ(column(station), QStringList(count, wanted));
+    EXPECT_TRUE(footers().contains(QStringLiteral("%L1 / %L2").arg(count).arg(all.size()))) << footers().toStdString();
+    title(QStringLiteral("BILL_CODE"));
+    EXPECT_EQ(column(station), QStringList(count, wanted));
+    const QTemporaryDir directory;
+    const QString file = directory.filePath(QStringLiteral("a.html"));
+    ask(QStringLiteral("export"), { { QStringLiteral("file"), file } });
+    QFile exported(file);
+    ASSERT_TRUE(exported.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(QString::fromUtf8(exported.readAll()).contains(QStringLiteral("已筛选：%L1 行中的 %L2 行").arg(all.size()).arg(count)));
+
+    key(QStringLiteral("Ctrl+Shift+X"));
+    EXPECT_EQ(column(station).size(), all.size());
+    EXPECT_EQ(footers(), before);
+    key(QStringLiteral("Ctrl+Shift+J"));
+    EXPECT_LT(column(station).size(), all.size());
+    query();
+    EXPECT_EQ(column(station).size(), all.size());
+}
+
 TEST_F(ScreenGrid, RowsAreStripedCountedAndCopiedWithTheirTitles)
 {
     const auto colour = [this](int row) {
