@@ -14,6 +14,7 @@ namespace server {
 namespace {
 
 constexpr auto longestSettling = std::chrono::seconds(2);
+constexpr auto collectTime = std::chrono::milliseconds(100);
 constexpr std::size_t mostWaiting = 64 << 20; ///< bytes; a disk that stands still must not fill the memory
 
 bool endsWithLine(const std::filesystem::path &path)
@@ -80,6 +81,7 @@ AuditLog::Ticket AuditLog::add(const AuditLine &line)
         return 0;
     const std::string text = line.text();
     Ticket ticket = 0;
+    bool mustWake = false;
     {
         const std::lock_guard lock(m_mutex);
         if (m_waiting.size() + text.size() > mostWaiting) {
@@ -88,15 +90,19 @@ AuditLog::Ticket AuditLog::add(const AuditLine &line)
         }
         m_waiting += text;
         ticket = ++m_added;
+        mustWake = std::exchange(m_isAsleep, false);
     }
-    m_changed.notify_one();
+    if (mustWake)
+        m_changed.notify_one();
     return ticket;
 }
 
 void AuditLog::settle(Ticket line)
 {
     std::unique_lock lock(m_mutex);
-    m_settled.wait_for(lock, longestSettling, [this, line] { return m_written >= line; });
+    const auto isOver = [this, line] { return m_written >= line || !m_isWriting; };
+    if (m_settled.wait_for(lock, longestSettling, isOver) && m_written < line)
+        writeWaiting(lock);
 }
 
 void AuditLog::reopen()
@@ -112,7 +118,11 @@ void AuditLog::run()
 {
     std::unique_lock lock(m_mutex);
     while (true) {
-        m_changed.wait(lock, [this] { return m_stopped || m_mustReopen || !m_waiting.empty(); });
+        m_isAsleep = true;
+        m_changed.wait(lock, [this] { return mustHurry() || !m_waiting.empty(); });
+        m_isAsleep = false;
+        m_changed.wait_for(lock, collectTime, [this] { return mustHurry(); });
+        m_settled.wait(lock, [this] { return !m_isWriting; });
         if (std::exchange(m_mustReopen, false))
             open();
         if (!m_waiting.empty())
@@ -143,6 +153,7 @@ void AuditLog::writeWaiting(std::unique_lock<std::mutex> &lock)
 {
     const std::string lines = std::exchange(m_waiting, {});
     const Ticket last = m_added;
+    m_isWriting = true;
     lock.unlock();
     m_file << lines << std::flush;
     if (!m_file || !m_file.is_open()) {
@@ -150,6 +161,7 @@ void AuditLog::writeWaiting(std::unique_lock<std::mutex> &lock)
         open();
     }
     lock.lock();
+    m_isWriting = false;
     m_written = last;
     m_settled.notify_all();
 }

@@ -25,7 +25,8 @@ private:
     std::string m_text;
 };
 
-/// A file that lines are appended to, by a thread of its own, so that a slow disk holds no request up. To be used from any thread.
+/// A file that lines are appended to. Who needs a line written writes all that waits; the rest is left to a thread, so that a slow disk
+/// holds nobody else up. To be used from any thread.
 class AuditLog {
 public:
     using Ticket = std::uint64_t;
@@ -36,8 +37,10 @@ public:
     /// Writes what waits.
     ~AuditLog();
 
+    /// The line is written a tenth of a second later at most.
     Ticket add(const AuditLine &line);
-    /// Waits until the line is out of this process, in the file or with the operator, but two seconds at most.
+    /// Returns when the line is out of this process, in the file or with the operator. Waits two seconds at most while another thread
+    /// writes.
     void settle(Ticket line);
     /// Lets go of the file, so that another can take its name.
     void reopen();
@@ -46,6 +49,7 @@ private:
     void run();
     void open();
     void writeWaiting(std::unique_lock<std::mutex> &lock);
+    bool mustHurry() const { return m_stopped || m_mustReopen; }
 
     const std::filesystem::path m_path;
     std::mutex m_mutex;
@@ -54,9 +58,11 @@ private:
     std::string m_waiting;
     Ticket m_added = 0;
     Ticket m_written = 0;
+    bool m_isWriting = false; ///< some thread, and uses the file
+    bool m_isAsleep = false; ///< our thread, until there is anything to write
     bool m_mustReopen = false;
     bool m_stopped = false;
-    std::ofstream m_file; ///< used by the thread alone
+    std::ofstream m_file;
     std::thread m_thread;
 };
 

@@ -166,6 +166,7 @@ TEST(FairPool, KeepsWorkersForThoseWhoHaveNoneAndLetsLongWorkYield)
         });
         std::this_thread::sleep_for(time / 2);
         pool.look(ticket, FairPool::Clock::now());
+        EXPECT_TRUE(becomesTrue([&] { return pool.running() == 0; }));
         return policy.get_future().get();
     };
     EXPECT_EQ(policyOf("modest", 1ms), SCHED_OTHER);
