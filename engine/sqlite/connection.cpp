@@ -57,8 +57,8 @@ void SqliteConnection::configure()
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
     sqlite3_db_config(database, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
     // No memory mapping: a file that shrinks or a drive that goes away would then end the program instead of the statement.
-    // A cache of this size is what is sorted in one go too, and nothing interrupts that.
-    constexpr auto settings = "pragma query_only=1; pragma mmap_size=0; pragma cache_size=-32768;";
+    // A cache of this size is what is sorted in one go too, and nothing interrupts that; larger ones sorted no faster.
+    constexpr auto settings = "pragma query_only=1; pragma mmap_size=0; pragma cache_size=-8192;";
     sqlite3_exec(database, settings, nullptr, nullptr, nullptr);
     lowerLimits(database);
     registerOracleFunctions(database);
