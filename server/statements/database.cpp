@@ -44,8 +44,7 @@ std::shared_ptr<engine::Engine> Database::open()
     if (Clock::now() - m_openTried < askEvery)
         throw engine::Error(engine::Failure::Unavailable, m_fault);
     m_openTried = Clock::now();
-    // One more than the workers use, for isReady().
-    m_engine = engine::openEngine(m_configuration.url, { m_configuration.workers + 1, m_configuration.tables, m_configuration.rules });
+    m_engine = engine::openEngine(m_configuration.url, { m_configuration.connections(), m_configuration.tables, m_configuration.rules });
     m_fault.clear();
     return m_engine;
 }

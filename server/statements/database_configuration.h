@@ -16,6 +16,7 @@ struct DatabaseConfiguration {
     std::vector<std::string> tables {}; ///< empty: all of the database's own
     std::vector<engine::TableRule> rules {}; ///< for users to whom rules apply
     std::size_t workers = 8; ///< statements that run at a time
+    std::size_t connections() const { return workers + 1; } ///< one more, to ask whether the database is there
     std::size_t queue = 200; ///< statements that wait, of all users
     std::size_t userStatements = 4; ///< of one user that run at a time
     std::size_t userQueue = 50; ///< of one user that wait
