@@ -4,8 +4,8 @@
 
 namespace server {
 
-/// How one thread stands to the others when all processors are busy. Lowered it runs only while no other wants to. Does nothing where
-/// the system would not let a thread return from there. Any thread may use it, one at a time.
+/// How one thread stands to the others when all processors are busy. Lowered it gets about a tenth of what each of them gets. Does nothing
+/// where the system would not let a thread return from there. Any thread may use it, one at a time.
 class ThreadPriority {
 public:
     /// Of the calling thread.
