@@ -76,7 +76,7 @@ TDBGridEh::TDBGridEh(QWidget *parent)
     viewport()->setAttribute(Qt::WA_OpaquePaintEvent);
     horizontalScrollBar()->setSingleStep(sideStep);
     connectHeader();
-    arrange();
+    takeZoom();
 }
 
 TDBGridEh::~TDBGridEh() = default;
