@@ -38,10 +38,10 @@ std::string statement(int numbers)
 
 engine::Reader readerOf(int sites)
 {
-    engine::Reader reader { .site = "北京朝阳", .employee = "10001" };
+    std::vector<std::string> names;
     for (int number = 0; number < sites; ++number)
-        reader.sites.push_back("北京网点" + std::to_string(number));
-    return reader;
+        names.push_back("北京网点" + std::to_string(number));
+    return { names, "北京朝阳", "10001" };
 }
 
 void prepare(sqlite3 *database, const std::string &text)

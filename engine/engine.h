@@ -1,12 +1,13 @@
 #pragma once
 
 #include "engine/error.h"
+#include "engine/reader.h"
 #include "packet/block_sink.h"
 
 #include <chrono>
 #include <functional>
 #include <limits>
-#include <optional>
+#include <memory>
 #include <stop_token>
 #include <string>
 #include <string_view>
@@ -15,19 +16,12 @@
 /// Runs one Oracle SELECT at a time against a database and brings its rows as a packet.
 namespace engine {
 
-/// For whom a statement runs. The rules of tables put these values in place of :sites, :site and :employee.
-struct Reader {
-    std::vector<std::string> sites {}; ///< names of the sites whose rows belong to the reader; empty: of none
-    std::string site {}; ///< name of the reader's own
-    std::string employee {}; ///< code
-};
-
 struct QueryOptions {
     std::stop_token stop {}; ///< a stop request ends the statement within milliseconds, as Failure::Cancelled
     std::chrono::milliseconds timeLimit = std::chrono::minutes(10);
     std::size_t memoryLimit = 256 * 1024 * 1024; ///< bytes in this process; a statement that needs more ends as Failure::Database
     std::int64_t rowLimit = std::numeric_limits<std::int64_t>::max(); ///< further rows are cut and the packet says so
-    std::optional<Reader> reader {}; ///< nothing: the rules of tables do not apply
+    std::shared_ptr<const Reader> reader {}; ///< null: the rules of tables do not apply
     std::function<void(std::int64_t rows)> progress {}; ///< called now and then on the querying thread
 };
 

@@ -11,14 +11,6 @@ namespace server {
 
 namespace {
 
-/// For whom the rules of tables are; nothing when none apply.
-std::optional<engine::Reader> readerOf(const Account &account)
-{
-    if (account.rowRules == Account::RowRules::Off)
-        return std::nullopt;
-    return engine::Reader { account.allSites().names, account.site, account.employeeCode };
-}
-
 /// The beginning of a line about a statement; "id" ties its lines together.
 AuditLine auditLineOf(std::string_view event, const StatementRequest &request, const std::string &address, const Database &database)
 {
@@ -140,7 +132,7 @@ std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
     Database *const database = std::get<Database *>(chosen);
     StatementRequest wanted { caller.user, request.body, *format,
         request.compression == "lz4" ? packet::Compression::Lz4 : packet::Compression::None };
-    wanted.reader = readerOf(caller.account->account);
+    wanted.reader = caller.account->reader;
     wanted.mayGoOn = [this, caller, database] { return m_callers.mayGoOn(caller, database->configuration().name); };
     wanted.id = m_run + "-" + std::to_string(++m_lastStatement);
     // A statement that ends the process has its line in the log before it runs.

@@ -61,11 +61,11 @@ void DialectWriter::writeTable(const gate::Annotation &annotation, const gate::R
 void DialectWriter::writeValue(const gate::Annotation &annotation, const gate::Reading &reading)
 {
     if (annotation.construct == Construct::OwnSite)
-        return replace(annotation, reading.site);
+        return replace(annotation, reading.reader.site());
     if (annotation.construct == Construct::Employee)
-        return replace(annotation, reading.employee);
+        return replace(annotation, reading.reader.employee());
     std::string list = "(";
-    for (const std::string &sites : reading.sites)
+    for (const std::string &sites : reading.reader.sites())
         list.append(list.size() > 1 ? "," : "").append(sites);
     replace(annotation, list + ")");
 }

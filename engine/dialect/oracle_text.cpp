@@ -10,12 +10,12 @@ using gate::Construct;
 /// "X in (:sites)", the whole test again for every list.
 void writeSites(DialectWriter &writer, std::string_view sql, const gate::Annotation &annotation, const gate::Reading &reading)
 {
-    if (reading.sites.size() == 1)
+    if (reading.reader.sites().size() == 1)
         return writer.writeValue(annotation, reading);
     const auto test = std::size_t(annotation.limit);
     const std::string_view before = sql.substr(test, annotation.begin - test);
     std::string lists;
-    for (const std::string &sites : reading.sites) {
+    for (const std::string &sites : reading.reader.sites()) {
         if (!lists.empty())
             lists.append(" or ").append(before);
         lists.append("(").append(sites).append(")");

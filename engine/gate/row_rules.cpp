@@ -1,16 +1,11 @@
 #include "engine/gate/row_rules.h"
 
-#include "engine/gate/lexer.h"
-#include "engine/gate/utf8.h"
-
 #include <algorithm>
 
 namespace engine::gate {
 
 namespace {
 
-constexpr std::size_t longestValue = 400; ///< bytes
-constexpr std::string_view siteName = "网点名称";
 constexpr std::size_t wordsAround = 8; ///< select, from, where, parentheses, an alias
 
 [[noreturn]] void fail(const TableRule &rule, const std::string &reason)
@@ -25,32 +20,6 @@ std::string quotedName(std::string_view name)
     for (const char character : name)
         quoted.append(character == '"' ? 2 : 1, character);
     return quoted + '"';
-}
-
-void appendLiteral(std::string &out, std::string_view value, std::string_view what)
-{
-    if (value.size() > longestValue)
-        throw Error(Failure::Refused, "账号的" + std::string(what) + "超过 400 字节，不能用来限定数据范围，请联系管理员");
-    try {
-        checkCharacters(value);
-    } catch (const Refusal &) {
-        throw Error(Failure::Refused, "账号的" + std::string(what) + "中有控制字符或不是 UTF-8 编码，请联系管理员");
-    }
-    if (value.empty()) {
-        out += "NULL";
-        return;
-    }
-    out += '\'';
-    for (std::size_t quote; (quote = value.find('\'')) != std::string_view::npos; value.remove_prefix(quote + 1))
-        out.append(value.substr(0, quote + 1)) += '\'';
-    out.append(value) += '\'';
-}
-
-std::string literalOf(std::string_view value, std::string_view what)
-{
-    std::string literal;
-    appendLiteral(literal, value, what);
-    return literal;
 }
 
 /// Null of the column's own type where it is no text.
@@ -116,27 +85,18 @@ void RowRules::hide(std::size_t number, const std::vector<bool> &areTexts, const
     }
 }
 
-Reading::Reading(const RowRules &given, const Reader &reader)
+Reading::Reading(const RowRules &given, const Reader &whom)
     : rules(given)
-    , siteCount(reader.sites.size())
-    , site(literalOf(reader.site, siteName))
-    , employee(literalOf(reader.employee, "员工编号"))
+    , reader(whom)
 {
-    for (std::size_t number = 0; number < siteCount; ++number) {
-        if (number % sitesTogether == 0)
-            sites.emplace_back();
-        else
-            sites.back() += ',';
-        appendLiteral(sites.back(), reader.sites[number], siteName);
-    }
-    if (sites.empty())
-        sites.emplace_back("NULL");
+    if (!reader.fault().empty())
+        throw Error(Failure::Refused, reader.fault());
 }
 
 std::size_t Reading::wordsOf(std::size_t rule) const
 {
     const Condition &condition = rules[rule].condition;
-    return wordsAround + condition.words + condition.siteLists * 2 * siteCount;
+    return wordsAround + condition.words + condition.siteLists * 2 * reader.siteCount();
 }
 
 } // namespace engine::gate

@@ -40,20 +40,15 @@ private:
 /// on a row tells of the row.
 enum class RuleOrder : std::uint8_t { Any, First };
 
-/// For whom a statement is read: the rules, and the reader's values as literals of any database.
+/// For whom a statement is read. Both must outlive it.
 struct Reading {
-    /// Throws Error(Refused) for a value that is no proper text.
-    Reading(const RowRules &given, const Reader &reader);
+    /// Throws Error(Refused) when the reader has values that cannot be used.
+    Reading(const RowRules &given, const Reader &whom);
     /// How many words a rule puts in place of its table.
     std::size_t wordsOf(std::size_t rule) const;
 
-    static constexpr std::size_t sitesTogether = 1000; ///< Oracle takes no more values in one list
-
     const RowRules &rules;
-    std::size_t siteCount;
-    std::vector<std::string> sites {}; ///< "'a','b'", so many together; NULL, which belongs to nobody, when there are none
-    std::string site;
-    std::string employee;
+    const Reader &reader;
     RuleOrder order = RuleOrder::Any;
 };
 

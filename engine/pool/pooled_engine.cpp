@@ -76,7 +76,8 @@ void PooledEngine::readRules(Connection &connection, const EngineOptions &option
 {
     m_rules = gate::RowRules(options.rules, m_schema);
     const QueryOptions quick { .timeLimit = ruleLimit };
-    const gate::Reading reading(m_rules, { { "-" }, "-", "-" });
+    const Reader nobody({ "-" }, "-", "-");
+    const gate::Reading reading(m_rules, nobody);
     for (std::size_t number = 0; number < m_rules.size(); ++number) {
         const gate::RowRule &rule = m_rules[number];
         std::string sql = "select ";

@@ -16,7 +16,7 @@ struct StatementRequest {
     Format format = Format::Arrow;
     packet::Compression compression = packet::Compression::None;
     std::string id {}; ///< for the audit log
-    std::optional<engine::Reader> reader {}; ///< nothing: the rules of tables do not apply
+    std::shared_ptr<const engine::Reader> reader {}; ///< null: the rules of tables do not apply
     std::function<void()> beforeRunning {}; ///< called on the worker
     std::function<bool()> mayGoOn {}; ///< false when the user has lost the right meanwhile; asked now and then
 };

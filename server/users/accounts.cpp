@@ -4,11 +4,22 @@
 
 namespace server {
 
+namespace {
+
+std::shared_ptr<const engine::Reader> readerOf(const Account &account)
+{
+    if (account.rowRules == Account::RowRules::Off)
+        return nullptr;
+    return std::make_shared<const engine::Reader>(account.allSites().names, account.site, account.employeeCode);
+}
+
+} // namespace
+
 LiveAccounts liveAccounts(const Users &users)
 {
     LiveAccounts accounts;
     for (const auto &[name, account] : users)
-        accounts.emplace(name, std::make_shared<const LiveAccount>(LiveAccount { account, generationOf(account.hash) }));
+        accounts.emplace(name, std::make_shared<const LiveAccount>(LiveAccount { account, generationOf(account.hash), readerOf(account) }));
     return accounts;
 }
 

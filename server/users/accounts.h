@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/reader.h"
 #include "server/users/account.h"
 
 #include <chrono>
@@ -17,7 +18,9 @@ using Users = std::map<std::string, Account, std::less<>>;
 /// An account of a running server.
 struct LiveAccount {
     Account account {};
-    std::string generation {}; ///< see generationOf(); made once, as every request asks for it
+    // Made once, as every request asks for them:
+    std::string generation {}; ///< see generationOf()
+    std::shared_ptr<const engine::Reader> reader {}; ///< null: no rules of tables apply
 };
 using AccountPtr = std::shared_ptr<const LiveAccount>;
 using LiveAccounts = std::map<std::string, AccountPtr, std::less<>>;

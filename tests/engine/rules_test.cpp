@@ -46,9 +46,9 @@ const std::vector<TableRule> rules {
     { .table = "TAB_STATUS", .condition = "bill_code in (select b.bill_code from tab_bill b where b.send_site = :site)" },
 };
 
-QueryOptions as(std::vector<std::string> sites, const std::string &site = "东")
+QueryOptions as(const std::vector<std::string> &sites, const std::string &site = "东")
 {
-    return { .reader = Reader { std::move(sites), site, "E1" } };
+    return { .reader = std::make_shared<const Reader>(sites, site, "E1") };
 }
 
 class Rules : public testing::TestWithParam<Kind> {
@@ -235,7 +235,8 @@ TEST(RulesForOracle, ChangeTheirTablesAlone)
         { { .table = "TAB_BILL", .condition = "send_site in (:sites) or send_site=:site", .hidden = { "BILL_CODE" } } }, schema);
     ruled.hide(0, { true }, schema);
     const auto written = [&](std::string_view sql, std::size_t sites, gate::RuleOrder order = gate::RuleOrder::Any) {
-        gate::Reading reading(ruled, { std::vector<std::string>(sites, "东"), "O'Hare", "E1" });
+        const Reader reader(std::vector<std::string>(sites, "东"), "O'Hare", "E1");
+        gate::Reading reading(ruled, reader);
         reading.order = order;
         return oracleText(sql, gate::check(sql, schema, &reading), &reading);
     };

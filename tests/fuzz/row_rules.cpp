@@ -53,7 +53,7 @@ std::vector<Protected> protectedTables()
     };
 }
 
-const Reader reader { { "北京", "北京朝阳" }, "北京朝阳", "E'1" };
+const auto reader = std::make_shared<const Reader>(std::vector<std::string> { "北京", "北京朝阳" }, "北京朝阳", "E'1");
 
 /// What a network without the rows of others is made of; in the whole one these rows carry a sign.
 std::string changes(bool isWhole)
