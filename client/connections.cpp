@@ -9,8 +9,15 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QPointer>
+#include <QScopedValueRollback>
 #include <QSslCertificate>
 #include <QSslConfiguration>
+#include <QThreadPool>
+
+#include <atomic>
+#include <chrono>
+#include <semaphore>
+#include <thread>
 
 using namespace platform;
 
@@ -54,16 +61,23 @@ std::unique_ptr<Connections> Connections::openDatabase(const Options &options)
 std::unique_ptr<Connections> Connections::prepareServers(const Options &options)
 try {
     auto connections = std::make_unique<Connections>();
-    connections->m_host = std::make_shared<ServerChannel>(connections->session(options.servers, options));
-    connections->m_second = options.secondServers.isEmpty()
-        ? connections->m_host
-        : std::make_shared<ServerChannel>(connections->session(options.secondServers, options));
+    connections->m_host = connections->channel(options.servers, options);
+    connections->m_second = options.secondServers.isEmpty() ? connections->m_host : connections->channel(options.secondServers, options);
     connections->m_place = (options.servers + options.secondServers).join(QStringLiteral("、"));
     return connections;
 } catch (const Exception &) {
     throw;
 } catch (const std::exception &exception) {
     throw Exception(QString::fromUtf8(exception.what()));
+}
+
+std::shared_ptr<StatementChannel> Connections::channel(const QStringList &addresses, const Options &options)
+{
+    return std::make_shared<ServerChannel>(session(addresses, options), [connections = QPointer(this)](const SessionEnded &ended) {
+        if (!connections)
+            throw ended;
+        connections->logInAgain(ended);
+    });
 }
 
 std::shared_ptr<server_client::ServerSession> Connections::session(const QStringList &addresses, const Options &options)
@@ -84,24 +98,102 @@ std::shared_ptr<server_client::ServerSession> Connections::session(const QString
     return m_sessions.emplace_back(std::make_shared<server_client::ServerSession>(settings, watch));
 }
 
+/// What a login needs and brings, shared with the thread that logs in.
+struct Connections::Secrets {
+    Secrets(const QString &name, const QString &entered, const QString &wanted = {})
+        : user(name.toStdString())
+        , password(entered.toStdString())
+        , newPassword(wanted.toStdString())
+    {
+    }
+    Secrets(const Secrets &) = delete;
+    ~Secrets()
+    {
+        server_client::wipe(password);
+        server_client::wipe(newPassword);
+    }
+
+    std::string user;
+    std::string password;
+    std::string newPassword; ///< empty: it stays
+    server_client::Account account {};
+    std::int64_t seconds = 0; ///< the servers' clock
+};
+
+/// The first server changes the password; the others may share its users, or be told by the operator.
+void Connections::enter(const QString &caption, const std::shared_ptr<Secrets> &secrets)
+{
+    runLongWork(caption, QStringLiteral("登录已取消"), [sessions = m_sessions, secrets](WorkProgress &) {
+        const bool changes = !secrets->newPassword.empty();
+        try {
+            server_client::ServerSession &first = *sessions.front();
+            secrets->account
+                = changes ? first.changePassword(secrets->password, secrets->newPassword) : first.login(secrets->user, secrets->password);
+            if (secrets->account.mustChangePassword)
+                return;
+            for (std::size_t other = 1; other < sessions.size(); ++other)
+                (void)sessions[other]->login(secrets->user, changes ? secrets->newPassword : secrets->password);
+            secrets->seconds = first.serverTime();
+        } catch (const std::exception &exception) {
+            throw Exception(QString::fromUtf8(exception.what()));
+        }
+    });
+    m_user = QString::fromStdString(secrets->user);
+    m_account = secrets->account;
+    if (m_account->user.empty())
+        m_account->user = secrets->user;
+    // The server's own time of day, without a zone.
+    m_timeAtLogin = QDateTime(QDate(1970, 1, 1), QTime(0, 0)).addDays(secrets->seconds / 86'400);
+    m_timeAtLogin.setTime(QTime(0, 0).addSecs(int(secrets->seconds % 86'400)));
+    m_sinceLogin.start();
+}
+
 void Connections::login(const QString &user, const QString &password)
 {
-    const auto seconds = std::make_shared<std::int64_t>();
-    runLongWork(QStringLiteral("正在登录…"), QStringLiteral("登录已取消"),
-        [sessions = m_sessions, user = user.toStdString(), password = password.toStdString(), seconds](WorkProgress &) {
-            try {
-                for (const auto &session : sessions)
-                    session->login(user, password);
-                *seconds = sessions.front()->serverTime();
-            } catch (const std::exception &exception) {
-                throw Exception(QString::fromUtf8(exception.what()));
-            }
-        });
-    m_user = user;
-    // The server's own time of day, without a zone.
-    m_timeAtLogin = QDateTime(QDate(1970, 1, 1), QTime(0, 0)).addDays(*seconds / 86'400);
-    m_timeAtLogin.setTime(QTime(0, 0).addSecs(int(*seconds % 86'400)));
-    m_sinceLogin.start();
+    enter(QStringLiteral("正在登录…"), std::make_shared<Secrets>(user, password));
+}
+
+void Connections::changePassword(const QString &before, const QString &after)
+{
+    if (after.isEmpty())
+        throw Exception(QStringLiteral("新密码不能是空的，请输入新密码。"));
+    enter(QStringLiteral("正在修改密码…"), std::make_shared<Secrets>(m_user, before, after));
+}
+
+void Connections::logInAgain(const SessionEnded &ended)
+{
+    // What a window asks by itself while the person is being asked fails.
+    if (!m_askAgain || m_isAsking)
+        throw ended;
+    const QScopedValueRollback asking(m_isAsking, true);
+    m_askAgain(ended.message());
+}
+
+void Connections::logout()
+{
+    constexpr auto patience = std::chrono::seconds(2);
+    std::stop_source stop;
+    std::binary_semaphore done(0);
+    std::jthread going([&] {
+        for (const auto &session : m_sessions)
+            session->logout(stop.get_token());
+        done.release();
+    });
+    if (!done.try_acquire_for(patience))
+        stop.request_stop();
+}
+
+void Connections::reportRefusedScreen(const QString &screen)
+{
+    constexpr int mostWaiting = 20;
+    static std::atomic<int> waiting { 0 };
+    if (m_sessions.empty() || waiting >= mostWaiting)
+        return;
+    ++waiting;
+    QThreadPool::globalInstance()->start([session = m_sessions.front(), name = screen.left(100).toStdString()] {
+        session->reportRefusedScreen(name);
+        --waiting;
+    });
 }
 
 QDateTime Connections::serverTime() const { return m_timeAtLogin.isValid() ? m_timeAtLogin.addMSecs(m_sinceLogin.elapsed()) : QDateTime(); }

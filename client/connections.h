@@ -1,12 +1,15 @@
 #pragma once
 
 #include "platform/connection/socket_connection.h"
+#include "server_client/account.h"
 
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace server_client {
 class ServerSession;
@@ -27,13 +30,23 @@ public:
     /// certificate.
     static std::unique_ptr<Connections> prepareServers(const Options &options);
 
-    /// Logs in at the servers and sets the clock by theirs, off the interface thread. Throws Exception that says why not, and
-    /// Abort when the user cancels.
+    /// Logs in at the servers and sets the clock by theirs, off the interface thread. Remembers no password. Whoever must change it first
+    /// is not in yet, see account(). Throws Exception that says why not, and Abort when the user cancels.
     void login(const QString &user, const QString &password);
+    /// Gives whoever is logged in another password. Throws like login().
+    void changePassword(const QString &before, const QString &after);
+    /// Tells the servers that the user goes; takes two seconds at most.
+    void logout();
+    /// For the audit log; does not wait.
+    void reportRefusedScreen(const QString &screen);
+    /// `ask` is called when a statement finds that nobody is logged in any more, with the reason; it comes back when the statement may be
+    /// sent again, and throws otherwise. Without it the statement fails.
+    void setAskAgain(std::function<void(const QString &why)> ask) { m_askAgain = std::move(ask); }
 
     const std::shared_ptr<platform::StatementChannel> &host() const { return m_host; }
     const std::shared_ptr<platform::StatementChannel> &second() const { return m_second; } ///< the same as host() unless another is named
     const QString &user() const { return m_user; } ///< who logged in; empty for a database
+    const std::optional<server_client::Account> &account() const { return m_account; } ///< nothing for a database
     const QString &place() const { return m_place; } ///< the database or the servers, as a person reads it
     /// The server that the last statement got through to; "" when none does, or none is used.
     const QString &reachedAddress() const { return m_reachedAddress; }
@@ -45,12 +58,19 @@ Q_SIGNALS:
     void reached(const QString &address);
 
 private:
+    struct Secrets;
+    void enter(const QString &caption, const std::shared_ptr<Secrets> &secrets);
+    void logInAgain(const platform::SessionEnded &ended);
+    std::shared_ptr<platform::StatementChannel> channel(const QStringList &addresses, const Options &options);
     std::shared_ptr<server_client::ServerSession> session(const QStringList &addresses, const Options &options);
 
     std::shared_ptr<platform::StatementChannel> m_host;
     std::shared_ptr<platform::StatementChannel> m_second;
     std::vector<std::shared_ptr<server_client::ServerSession>> m_sessions;
+    std::function<void(const QString &)> m_askAgain;
+    bool m_isAsking = false;
     QString m_user;
+    std::optional<server_client::Account> m_account;
     QString m_place;
     QString m_reachedAddress;
     QDateTime m_timeAtLogin;

@@ -1,5 +1,7 @@
 #include "client/host_data.h"
 
+#include "client/login.h"
+
 #include <QLineEdit>
 
 #include <algorithm>
@@ -34,29 +36,42 @@ QString quoted(QString text) { return u'\'' + text.replace(QStringLiteral("'"), 
 
 } // namespace
 
-void HostData::load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner)
+void HostData::load(TCustomRemoteServer *connection, const Login &login, QWidget *owner)
 {
     for (const HostDataSet &row : hostDataSets)
-        addDataSet(row.name.toString(), row.statement.toString().replace(QStringLiteral("%1"), quoted(loginSite)), connection, owner);
+        addDataSet(row.name.toString(), row.statement.toString().replace(QStringLiteral("%1"), quoted(login.site)), connection, owner);
     if (dataSet(u"loginSite")->isEmpty())
-        throw Exception(QStringLiteral("没有名为“%1”的网点，请用 --login-site 选择别的网点登录。").arg(loginSite));
-
-    TClientDataSetEx *employees = dataSet(u"loginSiteEmployeeOwner");
-    const auto isEmployee = [&](const QString &field) { return employees->locate(field, { user }); };
-    const bool employed = user.isEmpty() ? !employees->isEmpty()
-                                         : isEmployee(QStringLiteral("EMPLOYEE_NAME")) || isEmployee(QStringLiteral("EMPLOYEE_CODE"));
-    m_employeeName = employed ? employees->fieldByName(u"EMPLOYEE_NAME")->asString() : user;
-    addValue(QStringLiteral("site"), loginSite, owner);
-    addValue(QStringLiteral("userSite"), {}, owner); // every site may be queried
-    addValue(QStringLiteral("employeeName"), m_employeeName, owner);
-    addValue(QStringLiteral("employeeCode"), employed ? employees->fieldByName(u"EMPLOYEE_CODE")->asString() : QString(), owner);
-    employees->first();
+        throw Exception(QStringLiteral("没有名为“%1”的网点，请用 --login-site 选择别的网点登录；帐户的网点由管理员更改。").arg(login.site));
+    addValue(QStringLiteral("site"), login.site, owner);
+    addValue(QStringLiteral("userSite"), login.userSite, owner);
+    publishEmployee(login, owner);
 
     TClientDataSetEx settings;
     settings.setRemoteServer(connection);
     settings.setCommandText(QStringLiteral("select a.name,a.value from tab_global_value a"));
     for (settings.open(); !settings.eof(); settings.next())
         addValue(settings.fieldByName(u"NAME")->asString(), settings.fieldByName(u"VALUE")->asString(), owner);
+}
+
+/// The account's employee; without one, who has the user's name or code in the list of the site.
+void HostData::publishEmployee(const Login &login, QWidget *owner)
+{
+    TClientDataSetEx *employees = dataSet(u"loginSiteEmployeeOwner");
+    const auto isEmployee = [&](const QString &field) { return employees->locate(field, { login.user }); };
+    QString code = login.employeeCode;
+    m_employeeName = login.employeeName.isEmpty() ? login.user : login.employeeName;
+    if (login.employeeName.isEmpty() && code.isEmpty()) {
+        const bool employed = login.user.isEmpty()
+            ? !employees->isEmpty()
+            : isEmployee(QStringLiteral("EMPLOYEE_NAME")) || isEmployee(QStringLiteral("EMPLOYEE_CODE"));
+        if (employed) {
+            m_employeeName = employees->fieldByName(u"EMPLOYEE_NAME")->asString();
+            code = employees->fieldByName(u"EMPLOYEE_CODE")->asString();
+        }
+        employees->first();
+    }
+    addValue(QStringLiteral("employeeName"), m_employeeName, owner);
+    addValue(QStringLiteral("employeeCode"), code, owner);
 }
 
 TClientDataSetEx *HostData::dataSet(QStringView name) const

@@ -7,18 +7,21 @@ class QWidget;
 
 namespace client {
 
+struct Login;
+
 /// The datasets and values that the host keeps for all its modules, loaded once after login.
 class HostData {
 public:
-    /// Loads everything over `connection` for a user at `loginSite`, by name or code ("": its first employee); the components belong to
-    /// `owner`. Throws what the statements throw, and Exception when there is no such site.
-    void load(TCustomRemoteServer *connection, const QString &user, const QString &loginSite, QWidget *owner);
+    /// Loads everything over `connection` for that login; the components belong to `owner`. Throws what the statements throw, and Exception
+    /// when there is no such site.
+    void load(TCustomRemoteServer *connection, const Login &login, QWidget *owner);
 
     const TList &dataSets() const { return m_dataSets; }
     const TList &values() const { return m_values; }
     const QString &employeeName() const { return m_employeeName; }
 
 private:
+    void publishEmployee(const Login &login, QWidget *owner);
     TClientDataSetEx *dataSet(QStringView name) const;
     void addDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner);
     void addValue(const QString &name, const QString &text, QWidget *owner);

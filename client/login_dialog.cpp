@@ -1,7 +1,9 @@
 #include "client/login_dialog.h"
 
 #include "client/connections.h"
+#include "client/password_dialog.h"
 #include "platform/grid/grid_colors.h"
+#include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/plain_text.h"
@@ -16,22 +18,38 @@ using namespace platform;
 
 namespace client {
 
+QLabel *refusalLabel(QWidget *parent)
+{
+    QLabel *label = plainLabel({}, parent);
+    label->setWordWrap(true);
+    label->setStyleSheet(u"color: " + platform::alarmColorOn(label->palette()).name());
+    label->hide();
+    return label;
+}
+
+void showRefusal(QLabel *label, const QString &reason)
+{
+    QWidget *const dialog = label->parentWidget();
+    label->setText(reason);
+    label->show();
+    // A label that wraps tells its height only for a width.
+    label->setMinimumHeight(label->heightForWidth(dialog->layout()->contentsRect().width()));
+    dialog->adjustSize();
+}
+
 LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget *parent)
     : QDialog(parent)
     , m_connections(connections)
     , m_user(new QLineEdit(user, this))
     , m_password(new QLineEdit(this))
-    , m_refusal(plainLabel({}, this))
+    , m_refusal(refusalLabel(this))
 {
     setWindowTitle(QStringLiteral("登录"));
     m_password->setEchoMode(QLineEdit::Password);
-    m_refusal->setWordWrap(true);
-    m_refusal->setStyleSheet(u"color: " + platform::alarmColorOn(palette()).name());
-    m_refusal->hide();
     auto *const place = plainLabel(connections.place(), this);
     auto *const buttons = new QDialogButtonBox(this);
     m_login = buttons->addButton(QStringLiteral("登录"), QDialogButtonBox::AcceptRole);
-    buttons->addButton(QStringLiteral("退出"), QDialogButtonBox::RejectRole);
+    m_leave = buttons->addButton(QStringLiteral("退出"), QDialogButtonBox::RejectRole);
     auto *const form = new QFormLayout(this);
     form->addRow(QStringLiteral("服务器"), place);
     form->addRow(QStringLiteral("用户"), m_user);
@@ -49,17 +67,36 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
 
 void LoginDialog::updateButton() { m_login->setEnabled(!m_user->text().trimmed().isEmpty() && !m_password->text().isEmpty()); }
 
+void LoginDialog::askAgain(const QString &why)
+{
+    m_ownerOfScreens = m_user->text();
+    m_leave->setText(QStringLiteral("取消"));
+    showRefusal(m_refusal, why);
+}
+
+bool LoginDialog::mayCloseScreens()
+{
+    const QString user = m_user->text().trimmed();
+    if (m_ownerOfScreens.isEmpty() || user == m_ownerOfScreens)
+        return true;
+    const QString question = QStringLiteral("打开的窗口属于“%1”，以“%2”登录会把它们全部关闭。要继续吗？").arg(m_ownerOfScreens, user);
+    return Application->messageBox(question, windowTitle(), mbOkCancel | mbIconQuestion | mbDefaultButton2) == idOk;
+}
+
 void LoginDialog::tryLogin()
 {
+    if (!mayCloseScreens())
+        return;
     try {
         m_connections.login(m_user->text().trimmed(), m_password->text());
+        const bool isIn
+            = !m_connections.account()->mustChangePassword || PasswordDialog(m_connections, m_password->text(), this).exec() == Accepted;
+        if (!isIn)
+            throw Exception(QStringLiteral("须先修改密码，才能继续使用。"));
+        m_password->clear();
         accept();
     } catch (const Exception &exception) {
-        m_refusal->setText(exception.message());
-        m_refusal->show();
-        // A label that wraps tells its height only for a width.
-        m_refusal->setMinimumHeight(m_refusal->heightForWidth(layout()->contentsRect().width()));
-        adjustSize();
+        showRefusal(m_refusal, exception.message());
         m_password->selectAll();
         m_password->setFocus();
     }

@@ -55,71 +55,78 @@ void reportFailure(const QString &message, bool automated)
         Application->messageBox(message, QApplication::applicationDisplayName(), mbIconError);
 }
 
-/// The password that was given beforehand; nothing when a person is to be asked.
-std::optional<QString> givenPassword(const Options &options)
+/// False when the person who is asked to log in gives up.
+bool logIn(Connections &connections, const Options &options)
 {
-    if (options.passwordFile.isEmpty())
-        return qEnvironmentVariableIsSet("KELVARA_PASSWORD") ? std::optional(qEnvironmentVariable("KELVARA_PASSWORD")) : std::nullopt;
-    QFile file(options.passwordFile);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Exception(QStringLiteral("密码文件“%1”打不开：").arg(options.passwordFile) + file.errorString() + u"。");
-    QString password = QString::fromUtf8(file.readLine());
-    while (password.endsWith(u'\n') || password.endsWith(u'\r'))
-        password.chop(1);
-    return password;
+    if (const auto password = givenPassword(options)) {
+        connections.login(options.user, *password);
+        if (connections.account()->mustChangePassword)
+            throw Exception(QStringLiteral("首次登录须先修改密码，请不带密码启动一次，在窗口中修改。"));
+        return true;
+    }
+    if (options.automation)
+        throw Exception(QStringLiteral("自动方式登录服务器需要密码，请用 --password-file 或环境变量 KELVARA_PASSWORD 给出。"));
+    if (LoginDialog(connections, options.user.isEmpty() ? rememberedUser() : options.user).exec() != QDialog::Accepted)
+        return false;
+    rememberUser(connections.user());
+    return true;
 }
 
 /// Null when the person who is asked to log in gives up.
-std::unique_ptr<Connections> connect(const Options &options)
+std::shared_ptr<Connections> connect(const Options &options)
 {
     if (options.servers.isEmpty() == options.database.isEmpty())
         throw Exception(QStringLiteral("请用 --database sqlite:文件 或 --server https://主机:端口 之一启动。"));
     if (options.servers.isEmpty())
         return Connections::openDatabase(options);
-    auto connections = Connections::prepareServers(options);
-    if (const auto password = givenPassword(options))
-        connections->login(options.user, *password);
-    else if (options.automation)
-        throw Exception(QStringLiteral("自动方式登录服务器需要密码，请用 --password-file 或环境变量 KELVARA_PASSWORD 给出。"));
-    else if (LoginDialog(*connections, options.user).exec() != QDialog::Accepted)
-        return nullptr;
-    return connections;
+    std::shared_ptr<Connections> connections = Connections::prepareServers(options);
+    return logIn(*connections, options) ? connections : nullptr;
 }
 
-std::unique_ptr<MainWindow> createWindow(const Options &options)
+void useSettings(const QString &directory)
 {
-    if (!options.settingsDirectory.isEmpty()) {
-        if (!QDir().mkpath(options.settingsDirectory))
-            throw Exception(QStringLiteral("无法建立设置目录“%1”，请用 --settings 指定可以写入的目录。").arg(options.settingsDirectory));
-        Application->setSettingsDirectory(options.settingsDirectory);
-    }
-    applyAppearance(keptAppearance());
-    auto connections = connect(options);
-    if (!connections)
-        return nullptr;
-    auto window = std::make_unique<MainWindow>(options, std::move(connections));
-    window->resize(1280, 800);
-    if (!options.automation)
-        window->takeLastPlace();
-    return window;
+    if (directory.isEmpty())
+        return;
+    if (!QDir().mkpath(directory))
+        throw Exception(QStringLiteral("无法建立设置目录“%1”，请用 --settings 指定可以写入的目录。").arg(directory));
+    Application->setSettingsDirectory(directory);
 }
 
-int runClient(const Options &options)
+/// Runs the window of the user who is logged in, until it is closed or somebody else logs in.
+int runWindow(const Options &options, const std::shared_ptr<Connections> &connections)
+{
+    MainWindow window(options, connections);
+    window.resize(1280, 800);
+    if (!options.automation)
+        window.takeLastPlace();
+    window.show();
+    window.activateWindow();
+    std::unique_ptr<Automation> automation;
+    if (options.automation)
+        automation = std::make_unique<Automation>(&window, options.strict ? Strictness::StopAtFailure : Strictness::GoOn);
+    const int result = QApplication::exec();
+    // What closed screens still have to say.
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QCoreApplication::sendPostedEvents(Application);
+    return result;
+}
+
+int runClient(Options options)
 {
     Clock::set(options.now);
     try {
-        const std::unique_ptr<MainWindow> window = createWindow(options);
-        if (!window)
+        useSettings(options.settingsDirectory);
+        applyAppearance(keptAppearance());
+        const std::shared_ptr<Connections> connections = connect(options);
+        if (!connections)
             return succeeded;
-        std::unique_ptr<Automation> automation;
-        window->show();
-        window->activateWindow();
-        if (options.automation)
-            automation = std::make_unique<Automation>(window.get(), options.strict ? Strictness::StopAtFailure : Strictness::GoOn);
-        const int result = QApplication::exec();
-        // What closed screens still have to say.
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QCoreApplication::sendPostedEvents(Application);
+        int result = runWindow(options, connections);
+        while (result == MainWindow::anotherUser) {
+            options.loginSite.clear(); // it was for the user before
+            rememberUser(connections->user());
+            result = runWindow(options, connections);
+        }
+        connections->logout();
         return result;
     } catch (const std::exception &exception) {
         reportFailure(exceptionMessage(exception), options.automation);

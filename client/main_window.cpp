@@ -1,6 +1,7 @@
 #include "client/main_window.h"
 
 #include "client/connections.h"
+#include "client/login_dialog.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
@@ -27,9 +28,10 @@ const QString zoomSetting = QStringLiteral("Window/GridZoom");
 
 } // namespace
 
-MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> connections)
+MainWindow::MainWindow(const Options &options, std::shared_ptr<Connections> connections)
     : m_options(options)
     , m_connections(std::move(connections))
+    , m_login(m_connections->account() ? Login::of(options, *m_connections->account()) : Login::of(options))
     , m_status(new StatusLine)
 {
     m_sinceStart.start();
@@ -39,10 +41,10 @@ MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> conn
     m_host.setChannel(m_connections->host());
     m_second.setChannel(m_connections->second());
     handle(m_connections.get(), &Connections::reached, m_status, &StatusLine::showServer);
-    const QString user = m_connections->user();
-    m_data.load(&m_host, user.isEmpty() ? options.user : user, options.loginSite, this);
-    m_status->showLogin(m_data.employeeName(), options.loginSite);
-    if (!user.isEmpty())
+    m_connections->setAskAgain([this](const QString &why) { logInAgain(why); });
+    m_data.load(&m_host, m_login, this);
+    m_status->showLogin(m_data.employeeName(), m_login.site);
+    if (m_connections->account())
         m_status->showServer(m_connections->reachedAddress());
 
     Screen->registerCursor(crQueryBusy, Qt::BusyCursor);
@@ -52,7 +54,7 @@ MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> conn
         if (kind == u"cancelled")
             m_status->showMessage(particulars[QStringLiteral("text")].toString(), messageMilliseconds);
     });
-    setWindowTitle(QApplication::applicationDisplayName() + u" - " + options.loginSite);
+    setWindowTitle(QApplication::applicationDisplayName() + u" - " + m_login.site);
     mdiArea()->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     mdiArea()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     // Closing a screen leads back to the one that it was opened from.
@@ -74,6 +76,7 @@ MainWindow::MainWindow(const Options &options, std::unique_ptr<Connections> conn
 
 MainWindow::~MainWindow()
 {
+    m_connections->setAskAgain({});
     // The screens' code lies in the library; a closed one may still await its deletion.
     qDeleteAll(Application->components());
     m_library.reset();
@@ -95,9 +98,36 @@ void MainWindow::loadPlugin()
 
 void MainWindow::openScreen(const QString &formName)
 {
+    const QString permitted = m_login.permitted(formName);
+    if (permitted.isEmpty()) {
+        m_connections->reportRefusedScreen(formName);
+        throw Exception(QStringLiteral("您的帐户没有打开窗口“%1”的权限，需要时请联系管理员。").arg(formName));
+    }
     const auto exec = reinterpret_cast<ExecFunction>(m_library->resolve("exec"));
     QObject *const connections[] = { &m_host, &m_second };
-    exec(Application, Screen, connections, 1, formName.toUtf8().constData());
+    exec(Application, Screen, connections, 1, permitted.toUtf8().constData());
+}
+
+/// Whoever comes back finds the screens as they were; somebody else gets another window.
+void MainWindow::logInAgain(const QString &why)
+{
+    const QString before = m_connections->user();
+    if (m_options.automation) {
+        const auto password = givenPassword(m_options);
+        if (!password)
+            throw SessionEnded(why);
+        m_connections->login(before, *password);
+    } else {
+        LoginDialog dialog(*m_connections, before, this);
+        dialog.askAgain(why);
+        if (dialog.exec() != QDialog::Accepted)
+            throw SessionEnded(why);
+    }
+    if (m_connections->user() != before) {
+        QCoreApplication::exit(anotherUser);
+        throw Abort(QStringLiteral("已换了用户"));
+    }
+    m_login.screens = Login::of(m_options, *m_connections->account()).screens;
 }
 
 qintptr MainWindow::perform(int message, quintptr formAddress, qintptr)

@@ -2,6 +2,7 @@
 
 #include "client/export/asked_conditions.h"
 #include "client/host_data.h"
+#include "client/login.h"
 #include "client/options.h"
 #include "client/shortcuts.h"
 #include "client/waybill_tracks.h"
@@ -37,14 +38,18 @@ class MainWindow : public TMainForm {
     Q_PROPERTY(double ServerDateTime READ serverDateTime)
 
 public:
+    /// The result of the event loop when somebody else has logged in, whose window is another one.
+    static constexpr int anotherUser = 100;
+
     /// Loads the published data and the plug-in; throws what goes wrong.
-    MainWindow(const Options &options, std::unique_ptr<Connections> connections);
+    MainWindow(const Options &options, std::shared_ptr<Connections> connections);
     ~MainWindow() override;
 
     Q_INVOKABLE void ResetSearch(QObject *grid);
     qintptr perform(int message, quintptr form, qintptr second) override;
 
-    /// Calls the plug-in's exec with exactly this text.
+    /// Calls the plug-in's exec with this text, less the rights that the login does not have. Throws Exception when it does not have the
+    /// screen.
     void openScreen(const QString &formName);
     /// Presses the query button of the screen in front; throws Exception when there is none.
     void query();
@@ -67,6 +72,8 @@ private:
     static QList<QKeySequence> designedKeys(const Command &command);
 
     void loadPlugin();
+    void logInAgain(const QString &why);
+    void changePassword();
     void useGrid(TDBGridEh *grid);
     void showRows();
     QObject *queryButton() const;
@@ -112,7 +119,8 @@ private:
 
     const Options m_options;
     QElapsedTimer m_sinceStart;
-    const std::unique_ptr<Connections> m_connections;
+    const std::shared_ptr<Connections> m_connections;
+    Login m_login;
     TSocketConnectionEx m_host;
     TSocketConnectionEx m_second;
     HostData m_data;

@@ -7,6 +7,7 @@
 #include "client/export/table_export.h"
 #include "client/icons.h"
 #include "client/navigation.h"
+#include "client/password_dialog.h"
 #include "client/screen_list.h"
 #include "client/start_page.h"
 #include "client/status_line.h"
@@ -58,7 +59,7 @@ QList<ExportNote> summaryRowOf(const TDBGridEh &grid)
 
 /// One command of the menus.
 struct MainWindow::Command {
-    enum Needs { Nothing, Form, Query, Grid };
+    enum Needs { Nothing, Form, Query, Grid, Account };
     QStringView menu; ///< empty: in none
     QStringView text; ///< empty: a separator
     QStringView shortcuts; ///< joined with blanks; the first one stands in the menu
@@ -108,6 +109,7 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"操作(&O)", u"固定结果", u"Ctrl+D", nullptr, Command::Grid, [](MainWindow *window) { window->pinResult(); } },
         { u"操作(&O)", u"与固定结果比较…", u"Ctrl+Shift+D", nullptr, Command::Grid, [](MainWindow *window) { window->compareResult(); } },
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
+        { u"操作(&O)", u"修改密码…", u"", nullptr, Command::Account, [](MainWindow *window) { window->changePassword(); } },
         { u"操作(&O)", u"退出", u"Alt+F4", nullptr, Command::Nothing, [](MainWindow *window) { window->close(); } },
         { u"转到(&G)", u"条件与表格", u"F6", nullptr, Command::Form,
             [](MainWindow *window) { switchFocus(*window->activeForm(), window->m_grid); } },
@@ -156,10 +158,15 @@ QList<QKeySequence> MainWindow::designedKeys(const Command &command)
 void MainWindow::createScreenMenus()
 {
     for (const ScreenGroup &group : screenGroups) {
-        QMenu *menu = menuBar()->addMenu(group.menu.toString());
+        QMenu *menu = nullptr;
         for (const ScreenItem &screen : group.screens) {
+            const QString name = screen.name.toString();
+            if (m_login.rightsTo(name).isEmpty())
+                continue;
+            if (!menu)
+                menu = menuBar()->addMenu(group.menu.toString());
             handle(menu->addAction(screen.caption.toString()), &QAction::triggered, this,
-                [this, name = screen.name + menuRights] { openScreen(name); });
+                [this, name] { openScreen(name + m_login.rightsTo(name)); });
         }
     }
 }
@@ -230,10 +237,10 @@ void MainWindow::createWindowTabs()
 
 void MainWindow::createStartPage()
 {
-    m_startPage = new StartPage;
+    m_startPage = new StartPage(m_login);
     auto *layout = new QVBoxLayout(mdiArea()->viewport());
     layout->addWidget(m_startPage);
-    handle(m_startPage, &StartPage::wanted, this, [this](const QString &screen) { openScreen(screen + menuRights); });
+    handle(m_startPage, &StartPage::wanted, this, [this](const QString &screen) { openScreen(screen + m_login.rightsTo(screen)); });
 }
 
 /// The toolkit gives the system menu of every child window the shortcuts of the close command; two owners of a key get nothing.
@@ -262,7 +269,7 @@ void MainWindow::listWindows()
 
 void MainWindow::updateCommands()
 {
-    const bool has[] = { true, activeForm() != nullptr, queryButton() != nullptr, m_grid != nullptr };
+    const bool has[] = { true, activeForm() != nullptr, queryButton() != nullptr, m_grid != nullptr, m_connections->account().has_value() };
     for (const auto &[action, command] : std::as_const(m_actions))
         action->setEnabled(has[command->needs]);
     claimShortcuts();
@@ -294,7 +301,7 @@ void MainWindow::print(Print way)
     QStringList notes { printedNotes(m_asked.of(*m_grid)), printedNotes(summaryRowOf(*m_grid)) };
     notes.removeAll(QString());
     printer->setNotes(notes);
-    printer->pageFooter().left = QStringList({ m_options.loginSite, m_data.employeeName(), dateTimeToText(serverTime()) }).join(u'　');
+    printer->pageFooter().left = QStringList({ m_login.site, m_data.employeeName(), dateTimeToText(serverTime()) }).join(u'　');
     way == Print::Preview ? printer->preview(this) : printer->print(this);
 }
 
@@ -329,11 +336,17 @@ int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 {
     requireRows(grid);
     QList<ExportNote> notes = m_asked.of(grid) + summaryRowOf(grid);
-    notes.append({ { QStringLiteral("导出网点"), m_options.loginSite }, { QStringLiteral("导出人"), m_data.employeeName() },
+    notes.append({ { QStringLiteral("导出网点"), m_login.site }, { QStringLiteral("导出人"), m_data.employeeName() },
         { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
     const int rows = exportGrid(grid, target, screenTitle(grid), notes);
     m_status->showSavedFile(QStringLiteral("已导出 %1 行").arg(rows), target.fileName);
     return rows;
+}
+
+void MainWindow::changePassword()
+{
+    if (PasswordDialog(*m_connections, std::nullopt, this).exec() == QDialog::Accepted)
+        m_status->showMessage(QStringLiteral("密码已更改"), messageMilliseconds);
 }
 
 void MainWindow::showAbout()

@@ -37,7 +37,7 @@ std::vector<options::Option> optionsOf(Options &options)
         { "--password-file", "文件", "登录密码所在的文件；没有时用环境变量 KELVARA_PASSWORD，再没有就显示登录窗口",
             text(options.passwordFile) },
         { "--user", "姓名", "登录的用户，默认为网点的第一位员工", text(options.user) },
-        { "--login-site", "网点", "登录的网点，默认 北京", text(options.loginSite) },
+        { "--login-site", "网点", "登录的网点，默认 北京；帐户有自己的网点时就在那里登录", text(options.loginSite) },
         { "--now", "时间", "客户端的时钟从这个时间走起，写作 \"yyyy-mm-dd hh:mm:ss\"", moment(options.now) },
         { "--server-now", "时间", "服务器的时钟从这个时间走起；默认与客户端相同", moment(options.serverNow) },
         { "--plugins", "目录", "插件 Kelvara1 所在的目录，默认为程序目录", text(options.pluginDirectory) },

@@ -14,7 +14,7 @@ struct Options {
     QString passwordFile; ///< its first line is the password; empty: the environment's, or a person is asked
     bool compressed = false; ///< asks servers to compress, for slow lines
     QString user; ///< empty: the first employee of the login site
-    QString loginSite = QStringLiteral("北京");
+    QString loginSite; ///< empty: the account's, or a default
     QDateTime now; ///< invalid: the computer's clock
     QDateTime serverNow; ///< invalid: the client's clock
     QString pluginDirectory; ///< empty: the program's own

@@ -47,7 +47,4 @@ inline constexpr ScreenGroup screenGroups[] = {
     { u"费用报表(&R)", reportScreens },
 };
 
-/// The rights with which the menus open screens.
-inline constexpr QStringView menuRights = u"111";
-
 } // namespace client

@@ -1,5 +1,6 @@
 #include "client/start_page.h"
 
+#include "client/login.h"
 #include "client/screen_list.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/plain_text.h"
@@ -25,20 +26,22 @@ QLabel *heading(const QString &text, int percent)
     return label;
 }
 
-QLabel *links(const ScreenGroup &group)
+/// Empty when the login has none of them.
+QString linksOf(const ScreenGroup &group, const Login &login)
 {
     QString text;
-    for (const ScreenItem &screen : group.screens)
+    for (const ScreenItem &screen : group.screens) {
+        if (login.rightsTo(screen.name.toString()).isEmpty())
+            continue;
         text += QStringLiteral("<p style='line-height:130%'><a href='%1' style='text-decoration:none'>%2</a></p>")
                     .arg(screen.name, screen.caption);
-    auto *label = new QLabel(text);
-    label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
-    return label;
+    }
+    return text;
 }
 
 } // namespace
 
-StartPage::StartPage()
+StartPage::StartPage(const Login &login)
 {
     auto *layout = new QGridLayout(this);
     layout->setHorizontalSpacing(columnGap);
@@ -47,8 +50,12 @@ StartPage::StartPage()
     layout->setRowMinimumHeight(3, columnGap / 3);
     int column = 1;
     for (const ScreenGroup &group : screenGroups) {
+        const QString links = linksOf(group, login);
+        if (links.isEmpty())
+            continue;
         layout->addWidget(heading(group.menu.toString().section(u'(', 0, 0), 120), 4, column);
-        QLabel *label = links(group);
+        auto *label = new QLabel(links);
+        label->setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
         layout->addWidget(label, 5, column++, Qt::AlignTop);
         handle(label, &QLabel::linkActivated, this, &StartPage::wanted);
     }

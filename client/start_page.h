@@ -4,12 +4,14 @@
 
 namespace client {
 
-/// What the main window shows while no screen is open: all screens by their groups, to be opened with a click.
+struct Login;
+
+/// What the main window shows while no screen is open: the screens of the login by their groups, to be opened with a click.
 class StartPage : public QWidget {
     Q_OBJECT
 
 public:
-    StartPage();
+    explicit StartPage(const Login &login);
 
 Q_SIGNALS:
     void wanted(const QString &screen);

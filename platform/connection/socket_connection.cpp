@@ -27,9 +27,15 @@ packet::PacketPtr TSocketConnectionEx::runStatement(const QString &statement)
 {
     if (!m_channel)
         throw Exception(QStringLiteral("没有连接到应用服务器，请重新登录后再查询。"));
-    const auto result = std::make_shared<packet::PacketPtr>();
-    runLongWork(QStringLiteral("正在查询…"), QStringLiteral("查询已取消"),
-        [channel = m_channel, text = statement.toStdString(), result](
-            WorkProgress &progress) { *result = runOnChannel(*channel, text, progress); });
-    return *result;
+    while (true) {
+        const auto result = std::make_shared<packet::PacketPtr>();
+        try {
+            runLongWork(QStringLiteral("正在查询…"), QStringLiteral("查询已取消"),
+                [channel = m_channel, text = statement.toStdString(), result](
+                    WorkProgress &progress) { *result = runOnChannel(*channel, text, progress); });
+            return *result;
+        } catch (const SessionEnded &ended) {
+            m_channel->logInAgain(ended);
+        }
+    }
 }

@@ -1,12 +1,19 @@
 #pragma once
 
 #include "platform/connection/remote_server.h"
+#include "platform/toolkit/exception.h"
 
 #include <functional>
 #include <memory>
 #include <stop_token>
 
 namespace platform {
+
+/// Thrown by a channel that runs nothing more until somebody has logged in again; the message says why.
+class SessionEnded : public Exception {
+public:
+    using Exception::Exception;
+};
 
 /// What carries a statement to a database and brings its rows back; called from threads other than the interface's.
 class StatementChannel {
@@ -15,6 +22,8 @@ public:
     /// Throws std::exception with a message for the user. Ends soon after a stop request; `progress` may be called with the rows so far.
     virtual packet::PacketPtr run(const std::string &statement, std::stop_token stop, const std::function<void(std::int64_t)> &progress)
         = 0;
+    /// Called on the interface thread when run() has thrown SessionEnded. Comes back when the statement may be run again; throws otherwise.
+    virtual void logInAgain(const SessionEnded &ended) { throw SessionEnded(ended); }
 };
 
 } // namespace platform
