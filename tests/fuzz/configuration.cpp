@@ -10,7 +10,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     try {
         const server::Configuration configuration
             = server::parseConfiguration({ reinterpret_cast<const char *>(data), size }, "server.conf", "/etc");
-        require(!configuration.databases.empty() && !configuration.users.empty());
+        require(!configuration.databases.empty() && configuration.users.empty() != configuration.accounts.query.empty());
         for (const auto &database : configuration.databases)
             require(database.workers > 0 && !database.url.empty());
     } catch (const std::runtime_error &error) {

@@ -129,12 +129,11 @@ std::string SimulatedClient::judge(const StatementPlan &plan, const server_clien
         isAllowed = has(message, "规定的时间") || (plan.nature == Nature::Forbidden && has(message, "拒绝"))
             || (plan.nature == Nature::Failing && has(message, "ORA-01722"));
         break;
-    case Failure::Login:
-        break;
     case Failure::SessionEnded:
         // A clock that was set forward has ended the token.
         isAllowed = circumstances.clockJumps > 0;
         break;
+    case Failure::Login:
     case Failure::Certificate:
         break;
     }
