@@ -8,6 +8,7 @@
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/plain_text.h"
 
+#include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLabel>
@@ -50,12 +51,12 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
     auto *const buttons = new QDialogButtonBox(this);
     m_login = buttons->addButton(QStringLiteral("登录"), QDialogButtonBox::AcceptRole);
     m_leave = buttons->addButton(QStringLiteral("退出"), QDialogButtonBox::RejectRole);
-    auto *const form = new QFormLayout(this);
-    form->addRow(QStringLiteral("服务器"), place);
-    form->addRow(QStringLiteral("用户"), m_user);
-    form->addRow(QStringLiteral("密码"), m_password);
-    form->addRow(m_refusal);
-    form->addRow(buttons);
+    m_form = new QFormLayout(this);
+    m_form->addRow(QStringLiteral("服务器"), place);
+    m_form->addRow(QStringLiteral("用户"), m_user);
+    m_form->addRow(QStringLiteral("密码"), m_password);
+    m_form->addRow(m_refusal);
+    m_form->addRow(buttons);
     handle(buttons, &QDialogButtonBox::accepted, this, &LoginDialog::tryLogin);
     handle(buttons, &QDialogButtonBox::rejected, this, [this] { reject(); });
     handle(m_user, &QLineEdit::textChanged, this, &LoginDialog::updateButton);
@@ -66,6 +67,28 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
 }
 
 void LoginDialog::updateButton() { m_login->setEnabled(!m_user->text().trimmed().isEmpty() && !m_password->text().isEmpty()); }
+
+void LoginDialog::useKeyring(const Keyring &keyring)
+{
+    constexpr int rowBelowPassword = 3;
+    m_keyring = keyring;
+    m_keeps = new QCheckBox(QStringLiteral("记住密码（保存在系统的密钥环中）"), this);
+    m_form->insertRow(rowBelowPassword, QString(), m_keeps);
+    if (m_user->text().isEmpty())
+        return;
+    m_password->setText(keyring.password(m_connections.place(), m_user->text()));
+    m_keeps->setChecked(!m_password->text().isEmpty());
+}
+
+void LoginDialog::keepPassword(const QString &password)
+{
+    if (!m_keeps)
+        return;
+    if (m_keeps->isChecked())
+        m_keyring->remember(m_connections.place(), m_connections.user(), password);
+    else
+        m_keyring->forget(m_connections.place(), m_connections.user());
+}
 
 void LoginDialog::askAgain(const QString &why)
 {
@@ -89,9 +112,9 @@ void LoginDialog::tryLogin()
         return;
     try {
         m_connections.login(m_user->text().trimmed(), m_password->text());
-        const bool isIn
-            = !m_connections.account()->mustChangePassword || PasswordDialog(m_connections, m_password->text(), this).exec() == Accepted;
-        if (!isIn)
+        if (!m_connections.account()->mustChangePassword)
+            keepPassword(m_password->text());
+        else if (PasswordDialog(m_connections, m_password->text(), this).exec() != Accepted)
             throw Exception(QStringLiteral("须先修改密码，才能继续使用。"));
         m_password->clear();
         accept();

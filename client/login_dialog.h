@@ -1,7 +1,11 @@
 #pragma once
 
+#include "client/keyring.h"
+
 #include <QDialog>
 
+class QCheckBox;
+class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -22,12 +26,15 @@ class LoginDialog : public QDialog {
 
 public:
     LoginDialog(Connections &connections, const QString &user, QWidget *parent = nullptr);
+    /// Offers to keep the password there, and takes the one that is kept.
+    void useKeyring(const Keyring &keyring);
     /// For a login over screens that `user` has opened: says why, and asks before somebody else logs in, which closes them.
     void askAgain(const QString &why);
 
 private:
     void tryLogin();
     bool mayCloseScreens();
+    void keepPassword(const QString &password);
     void updateButton();
 
     Connections &m_connections;
@@ -36,6 +43,9 @@ private:
     QLabel *m_refusal;
     QPushButton *m_login;
     QPushButton *m_leave;
+    QFormLayout *m_form;
+    std::optional<Keyring> m_keyring;
+    QCheckBox *m_keeps = nullptr; ///< null without a keyring
     QString m_ownerOfScreens; ///< empty: there are none
 };
 

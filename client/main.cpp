@@ -66,7 +66,10 @@ bool logIn(Connections &connections, const Options &options)
     }
     if (options.automation)
         throw Exception(QStringLiteral("自动方式登录服务器需要密码，请用 --password-file 或环境变量 KELVARA_PASSWORD 给出。"));
-    if (LoginDialog(connections, options.user.isEmpty() ? rememberedUser() : options.user).exec() != QDialog::Accepted)
+    LoginDialog dialog(connections, options.user.isEmpty() ? rememberedUser() : options.user);
+    if (const auto keyring = Keyring::find())
+        dialog.useKeyring(*keyring);
+    if (dialog.exec() != QDialog::Accepted)
         return false;
     rememberUser(connections.user());
     return true;
