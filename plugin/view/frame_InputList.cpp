@@ -105,6 +105,7 @@ TInputList::TInputList()
     SpeedButton1->setText(QStringLiteral("清空"));
     SpeedButton1->setAutoRaise(true);
     SpeedButton1->setFocusPolicy(Qt::NoFocus);
+    Memo1->setAccessibleName(QStringLiteral("运单编号列表"));
     Memo1->setPlaceholderText(QStringLiteral("每行一个运单编号"));
 
     auto *head = new QHBoxLayout(Panel1);

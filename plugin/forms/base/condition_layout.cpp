@@ -61,6 +61,13 @@ QLabel *makeLabel(TComponentOwner *owner, const ConditionRow &row)
     return row.labelName ? owner->own(label, row.labelName) : label;
 }
 
+/// A screen reader finds the label of a control, but not that of the line inside an editable list.
+void nameInnerLine(const ConditionRow &row)
+{
+    if (const auto *list = qobject_cast<const QComboBox *>(row.control); list && list->lineEdit())
+        list->lineEdit()->setAccessibleName(row.label);
+}
+
 /// Places label and control of each row; `columns` pairs side by side.
 void fill(QGridLayout *grid, TComponentOwner *owner, const QList<ConditionRow> &rows, int columns)
 {
@@ -70,9 +77,21 @@ void fill(QGridLayout *grid, TComponentOwner *owner, const QList<ConditionRow> &
         const int column = int(index) % columns * 2;
         if (!row.label.isEmpty())
             grid->addWidget(makeLabel(owner, row), line, column, Qt::AlignRight | Qt::AlignVCenter);
+        nameInnerLine(row);
         setFieldWidth(row.control);
         grid->addItem(new FieldItem(row.control), line, column + 1);
         grid->setColumnStretch(column + 1, 1);
+    }
+}
+
+/// Two times one below the other are the ends of one range.
+void pairTimes(const QList<ConditionRow> &rows)
+{
+    for (qsizetype index = 1; index < rows.size(); ++index) {
+        auto *start = qobject_cast<TDBDateTimeEditEh *>(rows[index - 1].control);
+        auto *end = qobject_cast<TDBDateTimeEditEh *>(rows[index].control);
+        if (start && end)
+            TDBDateTimeEditEh::pair(start, end);
     }
 }
 
@@ -88,10 +107,12 @@ void place(const ConditionItem &item, WrappingLayout *layout, TComponentOwner *o
 {
     QGridLayout *grid = conditionGrid();
     const auto *boxed = std::get_if<ConditionBox>(&item);
-    if (boxed)
+    if (boxed) {
         fill(grid, owner, boxed->rows, boxed->columns);
-    else
+        pairTimes(boxed->rows);
+    } else {
         fill(grid, owner, { std::get<ConditionRow>(item) }, 1);
+    }
     if (boxed && boxed->box) {
         boxed->box->setTitle(boxed->caption);
         boxed->box->setLayout(grid);

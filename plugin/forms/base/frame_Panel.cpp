@@ -38,7 +38,6 @@ TWorkPanel::TWorkPanel()
     ShowSpeed->setAutoRaise(true);
     ShowSpeed->setFocusPolicy(Qt::NoFocus);
     ShowSpeed->setIconSize(glyphSize);
-    ShowSpeed->setToolTip(QStringLiteral("最小化面板"));
     setGlyph(1);
     handle(ShowSpeed, &QToolButton::clicked, this, &TWorkPanel::ShowSpeedClick);
 }
@@ -51,13 +50,11 @@ void TWorkPanel::ShowSpeedClick()
         closeToKeyboard(target);
         m_heightsBefore = { target->minimumHeight(), target->maximumHeight() };
         target->setFixedHeight(ShowSpeed->height());
-        ShowSpeed->setToolTip(QStringLiteral("最大化面板"));
     } else {
         setGlyph(1);
         target->setMinimumHeight(m_heightsBefore.first);
         target->setMaximumHeight(m_heightsBefore.second);
         openToKeyboard();
-        ShowSpeed->setToolTip(QStringLiteral("最小化面板"));
     }
 }
 
@@ -82,4 +79,10 @@ void TWorkPanel::openToKeyboard()
     }
 }
 
-void TWorkPanel::setGlyph(int index) { ShowSpeed->setIcon(ShowHide[index]); }
+void TWorkPanel::setGlyph(int index)
+{
+    const QString action = index == 0 ? QStringLiteral("最大化面板") : QStringLiteral("最小化面板");
+    ShowSpeed->setIcon(ShowHide[index]);
+    ShowSpeed->setToolTip(action);
+    ShowSpeed->setAccessibleName(action);
+}
