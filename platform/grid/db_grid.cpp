@@ -6,6 +6,7 @@
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/dataset_features.h"
 #include "platform/grid/filter_bar.h"
+#include "platform/grid/grid_accessible.h"
 #include "platform/grid/grid_colors.h"
 #include "platform/grid/grid_filter.h"
 #include "platform/grid/grid_finder.h"
@@ -66,6 +67,7 @@ TDBGridEh::TDBGridEh(QWidget *parent)
     , m_footer(new GridFooter(
           *m_columns, *m_geometry, *m_texts, [this](int row, int column) { return footerDisplayText(row, column); }, this))
 {
+    makeGridsAccessible(); // before the toolkit asks for the interface of this one
     m_finder = std::make_unique<GridFinder>(*this);
     m_filter = std::make_unique<GridFilter>(*this);
     handle(m_filter.get(), &GridFilter::barToggled, this, &TDBGridEh::arrange);

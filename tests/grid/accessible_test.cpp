@@ -1,0 +1,70 @@
+#include "tests/grid/grid_fixture.h"
+#include "tests/support/print_qstring.h"
+
+#include <QAccessible>
+
+namespace {
+
+QStringList heard;
+
+/// What a screen reader is told.
+void listen(QAccessibleEvent *event)
+{
+    if (event->type() == QAccessible::Focus && event->accessibleInterface()->role() == QAccessible::Cell)
+        heard.append(event->accessibleInterface()->text(QAccessible::Name));
+}
+
+class SpokenGrid : public Grid {
+protected:
+    SpokenGrid()
+    {
+        m_grid.setFocus();
+        m_grid.setCurrentCell(0, 0);
+        heard.clear();
+        QAccessible::installUpdateHandler(listen);
+    }
+    ~SpokenGrid() override { QAccessible::installUpdateHandler(nullptr); }
+    QAccessibleInterface *root() { return QAccessible::queryAccessibleInterface(&m_grid); }
+    /// What a reader says of the cell that a key leads to.
+    QString after(Qt::Key key)
+    {
+        QTest::keyClick(&m_grid, key);
+        return root()->focusChild()->text(QAccessible::Name);
+    }
+};
+
+TEST_F(SpokenGrid, SaysTheValueAndTheRowOrTheTitleAndTheValueAfterAStep)
+{
+    ASSERT_NE(root(), nullptr); // from now on somebody listens
+    EXPECT_EQ(after(Qt::Key_Down), QStringLiteral("008，第 2 行"));
+    EXPECT_EQ(after(Qt::Key_Right), QStringLiteral("寄件 网点 上海"));
+    EXPECT_EQ(after(Qt::Key_Down), QStringLiteral("，第 3 行"));
+    EXPECT_EQ(root()->text(QAccessible::Value), QStringLiteral("，第 3 行"));
+    EXPECT_EQ(heard.join(u'|'), QStringLiteral("008，第 2 行|寄件 网点 上海|，第 3 行"));
+    EXPECT_TRUE(root()->focusChild()->state().focused);
+}
+
+TEST_F(SpokenGrid, IsATableOfItsVisibleColumns)
+{
+    m_grid.setColumnVisible(0, false);
+    QAccessibleTableInterface *table = root()->tableInterface();
+    ASSERT_NE(table, nullptr);
+    EXPECT_EQ(table->columnCount(), 3);
+    EXPECT_EQ(table->rowCount(), 3);
+    EXPECT_EQ(table->columnDescription(0), QStringLiteral("寄件 网点"));
+    QAccessibleInterface *cell = table->cellAt(2, 1);
+    EXPECT_EQ(cell->text(QAccessible::Value), QStringLiteral("12.3"));
+    EXPECT_EQ(cell->text(QAccessible::Name), QStringLiteral("寄件 费用 12.3"));
+    EXPECT_EQ(root()->indexOfChild(cell), 7);
+    EXPECT_EQ(root()->childAt(cell->rect().center().x(), cell->rect().center().y()), cell);
+    EXPECT_EQ(table->cellAt(3, 0), nullptr);
+    EXPECT_EQ(table->columnDescription(9), QString());
+
+    m_dataSet.close();
+    EXPECT_FALSE(cell->isValid()) << "a reader that still holds it gets nothing";
+    EXPECT_EQ(cell->text(QAccessible::Value), QString());
+    EXPECT_EQ(root()->childCount(), 0);
+    EXPECT_FALSE(root()->text(QAccessible::Value).isEmpty());
+}
+
+} // namespace
