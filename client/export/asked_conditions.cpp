@@ -3,6 +3,7 @@
 #include "client/export/screen_conditions.h"
 #include "platform/dataset/data_set.h"
 #include "platform/grid/db_grid.h"
+#include "platform/toolkit/clock.h"
 #include "platform/toolkit/form.h"
 #include "platform/toolkit/handler.h"
 
@@ -15,17 +16,27 @@ namespace client {
 
 void AskedConditions::watch(TForm *screen, const QAbstractButton *queryButton)
 {
-    if (m_screens.contains(screen))
+    if (!m_screens.contains(screen))
+        watchDataSets(screen);
+    if (m_screens[screen].buttons.contains(queryButton))
         return;
-    m_screens.insert(screen, {});
+    m_screens[screen].buttons.append(queryButton);
     handle(queryButton, &QAbstractButton::pressed, this, [this, screen] {
         Asking &asking = m_screens[screen];
         asking.pressed = screenConditions(*screen);
         asking.opened.clear();
         asking.isAsking = true;
+        asking.wasAnswered = false;
+        asking.pressedAt = Clock::now();
+        asking.sincePress.start();
     });
     // The screen's own handler is connected before: it has done its work.
-    handle(queryButton, &QAbstractButton::clicked, this, [this, screen](bool) { m_screens[screen].isAsking = false; });
+    handle(queryButton, &QAbstractButton::clicked, this, [this, screen](bool) { finish(screen); });
+}
+
+void AskedConditions::watchDataSets(TForm *screen)
+{
+    m_screens.insert(screen, {});
     handle(screen, &QObject::destroyed, this, [this](const QObject *gone) { m_screens.remove(gone); });
     for (QObject *component : screen->components()) {
         auto *dataSet = qobject_cast<TDataSet *>(component);
@@ -48,6 +59,16 @@ void AskedConditions::markOld(const TForm &screen)
     }
 }
 
+void AskedConditions::finish(TForm *screen)
+{
+    Asking &asking = m_screens[screen];
+    asking.isAsking = false;
+    if (!asking.wasAnswered)
+        return;
+    asking.times = { asking.pressedAt, asking.sincePress.elapsed() };
+    Q_EMIT answered(screen);
+}
+
 void AskedConditions::remember(const TForm *screen, const TDataSet *dataSet)
 {
     ++m_openings;
@@ -57,6 +78,7 @@ void AskedConditions::remember(const TForm *screen, const TDataSet *dataSet)
     if (asking.isAsking) {
         asking.asked = asking.pressed;
         asking.wasAsked = true;
+        asking.wasAnswered = true;
     }
     if (asking.wasAsked)
         m_asked.insert(dataSet, asking.asked);
@@ -82,6 +104,13 @@ bool AskedConditions::haveChanged(const TDBGridEh &grid) const
     const QWidget *screen = screenOf(grid);
     return grid.dataSet() && grid.dataSet()->active() && m_screens.contains(screen) && asked != m_asked.constEnd()
         && *asked != screenConditions(*screen);
+}
+
+std::optional<AskedConditions::Times> AskedConditions::times(const TDBGridEh &grid) const
+{
+    const auto asking = m_screens.constFind(screenOf(grid));
+    const bool wasAnswered = asking != m_screens.constEnd() && asking->times.asked.isValid();
+    return wasAnswered && m_asked.contains(grid.dataSet()) ? std::optional(asking->times) : std::nullopt;
 }
 
 } // namespace client

@@ -74,6 +74,8 @@ std::optional<ExportNote> conditionIn(const QWidget &widget)
     return {};
 }
 
+} // namespace
+
 bool liesInGrid(const QWidget &widget)
 {
     for (const QWidget *parent = widget.parentWidget(); parent; parent = parent->parentWidget()) {
@@ -83,7 +85,16 @@ bool liesInGrid(const QWidget &widget)
     return false;
 }
 
-} // namespace
+QString conditionCaption(const QWidget &screen, const QWidget &field)
+{
+    QString caption = labelOf(screen, field);
+    if (const auto own = conditionIn(field); own && caption.isEmpty())
+        caption = own->caption;
+    const QString box = boxTitle(field);
+    if (!box.isEmpty())
+        caption = caption.isEmpty() ? box : QString(box + u' ' + caption);
+    return withoutShortcut(caption);
+}
 
 const QWidget *screenOf(const TDBGridEh &grid)
 {
@@ -102,13 +113,7 @@ QList<ExportNote> screenConditions(const QWidget &screen)
         auto condition = conditionIn(*widget);
         if (!condition)
             continue;
-        const QString label = labelOf(screen, *widget);
-        if (!label.isEmpty())
-            condition->caption = label;
-        const QString box = boxTitle(*widget);
-        if (!box.isEmpty())
-            condition->caption = condition->caption.isEmpty() ? box : QString(box + u' ' + condition->caption);
-        condition->caption = withoutShortcut(condition->caption);
+        condition->caption = conditionCaption(screen, *widget);
         if (!condition->caption.isEmpty())
             conditions.append(*condition);
     }
