@@ -158,15 +158,17 @@ Session::Awaitable<bool> Session::serveRequest()
     if (!co_await receive(reader))
         co_return false;
     if (reader.state() != RequestReader::State::Done)
-        co_return co_await respond(failureOf(m_isExpired ? 408 : reader.failure()), false);
+        co_return co_await respond(failureOf(m_isExpired ? 408 : reader.failure()), After::Close);
     clearDeadline();
     m_state = State::Answering;
     const Request &request = reader.request();
     bool stays = false;
-    if (Service::isQuery(request))
+    if (Service::isQuery(request)) {
         stays = co_await runQuery(request);
-    else
-        stays = co_await respond(co_await answerTo(request), request.keepAlive && mayStay(), request.method != "HEAD");
+    } else {
+        const Response answer = co_await answerTo(request);
+        stays = co_await respond(answer, afterAnswerTo(request), request.method == "HEAD" ? Content::HeadOnly : Content::Whole);
+    }
     co_return (stays && mayStay());
 }
 
@@ -207,12 +209,12 @@ Session::Awaitable<bool> Session::receive(RequestReader &reader)
     }
 }
 
-Session::Awaitable<bool> Session::respond(const Response &response, bool keepAlive, bool withBody)
+Session::Awaitable<bool> Session::respond(const Response &response, After after, Content content)
 {
     m_service.metrics().countRequest(response.status);
-    m_stream.add(responseText(response, keepAlive, withBody));
+    m_stream.add(responseText(response, after, content));
     co_await flush();
-    co_return keepAlive;
+    co_return after == After::KeepAlive;
 }
 
 Session::Awaitable<Response> Session::answerTo(const Request &request)

@@ -55,11 +55,11 @@ private:
     Awaitable<void> run();
     Awaitable<bool> serveRequest();
     Awaitable<bool> receive(RequestReader &reader);
-    Awaitable<bool> respond(const Response &response, bool keepAlive, bool withBody = true);
+    Awaitable<bool> respond(const Response &response, After after, Content content = Content::Whole);
     Awaitable<Response> answerTo(const Request &request);
     Awaitable<bool> runQuery(const Request &request);
-    Awaitable<bool> sendResult(Statement &statement, bool keepAlive);
-    Awaitable<void> sendPortion(const ResultQueue::Portion &portion, bool keepAlive, bool &hasBegun);
+    Awaitable<bool> sendResult(Statement &statement, After after);
+    Awaitable<void> sendPortion(const ResultQueue::Portion &portion, After after, bool &hasBegun);
     Awaitable<void> sendPieces(const std::vector<std::string> &pieces);
     Awaitable<void> flush();
     Awaitable<void> closeGracefully();
@@ -77,6 +77,7 @@ private:
     void doGiveWay();
     void setDeadline(Milliseconds fromNow);
     void clearDeadline();
+    After afterAnswerTo(const Request &request) const { return request.keepAlive && mayStay() ? After::KeepAlive : After::Close; }
     bool mayStay() const { return m_service.phase() == Service::Phase::Serving && !m_givesWay; }
 
     Service &m_service;

@@ -27,30 +27,30 @@ std::string chunkHead(std::size_t size)
 
 Session::Awaitable<bool> Session::runQuery(const Request &request)
 {
-    const bool keepAlive = request.keepAlive && mayStay();
+    const After after = afterAnswerTo(request);
     m_queryAddress = m_service.clientAddress(request, m_address);
     auto begun = m_service.beginQuery(request, m_queryAddress, [weak = weak_from_this()] {
         if (const auto self = weak.lock())
             self->post(&Session::wake);
     });
     if (const auto *refusal = std::get_if<Response>(&begun))
-        co_return co_await respond(*refusal, keepAlive);
+        co_return co_await respond(*refusal, after);
     m_isKnown = true;
     m_statement = std::get<std::shared_ptr<Statement>>(begun);
-    const bool isSent = co_await sendResult(*m_statement, keepAlive);
+    const bool isSent = co_await sendResult(*m_statement, after);
     m_statement.reset();
-    co_return (isSent && keepAlive);
+    co_return (isSent && after == After::KeepAlive);
 }
 
 /// Sends the result as it comes, and sees to the statement's end. True when the client has got a complete answer.
-Session::Awaitable<bool> Session::sendResult(Statement &statement, bool keepAlive)
+Session::Awaitable<bool> Session::sendResult(Statement &statement, After after)
 {
     bool hasBegun = false;
     while (true) {
         const ResultQueue::Portion portion = statement.take();
         if (m_state != State::Broken && (portion.isLast || !portion.pieces.empty())) {
             try {
-                co_await sendPortion(portion, keepAlive, hasBegun);
+                co_await sendPortion(portion, after, hasBegun);
             } catch (const boost::system::system_error &) {
                 m_state = State::Broken;
             }
@@ -68,14 +68,14 @@ Session::Awaitable<bool> Session::sendResult(Statement &statement, bool keepAliv
 }
 
 /// A result of which a part has been sent when it fails is broken off, so that nobody takes the part for the whole.
-Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portion, bool keepAlive, bool &hasBegun)
+Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portion, After after, bool &hasBegun)
 {
     const bool isComplete = portion.isLast && portion.outcome == Outcome::Complete;
     if (portion.isLast && !isComplete) {
         if (hasBegun)
             m_state = State::Broken;
         else
-            co_await respond(responseTo(portion.outcome, portion.message), keepAlive);
+            co_await respond(responseTo(portion.outcome, portion.message), after);
         co_return;
     }
     const bool isWhole = portion.isLast && !hasBegun;
@@ -84,7 +84,7 @@ Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portio
         size += piece.size();
     if (!hasBegun) {
         m_service.metrics().countRequest(200);
-        m_stream.add(responseHead(200, contentType(m_statement->request().format), keepAlive)
+        m_stream.add(responseHead(200, contentType(m_statement->request().format), after)
             + (isWhole ? "Content-Length: " + std::to_string(size) + "\r\n\r\n" : "Transfer-Encoding: chunked\r\n\r\n"));
         hasBegun = true;
     }

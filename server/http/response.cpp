@@ -77,23 +77,23 @@ Response errorResponse(int status, std::string_view code, std::string_view messa
     return { .status = status, .body = "{\"code\":" + jsonText(code) + ",\"message\":" + jsonText(message) + "}\n" };
 }
 
-std::string responseHead(int status, std::string_view contentType, bool keepAlive)
+std::string responseHead(int status, std::string_view contentType, After after)
 {
     std::string head = "HTTP/1.1 " + std::to_string(status) + " ";
     head += reasonOf(status);
     head += "\r\nDate: " + dateText() + "\r\nServer: Kelvara\r\nCache-Control: no-store\r\nX-Content-Type-Options: nosniff\r\n";
-    head += keepAlive ? "Connection: keep-alive\r\n" : "Connection: close\r\n";
+    head += after == After::KeepAlive ? "Connection: keep-alive\r\n" : "Connection: close\r\n";
     head += "Content-Type: ";
     head += contentType;
     return head += "\r\n";
 }
 
-std::string responseText(const Response &response, bool keepAlive, bool withBody)
+std::string responseText(const Response &response, After after, Content content)
 {
-    std::string text = responseHead(response.status, response.contentType, keepAlive);
+    std::string text = responseHead(response.status, response.contentType, after);
     text += response.headers;
     text += "Content-Length: " + std::to_string(response.body.size()) + "\r\n\r\n";
-    return withBody ? text += response.body : text;
+    return content == Content::Whole ? text += response.body : text;
 }
 
 } // namespace server

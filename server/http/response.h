@@ -13,12 +13,19 @@ struct Response {
     std::string headers {}; ///< further ones, each ended by CR LF
 };
 
+/// What becomes of the connection when the answer has been sent.
+enum class After { Close, KeepAlive };
+/// How much of an answer is sent.
+enum class Content {
+    Whole,
+    HeadOnly, ///< for HEAD
+};
+
 /// {"code":...,"message":...}; the message is for the user.
 Response errorResponse(int status, std::string_view code, std::string_view message);
 
 /// The status line and the headers that every answer has, up to Content-Type; further ones and the empty line follow.
-std::string responseHead(int status, std::string_view contentType, bool keepAlive);
-/// The whole answer. `withBody` is false for HEAD.
-std::string responseText(const Response &response, bool keepAlive, bool withBody);
+std::string responseHead(int status, std::string_view contentType, After after);
+std::string responseText(const Response &response, After after, Content content);
 
 } // namespace server
