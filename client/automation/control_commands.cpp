@@ -1,6 +1,6 @@
 #include "client/automation/automation.h"
 
-#include "client/automation/person.h"
+#include "client/conditions/person.h"
 #include "platform/dataset/data_set.h"
 #include "platform/editors/editors.h"
 #include "platform/toolkit/exception.h"

@@ -1,4 +1,4 @@
-#include "client/automation/person.h"
+#include "client/conditions/person.h"
 
 #include "platform/editors/editors.h"
 #include "platform/toolkit/exception.h"
