@@ -81,6 +81,12 @@ TClientDataSetEx *HostData::dataSet(QStringView name) const
     return static_cast<TClientDataSetEx *>(*found);
 }
 
+QString HostData::value(QStringView name) const
+{
+    const auto found = std::find_if(m_values.begin(), m_values.end(), [name](const QObject *item) { return item->objectName() == name; });
+    return found == m_values.end() ? QString() : static_cast<const QLineEdit *>(*found)->text();
+}
+
 void HostData::addDataSet(const QString &name, const QString &statement, TCustomRemoteServer *connection, QWidget *owner)
 {
     auto *dataSet = new TClientDataSetEx(owner);

@@ -18,6 +18,8 @@ public:
 
     const TList &dataSets() const { return m_dataSets; }
     const TList &values() const { return m_values; }
+    /// The text of a value; "" when there is none of that name.
+    QString value(QStringView name) const;
     const QString &employeeName() const { return m_employeeName; }
 
 private:

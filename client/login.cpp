@@ -12,7 +12,6 @@
 namespace client {
 namespace {
 
-constexpr int rightsSize = 3;
 const QString defaultSite = QStringLiteral("北京");
 const QString userKey = QStringLiteral("login/user");
 

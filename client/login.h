@@ -15,6 +15,8 @@ struct Options;
 
 /// Who uses the client, where, and what may be opened: what the account says, or the options where there is none.
 struct Login {
+    static constexpr qsizetype rightsSize = 3; ///< characters, at the end of a form name
+
     QString user; ///< by name or code; empty: the first employee of the site
     QString employeeCode; ///< empty, like the name: looked up by the user
     QString employeeName;

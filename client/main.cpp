@@ -1,6 +1,7 @@
 #include "client/automation/automation.h"
 #include "client/automation/dispatcher.h"
 #include "client/connections.h"
+#include "client/help_pages.h"
 #include "client/login_dialog.h"
 #include "client/main_window.h"
 #include "client/options.h"
@@ -118,6 +119,10 @@ int runClient(Options options)
 {
     Clock::set(options.now);
     try {
+        if (!options.guideFolder.isEmpty()) {
+            writeGuide(options.guideFolder);
+            return succeeded;
+        }
         useSettings(options.settingsDirectory);
         applyAppearance(keptAppearance());
         const std::shared_ptr<Connections> connections = connect(options);

@@ -2,6 +2,8 @@
 
 #include "client/connections.h"
 #include "client/login_dialog.h"
+#include "client/screen_list.h"
+#include "client/start_desk.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
 #include "platform/grid/db_grid.h"
@@ -54,6 +56,8 @@ MainWindow::MainWindow(const Options &options, std::shared_ptr<Connections> conn
         if (kind == u"cancelled")
             m_status->showMessage(particulars[QStringLiteral("text")].toString(), messageMilliseconds);
     });
+    rememberConditions();
+    watchLists();
     setWindowTitle(QApplication::applicationDisplayName() + u" - " + m_login.site);
     mdiArea()->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     mdiArea()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
@@ -77,6 +81,7 @@ MainWindow::MainWindow(const Options &options, std::shared_ptr<Connections> conn
 MainWindow::~MainWindow()
 {
     m_connections->setAskAgain({});
+    m_startDesk.reset(); // a count may still be asked
     // The screens' code lies in the library; a closed one may still await its deletion.
     qDeleteAll(Application->components());
     m_library.reset();
@@ -106,6 +111,7 @@ void MainWindow::openScreen(const QString &formName)
     const auto exec = reinterpret_cast<ExecFunction>(m_library->resolve("exec"));
     QObject *const connections[] = { &m_host, &m_second };
     exec(Application, Screen, connections, 1, permitted.toUtf8().constData());
+    m_startDesk->remember(permitted.chopped(Login::rightsSize));
 }
 
 /// Whoever comes back finds the screens as they were; somebody else gets another window.
@@ -153,6 +159,7 @@ void MainWindow::ResetSearch(QObject *grid)
 void MainWindow::showRows()
 {
     m_status->showRows(m_grid);
+    m_status->showAsked(m_grid ? m_asked.times(*m_grid) : std::nullopt);
     const bool changed = m_grid && m_asked.haveChanged(*m_grid);
     const bool old = m_grid && m_asked.areOld(*m_grid);
     m_status->showConditions(old ? ConditionState::OldRows : changed ? ConditionState::Changed : ConditionState::AsAsked);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "client/bills/bill_lists.h"
+#include "client/conditions/condition_memory.h"
 #include "client/export/asked_conditions.h"
 #include "client/host_data.h"
 #include "client/login.h"
@@ -23,8 +25,11 @@ class QToolBar;
 namespace client {
 
 class Connections;
+class HelpWindow;
 class PinnedResult;
+class StartDesk;
 class StartPage;
+struct DayCount;
 class StatusLine;
 class WindowTabs;
 struct ExportTarget;
@@ -74,6 +79,11 @@ private:
     void loadPlugin();
     void logInAgain(const QString &why);
     void changePassword();
+    void rememberConditions();
+    void watchLists();
+    void fillStartPage();
+    void showJoined(TForm *screen, packet::PacketPtr rows, int batches);
+    void pasteBills();
     void useGrid(TDBGridEh *grid);
     void showRows();
     QObject *queryButton() const;
@@ -85,6 +95,7 @@ private:
     QAction *createAction(const Command &command);
     void claimShortcuts();
     void listWindows();
+    void listConditions();
     void updateCommands();
 
     void exportAsking();
@@ -107,6 +118,9 @@ private:
     void compareWith(const PinnedResult &pinned);
     QList<Shortcut> shortcuts() const;
     void useShortcuts(const QList<Shortcut> &shortcuts);
+    void showHelp();
+    QString keysAsPage() const;
+    void openCounted(const DayCount &count);
     void showShortcuts();
     void showAbout();
 
@@ -133,7 +147,11 @@ private:
     QMenu *m_viewMenu = nullptr;
     QMenu *m_windowMenu = nullptr;
     QList<QAction *> m_windowActions; ///< one for each open screen, at the end of the menu
+    QMenu *m_conditionMenu = nullptr;
+    QList<QAction *> m_conditionActions; ///< one for each named set, at the end of the menu
     StartPage *m_startPage = nullptr;
+    std::unique_ptr<StartDesk> m_startDesk;
+    HelpWindow *m_help = nullptr; ///< made when first asked for
     WindowTabs *m_tabs = nullptr;
     WaybillBox *m_waybillBox = nullptr;
     QPointer<TForm> m_boxedTrack; ///< opened last from the box
@@ -141,6 +159,8 @@ private:
     StatusLine *m_status;
     QTimer m_clock;
     AskedConditions m_asked;
+    std::unique_ptr<ConditionMemory> m_memory;
+    std::unique_ptr<BillLists> m_bills;
     int m_failures = 0; ///< that reached the application object so far
 };
 

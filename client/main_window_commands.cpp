@@ -9,6 +9,7 @@
 #include "client/navigation.h"
 #include "client/password_dialog.h"
 #include "client/screen_list.h"
+#include "client/start_desk.h"
 #include "client/start_page.h"
 #include "client/status_line.h"
 #include "client/window_tabs.h"
@@ -103,6 +104,7 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         Command::ofGrid<GridCommandId::Copy>("copy"),
         Command::ofGrid<GridCommandId::CopyWithTitles>(),
+        { u"操作(&O)", u"粘贴单号到列表", u"Ctrl+V", nullptr, Command::Query, [](MainWindow *window) { window->pasteBills(); } },
         Command::ofGrid<GridCommandId::Sort>(),
         Command::ofGrid<GridCommandId::SortAlso>(),
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
@@ -111,6 +113,12 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"操作(&O)", u"", u"", nullptr, Command::Nothing, nullptr },
         { u"操作(&O)", u"修改密码…", u"", nullptr, Command::Account, [](MainWindow *window) { window->changePassword(); } },
         { u"操作(&O)", u"退出", u"Alt+F4", nullptr, Command::Nothing, [](MainWindow *window) { window->close(); } },
+        { u"条件(&T)", u"上次条件", u"Ctrl+L", nullptr, Command::Query,
+            [](MainWindow *window) { window->m_memory->putBackLast(*window->activeForm()); } },
+        { u"条件(&T)", u"保存为…", u"", nullptr, Command::Query,
+            [](MainWindow *window) { window->m_memory->saveAs(*window->activeForm()); } },
+        { u"条件(&T)", u"管理…", u"", nullptr, Command::Query,
+            [](MainWindow *window) { window->m_memory->manage(*window->activeForm()); } },
         { u"转到(&G)", u"条件与表格", u"F6", nullptr, Command::Form,
             [](MainWindow *window) { switchFocus(*window->activeForm(), window->m_grid); } },
         { u"转到(&G)", u"明细", u"F8 Alt+Return Alt+Enter", nullptr, Command::Grid, [](MainWindow *window) { window->openCell(); } },
@@ -141,7 +149,8 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"窗口(&W)", u"关闭窗口", u"Ctrl+F4 Ctrl+W", nullptr, Command::Form,
             [](MainWindow *window) { window->activeForm()->parentWidget()->close(); } },
         { u"窗口(&W)", u"全部关闭", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->closeAllSubWindows(); } },
-        { u"帮助(&H)", u"快捷键", u"F1", nullptr, Command::Nothing, [](MainWindow *window) { window->showShortcuts(); } },
+        { u"帮助(&H)", u"帮助", u"F1", nullptr, Command::Nothing, [](MainWindow *window) { window->showHelp(); } },
+        { u"帮助(&H)", u"快捷键", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->showShortcuts(); } },
         { u"帮助(&H)", u"关于", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->showAbout(); } },
     };
     return rows;
@@ -197,7 +206,10 @@ void MainWindow::createCommands()
             m_windowMenu = menu;
         if (command.menu.startsWith(u"显示"))
             m_viewMenu = menu;
+        if (command.menu.startsWith(u"条件"))
+            m_conditionMenu = menu;
     }
+    handle(m_conditionMenu, &QMenu::aboutToShow, this, &MainWindow::listConditions);
     addAppearanceMenus(m_viewMenu);
     QList<Shortcut> keys = shortcuts();
     takeKeptKeys(keys);
@@ -241,6 +253,7 @@ void MainWindow::createStartPage()
     auto *layout = new QVBoxLayout(mdiArea()->viewport());
     layout->addWidget(m_startPage);
     handle(m_startPage, &StartPage::wanted, this, [this](const QString &screen) { openScreen(screen + m_login.rightsTo(screen)); });
+    fillStartPage();
 }
 
 /// The toolkit gives the system menu of every child window the shortcuts of the close command; two owners of a key get nothing.
@@ -273,9 +286,12 @@ void MainWindow::updateCommands()
     for (const auto &[action, command] : std::as_const(m_actions))
         action->setEnabled(has[command->needs]);
     claimShortcuts();
-    if (const auto *button = qobject_cast<const QAbstractButton *>(queryButton()))
+    if (auto *button = qobject_cast<QAbstractButton *>(queryButton())) {
         m_asked.watch(activeForm(), button);
+        m_bills->watch(activeForm(), button, m_grid && m_grid->columnIndex(u"bill_code") >= 0);
+    }
     m_startPage->setVisible(forms().isEmpty());
+    m_startDesk->setSeen(forms().isEmpty());
     m_tabs->showForms(forms(), activeForm());
     m_tabStrip->setVisible(forms().size() > 1);
     m_status->showRights(activeForm());

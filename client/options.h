@@ -19,6 +19,7 @@ struct Options {
     QDateTime serverNow; ///< invalid: the client's clock
     QString pluginDirectory; ///< empty: the program's own
     QString settingsDirectory; ///< empty: the program's own
+    QString guideFolder; ///< not empty: the user's guide is written there, and nothing else is done
     bool automation = false;
     bool strict = false; ///< the automation ends with 1 at the first failure
     bool version = false;

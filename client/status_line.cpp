@@ -125,6 +125,7 @@ StatusLine::StatusLine()
     , m_selection(addField())
     , m_rows(addField())
     , m_conditions(addField())
+    , m_asked(addField())
     , m_rights(addField())
     , m_login(addField())
     , m_server(addField())
@@ -178,6 +179,14 @@ void StatusLine::showConditions(ConditionState state)
 {
     const QString texts[] = { {}, QStringLiteral("条件已改"), QStringLiteral("旧结果，上次查询没有完成") };
     fill(m_conditions, texts[int(state)]);
+}
+
+void StatusLine::showAsked(const std::optional<AskedConditions::Times> &times)
+{
+    fill(m_asked,
+        times ? QStringLiteral("查询于 %1，%2 秒")
+                    .arg(times->asked.toString(QStringLiteral("HH:mm")), QString::number(double(times->milliseconds) / 1000, 'f', 2))
+              : QString());
 }
 
 void StatusLine::showSelection(const TDBGridEh *grid)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "client/export/asked_conditions.h"
+
 #include <QStatusBar>
 
 class QLabel;
@@ -26,6 +28,8 @@ public:
     void showRows(const TDBGridEh *grid); ///< null: no grid is current
     /// Whether the rows are those of the conditions that stand on the screen.
     void showConditions(ConditionState state);
+    /// When the rows were asked for and how long that took; nothing when no query brought them.
+    void showAsked(const std::optional<AskedConditions::Times> &times);
     void showSelection(const TDBGridEh *grid);
     void showRights(const TForm *form); ///< null: no screen is open
     void showLogin(const QString &user, const QString &loginSite);
@@ -47,6 +51,7 @@ private:
     QString m_sum; ///< of the selection
     QLabel *m_rows;
     QLabel *m_conditions;
+    QLabel *m_asked;
     QLabel *m_rights;
     QLabel *m_login;
     QLabel *m_server; ///< hidden while no server is used

@@ -16,6 +16,7 @@ WindowTabs::WindowTabs()
     setExpanding(false);
     setDrawBase(false);
     setFocusPolicy(Qt::NoFocus);
+    setAccessibleName(QStringLiteral("打开的窗口"));
     handle(this, &QTabBar::tabBarClicked, this, [this](int index) {
         if (index >= 0)
             Q_EMIT chosen(m_forms[index]);
@@ -29,6 +30,7 @@ void WindowTabs::addClosableTab()
     close->setIcon(commandIcon("close"));
     close->setIconSize(QSize(12, 12));
     close->setToolTip(QStringLiteral("关闭窗口 (Ctrl+F4)"));
+    close->setAccessibleName(QStringLiteral("关闭窗口"));
     setTabButton(addTab({}), RightSide, close);
     handle(close, &QToolButton::clicked, this, [this, close] {
         for (int index = 0; index < count(); ++index) {

@@ -62,6 +62,7 @@ protected:
     {
         QObject::disconnect(m_watching);
         Application->setMessageResponder({});
+        Application->setSettingsDirectory(Application->directory());
     }
     std::unique_ptr<MainWindow> open()
     {

@@ -1,0 +1,106 @@
+#include "client/main_window.h"
+
+#include "client/connections.h"
+#include "client/help_window.h"
+#include "client/joined_result.h"
+#include "client/screen_list.h"
+#include "client/start_desk.h"
+#include "client/status_line.h"
+#include "platform/toolkit/clock.h"
+#include "platform/toolkit/handler.h"
+
+#include <QAction>
+#include <QMenu>
+
+using namespace platform;
+
+// What the window remembers and explains: conditions, lists of waybill numbers, the start page and the help.
+
+namespace client {
+
+void MainWindow::rememberConditions()
+{
+    m_memory = std::make_unique<ConditionMemory>(conditionFolder(Application->settingsDirectory(), m_data.employeeName(), m_login.site));
+    handle(m_memory.get(), &ConditionMemory::said, this, [this](const QString &text) { m_status->showMessage(text, messageMilliseconds); });
+    // The rows are painted first.
+    handle(&m_asked, &AskedConditions::answered, this, [this](TForm *screen) {
+        QMetaObject::invokeMethod(
+            screen, [this, screen] { m_memory->keepLast(*screen); }, Qt::QueuedConnection);
+    });
+}
+
+void MainWindow::watchLists()
+{
+    m_bills = std::make_unique<BillLists>(m_data.value(u"MainBill"));
+    handle(m_bills.get(), &BillLists::said, this, [this](const QString &text) { m_status->showMessage(text, messageMilliseconds); });
+    handle(m_bills.get(), &BillLists::joined, this, &MainWindow::showJoined);
+    handle(&m_asked, &AskedConditions::answered, this,
+        [this](TForm *screen) { m_bills->showAnswer(screen, m_grid ? m_grid->dataSet() : nullptr); });
+}
+
+void MainWindow::showJoined(TForm *screen, packet::PacketPtr rows, int batches)
+{
+    const QString caption = QStringLiteral("%1（%2 批合并）").arg(screen->caption()).arg(batches);
+    if (m_grid)
+        (new JoinedResult(caption, *m_grid, std::move(rows)))->showForm();
+}
+
+void MainWindow::listConditions()
+{
+    qDeleteAll(m_conditionActions);
+    m_conditionActions.clear();
+    if (!queryButton())
+        return;
+    const QList<QAction *> named = m_memory->addNamed(m_conditionMenu, activeForm());
+    if (!named.isEmpty())
+        m_conditionActions.append(m_conditionMenu->insertSeparator(named.first()));
+    m_conditionActions += named;
+}
+
+void MainWindow::fillStartPage()
+{
+    // A script that opens a client does not want statements that it did not ask for.
+    const auto counting = m_options.automation ? StartDesk::Counting::Never : StartDesk::Counting::Offered;
+    m_startDesk = std::make_unique<StartDesk>(m_startPage, m_memory->folder(), m_connections->host(), m_login.site, counting);
+    handle(m_startDesk.get(), &StartDesk::said, this, [this](const QString &text) { m_status->showMessage(text, messageMilliseconds); });
+    handle(m_startDesk.get(), &StartDesk::countWanted, this, &MainWindow::openCounted);
+}
+
+void MainWindow::pasteBills()
+{
+    if (!m_bills->paste(activeForm()))
+        m_status->showMessage(QStringLiteral("这个窗口没有单号列表。"), messageMilliseconds);
+}
+
+void MainWindow::openCounted(const DayCount &count)
+{
+    openScreen(count.screen + m_login.rightsTo(count.screen.toString()));
+    TForm *screen = activeForm();
+    if (!screen || screen->objectName() != count.screen)
+        return;
+    m_memory->putBack(*screen, { count.caption.toString(), Clock::now(), count.conditions });
+}
+
+void MainWindow::showHelp()
+{
+    if (!m_help)
+        m_help = new HelpWindow(this);
+    m_help->setKeys(keysAsPage());
+    m_help->showPage(activeForm() ? activeForm()->objectName() : QString());
+}
+
+/// The keys as they are now, command by command.
+QString MainWindow::keysAsPage() const
+{
+    QString page = QStringLiteral("# 快捷键\n\n| 命令 | 按键 |\n| --- | --- |\n");
+    for (const auto &[action, command] : m_actions) {
+        QStringList keys;
+        for (const QKeySequence &key : action->shortcuts())
+            keys.append(key.toString(QKeySequence::NativeText));
+        if (!keys.isEmpty())
+            page += u"| " + action->text().remove(u'…') + u" | " + keys.join(u'、') + u" |\n";
+    }
+    return page;
+}
+
+} // namespace client
