@@ -34,8 +34,10 @@ void MainWindow::watchLists()
     m_bills = std::make_unique<BillLists>(m_data.value(u"MainBill"));
     handle(m_bills.get(), &BillLists::said, this, [this](const QString &text) { m_status->showMessage(text, messageMilliseconds); });
     handle(m_bills.get(), &BillLists::joined, this, &MainWindow::showJoined);
-    handle(&m_asked, &AskedConditions::answered, this,
-        [this](TForm *screen) { m_bills->showAnswer(screen, m_grid ? m_grid->dataSet() : nullptr); });
+    handle(&m_asked, &AskedConditions::answered, this, [this](TForm *screen) {
+        m_bills->showAnswer(screen, m_grid ? m_grid->dataSet() : nullptr);
+        showRows(); // its time is known only now
+    });
 }
 
 void MainWindow::showJoined(TForm *screen, packet::PacketPtr rows, int batches)
