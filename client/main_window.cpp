@@ -19,6 +19,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QMdiArea>
+#include <QMenu>
 
 using namespace platform;
 

@@ -2,7 +2,7 @@
 
 #include "client/connections.h"
 #include "client/help_window.h"
-#include "client/joined_result.h"
+#include "client/result_window.h"
 #include "client/screen_list.h"
 #include "client/start_desk.h"
 #include "client/status_line.h"
@@ -42,9 +42,15 @@ void MainWindow::watchLists()
 
 void MainWindow::showJoined(TForm *screen, packet::PacketPtr rows, int batches)
 {
+    if (!m_grid)
+        return;
     const QString caption = QStringLiteral("%1（%2 批合并）").arg(screen->caption()).arg(batches);
-    if (m_grid)
-        (new JoinedResult(caption, *m_grid, std::move(rows)))->showForm();
+    auto joined = std::make_unique<ResultWindow>(Application, QStringLiteral("joinedResult"), caption,
+        QStringLiteral("单号列表分 %1 批查询，结果合并在这里；合并于 %2。").arg(batches).arg(dateTimeToText(serverTime())));
+    joined->showColumns(*m_grid);
+    joined->cds->setData(std::move(rows));
+    m_asked.adopt(*m_grid, joined->cds);
+    joined.release()->showForm();
 }
 
 void MainWindow::listConditions()
@@ -95,12 +101,9 @@ void MainWindow::showHelp()
 QString MainWindow::keysAsPage() const
 {
     QString page = QStringLiteral("# 快捷键\n\n| 命令 | 按键 |\n| --- | --- |\n");
-    for (const auto &[action, command] : m_actions) {
-        QStringList keys;
-        for (const QKeySequence &key : action->shortcuts())
-            keys.append(key.toString(QKeySequence::NativeText));
-        if (!keys.isEmpty())
-            page += u"| " + action->text().remove(u'…') + u" | " + keys.join(u'、') + u" |\n";
+    for (const Shortcut &shortcut : shortcuts()) {
+        if (!shortcut.keys.isEmpty())
+            page += u"| " + QString(shortcut.command).remove(u'…') + u" | " + shortcut.keysText() + u" |\n";
     }
     return page;
 }

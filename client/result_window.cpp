@@ -60,6 +60,14 @@ ResultWindow::ResultWindow(TComponentOwner *owner, const QString &name, const QS
     resultGrid->onCellText = [](int row, int) { return QString::number(row + 1); };
 }
 
+void ResultWindow::showColumns(const TDBGridEh &original)
+{
+    resultGrid->parentWidget()->setFont(original.designedFont());
+    resultGrid->setColumns(columnsOf(original));
+    resultGrid->setFrozenColumns(original.frozenColumns());
+    resultGrid->setFooterRowCount(original.footerRowCount());
+}
+
 void ResultWindow::FormActivate()
 {
     notifyHost(this, hostFormActivated);
@@ -88,10 +96,7 @@ PinnedResult::PinnedResult(
     cds->setData(rows->data());
     takeOrder(*cds, *rows);
     cds->setProperty(published_by_screen::summaryRow, rows->property(published_by_screen::summaryRow));
-    resultGrid->parentWidget()->setFont(original.designedFont());
-    resultGrid->setColumns(columnsOf(original));
-    resultGrid->setFrozenColumns(original.frozenColumns());
-    resultGrid->setFooterRowCount(original.footerRowCount());
+    showColumns(original);
 }
 
 } // namespace client

@@ -18,6 +18,9 @@ class ResultWindow : public TForm {
 public:
     ResultWindow(TComponentOwner *owner, const QString &name, const QString &caption, const QString &description);
 
+    /// Takes over the columns of a grid, their order, its font and its footers.
+    void showColumns(const TDBGridEh &original);
+
     PUBLISHED(QLabel, descriptionLabel);
     PUBLISHED(TDBGridEh, resultGrid);
     PUBLISHED(TDataSource, DS);

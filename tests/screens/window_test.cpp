@@ -222,7 +222,7 @@ TEST_F(Window, ALongListIsAskedInPartsAndNothingIsLost)
     EXPECT_EQ(m_messages, QStringList());
     EXPECT_EQ(line->memo()->toPlainText(), numbers.join(u'\n'));
     QApplication::processEvents();
-    EXPECT_EQ(m_window->activeForm()->objectName(), QStringLiteral("frm_JoinedResult"));
+    EXPECT_EQ(m_window->activeForm()->objectName(), QStringLiteral("joinedResult"));
     ASSERT_EQ(m_window->currentGrid()->rowCount(), 1001);
     EXPECT_EQ(m_window->currentGrid()->cellText(1000, m_window->currentGrid()->columnIndex(u"BILL_CODE")), known);
     m_window->mdiArea()->closeAllSubWindows();
