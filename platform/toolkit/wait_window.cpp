@@ -15,10 +15,21 @@ namespace platform {
 namespace {
 constexpr int millisecondsUntilShown = 400;
 constexpr int millisecondsBetweenRefreshes = 200;
+
+/// The window in front. A list that has dropped down does not count: it may be deleted while the work goes on, and would take the wait
+/// window with it.
+QWidget *lastingWindow()
+{
+    QWidget *window = QApplication::activeWindow();
+    while (window && window->windowType() == Qt::Popup)
+        window = window->parentWidget() ? window->parentWidget()->window() : nullptr;
+    return window;
+}
+
 } // namespace
 
 WaitWindow::WaitWindow(const QString &caption, const WorkProgress &progress)
-    : QWidget(QApplication::activeWindow(), Qt::Tool | Qt::FramelessWindowHint)
+    : QWidget(lastingWindow(), Qt::Tool | Qt::FramelessWindowHint)
     , m_caption(caption)
     , m_progress(progress)
     , m_label(plainLabel())
