@@ -19,6 +19,7 @@
 #include <QCloseEvent>
 #include <QDir>
 #include <QMdiArea>
+#include <QMdiSubWindow>
 #include <QMenu>
 
 using namespace platform;
@@ -83,8 +84,10 @@ MainWindow::~MainWindow()
 {
     m_connections->setAskAgain({});
     m_startDesk.reset(); // a count may still be asked
+    hide(); // what is seen shows texts that lie in the library
     // The screens' code lies in the library; a closed one may still await its deletion.
     qDeleteAll(Application->components());
+    qDeleteAll(mdiArea()->findChildren<QMdiSubWindow *>());
     m_library.reset();
     Application->setMainForm(nullptr);
 }
