@@ -49,8 +49,8 @@ void requireRows(const TDBGridEh &grid)
         throw Exception(QStringLiteral("没有可导出的数据，请先查询！"));
 }
 
-/// The summary row that a detail belongs to.
-QList<ExportNote> summaryRowOf(const TDBGridEh &grid)
+/// What part of the answer to its conditions a grid shows: the rows of one summary row.
+QList<ExportNote> partShownBy(const TDBGridEh &grid)
 {
     const QString row = grid.dataSet() ? grid.dataSet()->property(published_by_screen::summaryRow).toString() : QString();
     return row.isEmpty() ? QList<ExportNote>() : QList<ExportNote> { { QStringLiteral("汇总行"), row } };
@@ -314,7 +314,7 @@ void MainWindow::print(Print way)
     }
     if (printer->title().isEmpty())
         printer->setTitle(activeForm()->caption());
-    QStringList notes { printedNotes(m_asked.of(*m_grid)), printedNotes(summaryRowOf(*m_grid)) };
+    QStringList notes { printedNotes(m_asked.of(*m_grid)), printedNotes(partShownBy(*m_grid)) };
     notes.removeAll(QString());
     printer->setNotes(notes);
     printer->pageFooter().left = QStringList({ m_login.site, m_data.employeeName(), dateTimeToText(serverTime()) }).join(u'　');
@@ -351,7 +351,7 @@ void MainWindow::exportAgain()
 int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
 {
     requireRows(grid);
-    QList<ExportNote> notes = m_asked.of(grid) + summaryRowOf(grid);
+    QList<ExportNote> notes = m_asked.of(grid) + partShownBy(grid);
     notes.append({ { QStringLiteral("导出网点"), m_login.site }, { QStringLiteral("导出人"), m_data.employeeName() },
         { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
     const int rows = exportGrid(grid, target, screenTitle(grid), notes);
