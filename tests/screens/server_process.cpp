@@ -28,7 +28,8 @@ QString sharedFile(const QString &name)
         const auto path
             = [](const char *file) { return std::filesystem::path(directory.filePath(QString::fromLatin1(file)).toStdU16String()); };
         server::makeLocalCertificate(path("server.crt"), path("server.key"));
-        server::writeUsers(path("users"), { { "张三", { .hash = server::hashPassword(password.toStdString()) } } });
+        const server::Account account { .hash = server::hashPassword(password.toStdString()) };
+        server::writeUsers(path("users"), { { "张三", account }, { "分部", account } });
         writeFile(directory.filePath(QStringLiteral("token.key")), QByteArray(64, 'k'));
         writeFile(directory.filePath(QStringLiteral("password")), password.toUtf8() + '\n');
         return true;
@@ -64,10 +65,21 @@ ServerProcess::ServerProcess(int port, const QString &url, int rows)
 
 ServerProcess::~ServerProcess() { kill(); }
 
-QStringList ServerProcess::clientOptions(const QList<const ServerProcess *> &servers)
+void ServerProcess::setBranch(const std::vector<std::pair<std::string, std::string>> &fields)
 {
-    QStringList options { QStringLiteral("--user"), QStringLiteral("张三"), QStringLiteral("--password-file"),
-        sharedFile(QStringLiteral("password")), QStringLiteral("--server-certificate"), sharedFile(QStringLiteral("server.crt")) };
+    const std::filesystem::path users = sharedFile(QStringLiteral("users")).toStdU16String();
+    server::changeUsers(users, server::MissingFile::IsAFault, [&](server::Users &known) {
+        server::Account account { .hash = known.at("分部").hash };
+        for (const auto &[field, text] : fields)
+            server::setAccountField(account, field, text);
+        known["分部"] = account;
+    });
+}
+
+QStringList ServerProcess::clientOptions(const QList<const ServerProcess *> &servers, const QString &user)
+{
+    QStringList options { QStringLiteral("--user"), user, QStringLiteral("--password-file"), sharedFile(QStringLiteral("password")),
+        QStringLiteral("--server-certificate"), sharedFile(QStringLiteral("server.crt")) };
     for (const ServerProcess *server : servers)
         options << QStringLiteral("--server") << server->address();
     return options;
