@@ -150,6 +150,9 @@ qintptr MainWindow::perform(int message, quintptr formAddress, qintptr)
     // The form is still being made, or already on its way out; what depends on it waits for the next turn.
     if (message == hostFormCreating || message == hostFormActivated || message == hostFormClosed)
         QMetaObject::invokeMethod(this, &MainWindow::updateCommands, Qt::QueuedConnection);
+    // The keys go on in the rows of the window that comes to the front then.
+    if (message == hostFormClosed)
+        QMetaObject::invokeMethod(this, &MainWindow::enterFoundRows, Qt::QueuedConnection);
     return 0;
 }
 

@@ -109,6 +109,7 @@ private:
     void openCell();
     void goBack();
     void enterRows();
+    void enterFoundRows();
     void enterWaybillBox();
     void openTracks(const QStringList &numbers);
     void openBoxedTrack(const QStringList &numbers);

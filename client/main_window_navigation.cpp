@@ -65,6 +65,12 @@ void MainWindow::enterRows()
         m_grid->setFocus();
 }
 
+void MainWindow::enterFoundRows()
+{
+    if (m_grid && m_grid->rowCount() > 0 && !m_waybillBox->hasFocus())
+        m_grid->setFocus();
+}
+
 void MainWindow::showResultPage(int number)
 {
     if (showPage(*activeForm(), number))
