@@ -3,6 +3,7 @@
 #include "platform/report/layout/bar_code.h"
 #include "platform/report/layout/chart.h"
 #include "platform/report/output/printing.h"
+#include "platform/report/preview/page_setup_dialog.h"
 #include "platform/report/preview/page_view.h"
 #include "platform/report/preview/preview_window.h"
 #include "platform/report/report.h"
@@ -11,7 +12,9 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QDoubleSpinBox>
 #include <QFileInfo>
 #include <QLabel>
 #include <QListView>
@@ -21,6 +24,7 @@
 #include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <algorithm>
 #include <functional>
@@ -158,6 +162,59 @@ TEST(Preview, ShowsPagesInPairs)
     EXPECT_EQ(window.view()->currentPage(), 20);
     tool(QStringLiteral("双页"));
     EXPECT_EQ(window.view()->pagesAcross(), 1);
+}
+
+TEST(Preview, ASearchCanBeCancelled)
+{
+    TCustomClientDataSet rows;
+    rows.setData(numberedRows(400'000));
+    PreparedReport prepared(smallReport(band("master", 10, "no[N]")), &rows);
+    PreviewWindow window(prepared, {}, allPreviewButtons);
+    window.show();
+    QTimer presser;
+    QString shown;
+    QObject::connect(&presser, &QTimer::timeout, [&shown] {
+        for (const QWidget *other : QApplication::topLevelWidgets()) {
+            for (auto *button : other->findChildren<QPushButton *>()) {
+                if (!button->isVisible() || !button->text().startsWith(u"取消"))
+                    continue;
+                shown = other->findChild<QLabel *>()->text();
+                button->click();
+            }
+        }
+    });
+    presser.start(20);
+    EXPECT_FALSE(window.find(QStringLiteral("nowhere")));
+    EXPECT_TRUE(shown.contains(QStringLiteral("正在查找…"))) << shown.toStdString();
+    EXPECT_LT(window.pageCount(), 50'000);
+    EXPECT_TRUE(window.find(QStringLiteral("no17"))) << "the next search begins where the person is";
+}
+
+TEST(Preview, APaperMakesSenseBeforeItIsTaken)
+{
+    PageSetupDialog dialog({}, nullptr);
+    auto *papers = dialog.findChild<QComboBox *>();
+    const auto choose = [&](const QString &name) {
+        papers->setCurrentIndex(papers->findText(name));
+        Q_EMIT papers->activated(papers->currentIndex());
+    };
+    const auto *ok = dialog.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Ok);
+    EXPECT_EQ(dialog.setup(), PageSetup());
+    choose(QStringLiteral("241 连续纸 三等分"));
+    EXPECT_EQ(dialog.setup().paper, QSize(24100, 9313)) << "not as the boxes round it";
+    EXPECT_EQ(dialog.setup().margins, QMarginsF(13, 10, 13, 10)) << "beside the holes";
+    EXPECT_TRUE(ok->isEnabled());
+    const QList<QDoubleSpinBox *> lengths = dialog.findChildren<QDoubleSpinBox *>();
+    for (QDoubleSpinBox *length : lengths) {
+        if (length->isEnabled())
+            length->setValue(40);
+    }
+    EXPECT_FALSE(ok->isEnabled());
+    choose(QStringLiteral("自定义"));
+    for (QDoubleSpinBox *length : lengths)
+        length->setValue(length->minimum() + (length->minimum() > 0 ? 250 : 5));
+    EXPECT_TRUE(ok->isEnabled());
+    EXPECT_EQ(dialog.setup().paper, QSize(30000, 30000));
 }
 
 TEST(Preview, LaysOutAnewForAnotherPaper)
