@@ -152,6 +152,7 @@ TEST(Preview, ShowsPagesInPairs)
         }
         ADD_FAILURE() << text.toStdString();
     };
+    EXPECT_EQ(window.view()->currentPage(), 0) << "it begins at the first one, whatever size it gets";
     const qreal alone = window.view()->percent();
     tool(QStringLiteral("双页"));
     EXPECT_LT(window.view()->percent(), alone * 0.55);

@@ -101,12 +101,14 @@ void PageView::arrange()
     viewport()->update();
 }
 
-int PageView::currentPage() const
+int PageView::currentPage() const { return pageSeen(viewport()->height()); }
+
+int PageView::pageSeen(int height) const
 {
     if (!m_report || m_report->pageCount() == 0)
         return 0;
     // The page that takes the upper middle of the window.
-    const int line = (verticalScrollBar()->value() + viewport()->height() / 3) / pageStep();
+    const int line = (verticalScrollBar()->value() + height / 3) / pageStep();
     return std::clamp(line * m_across, 0, m_report->pageCount() - 1);
 }
 
@@ -179,9 +181,10 @@ void PageView::paintEvent(QPaintEvent *event)
     }
 }
 
-void PageView::resizeEvent(QResizeEvent *)
+void PageView::resizeEvent(QResizeEvent *event)
 {
-    const int page = currentPage();
+    // The pages still have the size that they had in the old window.
+    const int page = pageSeen(std::max(0, event->oldSize().height()));
     arrange();
     if (m_zoom != PageZoom::Percent) {
         verticalScrollBar()->setValue(lineOf(page) * pageStep());

@@ -51,6 +51,7 @@ private:
     qreal scale() const;
     QSize pageSize() const; ///< in pixels
     QRect pageRect(int page) const; ///< in the viewport
+    int pageSeen(int height) const; ///< in a window of that height
     int pageStep() const; ///< from one line of pages to the next
     int lineOf(int page) const { return page / m_across; }
     int wholeWidth() const; ///< of a line of pages
