@@ -3,6 +3,7 @@
 #include "server/users/user_file.h"
 #include "tests/fuzz/require.h"
 
+#include <optional>
 #include <stdexcept>
 
 namespace {
