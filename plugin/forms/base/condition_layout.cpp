@@ -19,7 +19,7 @@ namespace plugin {
 namespace {
 
 constexpr int fieldWidth = 150;
-constexpr int leastFieldWidth = 112; ///< where the window is narrow
+constexpr int leastFieldWidth = 112; ///< where the window is narrow, or the texts are large
 constexpr int widestField = 260;
 constexpr int timeFieldWidth = 168;
 constexpr int gap = 6;
@@ -49,7 +49,7 @@ void setFieldWidth(QWidget *control)
     if (qobject_cast<TDBDateTimeEditEh *>(control)) {
         control->setFixedWidth(int(timeFieldWidth * scale));
     } else if (!qobject_cast<QAbstractButton *>(control)) {
-        control->setMinimumWidth(int(leastFieldWidth * scale));
+        control->setMinimumWidth(leastFieldWidth);
         control->setMaximumWidth(int(widestField * scale));
     }
 }
