@@ -23,6 +23,7 @@ const QString pinTarget = QStringLiteral("pin:");
 const QString countTarget = QStringLiteral("count:");
 const QString onTarget = QStringLiteral("counts:on");
 const QString offTarget = QStringLiteral("counts:off");
+const QString gap = QStringLiteral("&nbsp;&nbsp; ");
 
 QLabel *heading(const QString &text, int percent)
 {
@@ -76,7 +77,7 @@ StartPage::StartPage(const Login &login)
         label->setWordWrap(true);
         label->hide();
         handle(label, &QLabel::linkActivated, this, &StartPage::follow);
-        layout->addWidget(label, row++, 1, 1, 2);
+        layout->addWidget(label, row++, 1, 1, -1);
     }
     layout->setRowMinimumHeight(row++, columnGap / 3);
     int column = 1;
@@ -123,7 +124,7 @@ void StartPage::showRow(QLabel *label, const QString &heading, const QStringList
         if (!caption.isEmpty())
             links.append(link(screen, caption));
     }
-    label->setText(u"<b>" + heading + u"</b>　" + links.join(QStringLiteral("　")));
+    label->setText(u"<b>" + heading + u"</b>" + gap + links.join(gap));
     label->setVisible(!links.isEmpty());
 }
 
@@ -163,13 +164,13 @@ void StartPage::showCountTexts()
     QStringList failures;
     for (int index = 0; index < int(m_captions.size()); ++index) {
         const QString number = m_numbers.value(index, m_reasons.contains(index) ? QStringLiteral("—") : QStringLiteral("…"));
-        text += link(countTarget + QString::number(index), m_captions[index] + u' ' + number) + u"　";
+        text += link(countTarget + QString::number(index), m_captions[index] + u' ' + number) + gap;
         if (m_reasons.contains(index))
             failures.append(m_captions[index] + u"：" + m_reasons[index]);
     }
     m_countRow->setText(m_captions.isEmpty()
             ? link(onTarget, QStringLiteral("显示昨天本站的五个数"))
-            : QString(u"<b>" + m_countHeading.toHtmlEscaped() + u"</b>　" + text + link(offTarget, QStringLiteral("不再显示"))));
+            : QString(u"<b>" + m_countHeading.toHtmlEscaped() + u"</b>" + gap + text + link(offTarget, QStringLiteral("不再显示"))));
     m_countRow->setToolTip(failures.isEmpty() ? QString() : plainTip(failures.join(u'\n')));
     m_countRow->show();
 }
