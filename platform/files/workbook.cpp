@@ -125,6 +125,10 @@ void Workbook::setPrinting(QPageLayout::Orientation orientation, int titleRows)
     worksheet_set_paper(m_sheet, a4);
     if (orientation == QPageLayout::Landscape)
         worksheet_set_landscape(m_sheet);
+    constexpr double narrow = 0.4; // inches: what is left belongs to the columns
+    constexpr double foot = 0.6;
+    worksheet_set_margins(m_sheet, narrow, narrow, narrow, foot);
+    worksheet_gridlines(m_sheet, LXW_SHOW_ALL_GRIDLINES);
     worksheet_fit_to_pages(m_sheet, 1, 0);
     if (titleRows > 0)
         check(worksheet_repeat_rows(m_sheet, 0, lxw_row_t(titleRows - 1)));

@@ -223,6 +223,7 @@ TEST_F(WorkbookTest, ItPrintsOnePageWideWithItsTitles)
         EXPECT_EQ(sheet.attributes[QStringLiteral("pageSetUpPr.fitToPage")], QStringLiteral("1"));
         EXPECT_EQ(sheet.attributes[QStringLiteral("pageSetup.fitToHeight")], QStringLiteral("0"));
         EXPECT_EQ(sheet.attributes[QStringLiteral("pageSetup.paperSize")], QStringLiteral("9"));
+        EXPECT_EQ(sheet.attributes[QStringLiteral("printOptions.gridLines")], QStringLiteral("1"));
         EXPECT_TRUE(sheet.foot.endsWith(QStringLiteral("第 &P 页 / 共 &N 页"))) << sheet.foot.toStdString();
     }
     EXPECT_EQ(book.sheets[0].attributes[QStringLiteral("pageSetup.orientation")], QStringLiteral("landscape"));
