@@ -9,9 +9,9 @@
 constexpr int patience = 20'000; ///< milliseconds; keys take their time
 
 /// An X server that shows nothing to anybody.
-class Display {
+class VirtualDisplay {
 public:
-    explicit Display(const QString &screen = QStringLiteral("1600x1000x24"))
+    explicit VirtualDisplay(const QString &screen = QStringLiteral("1600x1000x24"))
     {
         m_server.start(QStringLiteral("Xvfb"),
             { QStringLiteral("-displayfd"), QStringLiteral("1"), QStringLiteral("-screen"), QStringLiteral("0"), screen,
@@ -19,7 +19,7 @@ public:
         while (!m_server.canReadLine() && m_server.waitForReadyRead(patience)) { }
         m_name = u':' + QString::fromLatin1(m_server.readLine().trimmed());
     }
-    ~Display()
+    ~VirtualDisplay()
     {
         m_server.terminate();
         m_server.waitForFinished(patience);

@@ -44,7 +44,7 @@ protected:
         EXPECT_EQ(last.toVariant().toString(), value.toVariant().toString()) << control.toStdString();
     }
 
-    Display m_display;
+    VirtualDisplay m_display;
     ClientProcess m_client;
 };
 

@@ -56,7 +56,7 @@ protected:
         return false;
     }
 
-    Display m_display;
+    VirtualDisplay m_display;
     ClientProcess m_client;
 };
 
