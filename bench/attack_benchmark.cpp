@@ -53,7 +53,7 @@ public:
         server::makeLocalCertificate(configuration().certificate, configuration().privateKey);
         server::Users users;
         for (int number = 0; number < honestUsers + attackers; ++number)
-            users["user" + std::to_string(number)] = hash;
+            users["user" + std::to_string(number)].hash = hash;
         server::writeUsers(configuration().users, users);
         fillDatabase();
     }

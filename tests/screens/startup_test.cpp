@@ -32,7 +32,7 @@ TEST(StartUp, EveryScreenOpensUnderTheCaptionOfItsMenu)
     for (const ScreenGroup &group : screenGroups) {
         for (const ScreenItem &screen : group.screens) {
             const QJsonObject reply
-                = client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(screen.name + menuRights) } });
+                = client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(screen.name + u"111") } });
             EXPECT_EQ(reply[u"form"].toString(), screen.name);
             EXPECT_EQ(reply[u"caption"].toString(), screen.caption);
         }
@@ -84,7 +84,7 @@ TEST(StartUp, ALayoutThatCannotBeSavedIsToldWhenTheScreenCloses)
     QFile blocking(folder);
     ASSERT_TRUE(blocking.open(QIODevice::WriteOnly));
     for (const char *screen : { "frm_ScanContrast", "frm_ManCome" }) {
-        client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(QLatin1String(screen) + menuRights) } });
+        client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(QLatin1String(screen) + u"111") } });
         client.obey(QStringLiteral("close"), { { QStringLiteral("form"), QLatin1String(screen) } });
     }
     const QJsonArray messages = client.events(QStringLiteral("message"));
