@@ -22,9 +22,9 @@ constexpr auto summary = "AREA:text,MAN:text,PIECES:integer,FEE:decimal,NOTE:tex
                          "北京,李雷,10,-8.25,x\n"
                          "上海,韩梅梅,20,,x\n";
 
-class Charts : public testing::Test {
+class GridCharts : public testing::Test {
 protected:
-    Charts()
+    GridCharts()
     {
         m_rows.setData(packetOf(summary));
         m_source.setDataSet(&m_rows);
@@ -51,7 +51,7 @@ protected:
     QTemporaryDir m_directory;
 };
 
-TEST_F(Charts, BeginWithTheSumOverWhatTellsTheRowsApart)
+TEST_F(GridCharts, BeginWithTheSumOverWhatTellsTheRowsApart)
 {
     ChartWindow &window = open();
     EXPECT_EQ(window.choice().labelField, u"MAN");
@@ -61,7 +61,7 @@ TEST_F(Charts, BeginWithTheSumOverWhatTellsTheRowsApart)
     EXPECT_EQ(&open(), &window);
 }
 
-TEST_F(Charts, RefuseWhatHasNoNumbers)
+TEST_F(GridCharts, RefuseWhatHasNoNumbers)
 {
     m_grid.hideColumn(3);
     m_grid.hideColumn(4);
@@ -72,7 +72,7 @@ TEST_F(Charts, RefuseWhatHasNoNumbers)
     EXPECT_FALSE(ChartWindow::of(m_grid));
 }
 
-TEST_F(Charts, FollowOrderFilterAndResult)
+TEST_F(GridCharts, FollowOrderFilterAndResult)
 {
     ChartWindow &window = open();
     window.choose({ ChartKind::Bars, QStringLiteral("MAN"), { QStringLiteral("PIECES"), QStringLiteral("FEE") } });
@@ -98,7 +98,7 @@ TEST_F(Charts, FollowOrderFilterAndResult)
     EXPECT_EQ(values(window), QList<double>({ 5, 6 }));
 }
 
-TEST_F(Charts, LeadFromABarToItsRow)
+TEST_F(GridCharts, LeadFromABarToItsRow)
 {
     ChartWindow &window = open();
     settle();
@@ -115,7 +115,7 @@ TEST_F(Charts, LeadFromABarToItsRow)
     EXPECT_EQ(opened.last().first().toInt(), 1);
 }
 
-TEST_F(Charts, DrawTheFirstOfManyRowsAndSaySo)
+TEST_F(GridCharts, DrawTheFirstOfManyRowsAndSaySo)
 {
     std::string many = "MAN:text,PIECES:integer\n";
     for (int row = 0; row < 10'000; ++row)
@@ -126,14 +126,14 @@ TEST_F(Charts, DrawTheFirstOfManyRowsAndSaySo)
     EXPECT_TRUE(window.chart().notice.contains(QStringLiteral("只画了前 60 行，共 10,000 行")));
 }
 
-TEST_F(Charts, SayWhatAPieLeavesOut)
+TEST_F(GridCharts, SayWhatAPieLeavesOut)
 {
     ChartWindow &window = open();
     window.choose({ ChartKind::Pie, QStringLiteral("MAN"), { QStringLiteral("FEE"), QStringLiteral("PIECES") } });
     EXPECT_EQ(window.chart().notice, QStringLiteral("占比图只画“费 金额”；占比图不画负数"));
 }
 
-TEST_F(Charts, AreSavedAsPictures)
+TEST_F(GridCharts, AreSavedAsPictures)
 {
     m_rows.edit();
     m_rows.fieldByName(u"MAN")->setAsString(QStringLiteral("<苏&\x01\">"));
@@ -166,7 +166,7 @@ TEST_F(Charts, AreSavedAsPictures)
     EXPECT_THROW(window.view().save(m_directory.filePath(QStringLiteral("missing/a.png"))), Exception);
 }
 
-TEST_F(Charts, StandInThePrintWhileTheyAreOpen)
+TEST_F(GridCharts, StandInThePrintWhileTheyAreOpen)
 {
     TPrintDBGridEh printer;
     printer.setDBGridEh(&m_grid);

@@ -130,6 +130,7 @@ private:
     }
 
     int left(qsizetype point) const { return m_plot.x() + int(m_plot.width() * point / m_data.labels.size()); }
+    int digitWidth() const { return int(m_text.points * 35 * 0.55); }
     int slot() const { return m_plot.width() / int(m_data.labels.size()); }
 
     /// As many labels as find room.
@@ -156,8 +157,9 @@ private:
             const QRect box(left(point) + slot / 5 + width * int(series), top, width, yOf(std::min(value, 0.0)) - top);
             m_drawing.rectangle(bar, box);
             const int room = slot / int(m_data.series.size());
-            if (room > m_text.points * 35 * 2)
-                text(QRect(left(point) + room * int(series), top - m_line, room, m_line), shown(value), Qt::AlignHCenter | Qt::AlignBottom);
+            // A number that is cut would be read as another one.
+            if (room >= digitWidth() * shown(value).size() + 2 * textPadding)
+                text(QRect(box.x() + (width - room) / 2, top - m_line, room, m_line), shown(value), Qt::AlignHCenter | Qt::AlignBottom);
             // The whole height of its place is the bar's, so that a low one can be hit too.
             m_marks.append({ int(point), int(series), QPolygon(QRect(box.x(), m_plot.y(), box.width(), m_plot.height())) });
         }
