@@ -1,6 +1,7 @@
 #include "platform/report/chart_window.h"
 
 #include "platform/dataset/data_source.h"
+#include "platform/files/save_dialog.h"
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
 #include "platform/report/chart_view.h"
@@ -8,12 +9,10 @@
 #include "platform/toolkit/plain_text.h"
 
 #include <QComboBox>
-#include <QFileDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
-#include <QStandardPaths>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -165,16 +164,10 @@ void ChartWindow::selectRow(int row) { m_grid.setCurrentCell(row, m_grid.current
 
 void ChartWindow::savePicture()
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    QFileDialog dialog(this, QStringLiteral("保存图片"), folder, QStringLiteral("PNG 图片 (*.png);;SVG 图片 (*.svg)"));
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    dialog.setDefaultSuffix(QStringLiteral("png"));
-    handle(&dialog, &QFileDialog::filterSelected, &dialog, [&dialog](const QString &filter) {
-        dialog.setDefaultSuffix(filter.contains(u"svg") ? QStringLiteral("svg") : QStringLiteral("png"));
-    });
-    dialog.selectFile(m_title);
-    if (dialog.exec() == QDialog::Accepted)
-        m_view->save(dialog.selectedFiles().first());
+    const auto place = files::askWhereToSave(this, QStringLiteral("保存图片"), files::datedName(m_title),
+        { QStringLiteral("PNG 图片 (*.png)"), QStringLiteral("SVG 图片 (*.svg)") });
+    if (place)
+        m_view->save(place->fileName);
 }
 
 } // namespace report
