@@ -82,7 +82,7 @@ public:
     HttpHeaders headersOf(int user) const
     {
         const std::string name = "user" + std::to_string(user);
-        const std::string generation = server::generationOf(server::readUsers(configuration().users).at(name));
+        const std::string generation = server::generationOf(server::readUsers(configuration().users).at(name).hash);
         return bearer(server::TokenKey(configuration().tokenKey).sign({ name, server::secondsNow() + 3600, generation }));
     }
 
