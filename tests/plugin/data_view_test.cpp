@@ -185,10 +185,12 @@ TEST_F(DataView, LayoutsHaveNamesAndComeBackByTheMenu)
     TDBGridEh &grid = *shown->view.DataViewGrid;
     auto *layouts = grid.findChild<NamedLayouts *>();
     grid.setColumnWidth(1, 123);
-    grid.moveColumn(3, 0);
-    grid.hideColumn(3);
+    grid.moveColumn(3, 1);
+    grid.hideColumn(2);
     grid.freezeColumns(1);
-    const QStringList arranged = order(shown->view);
+    // Columns without a field have no name to keep a place under.
+    QStringList arranged = order(shown->view);
+    arranged.removeAll(QString());
     layouts->save(QStringLiteral(" 月报[1]=a&b.x "));
     EXPECT_THROW(layouts->save(QStringLiteral(" .; ")), Exception);
     grid.restoreDesignedColumns();
@@ -202,8 +204,10 @@ TEST_F(DataView, LayoutsHaveNamesAndComeBackByTheMenu)
     ASSERT_GE(actions.size(), 4);
     EXPECT_EQ(actions[1]->text(), QStringLiteral("月报 1 a&&b x"));
     actions[1]->trigger();
-    EXPECT_EQ(order(shown->view), arranged);
-    EXPECT_EQ(again.columnChoice(3), false);
+    QStringList restored = order(shown->view);
+    restored.removeAll(QString());
+    EXPECT_EQ(restored, arranged);
+    EXPECT_EQ(again.columnChoice(again.columnIndex(u"NAME")), false);
     EXPECT_EQ(again.frozenColumns(), 1);
     actions[0]->trigger();
     EXPECT_EQ(again.frozenColumns(), 0);

@@ -6,6 +6,7 @@
 #include "client/day_counts.h"
 #include "client/export/screen_conditions.h"
 #include "client/help_pages.h"
+#include "client/login.h"
 #include "client/main_window.h"
 #include "client/screen_list.h"
 #include "client/start_page.h"
@@ -166,7 +167,7 @@ TEST_F(Window, LastConditionsComeBackOnEveryScreen)
 
 TEST_F(Window, TheCountsOfYesterdayAreTheRowsThatTheirScreensList)
 {
-    const QString site = m_options.loginSite;
+    const QString site = Login::of(m_options).site;
     const QDate yesterday = Clock::today().addDays(-1);
     int found = 0;
     for (const DayCount &count : dayCounts(site, yesterday)) {
