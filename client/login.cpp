@@ -1,24 +1,19 @@
 #include "client/login.h"
 
 #include "client/options.h"
-#include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
+#include "platform/toolkit/user_settings.h"
 #include "server_client/account.h"
 
-#include <QDir>
 #include <QFile>
-#include <QSettings>
+
+using namespace platform;
 
 namespace client {
 namespace {
 
 const QString defaultSite = QStringLiteral("北京");
 const QString userKey = QStringLiteral("login/user");
-
-QSettings settings()
-{
-    return QSettings(QDir(Application->settingsDirectory()).filePath(QStringLiteral("client.ini")), QSettings::IniFormat);
-}
 
 QStringList textsOf(const std::vector<std::string> &texts)
 {
@@ -99,7 +94,7 @@ std::optional<QString> givenPassword(const Options &options)
     return password;
 }
 
-QString rememberedUser() { return settings().value(userKey).toString(); }
-void rememberUser(const QString &user) { settings().setValue(userKey, user); }
+QString rememberedUser() { return userSetting(userKey).toString(); }
+void rememberUser(const QString &user) { keepUserSetting(userKey, user); }
 
 } // namespace client

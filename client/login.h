@@ -38,7 +38,7 @@ struct Login {
 /// The password that was given beforehand; nothing when a person is to be asked. Throws Exception.
 std::optional<QString> givenPassword(const Options &options);
 
-/// Who logged in here the last time; a convenience, so nobody is told when it cannot be written.
+/// Who logged in here the last time.
 QString rememberedUser();
 void rememberUser(const QString &user);
 

@@ -1,5 +1,6 @@
 #include "server/demo_server.h"
 
+#include "engine/pool/open_engine.h"
 #include "server/base/files.h"
 #include "server/demo_rules.h"
 #include "server/tls/certificate.h"
@@ -78,6 +79,15 @@ void keepCertificate(const fs::path &certificate, const fs::path &key)
         makeLocalCertificate(certificate, key);
 }
 
+/// Any database can be shown; the rules are for those of the demo network.
+bool isDemoNetwork(const std::string &url)
+try {
+    engine::openEngine(url, { .connections = 1 })->query("select a.bill_code from TAB_BILL_STATUS a where a.bill_code=''");
+    return true;
+} catch (const engine::Error &error) {
+    return error.failure() != engine::Failure::Refused;
+}
+
 Account accountOf(const DemoAccount &demo, const std::string &password)
 {
     Account account { .hash = hashPassword(password) };
@@ -102,7 +112,9 @@ DemoServer prepareDemo(const Options &options)
     configuration.tokenKey = keptSecret(folder / "token.key", TokenKey::shortestSecret);
     configuration.auditLog = folder / "audit.log";
     configuration.drainTime = {};
-    configuration.databases.push_back({ .name = "demo", .url = database, .rules = demoRules() });
+    configuration.databases.push_back({ .name = "demo", .url = database });
+    if (isDemoNetwork(database))
+        configuration.databases.back().rules = demoRules();
     keepCertificate(configuration.certificate, configuration.privateKey);
     Users users;
     for (const DemoAccount &account : demoAccounts) {

@@ -116,6 +116,7 @@ TEST_F(ConfigurationTest, TheInstalledFileIsRight)
     std::ofstream(m_folder / "token.key") << std::string(40, 'x');
     std::string text = engine::test::fileText("server/kelvara-server.conf");
     EXPECT_THAT(errorOf(text), HasSubstr("/etc/kelvara/token.key")) << "only the key is missing here";
+    text.resize(text.find("#[accounts]")); // those of a table are in place of a file's
     for (std::size_t at = 0; (at = text.find("\n#", at)) != std::string::npos; ++at) {
         if (text[at + 2] >= 'a' && text[at + 2] <= 'z')
             text.erase(at + 1, 1);

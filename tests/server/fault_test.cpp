@@ -27,13 +27,14 @@ public:
         for (std::string line = m_process.readLine(); !line.empty() && password.empty(); line = m_process.readLine()) {
             if (const std::size_t at = line.find("https://127.0.0.1:"); at != std::string::npos)
                 port = std::uint16_t(std::stoi(line.substr(at + 18)));
-            if (line.starts_with("密码："))
-                password = line.substr(std::string("密码：").size());
+            const std::string centre = "用户：centre　密码：";
+            if (line.starts_with(centre))
+                password = line.substr(centre.size(), line.find("　", centre.size()) - centre.size());
         }
     }
     HttpHeaders logIn() const
     {
-        const HttpReply reply = HttpsClient(port).post("/v1/login", "{\"user\":\"demo\",\"password\":\"" + password + "\"}");
+        const HttpReply reply = HttpsClient(port).post("/v1/login", "{\"user\":\"centre\",\"password\":\"" + password + "\"}");
         const std::size_t begin = reply.body.find("\"token\":\"") + 9;
         return bearer(reply.body.substr(begin, reply.body.find('"', begin) - begin));
     }
