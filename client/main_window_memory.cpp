@@ -12,6 +12,8 @@
 #include <QAction>
 #include <QMenu>
 
+#include <memory>
+
 using namespace platform;
 
 // What the window remembers and explains: conditions, lists of waybill numbers, the start page and the help.

@@ -6,6 +6,8 @@
 
 #include <QElapsedTimer>
 
+#include <memory>
+
 namespace client {
 
 /// Fills the start page: keeps a person's favourite and last used screens, and asks for the counts of the day before while the page is

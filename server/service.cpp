@@ -32,7 +32,7 @@ Response plainText(int status, std::string text)
 struct Service::Route {
     std::string_view path;
     std::string_view method;
-    void (Service::*answer)(const Request &, const std::string &, Answer);
+    void (Service::*answer)(const Request &, const std::string &, const Answer &);
     enum class Until { Refusing, End } served; ///< how long, when the server stops
 };
 
@@ -95,7 +95,7 @@ std::string Service::clientAddress(const Request &request, const std::string &pe
     return request.forwardedFor.ends_with(',') ? peer : addressOf(last).value_or(peer);
 }
 
-void Service::answer(const Request &request, const std::string &address, Answer answer)
+void Service::answer(const Request &request, const std::string &address, const Answer &answer)
 {
     const Route *const route = routeOf(request.path);
     if (!route)
@@ -107,7 +107,7 @@ void Service::answer(const Request &request, const std::string &address, Answer 
     }
     if (m_phase == Phase::Refusing && route->served == Route::Until::Refusing)
         return answer(stopping());
-    (this->*route->answer)(request, address, std::move(answer));
+    (this->*route->answer)(request, address, answer);
 }
 
 std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
@@ -155,9 +155,9 @@ void Service::endQuery(const Statement &statement, const std::string &address, c
                        .add("result", result));
 }
 
-void Service::health(const Request &, const std::string &, Answer answer) { answer(plainText(200, "ok\n")); }
+void Service::health(const Request &, const std::string &, const Answer &answer) { answer(plainText(200, "ok\n")); }
 
-void Service::metricsText(const Request &request, const std::string &address, Answer answer)
+void Service::metricsText(const Request &request, const std::string &address, const Answer &answer)
 {
     if (!maySeeNames(request, address))
         return answer(errorResponse(403, "monitor", "只有本机、配置文件 monitors 中的地址和已登录的用户可以查看"));
@@ -169,7 +169,7 @@ void Service::metricsText(const Request &request, const std::string &address, An
     answer({ .body = m_metrics.text(databases), .contentType = "text/plain; version=0.0.4; charset=utf-8" });
 }
 
-void Service::readiness(const Request &request, const std::string &address, Answer answer)
+void Service::readiness(const Request &request, const std::string &address, const Answer &answer)
 {
     if (m_phase != Phase::Serving)
         return answer(plainText(503, "stopping\n"));

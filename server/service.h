@@ -43,7 +43,7 @@ public:
     /// Whether the request is a query, which beginQuery() takes. All others are for answer().
     static bool isQuery(const Request &request);
     /// Answers a request; `answer` is called once, at once or on another thread.
-    void answer(const Request &request, const std::string &address, Answer answer);
+    void answer(const Request &request, const std::string &address, const Answer &answer);
     /// Begins a query of the client at that address: its statement, or why there is none.
     std::variant<std::shared_ptr<Statement>, Response> beginQuery(
         const Request &request, const std::string &address, std::function<void()> wake);
@@ -53,15 +53,15 @@ public:
 private:
     struct Route;
     static const Route *routeOf(const std::string &path);
-    void login(const Request &request, const std::string &address, Answer answer);
-    void changePassword(const Request &request, const std::string &address, Answer answer);
-    void logout(const Request &request, const std::string &address, Answer answer);
-    void me(const Request &request, const std::string &address, Answer answer);
-    void takeReport(const Request &request, const std::string &address, Answer answer);
-    void time(const Request &request, const std::string &address, Answer answer);
-    void health(const Request &request, const std::string &address, Answer answer);
-    void readiness(const Request &request, const std::string &address, Answer answer);
-    void metricsText(const Request &request, const std::string &address, Answer answer);
+    void login(const Request &request, const std::string &address, const Answer &answer);
+    void changePassword(const Request &request, const std::string &address, const Answer &answer);
+    void logout(const Request &request, const std::string &address, const Answer &answer);
+    void me(const Request &request, const std::string &address, const Answer &answer);
+    void takeReport(const Request &request, const std::string &address, const Answer &answer);
+    void time(const Request &request, const std::string &address, const Answer &answer);
+    void health(const Request &request, const std::string &address, const Answer &answer);
+    void readiness(const Request &request, const std::string &address, const Answer &answer);
+    void metricsText(const Request &request, const std::string &address, const Answer &answer);
     bool mayReport(const std::string &user);
     bool maySeeNames(const Request &request, const std::string &address);
     Database *find(std::string_view name) const;

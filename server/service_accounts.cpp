@@ -8,6 +8,8 @@
 #include "server/users/account_table.h"
 #include "server/users/user_file.h"
 
+#include <memory>
+
 namespace server {
 
 namespace {
@@ -30,25 +32,25 @@ std::unique_ptr<Accounts> Service::makeAccounts(const Configuration &configurati
         AccountTable::Times { configuration.accounts.refresh, configuration.accounts.stale });
 }
 
-void Service::login(const Request &request, const std::string &address, Answer answer)
+void Service::login(const Request &request, const std::string &address, const Answer &answer)
 {
     if (!request.hasBody)
         return answer(lengthRequired());
-    m_logins.login(request.body, address, std::move(answer));
+    m_logins.login(request.body, address, answer);
 }
 
-void Service::changePassword(const Request &request, const std::string &address, Answer answer)
+void Service::changePassword(const Request &request, const std::string &address, const Answer &answer)
 {
     const auto who = m_callers.who(request);
     if (const auto *refusal = std::get_if<Response>(&who))
         return answer(*refusal);
     if (!request.hasBody)
         return answer(lengthRequired());
-    m_logins.changePassword(std::get<Caller>(who).user, request.body, address, std::move(answer));
+    m_logins.changePassword(std::get<Caller>(who).user, request.body, address, answer);
 }
 
 /// No server keeps tokens, so the client forgets its own; what is left to do is the line.
-void Service::logout(const Request &request, const std::string &address, Answer answer)
+void Service::logout(const Request &request, const std::string &address, const Answer &answer)
 {
     const auto who = m_callers.who(request);
     if (const auto *refusal = std::get_if<Response>(&who))
@@ -59,7 +61,7 @@ void Service::logout(const Request &request, const std::string &address, Answer 
     answer(done());
 }
 
-void Service::me(const Request &request, const std::string &, Answer answer)
+void Service::me(const Request &request, const std::string &, const Answer &answer)
 {
     const auto who = m_callers.who(request);
     if (const auto *refusal = std::get_if<Response>(&who))
@@ -69,7 +71,7 @@ void Service::me(const Request &request, const std::string &, Answer answer)
 }
 
 /// What a client has to tell for the audit log.
-void Service::takeReport(const Request &request, const std::string &address, Answer answer)
+void Service::takeReport(const Request &request, const std::string &address, const Answer &answer)
 {
     const auto admitted = m_callers.admitted(request);
     if (const auto *refusal = std::get_if<Response>(&admitted))
@@ -98,7 +100,7 @@ bool Service::mayReport(const std::string &user)
     return ++m_reports[user] <= mostReports;
 }
 
-void Service::time(const Request &request, const std::string &, Answer answer)
+void Service::time(const Request &request, const std::string &, const Answer &answer)
 {
     const auto admitted = m_callers.admitted(request);
     if (const auto *refusal = std::get_if<Response>(&admitted))

@@ -6,6 +6,8 @@
 #include "platform/grid/grid_filter.h"
 #include "platform/report/chart_window.h"
 
+#include <algorithm>
+
 using namespace client;
 using namespace platform;
 

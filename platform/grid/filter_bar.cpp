@@ -9,6 +9,8 @@
 #include <QLineEdit>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace platform {
 
 namespace {

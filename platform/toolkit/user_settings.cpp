@@ -28,8 +28,8 @@ void keepUserSetting(const QString &key, const QVariant &value)
         settings.remove(key);
     settings.sync();
     if (settings.status() != QSettings::NoError)
-        Application->messageLater(
-            QStringLiteral("设置没有保存，下次启动时仍是原来的。请检查文件“%1”的权限和磁盘空间。").arg(QDir::toNativeSeparators(fileName())),
+        Application->messageLater(QStringLiteral("设置没有保存，下次启动时仍是原来的。请检查文件“%1”的权限和磁盘空间。")
+                                      .arg(QDir::toNativeSeparators(fileName())),
             QStringLiteral("设置"), mbOk | mbIconWarning);
 }
 

@@ -3,6 +3,7 @@
 #include "server/base/log.h"
 #include "server/base/text.h"
 
+#include <algorithm>
 #include <stdexcept>
 #include <utility>
 

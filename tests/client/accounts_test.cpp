@@ -20,7 +20,10 @@
 #include <QPushButton>
 #include <QTimer>
 
+#include <algorithm>
 #include <deque>
+#include <functional>
+#include <memory>
 
 using namespace client;
 using namespace platform;

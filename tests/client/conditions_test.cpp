@@ -21,6 +21,8 @@
 #include <QPlainTextEdit>
 #include <QTimer>
 
+#include <functional>
+
 using namespace client;
 using namespace platform;
 

@@ -10,6 +10,8 @@
 #include <QSignalSpy>
 #include <QToolButton>
 
+#include <algorithm>
+
 namespace {
 
 using ::testing::ElementsAre;

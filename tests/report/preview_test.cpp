@@ -28,6 +28,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <memory>
 
 using namespace platform;
 using namespace report;

@@ -31,8 +31,7 @@ TEST(StartUp, EveryScreenOpensUnderTheCaptionOfItsMenu)
     ClientProcess client;
     for (const ScreenGroup &group : screenGroups) {
         for (const ScreenItem &screen : group.screens) {
-            const QJsonObject reply
-                = client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(screen.name + u"111") } });
+            const QJsonObject reply = client.obey(QStringLiteral("open"), { { QStringLiteral("screen"), QString(screen.name + u"111") } });
             EXPECT_EQ(reply[u"form"].toString(), screen.name);
             EXPECT_EQ(reply[u"caption"].toString(), screen.caption);
         }

@@ -24,6 +24,9 @@
 #include <QPlainTextEdit>
 #include <QTest>
 
+#include <algorithm>
+#include <functional>
+#include <memory>
 #include <set>
 
 using namespace client;

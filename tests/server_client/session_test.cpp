@@ -10,6 +10,7 @@
 #include <boost/asio/ip/tcp.hpp>
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <atomic>
 #include <fstream>
 #include <limits>

@@ -3,6 +3,7 @@
 
 #include "tests/simulation/simulation.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
