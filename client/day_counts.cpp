@@ -114,7 +114,7 @@ void DayCounter::start(const QList<DayCount> &counts)
 
 void DayCounter::stop() { m_thread.request_stop(); }
 
-void DayCounter::ask(std::stop_token stop, int index, const std::string &statement)
+void DayCounter::ask(const std::stop_token &stop, int index, const std::string &statement)
 try {
     const packet::PacketPtr answer = m_channel->run(statement, stop, [](std::int64_t) {});
     if (stop.stop_requested())

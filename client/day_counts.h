@@ -39,7 +39,7 @@ Q_SIGNALS:
     void failed(int index, const QString &reason);
 
 private:
-    void ask(std::stop_token stop, int index, const std::string &statement);
+    void ask(const std::stop_token &stop, int index, const std::string &statement);
 
     std::shared_ptr<platform::StatementChannel> m_channel;
     std::jthread m_thread;

@@ -4,6 +4,7 @@
 
 #include <QObject>
 
+class QAction;
 class QMenu;
 class TForm;
 
