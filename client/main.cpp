@@ -35,12 +35,13 @@ void useOffscreenWithoutDisplay()
 #endif
 }
 
-/// The off-screen display tells of every window what it cannot do with it, which is nothing that anybody has to read.
+/// The off-screen display tells of every window what it cannot do with it, and the toolkit which folder it takes where a session has
+/// none: nothing that anybody has to read.
 void silenceOffscreen()
 {
     static QtMessageHandler previous = nullptr;
     previous = qInstallMessageHandler([](QtMsgType type, const QMessageLogContext &context, const QString &message) {
-        if (!message.startsWith(u"This plugin does not support "))
+        if (!message.startsWith(u"This plugin does not support ") && !message.startsWith(u"QStandardPaths: XDG_RUNTIME_DIR not set"))
             previous(type, context, message);
     });
 }
