@@ -60,7 +60,8 @@ void MainWindow::compareWith(const PinnedResult &pinned)
     if (!m_grid->dataSet() || !m_grid->dataSet()->active())
         throw Exception(QStringLiteral("没有可以比较的结果，请先查询。"));
     const auto *shown = qobject_cast<const PinnedResult *>(activeForm());
-    const auto nameOf = [](const PinnedResult &result) -> QString { return result.time().toString(QStringLiteral("MM-dd HH:mm:ss")) + u" 的结果"; };
+    const auto nameOf
+        = [](const PinnedResult &result) -> QString { return result.time().toString(QStringLiteral("MM-dd HH:mm:ss")) + u" 的结果"; };
     const ComparedResult kept { *pinned.resultGrid, nameOf(pinned) };
     const ComparedResult current { *m_grid, shown ? nameOf(*shown) : QStringLiteral("现在的结果") };
     const bool isOlder = shown && shown->time() < pinned.time();
