@@ -118,8 +118,10 @@ void AuditLog::run()
 {
     std::unique_lock lock(m_mutex);
     while (true) {
-        m_isAsleep = true;
-        m_changed.wait(lock, [this] { return mustHurry() || !m_waiting.empty(); });
+        while (!mustHurry() && m_waiting.empty()) {
+            m_isAsleep = true; // each time: what woke us may have been written by another thread since
+            m_changed.wait(lock);
+        }
         m_isAsleep = false;
         m_changed.wait_for(lock, collectTime, [this] { return mustHurry(); });
         m_settled.wait(lock, [this] { return !m_isWriting; });

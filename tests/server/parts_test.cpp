@@ -200,6 +200,19 @@ TEST(Accept, PrefersWhatTheClientPrefers)
     EXPECT_FALSE(acceptedFormat(",;,q=;="));
 }
 
+TEST(AuditLog, WritesALineThatNobodyWaitsForAfterOneThatSomebodyDid)
+{
+    const TemporaryFolder folder;
+    AuditLog log(folder / "audit.log");
+    for (int round = 0; round < 5; ++round) {
+        const std::string name = "later" + std::to_string(round);
+        log.settle(log.add(AuditLine("query").add("user", "now")));
+        std::this_thread::sleep_for(20ms); // the log's thread has found nothing left to write
+        log.add(AuditLine("result").add("user", name));
+        EXPECT_TRUE(becomesTrue([&] { return contentOf(folder / "audit.log").find(name) != std::string::npos; })) << round;
+    }
+}
+
 #ifndef _WIN32
 namespace {
 
