@@ -58,14 +58,15 @@ void DialectWriter::writeTable(const gate::Annotation &annotation, const gate::R
     replace(annotation, std::move(text));
 }
 
-void DialectWriter::writeValue(const gate::Annotation &annotation, const gate::Reading &reading)
+void DialectWriter::writeValue(const gate::Annotation &annotation)
 {
+    const Reader &reader = m_reading->reader;
     if (annotation.construct == Construct::OwnSite)
-        return replace(annotation, reading.reader.site());
+        return replace(annotation, reader.site());
     if (annotation.construct == Construct::Employee)
-        return replace(annotation, reading.reader.employee());
+        return replace(annotation, reader.employee());
     std::string list = "(";
-    for (const std::string &sites : reading.reader.sites())
+    for (const std::string &sites : reader.sites())
         list.append(list.size() > 1 ? "," : "").append(sites);
     replace(annotation, list + ")");
 }
@@ -95,6 +96,10 @@ void DialectWriter::writeCommon(const gate::Annotation &annotation)
         return replace(annotation, "1=1");
     case Construct::LimitedBlock:
         return close(annotation.end, " limit " + std::to_string(annotation.limit));
+    case Construct::SiteList:
+    case Construct::OwnSite:
+    case Construct::Employee:
+        return writeValue(annotation);
     case Construct::Rownum:
         throw Error(Failure::Refused,
             "语句被拒绝：rownum 只能以“and rownum<=n”的形式用于没有 group by、distinct 和汇总函数的查询，请把它移到外层的子查询");

@@ -7,10 +7,11 @@ namespace engine {
 /// Gathers what is to be changed in a statement and then writes it out.
 class DialectWriter {
 public:
-    /// `helpers` stands before the name of every helper function.
-    DialectWriter(std::string_view sql, std::string_view helpers)
+    /// `helpers` stands before the name of every helper function; `reading` is null where no rules of tables apply.
+    DialectWriter(std::string_view sql, std::string_view helpers, const gate::Reading *reading)
         : m_sql(sql)
         , m_helpers(helpers)
+        , m_reading(reading)
     {
     }
 
@@ -30,7 +31,7 @@ public:
     void writeTable(const gate::Annotation &annotation, const gate::RowRule &rule, const std::string &table, std::string_view last,
         const std::string &condition);
     /// A value of the reader's.
-    void writeValue(const gate::Annotation &annotation, const gate::Reading &reading);
+    void writeValue(const gate::Annotation &annotation);
     /// What every database but Oracle has to be told in the same way. Throws Error(Refused) for a use of rownum that none
     /// can express.
     void writeCommon(const gate::Annotation &annotation);
@@ -57,6 +58,7 @@ private:
 
     std::string_view m_sql;
     std::string_view m_helpers;
+    const gate::Reading *m_reading;
     std::vector<Edit> m_edits;
 };
 

@@ -11,7 +11,7 @@ using gate::Construct;
 void writeSites(DialectWriter &writer, std::string_view sql, const gate::Annotation &annotation, const gate::Reading &reading)
 {
     if (reading.reader.sites().size() == 1)
-        return writer.writeValue(annotation, reading);
+        return writer.writeValue(annotation);
     const auto test = std::size_t(annotation.limit);
     const std::string_view before = sql.substr(test, annotation.begin - test);
     std::string lists;
@@ -41,14 +41,14 @@ std::string oracleText(std::string_view sql, const std::vector<gate::Annotation>
 {
     if (!reading)
         return std::string(sql);
-    DialectWriter writer(sql, "");
+    DialectWriter writer(sql, "", reading);
     for (const gate::Annotation &annotation : annotations) {
         if (annotation.construct == Construct::RuledTable)
             writeTable(writer, annotation, *reading);
         else if (annotation.construct == Construct::SiteList)
             writeSites(writer, sql, annotation, *reading);
         else if (annotation.construct == Construct::OwnSite || annotation.construct == Construct::Employee)
-            writer.writeValue(annotation, *reading);
+            writer.writeValue(annotation);
     }
     return writer.text();
 }

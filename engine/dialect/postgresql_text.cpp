@@ -62,10 +62,6 @@ void write(DialectWriter &writer, const gate::Annotation &annotation, const gate
         return writer.wrap(annotation, "select * from (", " limit " + std::to_string(annotation.limit) + ") as limited");
     case Construct::RuledTable:
         return writeTable(writer, annotation, *reading);
-    case Construct::SiteList:
-    case Construct::OwnSite:
-    case Construct::Employee:
-        return writer.writeValue(annotation, *reading);
     default:
         // Nulls lie where Oracle puts them; a scalar subquery with a second row is an error here too.
         return writer.writeCommon(annotation);
@@ -77,7 +73,7 @@ void write(DialectWriter &writer, const gate::Annotation &annotation, const gate
 std::string postgresqlText(
     std::string_view sql, const std::vector<gate::Annotation> &annotations, std::int64_t rowLimit, const gate::Reading *reading)
 {
-    DialectWriter writer(sql, "kelvara.");
+    DialectWriter writer(sql, "kelvara.", reading);
     for (const gate::Annotation &annotation : annotations)
         write(writer, annotation, reading);
     if (rowLimit == std::numeric_limits<std::int64_t>::max())

@@ -56,10 +56,6 @@ void write(DialectWriter &writer, const gate::Annotation &annotation, const gate
         return writer.wrap(annotation, "select * from (", " limit " + std::to_string(annotation.limit) + ")");
     case Construct::RuledTable:
         return writeTable(writer, annotation, *reading);
-    case Construct::SiteList:
-    case Construct::OwnSite:
-    case Construct::Employee:
-        return writer.writeValue(annotation, *reading);
     default:
         return writer.writeCommon(annotation);
     }
@@ -69,7 +65,7 @@ void write(DialectWriter &writer, const gate::Annotation &annotation, const gate
 
 std::string sqliteText(std::string_view sql, const std::vector<gate::Annotation> &annotations, const gate::Reading *reading)
 {
-    DialectWriter writer(sql, "");
+    DialectWriter writer(sql, "", reading);
     for (const gate::Annotation &annotation : annotations)
         write(writer, annotation, reading);
     return writer.text();
