@@ -47,4 +47,16 @@ inline constexpr ScreenGroup screenGroups[] = {
     { u"费用报表(&R)", reportScreens },
 };
 
+/// Null for a screen that the menus do not offer.
+constexpr const ScreenItem *screenItem(QStringView name)
+{
+    for (const ScreenGroup &group : screenGroups) {
+        for (const ScreenItem &item : group.screens) {
+            if (item.name == name)
+                return &item;
+        }
+    }
+    return nullptr;
+}
+
 } // namespace client

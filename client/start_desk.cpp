@@ -17,17 +17,6 @@ const QString recent = QStringLiteral("start.recent");
 const QString counts = QStringLiteral("start.counts");
 const QString off = QStringLiteral("off");
 
-bool isListed(const QString &screen)
-{
-    for (const ScreenGroup &group : screenGroups) {
-        for (const ScreenItem &item : group.screens) {
-            if (item.name == screen)
-                return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 StartDesk::StartDesk(
@@ -71,7 +60,7 @@ QStringList StartDesk::kept(const QString &name)
 
 void StartDesk::remember(const QString &screen)
 {
-    if (!isListed(screen))
+    if (!screenItem(screen))
         return;
     QStringList screens = kept(recent);
     screens.removeAll(screen);

@@ -47,17 +47,6 @@ bool hasAny(const ScreenGroup &group, const Login &login)
         group.screens, [&login](const ScreenItem &screen) { return !login.rightsTo(screen.name.toString()).isEmpty(); });
 }
 
-QString captionOf(const QString &screen)
-{
-    for (const ScreenGroup &group : screenGroups) {
-        for (const ScreenItem &item : group.screens) {
-            if (item.name == screen)
-                return item.caption.toString();
-        }
-    }
-    return {};
-}
-
 } // namespace
 
 StartPage::StartPage(const Login &login)
@@ -120,9 +109,9 @@ void StartPage::showRow(QLabel *label, const QString &heading, const QStringList
 {
     QStringList links;
     for (const QString &screen : screens) {
-        const QString caption = m_login.rightsTo(screen).isEmpty() ? QString() : captionOf(screen);
-        if (!caption.isEmpty())
-            links.append(link(screen, caption));
+        const ScreenItem *item = screenItem(screen);
+        if (item && !m_login.rightsTo(screen).isEmpty())
+            links.append(link(screen, item->caption.toString()));
     }
     label->setText(u"<b>" + heading + u"</b>" + gap + links.join(gap));
     label->setVisible(!links.isEmpty());
