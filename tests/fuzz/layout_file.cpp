@@ -3,9 +3,9 @@
 #include "plugin/view/layout_file.h"
 #include "plugin/view/frame_DataView.h"
 #include "plugin/view/layout_storage.h"
+#include "tests/fuzz/application.h"
 #include "tests/fuzz/require.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -77,12 +77,7 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    // Texts are measured with the fonts of an application.
-    static int argc = 1;
-    static char name[] = "fuzz";
-    static char *argv[] = { name, nullptr };
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static const QApplication application(argc, argv);
+    needApplication();
     static Screen screen;
     screen.load({ reinterpret_cast<const char *>(data), qsizetype(size) });
     screen.check();

@@ -7,8 +7,7 @@
 #include "platform/report/layout/bar_code.h"
 #include "platform/report/layout/chart.h"
 #include "platform/report/layout/prepared_report.h"
-
-#include <QApplication>
+#include "tests/fuzz/application.h"
 
 namespace {
 
@@ -32,12 +31,7 @@ void fill(TCustomClientDataSet &rows)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    // Texts are measured with the fonts of an application.
-    static int argc = 1;
-    static char name[] = "fuzz";
-    static char *argv[] = { name, nullptr };
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    static const QApplication application(argc, argv);
+    needApplication();
     static TCustomClientDataSet rows;
     static report::BarCodeObject barCodes;
     static report::ChartObject charts;
