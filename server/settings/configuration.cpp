@@ -1,7 +1,8 @@
 #include "server/settings/configuration.h"
 
 #include "engine/gate/gate.h"
-#include "server/base/text.h"
+#include "options/centre_settings.h"
+#include "options/text.h"
 #include "server/users/token.h"
 
 #include <algorithm>
@@ -9,29 +10,18 @@
 #include <fstream>
 #include <functional>
 #include <map>
-#include <set>
 #include <span>
 #include <sstream>
 
 namespace server {
 
 namespace fs = std::filesystem;
+using options::listOf;
+using options::Secret;
+using options::trimmed;
+using options::Unfit;
 
 namespace {
-
-std::vector<std::string> listOf(std::string_view text)
-{
-    std::vector<std::string> items;
-    while (!text.empty())
-        if (const auto item = nextPart(text, ','); !item.empty())
-            items.emplace_back(item);
-    return items;
-}
-
-/// Thrown by a key's reader; says what the value should be.
-struct Unfit {
-    std::string wanted;
-};
 
 std::int64_t wholeNumber(std::string_view text, std::int64_t low, std::int64_t high)
 {
@@ -41,11 +31,6 @@ std::int64_t wholeNumber(std::string_view text, std::int64_t low, std::int64_t h
         throw Unfit { "从 " + std::to_string(low) + " 到 " + std::to_string(high) + " 的整数" };
     return number;
 }
-
-/// Likewise, but the value must not be shown.
-struct Secret {
-    std::string wanted;
-};
 
 /// What is read into, and where relative paths begin.
 struct Target {
@@ -107,6 +92,15 @@ void setUrl(const Target &target, std::string_view text)
     target.database().url = text;
 }
 
+/// Numbers with dots between them.
+void setSmallestClient(const Target &target, std::string_view text)
+{
+    const bool isFit = std::ranges::all_of(text, [](char letter) { return letter == '.' || (letter >= '0' && letter <= '9'); });
+    if (!isFit || text.front() == '.' || text.back() == '.' || text.find("..") != text.npos)
+        throw Unfit { "版本号，如 1.2.0" };
+    target.configuration.clients.smallestVersion = text;
+}
+
 constexpr std::int64_t day = 24 * 3600;
 constexpr std::int64_t millisecond = 1000; ///< in a second
 constexpr std::int64_t mebibyte = 1 << 20;
@@ -121,6 +115,7 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
     { "audit_log", path(&Configuration::auditLog) },
     { "trusted_proxies", [](const Target &target, std::string_view text) { target.configuration.trustedProxies = listOf(text); } },
     { "monitors", [](const Target &target, std::string_view text) { target.configuration.monitors = listOf(text); } },
+    { "smallest_client", setSmallestClient },
     { "login_queue", number(&Configuration::loginQueue, 1, 10'000) },
     { "io_threads", number(&Configuration::ioThreads, 1, 64) },
     { "connections", number(&Configuration::connections, 1, 1'000'000) },
@@ -166,42 +161,30 @@ const Section serverSection { serverKeys, "不存在" };
 const Section databaseSection { databaseKeys, "不属于数据库小节" };
 const Section accountsSection { accountsKeys, "不属于 [accounts] 小节" };
 
-class Parser {
+class Parser : public options::SettingsReader {
 public:
     Parser(const std::string &name, const fs::path &directory)
-        : m_name(name)
+        : SettingsReader(name)
         , m_directory(directory)
     {
     }
 
     Configuration run(std::string_view text)
     {
-        while (!text.empty()) {
-            const std::size_t end = std::min(text.find('\n'), text.size());
-            ++m_line;
-            readLine(trimmed(text.substr(0, end)));
-            text.remove_prefix(std::min(end + 1, text.size()));
-        }
+        readLines(text);
         finishSection();
         checkComplete();
         return std::move(m_configuration);
     }
 
 private:
-    void readLine(std::string_view line)
+    void beginSection(std::string_view line) override
     {
-        if (line.empty() || line.front() == '#')
-            return;
         if (line == "[accounts]")
-            return beginAccounts();
-        if (line.front() == '[')
-            return beginDatabase(line);
-        if (acceptRule(line))
-            return;
-        const std::size_t equals = line.find('=');
-        if (equals == std::string_view::npos)
-            fail("不是“键 = 值”，也不是“[database 名称]”或“[accounts]”，请改正或在行首加 #");
-        setKey(trimmed(line.substr(0, equals)), trimmed(line.substr(equals + 1)));
+            beginAccounts();
+        else
+            beginDatabase(line);
+        forgetKeys();
     }
 
     void beginAccounts()
@@ -211,7 +194,6 @@ private:
             fail("小节“[accounts]”已经写过一次，请合在一处");
         m_hasAccounts = true;
         m_section = &accountsSection;
-        m_keys.clear();
     }
 
     void beginDatabase(std::string_view line)
@@ -227,15 +209,18 @@ private:
                 fail("数据库“" + std::string(name) + "”已经写过一次，请换一个名称");
         m_configuration.databases.push_back({ std::string(name), {} });
         m_section = &databaseSection;
-        m_keys.clear();
     }
 
-    /// "rows TABLE = condition" or "hide TABLE.COLUMN, ...".
-    bool acceptRule(std::string_view line)
+    /// "rows TABLE = condition", "hide TABLE.COLUMN, ..." or "client_setting KEY = VALUE".
+    bool takeOther(std::string_view line) override
     {
         const std::size_t blank = std::min(line.find_first_of(" \t"), line.size());
         const std::string_view kind = line.substr(0, blank);
         const std::string_view rest = trimmed(line.substr(blank));
+        if (kind == "client_setting") {
+            addClientSetting(rest);
+            return true;
+        }
         const bool isRows = kind == "rows" && !rest.empty() && rest.front() != '=';
         if (!isRows && kind != "hide")
             return false;
@@ -246,6 +231,29 @@ private:
         else
             addHidden(rest);
         return true;
+    }
+
+    void addClientSetting(std::string_view text)
+    {
+        const std::size_t equals = std::min(text.find('='), text.size());
+        const auto key = trimmed(text.substr(0, equals));
+        const auto value = trimmed(text.substr(std::min(equals + 1, text.size())));
+        if (m_section != &serverSection)
+            fail("“client_setting”要写在第一个小节之前");
+        if (key.empty() || value.empty())
+            fail("下发给客户端的设置应写作“client_setting 键 = 值”，如 client_setting text_size = 115");
+        if (!options::isCentreSetting(key))
+            fail("客户端的设置“" + std::string(key) + "”不能下发，可以下发的是 " + centreSettingNames());
+        if (!m_configuration.clients.settings.emplace(key, value).second)
+            fail("客户端的设置“" + std::string(key) + "”写了两次，请删去一处");
+    }
+
+    static std::string centreSettingNames()
+    {
+        std::string names;
+        for (const std::string_view key : options::centreSettings)
+            names += (names.empty() ? "" : "、") + std::string(key);
+        return names;
     }
 
     void addRows(std::string_view text)
@@ -278,30 +286,20 @@ private:
 
     void addRule(engine::TableRule rule)
     {
-        rule.place = "配置文件 " + m_name + " 第 " + std::to_string(m_line) + " 行";
+        rule.place = place();
         m_configuration.databases.back().rules.push_back(std::move(rule));
     }
 
-    void setKey(std::string_view key, std::string_view value)
+    bool take(std::string_view key, std::string_view value) override
     {
-        // A line that is no key at all may be an address with a password.
-        const bool isPlain = key.find_first_of(":/@ ") == key.npos;
-        const std::string quoted = isPlain ? "键“" + std::string(key) + "”" : "等号前面的键";
         const auto setter = m_section->keys.find(key);
         if (setter == m_section->keys.end())
-            fail(quoted + std::string(m_section->fault) + "，请检查拼写和位置");
-        if (!m_keys.insert(std::string(key)).second)
-            fail(quoted + "写了两次，请删去一处");
-        if (value.empty())
-            fail(quoted + "没有值，请在等号后面写上");
-        try {
-            setter->second({ m_configuration, m_directory }, value);
-        } catch (const Unfit &unfit) {
-            fail(quoted + "的值“" + std::string(value) + "”不能用，应是" + unfit.wanted);
-        } catch (const Secret &secret) {
-            fail(quoted + "的值不能用，应写作 " + secret.wanted);
-        }
+            return false;
+        setter->second({ m_configuration, m_directory }, value);
+        return true;
     }
+    std::string_view unknown() const override { return m_section->fault; }
+    std::string_view forms() const override { return "“键 = 值”，也不是“[database 名称]”或“[accounts]”"; }
 
     void finishSection()
     {
@@ -337,17 +335,9 @@ private:
             fail("小节“[accounts]”中的数据库“" + name + "”没有小节");
     }
 
-    [[noreturn]] void fail(const std::string &reason) const
-    {
-        throw ConfigurationError("配置文件 " + m_name + " 第 " + std::to_string(m_line) + " 行：" + reason);
-    }
-
-    const std::string &m_name;
     const fs::path &m_directory;
-    int m_line = 0;
     const Section *m_section = &serverSection;
     bool m_hasAccounts = false;
-    std::set<std::string, std::less<>> m_keys; ///< of the section at hand
     Configuration m_configuration;
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "options/settings_reader.h"
 #include "server/base/system.h"
 #include "server/statements/database_configuration.h"
 
@@ -7,7 +8,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
-#include <stdexcept>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,12 @@ struct AccountsConfiguration {
     std::chrono::milliseconds stale = std::chrono::seconds(60); ///< how long the last answer serves while there is no newer one
 };
 
+/// What the server tells its clients with each login.
+struct ClientConfiguration {
+    std::string smallestVersion {}; ///< a client that is older must not go on; empty: none is too old
+    std::map<std::string, std::string> settings {}; ///< for what the user's own file does not say
+};
+
 /// Everything that a server is told. The file's keys have the same names with underscores.
 struct Configuration {
     std::string address = "0.0.0.0";
@@ -32,6 +39,7 @@ struct Configuration {
     AccountsConfiguration accounts {};
     std::filesystem::path tokenKeyFile {};
     std::string tokenKey {}; ///< the file's text
+    ClientConfiguration clients {};
     std::filesystem::path auditLog {}; ///< empty: none
     std::vector<std::string> trustedProxies {}; ///< whose X-Forwarded-For is believed
     std::vector<std::string> monitors {}; ///< who may see numbers and names of databases without a token, beside this machine
@@ -56,11 +64,7 @@ struct Configuration {
     std::function<std::int64_t()> clock = secondsNow; ///< by which tokens end; no key of the file
 };
 
-/// what() names the file, the line and the key, and says what to write.
-class ConfigurationError : public std::runtime_error {
-public:
-    using std::runtime_error::runtime_error;
-};
+using ConfigurationError = options::SettingsError;
 
 /// Reads the text of a configuration file and no other file. `name` is for the messages; relative paths are taken from `directory`.
 /// Throws ConfigurationError.

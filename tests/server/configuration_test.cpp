@@ -86,6 +86,10 @@ TEST_F(ConfigurationTest, ErrorsNameLineAndKey)
         { "listen = 8866", "“地址:端口”" },
         { "listen = 0.0.0.0:99999", "从 0 到 65535 的整数" },
         { "nonsense", "不是“键 = 值”" },
+        { "smallest_client = new", "键“smallest_client”的值“new”不能用，应是版本号" },
+        { "client_setting plugins = /x", "客户端的设置“plugins”不能下发，可以下发的是 compress、" },
+        { "client_setting theme", "“client_setting 键 = 值”" },
+        { "client_setting theme = dark\nclient_setting theme = light", "第 2 行：客户端的设置“theme”写了两次" },
         { "[databas x]", "小节“[databas x]”无法识别" },
         { "[database ]", "无法识别" },
         { "[database main]\nurl = sqlite:x\n[database main]", "第 3 行：数据库“main”已经写过一次" },
@@ -124,6 +128,7 @@ TEST_F(ConfigurationTest, TheInstalledFileIsRight)
     const std::size_t path = text.find("/etc/kelvara/token.key");
     text.replace(path, std::string("/etc/kelvara/").size(), "");
     const Configuration read = parse(text);
+    EXPECT_EQ(read.clients.settings.at("text_size"), "115");
     const Configuration standard;
     EXPECT_EQ(read.tokenLife, standard.tokenLife);
     EXPECT_EQ(read.idleTime, standard.idleTime);
