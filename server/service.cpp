@@ -21,6 +21,14 @@ AuditLine auditLineOf(std::string_view event, const StatementRequest &request, c
 
 Response stopping() { return errorResponse(503, "stopping", "服务器正在停机，请稍候再试或换一台服务器"); }
 
+std::string clientJson(const ClientConfiguration &clients)
+{
+    std::string settings;
+    for (const auto &[key, value] : clients.settings)
+        settings += (settings.empty() ? "" : ",") + jsonText(key) + ":" + jsonText(value);
+    return "{\"smallest_version\":" + jsonText(clients.smallestVersion) + ",\"settings\":{" + settings + "}}";
+}
+
 Response plainText(int status, std::string text)
 {
     return { .status = status, .body = std::move(text), .contentType = "text/plain; charset=utf-8" };
@@ -68,7 +76,8 @@ Service::Service(const Configuration &configuration)
     , m_callers(m_key, *m_accounts)
     , m_auditLog(configuration.auditLog)
     , m_asking({ .workers = 1, .waiting = 1000, .userRunning = 1, .userWaiting = 1000 })
-    , m_logins(*m_accounts, m_key, configuration.tokenLife, configuration.loginQueue, m_metrics, m_auditLog)
+    , m_logins(
+          *m_accounts, m_key, configuration.tokenLife, configuration.loginQueue, clientJson(configuration.clients), m_metrics, m_auditLog)
 {
     for (const DatabaseConfiguration &database : configuration.databases)
         m_databases.push_back(std::make_unique<Database>(database));

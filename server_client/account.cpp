@@ -17,6 +17,10 @@ try {
         account.employeeCode = employee->value("code", "");
         account.employeeName = employee->value("name", "");
     }
+    if (const auto client = object.find("client"); client != object.end()) {
+        account.smallestClient = client->value("smallest_version", "");
+        account.settings = client->value("settings", account.settings);
+    }
     if (const auto sites = object.find("sites"); sites != object.end() && *sites != "*")
         account.sites = sites->get<std::vector<std::string>>();
     return account;

@@ -18,6 +18,8 @@ struct Account {
     std::optional<std::vector<std::string>> sites {}; ///< that the user may ask for; nothing: all
     std::map<std::string, std::string, std::less<>> screens { { "*", "111" } }; ///< with their rights; "*": those that are not named
     bool mustChangePassword = false; ///< before anything else is answered
+    std::string smallestClient {}; ///< an older one must not go on; empty: none is too old
+    std::map<std::string, std::string> settings {}; ///< for what the user's own file does not say
 
     /// Reads the answer to a login. Nothing unless it is an object of JSON with such members.
     static std::optional<Account> parse(const std::string &json);

@@ -284,7 +284,7 @@ try {
             .body = statement,
             .headers = { { "Authorization", header }, { "Accept", "application/vnd.apache.arrow.stream" },
                 { "Content-Type", "application/sql; charset=utf-8" } } };
-        if (m_options.compressed)
+        if (m_isCompressed)
             request.headers.emplace_back("X-Kelvara-Compression", "lz4");
         return call(server, request, delivery, stop, [&](int, std::span<const std::byte> bytes) {
             if ((received += bytes.size()) > m_options.mostBytes)

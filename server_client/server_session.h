@@ -4,6 +4,7 @@
 #include "server_client/account.h"
 #include "server_client/server_connection.h"
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -44,6 +45,8 @@ public:
     /// Runs exactly one SELECT. A statement whose connection is lost before anything of its result has come is sent once more, to the
     /// next server that answers. Throws Error.
     packet::PacketPtr query(const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress);
+    /// Whether the servers are asked to compress from now on.
+    void setCompressed(bool compressed) { m_isCompressed = compressed; }
     /// The servers' clock, in seconds since 1970 of their own time zone.
     std::int64_t serverTime();
 
@@ -67,6 +70,7 @@ private:
     void tell(const std::string &address);
 
     const SessionOptions m_options;
+    std::atomic<bool> m_isCompressed { m_options.compressed };
     const Watch m_watch;
     const std::shared_ptr<const Trust> m_trust;
     std::mutex m_mutex; ///< for what follows

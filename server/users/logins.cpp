@@ -5,6 +5,8 @@
 #include "server/base/log.h"
 #include "server/users/password.h"
 
+#include <utility>
+
 namespace server {
 
 namespace {
@@ -32,11 +34,12 @@ const std::string &nobodysHash()
 
 } // namespace
 
-Logins::Logins(
-    Accounts &accounts, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, Metrics &metrics, AuditLog &auditLog)
+Logins::Logins(Accounts &accounts, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, std::string clientJson,
+    Metrics &metrics, AuditLog &auditLog)
     : m_accounts(accounts)
     , m_key(key)
     , m_tokenLife(tokenLife)
+    , m_clientJson(std::move(clientJson))
     , m_metrics(metrics)
     , m_auditLog(auditLog)
     , m_pool({ threads, waiting, threads, (waiting + 1) / 2 })
@@ -157,8 +160,8 @@ Response Logins::tokenFor(const std::string &user, const LiveAccount &account) c
 {
     const std::int64_t expires = m_key.now() + m_tokenLife.count();
     const std::string token = m_key.sign({ user, expires, account.generation });
-    return { .body
-        = "{\"token\":" + jsonText(token) + ",\"expires\":" + std::to_string(expires) + "," + accountJson(user, account.account) + "}\n" };
+    return { .body = "{\"token\":" + jsonText(token) + ",\"expires\":" + std::to_string(expires) + "," + accountJson(user, account.account)
+            + ",\"client\":" + m_clientJson + "}\n" };
 }
 
 } // namespace server
