@@ -3,10 +3,14 @@
 #include "platform/toolkit/application.h"
 
 #include <QDir>
+#include <QMap>
 #include <QSettings>
 
 namespace platform {
 namespace {
+
+/// By what they are good for.
+QMap<Offer, QVariantMap> offers;
 
 QString fileName() { return Application->settingsDirectory() + QStringLiteral("/kelvara-client.ini"); }
 
@@ -14,11 +18,23 @@ QString fileName() { return Application->settingsDirectory() + QStringLiteral("/
 
 QVariant userSetting(const QString &key, const QVariant &otherwise)
 {
-    return QSettings(fileName(), QSettings::IniFormat).value(key, otherwise);
+    const QVariant wanted = offers[Offer::WhateverWasChosen].value(key);
+    if (wanted.isValid())
+        return wanted;
+    return QSettings(fileName(), QSettings::IniFormat).value(key, offers[Offer::WhileNothingIsChosen].value(key, otherwise));
+}
+
+void offerUserSetting(const QString &key, const QVariant &value, Offer offer)
+{
+    if (value.isValid())
+        offers[offer].insert(key, value);
+    else
+        offers[offer].remove(key);
 }
 
 void keepUserSetting(const QString &key, const QVariant &value)
 {
+    offers[Offer::WhateverWasChosen].remove(key);
     QSettings settings(fileName(), QSettings::IniFormat);
     if (settings.value(key) == value)
         return;

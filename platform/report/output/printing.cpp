@@ -81,8 +81,8 @@ bool printReport(PreparedReport &report, QWidget *parent)
     QPrinter printer(QPrinter::HighResolution);
     setReportPaper(printer, report);
     printer.setDocName(report.title());
-    const QString key = QStringLiteral("printer/") + report.title();
-    if (const QString kept = userSetting(key).toString(); QPrinterInfo::availablePrinterNames().contains(kept))
+    const QString key = printerSetting + u'/' + report.title();
+    if (const QString kept = userSetting(key, userSetting(printerSetting)).toString(); QPrinterInfo::availablePrinterNames().contains(kept))
         printer.setPrinterName(kept);
     QPrintDialog dialog(&printer, parent);
     dialog.setWindowTitle(QStringLiteral("打印"));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <functional>
 
 class QPrinter;
@@ -8,6 +10,9 @@ class QWidget;
 namespace report {
 
 class PreparedReport;
+
+/// The user setting with the printer for reports that no printer has taken yet.
+inline const QString printerSetting = QStringLiteral("printer");
 
 /// Lets the user choose printer and pages and prints them, showing progress with Cancel. Proposes the printer that took a report of this
 /// title last. False when the user cancels the choice.
