@@ -13,6 +13,7 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QThreadPool>
+#include <QVersionNumber>
 
 #include <atomic>
 #include <chrono>
@@ -45,6 +46,15 @@ std::vector<server_client::ServerAddress> addressesOf(const QStringList &texts)
     for (const QString &text : texts)
         addresses.push_back(server_client::ServerAddress::parse(text.toStdString()));
     return addresses;
+}
+
+void refuseOldProgram(const server_client::Account &account)
+{
+    const QString wanted = QString::fromStdString(account.smallestClient);
+    const QString here = QCoreApplication::applicationVersion();
+    if (!wanted.isEmpty() && QVersionNumber::fromString(here) < QVersionNumber::fromString(wanted))
+        throw Exception(QStringLiteral("请升级到 %1：中心要求客户端不低于这个版本，本机的是 %2。请向管理员索取新的安装包，安装后再登录。")
+                            .arg(wanted, here));
 }
 
 } // namespace
@@ -138,6 +148,7 @@ void Connections::enter(const QString &caption, const std::shared_ptr<Secrets> &
             throw Exception(QString::fromUtf8(exception.what()));
         }
     });
+    refuseOldProgram(secrets->account);
     m_user = QString::fromStdString(secrets->user);
     m_account = secrets->account;
     if (m_account->user.empty())
@@ -167,6 +178,12 @@ void Connections::logInAgain(const SessionEnded &ended)
         throw ended;
     const QScopedValueRollback asking(m_isAsking, true);
     m_askAgain(ended.message());
+}
+
+void Connections::setCompressed(bool compressed)
+{
+    for (const auto &session : m_sessions)
+        session->setCompressed(compressed);
 }
 
 void Connections::logout()

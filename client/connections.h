@@ -31,10 +31,13 @@ public:
     static std::unique_ptr<Connections> prepareServers(const Options &options);
 
     /// Logs in at the servers and sets the clock by theirs, off the interface thread. Remembers no password. Whoever must change it first
-    /// is not in yet, see account(). Throws Exception that says why not, and Abort when the user cancels.
+    /// is not in yet, see account(). Throws Exception that says why not, a program that the servers find too old included, and Abort when
+    /// the user cancels.
     void login(const QString &user, const QString &password);
     /// Gives whoever is logged in another password. Throws like login().
     void changePassword(const QString &before, const QString &after);
+    /// Whether the servers are asked to compress from now on.
+    void setCompressed(bool compressed);
     /// Tells the servers that the user goes; takes two seconds at most.
     void logout();
     /// For the audit log; does not wait.

@@ -14,6 +14,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 
 using namespace platform;
 
@@ -40,19 +41,19 @@ void showRefusal(QLabel *label, const QString &reason)
 
 LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget *parent)
     : QDialog(parent)
-    , m_connections(connections)
+    , m_connections(&connections)
+    , m_place(plainLabel(connections.place(), this))
     , m_user(new QLineEdit(user, this))
     , m_password(new QLineEdit(this))
     , m_refusal(refusalLabel(this))
 {
     setWindowTitle(QStringLiteral("登录"));
     m_password->setEchoMode(QLineEdit::Password);
-    auto *const place = plainLabel(connections.place(), this);
     auto *const buttons = new QDialogButtonBox(this);
     m_login = buttons->addButton(QStringLiteral("登录"), QDialogButtonBox::AcceptRole);
     m_leave = buttons->addButton(QStringLiteral("退出"), QDialogButtonBox::RejectRole);
     m_form = new QFormLayout(this);
-    m_form->addRow(QStringLiteral("服务器"), place);
+    m_form->addRow(QStringLiteral("服务器"), m_place);
     m_form->addRow(QStringLiteral("用户"), m_user);
     m_form->addRow(QStringLiteral("密码"), m_password);
     m_form->addRow(m_refusal);
@@ -66,17 +67,47 @@ LoginDialog::LoginDialog(Connections &connections, const QString &user, QWidget 
     (user.isEmpty() ? m_user : m_password)->setFocus();
 }
 
-void LoginDialog::updateButton() { m_login->setEnabled(!m_user->text().trimmed().isEmpty() && !m_password->text().isEmpty()); }
+void LoginDialog::updateButton()
+{
+    const bool hasServer = !m_servers || !m_servers->text().trimmed().isEmpty();
+    m_login->setEnabled(hasServer && !m_user->text().trimmed().isEmpty() && !m_password->text().isEmpty());
+}
+
+void LoginDialog::offerServers(Prepare prepare)
+{
+    m_prepare = std::move(prepare);
+    m_servers = new QLineEdit(m_connections->place(), this);
+    m_servers->setPlaceholderText(QStringLiteral("中心给的地址，如 https://center:8866"));
+    m_form->setRowVisible(m_place, false);
+    m_form->insertRow(0, QStringLiteral("服务器"), m_servers);
+    setTabOrder(m_servers, m_user);
+    handle(m_servers, &QLineEdit::textChanged, this, &LoginDialog::updateButton);
+    if (m_servers->text().isEmpty())
+        m_servers->setFocus();
+    updateButton();
+}
+
+/// Other servers than before get connections of their own.
+void LoginDialog::takeServers()
+{
+    if (!m_servers || m_servers->text().trimmed() == m_connections->place())
+        return;
+    static const QRegularExpression separators(QStringLiteral("[,，、;；\\s]+"));
+    m_named = m_prepare(m_servers->text().split(separators, Qt::SkipEmptyParts));
+    m_connections = m_named.get();
+}
 
 void LoginDialog::useKeyring(const Keyring &keyring)
 {
-    constexpr int rowBelowPassword = 3;
+    int row = 0;
+    QFormLayout::ItemRole role {};
+    m_form->getWidgetPosition(m_password, &row, &role);
     m_keyring = keyring;
     m_keeps = new QCheckBox(QStringLiteral("记住密码（保存在系统的密钥环中）"), this);
-    m_form->insertRow(rowBelowPassword, QString(), m_keeps);
+    m_form->insertRow(row + 1, QString(), m_keeps);
     if (m_user->text().isEmpty())
         return;
-    m_password->setText(keyring.password(m_connections.place(), m_user->text()));
+    m_password->setText(keyring.password(m_connections->place(), m_user->text()));
     m_keeps->setChecked(!m_password->text().isEmpty());
 }
 
@@ -85,9 +116,9 @@ void LoginDialog::keepPassword(const QString &password)
     if (!m_keeps)
         return;
     if (m_keeps->isChecked())
-        m_keyring->remember(m_connections.place(), m_connections.user(), password);
+        m_keyring->remember(m_connections->place(), m_connections->user(), password);
     else
-        m_keyring->forget(m_connections.place(), m_connections.user());
+        m_keyring->forget(m_connections->place(), m_connections->user());
 }
 
 void LoginDialog::askAgain(const QString &why)
@@ -111,10 +142,11 @@ void LoginDialog::tryLogin()
     if (!mayCloseScreens())
         return;
     try {
-        m_connections.login(m_user->text().trimmed(), m_password->text());
-        if (!m_connections.account()->mustChangePassword)
+        takeServers();
+        m_connections->login(m_user->text().trimmed(), m_password->text());
+        if (!m_connections->account()->mustChangePassword)
             keepPassword(m_password->text());
-        else if (PasswordDialog(m_connections, m_password->text(), this).exec() != Accepted)
+        else if (PasswordDialog(*m_connections, m_password->text(), this).exec() != Accepted)
             throw Exception(QStringLiteral("须先修改密码，才能继续使用。"));
         m_password->clear();
         accept();

@@ -4,6 +4,9 @@
 
 #include <QDialog>
 
+#include <functional>
+#include <memory>
+
 class QCheckBox;
 class QFormLayout;
 class QLabel;
@@ -19,8 +22,8 @@ QLabel *refusalLabel(QWidget *parent);
 /// Shows the reason, and makes room for it in the dialog around.
 void showRefusal(QLabel *label, const QString &reason);
 
-/// Asks who logs in at the servers, and stays open until they let the person in or the person gives up. A person who must change the
-/// password is asked for the new one as well.
+/// Asks who logs in, and at which servers where none are known, and stays open until they let the person in or the person gives up. A
+/// person who must change the password is asked for the new one as well.
 class LoginDialog : public QDialog {
     Q_OBJECT
 
@@ -28,6 +31,11 @@ public:
     LoginDialog(Connections &connections, const QString &user, QWidget *parent = nullptr);
     /// Offers to keep the password there, and takes the one that is kept.
     void useKeyring(const Keyring &keyring);
+    /// Lets the person name the servers; `prepare` makes the connections to those that were not there before, or throws Exception.
+    using Prepare = std::function<std::shared_ptr<Connections>(const QStringList &servers)>;
+    void offerServers(Prepare prepare);
+    /// Those to the servers that the person has named; null when nothing else was named.
+    const std::shared_ptr<Connections> &namedConnections() const { return m_named; }
     /// For a login over screens that `user` has opened: says why, and asks before somebody else logs in, which closes them.
     void askAgain(const QString &why);
 
@@ -36,8 +44,13 @@ private:
     bool mayCloseScreens();
     void keepPassword(const QString &password);
     void updateButton();
+    void takeServers();
 
-    Connections &m_connections;
+    Connections *m_connections; ///< never null
+    std::shared_ptr<Connections> m_named;
+    Prepare m_prepare;
+    QLabel *m_place;
+    QLineEdit *m_servers = nullptr; ///< null: they cannot be changed
     QLineEdit *m_user;
     QLineEdit *m_password;
     QLabel *m_refusal;

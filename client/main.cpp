@@ -5,11 +5,16 @@
 #include "client/login_dialog.h"
 #include "client/main_window.h"
 #include "client/options.h"
+#include "client/settings_files.h"
+#include "client/site_dialog.h"
 #include "client/theme.h"
+#include "options/settings_reader.h"
+#include "platform/report/output/printing.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/clock.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/long_work.h"
+#include "platform/toolkit/user_settings.h"
 
 #include <QApplication>
 #include <QDir>
@@ -57,44 +62,120 @@ void reportFailure(const QString &message, bool automated)
         Application->messageBox(message, QApplication::applicationDisplayName(), mbIconError);
 }
 
-/// False when the person who is asked to log in gives up.
-bool logIn(Connections &connections, const Options &options)
+/// Whether the servers are those that the shared files or the command line name, and not the person's own choice.
+bool serversAreGiven(const QStringList &arguments)
 {
-    if (const auto password = givenPassword(options)) {
-        connections.login(options.user, *password);
-        if (connections.account()->mustChangePassword)
-            throw Exception(QStringLiteral("首次登录须先修改密码，请不带密码启动一次，在窗口中修改。"));
-        return true;
-    }
-    if (options.automation)
-        throw Exception(QStringLiteral("自动方式登录服务器需要密码，请用 --password-file 或环境变量 KELVARA_PASSWORD 给出。"));
-    LoginDialog dialog(connections, options.user.isEmpty() ? rememberedUser() : options.user);
+    SettingsSources sources = usualSettings();
+    sources.own.clear();
+    return !readOptions(arguments, sources).servers.isEmpty();
+}
+
+void keepServers(const QStringList &servers)
+try {
+    keepOwnSetting(QStringLiteral("server"), servers.join(QStringLiteral(", ")));
+} catch (const Exception &exception) {
+    Application->messageLater(QStringLiteral("服务器的地址没有记住，下次登录时请再填一次。") + exception.message(),
+        QApplication::applicationDisplayName(), mbIconWarning);
+}
+
+/// Null when the person who is asked to log in gives up. Whoever names servers finds them again the next time.
+std::shared_ptr<Connections> askToLogIn(std::shared_ptr<Connections> connections, const QStringList &arguments, const Options &options)
+{
+    LoginDialog dialog(*connections, options.user.isEmpty() ? rememberedUser() : options.user);
     if (const auto keyring = Keyring::find())
         dialog.useKeyring(*keyring);
+    QStringList named;
+    if (!serversAreGiven(arguments))
+        dialog.offerServers([&](const QStringList &servers) {
+            Options others = options;
+            others.servers = named = servers;
+            return Connections::prepareServers(others);
+        });
     if (dialog.exec() != QDialog::Accepted)
-        return false;
-    rememberUser(connections.user());
-    return true;
+        return nullptr;
+    if (dialog.namedConnections())
+        connections = dialog.namedConnections();
+    rememberUser(connections->user());
+    if (!named.isEmpty())
+        keepServers(named);
+    return connections;
 }
 
 /// Null when the person who is asked to log in gives up.
-std::shared_ptr<Connections> connect(const Options &options)
+std::shared_ptr<Connections> connectToServers(const QStringList &arguments, const Options &options)
 {
-    if (options.servers.isEmpty() == options.database.isEmpty())
-        throw Exception(QStringLiteral("请用 --database sqlite:文件 或 --server https://主机:端口 之一启动。"));
-    if (options.servers.isEmpty())
-        return Connections::openDatabase(options);
-    std::shared_ptr<Connections> connections = Connections::prepareServers(options);
-    return logIn(*connections, options) ? connections : nullptr;
+    std::shared_ptr<Connections> connections
+        = options.servers.isEmpty() ? std::make_shared<Connections>() : Connections::prepareServers(options);
+    const auto password = options.servers.isEmpty() ? std::nullopt : givenPassword(options);
+    if (password) {
+        connections->login(options.user, *password);
+        if (connections->account()->mustChangePassword)
+            throw Exception(QStringLiteral("首次登录须先修改密码，请不带密码启动一次，在窗口中修改。"));
+        return connections;
+    }
+    if (options.automation && !options.servers.isEmpty())
+        throw Exception(QStringLiteral("自动方式登录服务器需要密码，请用 --password-file 或环境变量 KELVARA_PASSWORD 给出。"));
+    if (options.automation || QApplication::platformName() == u"offscreen")
+        throw Exception(QStringLiteral("没有显示器，登录窗口无法显示。请用 --server https://主机:端口 和 --password-file 文件，"
+                                       "或 --database sqlite:文件 启动。"));
+    return askToLogIn(std::move(connections), arguments, options);
 }
 
-void useSettings(const QString &directory)
+/// Null when the person who is asked to log in gives up.
+std::shared_ptr<Connections> connect(const QStringList &arguments, const Options &options)
 {
-    if (directory.isEmpty())
+    if (!options.servers.isEmpty() && !options.database.isEmpty())
+        throw Exception(QStringLiteral("--database 和 --server 只能给出一个，请去掉另一个。"));
+    return options.database.isEmpty() ? connectToServers(arguments, options) : Connections::openDatabase(options);
+}
+
+/// Whoever logged in at a window also says there at which site; false when the person gives up.
+bool askSite(const Connections &connections, Options &options)
+{
+    if (!connections.account() || !options.loginSite.isEmpty() || options.automation || givenPassword(options))
+        return true;
+    const QStringList sites = sitesToChoose(connections);
+    if (sites.isEmpty())
+        return true;
+    SiteDialog dialog(sites, connections.user());
+    const bool isChosen = dialog.exec() == QDialog::Accepted;
+    options.loginSite = dialog.site();
+    return isChosen;
+}
+
+void offerPreferences(const Options &options)
+{
+    const auto printer
+        = [](const Preferences &preferences) { return preferences.printer.isEmpty() ? QVariant() : QVariant(preferences.printer); };
+    offerUserSetting(report::printerSetting, printer(options.offered));
+    offerUserSetting(report::printerSetting, printer(options.wanted), Offer::WhateverWasChosen);
+    offerAppearance(options);
+    applyAppearance(keptAppearance());
+}
+
+/// What the centre says holds for what the person's own file does not say.
+void useCentreSettings(const QStringList &arguments, Connections &connections, Options &options)
+try {
+    if (!connections.account())
         return;
-    if (!QDir().mkpath(directory))
+    SettingsSources sources = usualSettings();
+    sources.centre = connections.account()->settings;
+    const Options told = readOptions(arguments, sources);
+    options.offered = told.offered;
+    connections.setCompressed(told.compressed);
+    offerPreferences(options);
+} catch (const std::exception &exception) {
+    Application->messageLater(QStringLiteral("中心下发的设置不能用，已略过。请告诉管理员：") + exceptionMessage(exception),
+        QApplication::applicationDisplayName(), mbIconWarning);
+}
+
+void useSettings(const Options &options)
+{
+    const QString directory = options.settingsDirectory.isEmpty() ? usualSettingsDirectory() : options.settingsDirectory;
+    if (!QDir().mkpath(directory) && !options.settingsDirectory.isEmpty())
         throw Exception(QStringLiteral("无法建立设置目录“%1”，请用 --settings 指定可以写入的目录。").arg(directory));
     Application->setSettingsDirectory(directory);
+    offerPreferences(options);
 }
 
 /// Runs the window of the user who is logged in, until it is closed or somebody else logs in.
@@ -116,7 +197,21 @@ int runWindow(const Options &options, const std::shared_ptr<Connections> &connec
     return result;
 }
 
-int runClient(Options options)
+/// Until the window is closed: whoever logs in over it as somebody else gets another one.
+int runWindows(const QStringList &arguments, Options options, const std::shared_ptr<Connections> &connections)
+{
+    while (true) {
+        useCentreSettings(arguments, *connections, options);
+        if (!askSite(*connections, options))
+            return succeeded;
+        if (const int result = runWindow(options, connections); result != MainWindow::anotherUser)
+            return result;
+        rememberUser(connections->user());
+        options.loginSite.clear(); // it was for the user before
+    }
+}
+
+int runClient(const QStringList &arguments, const Options &options)
 {
     Clock::set(options.now);
     try {
@@ -124,23 +219,26 @@ int runClient(Options options)
             writeGuide(options.guideFolder);
             return succeeded;
         }
-        useSettings(options.settingsDirectory);
-        applyAppearance(keptAppearance());
-        const std::shared_ptr<Connections> connections = connect(options);
+        useSettings(options);
+        const std::shared_ptr<Connections> connections = connect(arguments, options);
         if (!connections)
             return succeeded;
-        int result = runWindow(options, connections);
-        while (result == MainWindow::anotherUser) {
-            options.loginSite.clear(); // it was for the user before
-            rememberUser(connections->user());
-            result = runWindow(options, connections);
-        }
+        const int result = runWindows(arguments, options, connections);
         connections->logout();
         return result;
     } catch (const std::exception &exception) {
         reportFailure(exceptionMessage(exception), options.automation);
         return failed;
     }
+}
+
+/// What is told without a window; empty: nothing was asked.
+QString answerAtOnce(const Options &options)
+{
+    return options.help         ? optionsHelp()
+        : options.version       ? QStringLiteral("kelvara-client " KELVARA_VERSION "\n")
+        : options.printSettings ? settingsSample()
+                                : QString();
 }
 
 } // namespace
@@ -152,19 +250,24 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvara 查询系统"));
     QApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
+    const QStringList arguments = QApplication::arguments().mid(1);
     Options options;
     try {
-        options = readOptions(QApplication::arguments().mid(1));
+        options = readOptions(arguments, usualSettings());
+    } catch (const options::SettingsError &error) {
+        // Whoever starts the client by a click sees no error stream.
+        reportFailure(QString::fromUtf8(error.what()), false);
+        return wrongOptions;
     } catch (const std::exception &exception) {
         std::fprintf(stderr, "%s\n", exception.what());
         return wrongOptions;
     }
-    if (options.help || options.version) {
-        std::fputs(options.help ? optionsHelp().toUtf8().constData() : "kelvara-client " KELVARA_VERSION "\n", stdout);
+    if (const QString text = answerAtOnce(options); !text.isEmpty()) {
+        std::fputs(text.toUtf8().constData(), stdout);
         return succeeded;
     }
     applyTheme();
-    const int result = runClient(options);
+    const int result = runClient(arguments, options);
     waitForAbandonedWork();
     return result;
 }

@@ -1,6 +1,7 @@
 #include "client/theme.h"
 
 #include "client/icons.h"
+#include "client/options.h"
 #include "client/toolkit_texts.h"
 #include "platform/grid/grid_colors.h"
 #include "platform/grid/grid_zoom.h"
@@ -100,6 +101,18 @@ void applyAppearance(const Appearance &appearance)
     QApplication::setPalette(palette);
     setFont(appearance.textPercent);
     platform::setTextScale(appearance.textPercent);
+}
+
+void offerAppearance(const Options &options)
+{
+    const auto offer = [](const Preferences &preferences, Offer kind) {
+        static const QMap<QString, Tone> tones { { QStringLiteral("system"), Tone::System }, { QStringLiteral("light"), Tone::Light },
+            { QStringLiteral("dark"), Tone::Dark } };
+        offerUserSetting(toneSetting, tones.contains(preferences.tone) ? QVariant(int(tones[preferences.tone])) : QVariant(), kind);
+        offerUserSetting(textSetting, preferences.textPercent > 0 ? QVariant(preferences.textPercent) : QVariant(), kind);
+    };
+    offer(options.offered, Offer::WhileNothingIsChosen);
+    offer(options.wanted, Offer::WhateverWasChosen);
 }
 
 Appearance keptAppearance()

@@ -15,6 +15,9 @@ struct Appearance {
 void applyTheme();
 /// Changes every window at once.
 void applyAppearance(const Appearance &appearance);
+struct Options;
+/// Takes what files of settings and the command line say of the look; a person's choice overrides the files.
+void offerAppearance(const Options &options);
 /// What the person chose last; keepAppearance() keeps a choice.
 Appearance keptAppearance();
 void keepAppearance(const Appearance &appearance);

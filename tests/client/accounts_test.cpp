@@ -3,7 +3,9 @@
 #include "client/connections.h"
 #include "client/login_dialog.h"
 #include "client/main_window.h"
+#include "client/options.h"
 #include "client/password_dialog.h"
+#include "client/site_dialog.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 #include "platform/toolkit/long_work.h"
@@ -18,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <algorithm>
@@ -90,12 +93,17 @@ protected:
         m_options.servers.append(QStringLiteral("https://127.0.0.1:%1").arg(m_server.port()));
         m_options.serverCertificate = QString::fromStdString(m_server.configuration().certificate.string());
         m_options.pluginDirectory = QStringLiteral(HOST_PLUGIN_DIRECTORY);
+        Application->setSettingsDirectory(m_settings.path());
         Application->setMessageResponder([this](const MessageRequest &request) {
             m_messages.append(request.text);
             return m_answer;
         });
     }
-    ~AccountsTest() override { Application->setMessageResponder({}); }
+    ~AccountsTest() override
+    {
+        Application->setMessageResponder({});
+        Application->setSettingsDirectory(Application->directory());
+    }
 
     void user(const std::string &command, const std::vector<std::string> &fields, const std::string &secret = {})
     {
@@ -155,6 +163,7 @@ protected:
 
     engine::test::TemporaryDatabase m_database;
     TestServer m_server;
+    const QTemporaryDir m_settings;
     Options m_options;
     std::shared_ptr<Connections> m_connections;
     QStringList m_messages;
@@ -246,6 +255,66 @@ TEST_F(AccountsTest, SomebodyElseIsAskedBeforeTheScreensAreClosed)
     QTimer::singleShot(0, window.get(), [&] { EXPECT_THROW(ask(*window), Abort); });
     EXPECT_EQ(QApplication::exec(), MainWindow::anotherUser);
     EXPECT_EQ(m_connections->user(), QStringLiteral("bob"));
+}
+
+TEST_F(AccountsTest, APersonNamesTheServersAndChoosesOneOfTheSites)
+{
+    user("set", { "sites=上海,O'Neill" });
+    waitUntil("上海");
+    Connections none;
+    LoginDialog dialog(none, {});
+    dialog.offerServers([this](const QStringList &servers) {
+        Options options = m_options;
+        options.servers = servers;
+        return Connections::prepareServers(options);
+    });
+    const QString address = m_options.servers.first();
+    const QString password = QString::fromUtf8(server::test::password);
+    PersonAtDialogs person;
+    person.expect<LoginDialog>({ QStringLiteral("ann"), password, QStringLiteral("https://127.0.0.1:1") }, QStringLiteral("登录"));
+    person.expect<LoginDialog>({ QStringLiteral("ann"), password, address }, QStringLiteral("登录"), QStringLiteral("127.0.0.1:1"));
+    ASSERT_EQ(dialog.exec(), int(QDialog::Accepted));
+    ASSERT_TRUE(dialog.namedConnections());
+    EXPECT_EQ(dialog.namedConnections()->place(), address);
+
+    const QStringList sites = sitesToChoose(*dialog.namedConnections());
+    EXPECT_EQ(sites, (QStringList { QStringLiteral("上海"), QStringLiteral("O'Neill") }));
+    SiteDialog choice(sites, QStringLiteral("ann"));
+    person.expect<SiteDialog>({ QStringLiteral("O'Neill") }, QStringLiteral("进入"));
+    EXPECT_EQ(choice.exec(), int(QDialog::Accepted));
+    EXPECT_EQ(choice.site(), QStringLiteral("O'Neill"));
+    EXPECT_EQ(SiteDialog(sites, QStringLiteral("ann")).site(), QStringLiteral("O'Neill")) << "as the last time";
+    EXPECT_EQ(SiteDialog(sites, QStringLiteral("bob")).site(), QStringLiteral("上海"));
+
+    user("set", { "sites=*", "row_rules=off" });
+    waitUntil("\"sites\":\"*\"");
+    dialog.namedConnections()->login(QStringLiteral("ann"), password);
+    EXPECT_TRUE(sitesToChoose(*dialog.namedConnections()).contains(QStringLiteral("北京"))) << "all that the server has";
+    user("set", { "site=北京" });
+    waitUntil("\"site\":\"北京\"");
+    dialog.namedConnections()->login(QStringLiteral("ann"), password);
+    EXPECT_TRUE(sitesToChoose(*dialog.namedConnections()).isEmpty()) << "the account has one of its own";
+}
+
+TEST_F(AccountsTest, TheCentreHandsSettingsOutAndRefusesOldClients)
+{
+    const TestServer server([this](server::Configuration &configuration) {
+        configuration.databases.front().url = m_database.url();
+        configuration.clients = { .smallestVersion = "1.10.0", .settings = { { "theme", "dark" } } };
+    });
+    m_options.servers = { QStringLiteral("https://127.0.0.1:%1").arg(server.port()) };
+    m_options.serverCertificate = QString::fromStdString(server.configuration().certificate.string());
+    const auto connections = Connections::prepareServers(m_options);
+    const auto login = [&] { connections->login(QStringLiteral("ann"), QString::fromUtf8(server::test::password)); };
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.9.2"));
+    const QString refusal = failureOf(login);
+    EXPECT_TRUE(refusal.contains(QStringLiteral("请升级到 1.10.0"))) << refusal.toStdString();
+    EXPECT_TRUE(refusal.contains(QStringLiteral("1.9.2")));
+    EXPECT_FALSE(connections->account()) << "it is not let in";
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.10.0"));
+    EXPECT_EQ(failureOf(login), QString());
+    EXPECT_EQ(connections->account()->settings.at("theme"), "dark");
+    QCoreApplication::setApplicationVersion({});
 }
 
 TEST_F(AccountsTest, TheFirstLoginAsksForANewPassword)

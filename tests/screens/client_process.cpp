@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QFile>
 #include <QJsonDocument>
 
 namespace {
@@ -42,8 +43,11 @@ ClientProcess::ClientProcess(const QStringList &options, const QProcessEnvironme
 {
     m_process.setProcessEnvironment(environment);
     m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    QStringList arguments { QStringLiteral("--automation"), QStringLiteral("--settings"), m_settings.path(), QStringLiteral("--now"),
-        now() };
+    // What stands in this computer's files of settings is nothing to the test.
+    const QString noSettings = m_settings.filePath(QStringLiteral("kelvara-client.conf"));
+    EXPECT_TRUE(QFile(noSettings).open(QIODevice::WriteOnly));
+    QStringList arguments { QStringLiteral("--automation"), QStringLiteral("--config"), noSettings, QStringLiteral("--settings"),
+        m_settings.path(), QStringLiteral("--now"), now() };
     if (!options.contains(QStringLiteral("--database")) && !options.contains(QStringLiteral("--server")))
         arguments << QStringLiteral("--database") << QString(u"sqlite:" + database());
     m_process.start(program("kelvara-client"), arguments + options);
