@@ -3,15 +3,17 @@
 include(GNUInstallDirs)
 set(program_folder lib/kelvara)
 
-# Configuration is the system's when the programs are.
-foreach(component client server)
-    install(CODE [[
-        if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
-            set(etc etc)
-        else()
-            set(etc "${CMAKE_INSTALL_PREFIX}/etc")
-        endif()]] COMPONENT ${component})
-endforeach()
+# Configuration is the system's when the programs are; else the server is told where it lies, and the client finds it beside itself.
+install(CODE [[
+    set(etc etc)
+    if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        set(etc "${CMAKE_INSTALL_PREFIX}/etc")
+    endif()]] COMPONENT server)
+install(CODE [[
+    set(client_settings etc/kelvara)
+    if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+        set(client_settings "${CMAKE_INSTALL_PREFIX}/lib/kelvara")
+    endif()]] COMPONENT client)
 
 # kelvara_text(file program command...): a file that a program writes, as it knows best what its options are.
 set(texts_folder ${PROJECT_BINARY_DIR}/installed)
@@ -34,8 +36,8 @@ install(FILES docs/安装手册.md docs/automation.md docs/report-files.md
 install(TARGETS kelvara-server kelvara-demo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT server)
 install(FILES docs/安装手册.md docs/operations.md docs/databases.md demo/schema.sql
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kelvara-server COMPONENT server)
-install(FILES server/kelvara-server.conf DESTINATION "/\${etc}/kelvara" COMPONENT server)
 if(WIN32)
+    install(FILES server/kelvara-server.conf DESTINATION etc/kelvara COMPONENT server)
     return()
 endif()
 
@@ -49,6 +51,7 @@ install(FILES packaging/desktop/kelvara-client.svg DESTINATION ${CMAKE_INSTALL_D
 string(TIMESTAMP KELVARA_RELEASE_DATE "%Y-%m-%d")
 configure_file(packaging/desktop/kelvara-client.metainfo.xml ${texts_folder}/io.github.kelvara.client.metainfo.xml @ONLY)
 install(FILES ${texts_folder}/io.github.kelvara.client.metainfo.xml DESTINATION ${CMAKE_INSTALL_DATADIR}/metainfo COMPONENT client)
+install(FILES server/kelvara-server.conf DESTINATION "/\${etc}/kelvara" COMPONENT server)
 install(FILES packaging/kelvara-server.service DESTINATION lib/systemd/system COMPONENT server)
 install(FILES packaging/kelvara-server.logrotate DESTINATION "/\${etc}/logrotate.d" RENAME kelvara-server COMPONENT server)
 
@@ -74,6 +77,6 @@ kelvara_text(kelvara-client.conf kelvara-client
 kelvara_text(使用手册.pdf kelvara-client
     sh -c "QT_QPA_PLATFORM=offscreen '$<TARGET_FILE:kelvara-client>' --config /dev/null --settings . --write-guide .")
 install(FILES ${texts_folder}/使用手册.pdf DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kelvara-client COMPONENT client)
-install(FILES ${texts_folder}/kelvara-client.conf DESTINATION "/\${etc}/kelvara" COMPONENT client)
+install(FILES ${texts_folder}/kelvara-client.conf DESTINATION "/\${client_settings}" COMPONENT client)
 get_property(texts GLOBAL PROPERTY KELVARA_TEXTS)
 add_custom_target(installed_texts ALL DEPENDS ${texts})
