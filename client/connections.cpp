@@ -25,6 +25,8 @@ using namespace platform;
 namespace client {
 namespace {
 
+constexpr auto restartTime = std::chrono::seconds(8); ///< of a server, the rest of its waiting for others included
+
 /// The system's certificates and the one that the options name, as PEM.
 std::vector<std::string> authorities(const QString &file)
 {
@@ -102,9 +104,10 @@ std::shared_ptr<server_client::ServerSession> Connections::session(const QString
         };
         QMetaObject::invokeMethod(qApp, tell, Qt::QueuedConnection);
     };
-    const server_client::SessionOptions settings {
-        .addresses = addressesOf(addresses), .authorities = authorities(options.serverCertificate), .compressed = options.compressed
-    };
+    const server_client::SessionOptions settings { .addresses = addressesOf(addresses),
+        .authorities = authorities(options.serverCertificate),
+        .compressed = options.compressed,
+        .patience = restartTime };
     return m_sessions.emplace_back(std::make_shared<server_client::ServerSession>(settings, watch));
 }
 

@@ -15,6 +15,7 @@ namespace {
 enum Status { ok = 200, unauthorized = 401, tooMany = 429, unavailable = 503 };
 
 constexpr int mostWaits = 30; ///< seconds, about
+constexpr auto pause = std::chrono::milliseconds(200); ///< between two rounds of asking servers that cannot be reached
 constexpr std::size_t largestReply = 64 * 1024; ///< of what is no result
 
 /// A text of a JSON object; nothing when there is none.
@@ -89,8 +90,9 @@ ServerSession::~ServerSession() = default;
 
 /// One server is asked twice, several are asked in a ring until the first comes again.
 template <class Ask>
-auto ServerSession::withServer(Delivery &delivery, const Ask &ask)
+auto ServerSession::withServer(Delivery &delivery, const Ask &ask, std::chrono::milliseconds patience)
 {
+    const auto end = std::chrono::steady_clock::now() + patience;
     for (std::size_t tries = 0;; ++tries) {
         std::size_t server = 0;
         {
@@ -104,9 +106,12 @@ auto ServerSession::withServer(Delivery &delivery, const Ask &ask)
         } catch (const Error &error) {
             if (error.failure() != Failure::Unreachable)
                 throw;
-            if (tries == m_options.addresses.size()) {
-                tell({});
-                throw;
+            if (tries >= m_options.addresses.size()) {
+                if (!delivery.mayRepeat() || std::chrono::steady_clock::now() >= end) {
+                    tell({});
+                    throw;
+                }
+                std::this_thread::sleep_for(pause);
             }
             {
                 const std::lock_guard lock(m_mutex);
@@ -198,7 +203,8 @@ packet::PacketPtr ServerSession::query(
     const std::string &statement, const std::stop_token &stop, const std::function<void(std::int64_t)> &progress)
 {
     Delivery delivery;
-    return withServer(delivery, [&](std::size_t server) { return queryAt(server, statement, delivery, stop, progress); });
+    return withServer(
+        delivery, [&](std::size_t server) { return queryAt(server, statement, delivery, stop, progress); }, m_options.patience);
 }
 
 std::int64_t ServerSession::serverTime()

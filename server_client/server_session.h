@@ -16,6 +16,7 @@ struct SessionOptions {
     std::vector<std::string> authorities {}; ///< PEM
     bool compressed = false; ///< for slow lines
     Timeouts timeouts {};
+    std::chrono::milliseconds patience {}; ///< how long a statement waits for servers of which none answers: one may be starting again
     std::size_t mostRows = 2'000'000; ///< of one result, whatever the server sends
     std::uint64_t mostBytes = std::uint64_t(2) << 30;
 };
@@ -55,9 +56,10 @@ private:
         int status = 0;
         std::string text {}; ///< of an error, or of a small reply
     };
-    /// Sends a request to the server at hand, and to the others in turn while they cannot be reached and it may be repeated.
+    /// Sends a request to the server at hand, and to the others in turn while they cannot be reached and it may be repeated. When none
+    /// could be reached it begins again, until its patience ends.
     template <class Ask>
-    auto withServer(Delivery &delivery, const Ask &ask);
+    auto withServer(Delivery &delivery, const Ask &ask, std::chrono::milliseconds patience = {});
     Answer call(std::size_t server, const Request &request, Delivery &delivery, const std::stop_token &stop,
         const ServerConnection::Receive &receiveRows);
     Answer callPatiently(std::size_t server, const Request &request, Delivery &delivery);

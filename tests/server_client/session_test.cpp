@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <atomic>
 #include <fstream>
+#include <future>
 #include <limits>
 #include <memory>
 #include <random>
@@ -400,4 +401,22 @@ TEST(Session, TellsWhenNoServerAnswersAndWhenOneDoesAgain)
     server.reset();
     EXPECT_EQ(failureOf([&] { run(session, fewRows); })->failure(), Failure::Unreachable);
     EXPECT_EQ(told, (std::vector<std::string> { options.addresses[0].text(), "" }));
+}
+
+TEST(Session, AStatementWaitsForTheOnlyServerToStartAgain)
+{
+    const TestServer files; // certificate, users and token key stay
+    server::Configuration configuration = files.configuration();
+    auto server = std::make_unique<server::Server>(configuration);
+    configuration.port = server->port();
+    auto options = optionsFor(files, { configuration.port });
+    options.patience = 1min;
+    ServerSession session(options);
+    session.login("ann", server::test::password);
+    server->stop();
+    auto rows = std::async([&] { return run(session, fewRows)->rowCount(); });
+    EXPECT_EQ(rows.wait_for(300ms), std::future_status::timeout) << "it refuses, and nobody else is there";
+    server.reset();
+    const server::Server again(configuration);
+    EXPECT_EQ(rows.get(), 1000U);
 }
