@@ -10,8 +10,6 @@
 #include <QFile>
 #include <QPointer>
 #include <QScopedValueRollback>
-#include <QSslCertificate>
-#include <QSslConfiguration>
 #include <QThreadPool>
 #include <QVersionNumber>
 
@@ -27,19 +25,15 @@ namespace {
 
 constexpr auto restartTime = std::chrono::seconds(8); ///< of a server, the rest of its waiting for others included
 
-/// The system's certificates and the one that the options name, as PEM.
+/// The certificate that the options name, as PEM.
 std::vector<std::string> authorities(const QString &file)
 {
-    std::vector<std::string> authorities;
-    if (!file.isEmpty()) {
-        QFile certificate(file);
-        if (!certificate.open(QIODevice::ReadOnly))
-            throw Exception(QStringLiteral("证书文件“%1”打不开：").arg(file) + certificate.errorString() + u"。");
-        authorities.push_back(certificate.readAll().toStdString());
-    }
-    for (const QSslCertificate &certificate : QSslConfiguration::systemCaCertificates())
-        authorities.push_back(certificate.toPem().toStdString());
-    return authorities;
+    if (file.isEmpty())
+        return {};
+    QFile certificate(file);
+    if (!certificate.open(QIODevice::ReadOnly))
+        throw Exception(QStringLiteral("证书文件“%1”打不开：").arg(file) + certificate.errorString() + u"。");
+    return { certificate.readAll().toStdString() };
 }
 
 std::vector<server_client::ServerAddress> addressesOf(const QStringList &texts)

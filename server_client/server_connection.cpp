@@ -1,6 +1,7 @@
 #include "server_client/server_connection.h"
 
 #include "server_client/account.h"
+#include "server_client/system_trust.h"
 
 #include <boost/asio/connect.hpp>
 #include <boost/asio/io_context.hpp>
@@ -48,6 +49,7 @@ Trust::Trust(const std::vector<std::string> &authorities)
     tls.set_options(net::ssl::context::default_workarounds | net::ssl::context::no_sslv2 | net::ssl::context::no_sslv3
         | net::ssl::context::no_tlsv1 | net::ssl::context::no_tlsv1_1);
     tls.set_verify_mode(net::ssl::verify_peer);
+    trustSystem(SSL_CTX_get_cert_store(tls.native_handle()));
     for (const std::string &authority : authorities) {
         error_code error;
         tls.add_certificate_authority(net::buffer(authority), error);

@@ -13,10 +13,10 @@
 
 namespace server_client {
 
-/// By which certificates servers are known. Shared by connections.
+/// By which certificates servers are known: those of the system's authorities and of others. Shared by connections.
 class Trust {
 public:
-    /// `authorities` are certificates in PEM; a server's own will do. Throws Error(Certificate) when one cannot be read.
+    /// `authorities` are the others, certificates in PEM; a server's own will do. Throws Error(Certificate) when one cannot be read.
     explicit Trust(const std::vector<std::string> &authorities);
     ~Trust();
 

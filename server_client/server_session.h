@@ -13,7 +13,7 @@ namespace server_client {
 
 struct SessionOptions {
     std::vector<ServerAddress> addresses; ///< at least one; the first is asked first
-    std::vector<std::string> authorities {}; ///< PEM
+    std::vector<std::string> authorities {}; ///< PEM, besides the system's
     bool compressed = false; ///< for slow lines
     Timeouts timeouts {};
     std::chrono::milliseconds patience {}; ///< how long a statement waits for servers of which none answers: one may be starting again
