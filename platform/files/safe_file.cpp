@@ -7,7 +7,6 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
-#include <filesystem>
 #include <utility>
 
 namespace files {
@@ -30,8 +29,6 @@ QString partOf(const QString &target)
     return QFileInfo(target).path()
         + QStringLiteral("/kelvara-%1.part").arg(QRandomGenerator::global()->generate64(), 16, 16, QLatin1Char('0'));
 }
-
-std::filesystem::path pathOf(const QString &name) { return { name.toStdU16String() }; }
 
 } // namespace
 
@@ -85,8 +82,9 @@ void SafeFile::close()
 void SafeFile::commit()
 {
     close();
-    std::error_code error;
-    std::filesystem::rename(pathOf(m_part.fileName()), pathOf(m_fileName), error);
+    const std::error_code error = replaceFile(m_part.fileName(), m_fileName);
+    if (error == std::errc::permission_denied)
+        fail(QStringLiteral("另一个程序（例如 Excel）正打开着它，不能替换"));
     if (error)
         fail(QStringLiteral("不能替换原来的文件"));
 }
