@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sql.h>
-#include <sqlext.h>
+#include "engine/odbc/odbc.h"
 
 #include <cstdint>
 #include <string>

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sql.h>
-#include <sqltypes.h>
+#include "engine/odbc/odbc.h"
 
 #include <string>
 #include <string_view>
