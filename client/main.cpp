@@ -1,6 +1,7 @@
 #include "client/automation/automation.h"
 #include "client/automation/dispatcher.h"
 #include "client/connections.h"
+#include "client/console.h"
 #include "client/help_pages.h"
 #include "client/login_dialog.h"
 #include "client/main_window.h"
@@ -245,6 +246,7 @@ QString answerAtOnce(const Options &options)
 
 int main(int argc, char **argv)
 {
+    useConsole();
     useOffscreenWithoutDisplay();
     silenceOffscreen();
     const QApplication application(argc, argv);

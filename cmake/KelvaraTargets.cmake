@@ -17,6 +17,11 @@ if(KELVARA_CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros,include_file_mtime,include_file_ctime ${KELVARA_CCACHE})
 endif()
 
+if(WIN32)
+    # Windows 10, without what its headers would define of our words; every text is UTF-16 there.
+    add_compile_definitions(_WIN32_WINNT=0x0A00 NOMINMAX UNICODE WIN32_LEAN_AND_MEAN)
+    set(CMAKE_SHARED_LIBRARY_PREFIX "")
+endif()
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # g++ 12 warns of overlaps in its own "literal" + std::string at -O3 (its bug 105651).
@@ -85,6 +90,15 @@ function(kelvara_hide target)
     endif()
 endfunction()
 
+# What Windows shows of a file: its version and its description. `type` as in a version resource.
+function(kelvara_describe target type description)
+    if(WIN32)
+        enable_language(RC)
+        configure_file(${PROJECT_SOURCE_DIR}/packaging/windows/version.rc.in ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc @ONLY)
+        target_sources(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR}/${target}.rc)
+    endif()
+endfunction()
+
 # A library that is only ever loaded at run time, under its given name, and exports the symbols of its version script alone.
 function(kelvara_module target exports)
     kelvara_this_folder(folder)
@@ -92,7 +106,10 @@ function(kelvara_module target exports)
     kelvara_configure(${target} ${folder} programs ${ARGN})
     kelvara_hide(${target})
     set_target_properties(${target} PROPERTIES PREFIX "")
-    if(NOT WIN32)
+    if(WIN32)
+        # There what the sources mark is exported, and nothing else; 32-bit names without the bytes of their parameters.
+        target_link_options(${target} PRIVATE -Wl,--kill-at)
+    else()
         target_link_options(${target} PRIVATE -Wl,--version-script=${exports})
         set_target_properties(${target} PROPERTIES LINK_DEPENDS ${exports})
     endif()
