@@ -1,7 +1,7 @@
 #include "demo/generator.h"
 
 #include "demo/journey.h"
-#include "demo/postgresql_database.h"
+#include "demo/open_postgresql.h"
 #include "demo/schedule.h"
 #include "demo/schema.h"
 #include "demo/sqlite_database.h"
@@ -99,8 +99,7 @@ void generate(const Settings &settings, const Progress &progress)
     const Progress told = progress ? progress : [](auto &&...) {};
     if (!settings.path.starts_with("postgresql://") && !settings.path.starts_with("postgres://"))
         return generateFile(settings, told);
-    PostgresqlDatabase database(settings.path, settings.replaces);
-    fill(settings, database, told);
+    fill(settings, *openPostgresql(settings.path, settings.replaces), told);
 }
 
 } // namespace demo

@@ -1,5 +1,6 @@
 #include "demo/postgresql_database.h"
 
+#include "demo/open_postgresql.h"
 #include "demo/text.h"
 
 #include <libpq-fe.h>
@@ -83,6 +84,11 @@ private:
     PostgresqlDatabase &m_database;
     Pending &m_pending;
 };
+
+std::unique_ptr<Database> openPostgresql(const std::string &url, bool replaces)
+{
+    return std::make_unique<PostgresqlDatabase>(url, replaces);
+}
 
 void PostgresqlDatabase::Finish::operator()(pg_conn *connection) const { PQfinish(connection); }
 

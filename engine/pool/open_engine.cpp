@@ -2,7 +2,7 @@
 
 #include "engine/odbc/connection.h"
 #include "engine/pool/pooled_engine.h"
-#include "engine/postgresql/connection.h"
+#include "engine/postgresql/open.h"
 #include "engine/sqlite/connection.h"
 
 namespace engine {
@@ -15,7 +15,7 @@ std::unique_ptr<Engine> openEngine(std::string_view url, const EngineOptions &op
         return std::make_unique<PooledEngine>([path] { return std::make_unique<SqliteConnection>(path); }, options);
     }
     if (url.starts_with("postgresql://") || url.starts_with("postgres://"))
-        return std::make_unique<PooledEngine>([url = std::string(url)] { return std::make_unique<PostgresqlConnection>(url); }, options);
+        return std::make_unique<PooledEngine>([url = std::string(url)] { return openPostgresql(url); }, options);
     constexpr std::string_view odbc = "odbc:";
     if (url.starts_with(odbc)) {
         const std::string parameters(url.substr(odbc.size()));

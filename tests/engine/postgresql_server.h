@@ -22,7 +22,7 @@ public:
     std::string readerUrl(const std::string &database) const { return url("reader", database); }
     std::string odbcUrl(const std::string &database) const;
     /// The path of the socket that it listens on.
-    std::string socketPath() const { return m_folder / ".s.PGSQL.5432"; }
+    std::string socketPath() const { return (m_folder / ".s.PGSQL.5432").string(); }
     /// Runs SQL as the owner; returns the first value of its result, if it has one.
     std::string run(const std::string &database, const std::string &sql) const;
 

@@ -1,0 +1,12 @@
+#include "demo/open_postgresql.h"
+
+#include <stdexcept>
+
+namespace demo {
+
+std::unique_ptr<Database> openPostgresql(const std::string &, bool)
+{
+    throw std::runtime_error("本程序不能写 PostgreSQL 数据库，请给出一个文件名，写成 SQLite 文件。");
+}
+
+} // namespace demo
