@@ -1,7 +1,6 @@
 #include "client/automation/automation.h"
 #include "client/automation/dispatcher.h"
 #include "client/connections.h"
-#include "client/console.h"
 #include "client/help_pages.h"
 #include "client/login_dialog.h"
 #include "client/main_window.h"
@@ -9,6 +8,7 @@
 #include "client/settings_files.h"
 #include "client/site_dialog.h"
 #include "client/theme.h"
+#include "options/console.h"
 #include "options/settings_reader.h"
 #include "platform/report/output/printing.h"
 #include "platform/toolkit/application.h"
@@ -246,7 +246,7 @@ QString answerAtOnce(const Options &options)
 
 int main(int argc, char **argv)
 {
-    useConsole();
+    options::useConsole();
     useOffscreenWithoutDisplay();
     silenceOffscreen();
     const QApplication application(argc, argv);

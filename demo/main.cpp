@@ -1,4 +1,5 @@
 #include "demo/options.h"
+#include "options/console.h"
 
 #include <chrono>
 #include <cstdio>
@@ -45,7 +46,8 @@ std::string withoutPassword(const std::string &path)
 int main(int argc, char **argv)
 {
     try {
-        const std::vector<std::string> arguments(argv + 1, argv + argc);
+        options::useConsole();
+        const std::vector<std::string> arguments = options::argumentsOf(argc, argv);
         const auto options = demo::readOptions(arguments, demo::localNow());
         if (options.wantsHelp) {
             std::cout << demo::helpText();

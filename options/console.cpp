@@ -1,4 +1,4 @@
-#include "client/console.h"
+#include "options/console.h"
 
 #ifdef _WIN32
 #include <windows.h>
@@ -6,9 +6,10 @@
 #include <cstdio>
 #include <fcntl.h>
 #include <io.h>
+#include <shellapi.h>
 #endif
 
-namespace client {
+namespace options {
 
 #ifdef _WIN32
 
@@ -18,6 +19,15 @@ bool isOpen(DWORD stream)
 {
     const HANDLE handle = GetStdHandle(stream);
     return handle && handle != INVALID_HANDLE_VALUE;
+}
+
+std::string utf8Of(const wchar_t *text)
+{
+    const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr);
+    std::string utf8(std::size_t(size), '\0');
+    WideCharToMultiByte(CP_UTF8, 0, text, -1, utf8.data(), size, nullptr, nullptr);
+    utf8.pop_back();
+    return utf8;
 }
 
 } // namespace
@@ -39,10 +49,22 @@ void useConsole()
     }
 }
 
+std::vector<std::string> argumentsOf(int, char **)
+{
+    int count = 0;
+    wchar_t **const wide = CommandLineToArgvW(GetCommandLineW(), &count);
+    std::vector<std::string> arguments;
+    for (int argument = 1; argument < count; ++argument)
+        arguments.push_back(utf8Of(wide[argument]));
+    LocalFree(wide);
+    return arguments;
+}
+
 #else
 
 void useConsole() { }
+std::vector<std::string> argumentsOf(int argc, char **argv) { return { argv + 1, argv + argc }; }
 
 #endif
 
-} // namespace client
+} // namespace options
