@@ -10,8 +10,6 @@ namespace packet {
 
 namespace {
 
-__extension__ typedef unsigned __int128 UInt128;
-
 constexpr int largestScale = 38;
 
 constexpr std::array<Int128, largestScale + 1> powersOfTen = [] {
@@ -39,7 +37,7 @@ std::string_view trimmed(std::string_view text)
 std::optional<Int128> shifted(Int128 value, int exponent)
 {
     Int128 result = 0;
-    if (exponent > largestScale || __builtin_mul_overflow(value, powerOfTen(exponent), &result))
+    if (exponent > largestScale || multiplyOverflows(value, powerOfTen(exponent), result))
         return std::nullopt;
     return result;
 }
@@ -243,7 +241,7 @@ Decimal operator+(Decimal left, Decimal right)
     for (int scale = left.scale; scale >= 0; --scale) {
         const auto grown = scale >= right.scale ? shifted(right.units, scale - right.scale) : right.rescaled(scale).units;
         Int128 sum = 0;
-        if (grown && !__builtin_add_overflow(left.rescaled(scale).units, *grown, &sum))
+        if (grown && !addOverflows(left.rescaled(scale).units, *grown, sum))
             return { sum, scale };
     }
     throw std::overflow_error("Decimal: sum of more than 38 digits");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "packet/int128.h"
+
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -8,8 +10,6 @@
 #include <string_view>
 
 namespace packet {
-
-__extension__ typedef __int128 Int128;
 
 /// An exact decimal number: units * 10^-scale. Scales run from 0 to 38; 1.50 (150, 2) equals 1.5 (15, 1).
 struct Decimal {

@@ -108,7 +108,9 @@ Chunk DecimalStore::seal()
 {
     lowerScale();
     if (!m_wide.empty() && std::all_of(m_wide.begin(), m_wide.end(), fitsInt64)) {
-        m_units.assign(m_wide.begin(), m_wide.end());
+        m_units.reserve(m_wide.size());
+        for (const Int128 units : m_wide)
+            m_units.push_back(std::int64_t(units));
         m_wide.clear();
     }
     if (m_units.capacity() > m_units.size() * 2)

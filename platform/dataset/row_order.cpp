@@ -38,7 +38,7 @@ std::optional<std::int64_t> unitsAt(packet::Decimal number, int scale)
 {
     packet::Int128 units = number.units;
     for (int step = number.scale; step < scale; ++step) {
-        if (__builtin_mul_overflow(units, packet::Int128(10), &units))
+        if (packet::multiplyOverflows(units, 10, units))
             return {};
     }
     if (number.scale > scale || units <= std::numeric_limits<std::int64_t>::min() || units > std::numeric_limits<std::int64_t>::max())

@@ -99,7 +99,7 @@ packet::Decimal negated(packet::Decimal number) { return { -number.units, number
 packet::Decimal product(packet::Decimal left, packet::Decimal right)
 {
     packet::Int128 units = 0;
-    if (__builtin_mul_overflow(left.units, right.units, &units) || left.scale + right.scale > 38)
+    if (packet::multiplyOverflows(left.units, right.units, units) || left.scale + right.scale > 38)
         throw Exception(QStringLiteral("乘积的位数太多"));
     const packet::Decimal result { units, left.scale + right.scale };
     return result.scale > largestScale ? result.rescaled(largestScale) : result;
@@ -113,7 +113,7 @@ packet::Decimal quotient(packet::Decimal left, packet::Decimal right)
     const int scale = std::min(std::max(left.scale, 2) + 8, largestScale);
     packet::Int128 dividend = left.units;
     for (int digit = left.scale; digit < scale + right.scale; ++digit) {
-        if (__builtin_mul_overflow(dividend, packet::Int128(10), &dividend))
+        if (packet::multiplyOverflows(dividend, 10, dividend))
             throw Exception(QStringLiteral("商的位数太多"));
     }
     const packet::Int128 whole = dividend / right.units;
