@@ -10,7 +10,8 @@ prepare_sources() {
     for file in /etc/apt/sources.list.d/*.sources; do
         [ -f "$file" ] && grep -q '^Suites:.* *bookworm' "$file" && sed 's/^Types:.*/Types: deb-src/' "$file" >"$apt/parts/${file##*/}"
     done
-    sed -n 's/^deb \(.* bookworm[^ ]* .*main\)/deb-src \1/p' /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null >"$apt/parts/debian.list"
+    cat /etc/apt/sources.list /etc/apt/sources.list.d/*.list 2>/dev/null | sed -n 's/^deb \(.* bookworm[^ ]* .*main\)/deb-src \1/p' \
+        >"$apt/parts/debian.list" || true
     source_options=(-qq -o Dir::Etc::SourceList=/dev/null -o Dir::Etc::SourceParts="$apt/parts" -o Dir::State::Lists="$apt/lists"
         -o APT::Sandbox::User=root)
     # One of the archives may be out of reach; what is missing shows when it is asked for.
@@ -23,6 +24,7 @@ source_of() {
     [ -d "$cache/src/$package" ] && return
     say "Source of $package"
     for version in $(apt-cache "${source_options[@]}" showsrc --only-source "$package" | sed -n 's/^Version: //p' | sort -rVu); do
+        rm -f "$cache/src/$package"_* # of a version that was not all there
         (cd "$cache/src" && apt-get source "${source_options[@]}" --download-only "$package=$version") || continue
         (cd "$cache/src" && dpkg-source --no-check -x "$package"_*.dsc "$package.new" >/dev/null && rm -f "$package"_*) \
             || die "Unpacking $package failed."
