@@ -1,6 +1,7 @@
 #include "server_client/server_connection.h"
 
 #include "server_client/account.h"
+#include "server_client/name_lookup.h"
 #include "server_client/system_trust.h"
 
 #include <boost/asio/connect.hpp>
@@ -71,15 +72,9 @@ public:
 
     void open(std::chrono::milliseconds limit, const std::stop_token &stop)
     {
-        net::ip::tcp::resolver resolver(m_io);
-        net::ip::tcp::resolver::results_type found;
-        expireIn(limit);
-        wait(stop, [&](auto done) {
-            resolver.async_resolve(m_address.host, std::to_string(m_address.port), [&found, done](error_code error, auto results) {
-                found = results;
-                done(error);
-            });
-        });
+        const auto deadline = std::chrono::steady_clock::now() + limit;
+        const auto found = lookUp(m_address.host, m_address.port, limit, stop);
+        lowest().expires_at(deadline);
         wait(stop, [&](auto done) { lowest().async_connect(found, [done](error_code error, const auto &) { done(error); }); });
         keepAlive(lowest().socket());
         SSL_set_tlsext_host_name(m_stream.native_handle(), m_address.host.c_str());
