@@ -356,7 +356,12 @@ TEST(Session, AResultLargerThanIsTakenIsRefusedOnce)
 
 TEST(Session, AWholeOfficeGetsInAtEight)
 {
+    // A sanitizer makes the check of a password ten times slower, and people give up after half a minute: so many fewer.
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    constexpr int people = 60;
+#else
     constexpr int people = 150;
+#endif
     const TestServer server([](server::Configuration &configuration) { configuration.loginQueue = 40; });
     server::Users users;
     for (int number = 0; number < people; ++number)
@@ -368,7 +373,9 @@ TEST(Session, AWholeOfficeGetsInAtEight)
     std::vector<std::thread> threads;
     for (int number = 0; number < people; ++number) {
         threads.emplace_back([&, name = "user" + std::to_string(number)] {
-            ServerSession session(optionsFor(server, { server.port() }));
+            auto options = optionsFor(server, { server.port() });
+            options.timeouts.connect = 30s; // all handshakes at once
+            ServerSession session(options);
             const auto failure = failureOf([&] { session.login(name, server::test::password); });
             EXPECT_FALSE(failure) << failure->what();
             in += failure ? 0 : 1;
