@@ -10,8 +10,6 @@ namespace packet {
 
 namespace {
 
-constexpr std::uint32_t settledRows = 1024;
-
 std::string upperCase(std::string_view text)
 {
     std::string upper(text);
@@ -58,7 +56,7 @@ void Builder::endRow()
             begin(Rows::MoreFollow);
             send();
         }
-    } else if (m_openRows % settledRows == 0) {
+    } else if (m_openRows % TextStore::settledRows == 0) {
         for (const auto &column : m_columns)
             column->settle();
     }

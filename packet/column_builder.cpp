@@ -95,6 +95,8 @@ int clockSeconds(const char *text)
     return int((hour * 60 + minute) * 60 + second);
 }
 
+bool mustSettleBehind(std::size_t row) { return (row + 1) % TextStore::settledRows == 0; }
+
 } // namespace
 
 Builder::ColumnBuilder::ColumnBuilder(Column column)
@@ -217,8 +219,11 @@ void Builder::ColumnBuilder::decide(ColumnType type)
 {
     m_type = type;
     beginBlock();
-    for (std::size_t row = 0; row < m_rows; ++row)
+    for (std::size_t row = 0; row < m_rows; ++row) {
         storeNull();
+        if (mustSettleBehind(row))
+            settle();
+    }
 }
 
 /// An undeclared column of mixed kinds is a Text column as long as nothing of it is sealed.
@@ -238,6 +243,8 @@ void Builder::ColumnBuilder::turnToText()
             m_texts.addNull();
         else
             m_texts.add(openText(row));
+        if (mustSettleBehind(row))
+            m_texts.settle();
     }
     m_type = ColumnType::Text;
     m_words = {};

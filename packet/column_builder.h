@@ -26,7 +26,7 @@ public:
     void addDecimal(Decimal value);
     void addTimestamp(std::int64_t seconds);
 
-    /// To be called every settledRows rows, in between.
+    /// To be called every TextStore::settledRows rows, in between.
     void settle()
     {
         if (m_type == ColumnType::Text)

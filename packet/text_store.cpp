@@ -67,13 +67,16 @@ inline std::size_t TextStore::slotOf(const Key &key, const char *text) const
 
 void TextStore::beginBlock()
 {
-    m_offsets.resize(Packet::blockRows + 1);
+    reserveRows();
     m_offsets[0] = 0;
     m_rows = 0;
     m_size = 0;
     m_indexes.clear();
     m_nulls.clear();
 }
+
+/// While a dictionary is filled, no more than settledRows rows lie here; many columns of few rows then take little memory.
+void TextStore::reserveRows() { m_offsets.resize((m_plain ? Packet::blockRows : settledRows) + 1); }
 
 bool TextStore::grow(std::size_t size)
 {
@@ -166,6 +169,7 @@ void TextStore::growSlots()
 void TextStore::turnPlain()
 {
     m_plain = true;
+    reserveRows();
     for (std::size_t row = 0; row < m_indexes.size(); ++row) {
         if (m_nulls[row])
             addNull();

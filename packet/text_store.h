@@ -12,6 +12,9 @@ namespace packet {
 /// plain text for good.
 class TextStore {
 public:
+    /// After so many rows settle() is called, in between.
+    static constexpr std::uint32_t settledRows = 1024;
+
     /// Adds a text that is not empty. False when the texts of one block would exceed 4 GB.
     bool add(std::string_view text)
     {
@@ -64,6 +67,7 @@ private:
     }
     static inline Key keyOf(const char *text, std::size_t size);
     static inline std::size_t hashOf(const Key &key);
+    void reserveRows();
     bool grow(std::size_t size);
     inline bool matches(const Slot &slot, const Key &key, const char *text) const;
     inline std::size_t slotOf(const Key &key, const char *text) const;

@@ -171,6 +171,30 @@ TEST(Builder, UndeclaredColumnsTakeTheTypeThatArrives)
     EXPECT_EQ(cell(packet, 4, 0), "1970-01-01 00:00:00");
 }
 
+TEST(Builder, UndeclaredColumnsBecomeTextLate)
+{
+    for (const std::size_t late : { std::size_t(1023), std::size_t(1024), std::size_t(5000), std::size_t(blockRows) - 1 }) {
+        Builder builder({ column("NULLS"), column("NUMBERS") });
+        for (std::size_t row = 0; row < blockRows + std::size_t(2000); ++row) {
+            if (row < late) {
+                builder.addNull(0);
+                builder.addInteger(1, std::int64_t(row));
+            } else {
+                builder.addText(0, "late " + std::to_string(row));
+                builder.addText(1, "x" + std::to_string(row % 7));
+            }
+            builder.endRow();
+        }
+        const PacketPtr packet = builder.finish();
+        EXPECT_EQ(cell(packet, 0, late - 1), "null");
+        EXPECT_EQ(cell(packet, 0, late), "late " + std::to_string(late));
+        EXPECT_EQ(cell(packet, 0, blockRows + 1999), "late " + std::to_string(blockRows + 1999));
+        EXPECT_EQ(cell(packet, 1, late - 1), std::to_string(late - 1));
+        EXPECT_EQ(cell(packet, 1, blockRows - 1), "x" + std::to_string((blockRows - 1) % 7));
+        EXPECT_EQ(cell(packet, 1, blockRows), "x" + std::to_string(blockRows % 7));
+    }
+}
+
 TEST(Builder, DecimalsKeepEveryDigitAtTheSmallestScale)
 {
     Builder builder({ column("D", ColumnType::Decimal) });
