@@ -52,6 +52,8 @@ public:
     virtual void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options = {}) = 0;
     /// One of the tables that statements may name; empty when there is none.
     virtual std::string anyTable() const = 0;
+    /// Whether another database stands in the place of the one that is read, so that it should be opened anew. Cheap.
+    virtual bool isReplaced() { return false; }
 };
 
 } // namespace engine

@@ -47,6 +47,8 @@ public:
     virtual packet::PacketPtr run(const Job &job) = 0;
     /// False when it is to be thrown away after a statement.
     virtual bool isUsable() const { return true; }
+    /// Whether another database stands in its place, as far as can be seen while it runs nothing.
+    virtual bool isReplaced() const { return false; }
 };
 
 } // namespace engine

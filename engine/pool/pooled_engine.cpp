@@ -100,6 +100,13 @@ void PooledEngine::readRules(Connection &connection, const EngineOptions &option
     }
 }
 
+/// While all connections run something, the answer can wait.
+bool PooledEngine::isReplaced()
+{
+    const std::lock_guard lock(m_mutex);
+    return !m_idle.empty() && m_idle.back()->isReplaced();
+}
+
 packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)
 {
     if (options.reader && !m_rules.empty())

@@ -19,6 +19,7 @@ public:
     packet::PacketPtr query(std::string_view sql, const QueryOptions &options) override { return run(sql, options, nullptr); }
     void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options) override { run(sql, options, &sink); }
     std::string anyTable() const override { return m_schema.empty() ? std::string() : m_schema.begin()->first; }
+    bool isReplaced() override;
 
 private:
     class Lease;

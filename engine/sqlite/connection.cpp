@@ -112,6 +112,13 @@ packet::PacketPtr SqliteConnection::run(const Job &job)
     return readRows(statement.get(), budget);
 }
 
+bool SqliteConnection::isReplaced() const
+{
+    int isMoved = 0;
+    sqlite3_file_control(m_database.get(), "main", SQLITE_FCNTL_HAS_MOVED, &isMoved);
+    return isMoved != 0;
+}
+
 SqliteConnection::Statement SqliteConnection::prepare(const std::string &sql)
 {
     sqlite3_stmt *prepared = nullptr;

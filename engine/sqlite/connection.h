@@ -24,6 +24,8 @@ public:
     gate::Schema readTables(const std::vector<std::string> &names) override;
     void restrictTo(const gate::Schema &schema) override;
     packet::PacketPtr run(const Job &job) override;
+    /// The file was renamed or deleted, or another one has got its name.
+    bool isReplaced() const override;
 
 private:
     struct CloseDatabase {

@@ -39,6 +39,7 @@ Database::Database(const DatabaseConfiguration &configuration)
 std::shared_ptr<engine::Engine> Database::open()
 {
     const std::lock_guard lock(m_openMutex);
+    forgetReplaced();
     if (m_engine)
         return m_engine;
     if (Clock::now() - m_openTried < askEvery)
@@ -47,6 +48,20 @@ std::shared_ptr<engine::Engine> Database::open()
     m_engine = engine::openEngine(m_configuration.url, { m_configuration.connections(), m_configuration.tables, m_configuration.rules });
     m_fault.clear();
     return m_engine;
+}
+
+/// What runs on it goes on.
+void Database::forgetReplaced()
+{
+    const auto now = Clock::now();
+    if (!m_engine || now - m_lookedAt < askEvery)
+        return;
+    m_lookedAt = now;
+    if (!m_engine->isReplaced())
+        return;
+    m_engine = nullptr;
+    m_openTried = {};
+    logLine("数据库“" + m_configuration.name + "”的文件换过了，重新打开");
 }
 
 void Database::run(const std::function<void(engine::Engine &)> &use)

@@ -19,7 +19,7 @@ public:
     const DatabaseConfiguration &configuration() const { return m_configuration; }
     FairPool &pool() { return m_pool; }
     /// Calls `use` with the engine and lets its exceptions through. Throws engine::Error(Unavailable) while the database cannot be
-    /// opened; it is tried again at most once a second.
+    /// opened; it is tried again at most once a second. A file that has been replaced is opened anew within a second.
     void run(const std::function<void(engine::Engine &)> &use);
     /// Asks the database what statements ask it, at most once a second; may take two seconds. Also false while no worker has been
     /// free for as long as a statement may take.
@@ -31,6 +31,7 @@ private:
     using Clock = std::chrono::steady_clock;
 
     std::shared_ptr<engine::Engine> open();
+    void forgetReplaced();
     void giveUp(const std::shared_ptr<engine::Engine> &engine, const std::string &reason);
     bool answers();
 
@@ -39,6 +40,7 @@ private:
     std::shared_ptr<engine::Engine> m_engine;
     std::string m_fault; ///< why it was unavailable the last time, as the log has it
     Clock::time_point m_openTried {};
+    Clock::time_point m_lookedAt {}; ///< whether it has been replaced
     std::mutex m_readyMutex;
     bool m_isReady = false;
     bool m_hasAnswered = false; ///< once

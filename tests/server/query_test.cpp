@@ -308,6 +308,26 @@ TEST(Query, AFileThatIsCutIsNotReadyAndAGoodOneInItsPlaceIs)
     EXPECT_EQ(server.query("select n from NUMBERS where n=1").status, 200) << "without a restart";
 }
 
+TEST(Query, AFileThatIsReplacedIsReadAnewAndNobodyNotices)
+{
+    const TemporaryFolder folder;
+    const std::filesystem::path path = folder / "today.db";
+    std::filesystem::copy_file(numbersDatabase().path(), path);
+    const TestServer server([&](Configuration &configuration) { configuration.databases[0].url = "sqlite:" + path.string(); });
+    EXPECT_NE(server.query("select SITE from ARRIVALS").status, 200);
+    const auto reading = begin(server, "select a.n, b.text from NUMBERS a, NUMBERS b where a.n<=300");
+    ASSERT_TRUE(becomesTrue([&] { return running(server) == 1; }));
+    const engine::test::TemporaryDatabase next("create table ARRIVALS (SITE VARCHAR2(20)); insert into ARRIVALS values ('北京');"
+                                               "create table NUMBERS (N NUMBER(10)); insert into NUMBERS values (7);");
+    std::filesystem::copy_file(next.path(), folder / "next.db");
+    std::filesystem::rename(folder / "next.db", path);
+    EXPECT_TRUE(becomesTrue([&] {
+        EXPECT_EQ(server.query("select min(N) from NUMBERS").status, 200);
+        return server.query("select SITE from ARRIVALS").status == 200;
+    }));
+    EXPECT_EQ(decoded(reading->receive().body)->rowCount(), 300'000u) << "what had begun reads the old file to its end";
+}
+
 TEST(Query, FinishesWhatRunsBeforeTheServerStops)
 {
     TestServer server;
