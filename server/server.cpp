@@ -2,6 +2,7 @@
 
 #include "server/base/address.h"
 #include "server/base/log.h"
+#include "server/base/thread_priority.h"
 #include "server/session.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -85,6 +86,7 @@ public:
 private:
     void run()
     {
+        const ThreadPriority priority;
         while (!m_io.stopped()) {
             try {
                 m_io.run();

@@ -127,6 +127,7 @@ void FairPool::run(Lines::iterator line, ThreadPriority &priority, std::unique_l
         priority.lower();
     lock.unlock();
     std::exchange(*ticket, nullptr)();
+    priority.restore(); // before it takes the lock that all want; look() may still lower it once more
     lock.lock();
     const auto now = Clock::now();
     user.used = std::min<Clock::duration>(usedAt(now, user.used, user.usedAt) + (now - own.begun), mostUse);
