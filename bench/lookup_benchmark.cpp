@@ -1,5 +1,6 @@
 // Types into a lookup over 20,000 sites and measures what each key costs, beside a bare loop of QString::contains over the
-// same cells. Four times that loop is 15 ms on the machine on which the goal was set, which nobody feels.
+// same cells. The goal is 8 ms, which nobody feels, and twice the loop. What the first key costs besides, when the texts are made
+// ready for all keys, comes first.
 
 #include "bench/pairs.h"
 #include "packet/builder.h"
@@ -33,30 +34,45 @@ packet::PacketPtr sites()
     return builder.finish();
 }
 
+int containing(const TDataSet &dataSet, const QString &text)
+{
+    int count = 0;
+    for (int row = 0; row < siteCount; ++row) {
+        for (int field = 0; field < 2; ++field)
+            count += dataSet.text(field, row).contains(text, Qt::CaseInsensitive);
+    }
+    return count;
+}
+
 /// Types a text letter by letter, and prints for each how many rows it finds and what that costs.
-void compare(const TDataSet &dataSet, const QString &typed)
+void compare(const TDataSet &dataSet, const LookupIndex &index, const QString &typed)
 {
     for (qsizetype length = 1; length <= typed.size(); ++length) {
         const QString text = typed.left(length);
         std::size_t found = 0;
         volatile int sink = 0;
         std::vector<Side> sides {
-            { "lookup",
-                [&] {
-                    found = lookUp(dataSet, { 0, { 1 } }, text).rows.size();
-                } },
-            { "contains",
-                [&] {
-                    for (int row = 0; row < siteCount; ++row) {
-                        for (int field = 0; field < 2; ++field)
-                            sink = sink + dataSet.text(field, row).contains(text, Qt::CaseInsensitive);
-                    }
-                } },
+            { "lookup", [&] { found = index.find(text).rows.size(); } },
+            { "contains", [&] { sink = sink + containing(dataSet, text); } },
         };
         runInTurn(sides, rounds);
         std::printf("%-10s %6zu rows, %5.2f ms: ", qPrintable(text), found, median(sides[0].milliseconds));
-        printRatio(sides[0], sides[1], 4);
+        printRatio(sides[0], sides[1], 2);
     }
+}
+
+void measureFirstKey(const TDataSet &dataSet)
+{
+    volatile int sink = 0;
+    std::vector<Side> sides {
+        { "making ready",
+            [&] {
+                sink = sink + int(LookupIndex(dataSet, { 0, { 1 } }).rowsByReading().size());
+            } },
+        { "contains", [&] { sink = sink + containing(dataSet, QStringLiteral("b")); } },
+    };
+    runInTurn(sides, rounds);
+    std::printf("%s: %5.2f ms\n", sides[0].name.c_str(), median(sides[0].milliseconds));
 }
 
 } // namespace
@@ -67,9 +83,11 @@ int main(int argc, char **argv)
     const bool wasQuiet = machineIsQuiet();
     TCustomClientDataSet dataSet;
     dataSet.setData(sites());
-    std::printf("%d sites, %d rounds; the goal is 15 ms a key\n", siteCount, rounds);
+    std::printf("%d sites, %d rounds; the goal is 8 ms a key\n", siteCount, rounds);
+    measureFirstKey(dataSet);
+    const LookupIndex index(dataSet, { 0, { 1 } });
     for (const char *typed : { "bjcysnb", "zhong", "北京", "1000" })
-        compare(dataSet, QString::fromUtf8(typed));
+        compare(dataSet, index, QString::fromUtf8(typed));
     if (!wasQuiet || !machineIsQuiet())
         std::printf("machine busy: these ratios are no verdict\n");
     return 0;

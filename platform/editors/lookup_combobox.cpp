@@ -7,8 +7,6 @@
 #include <QKeyEvent>
 #include <QToolButton>
 
-#include <numeric>
-
 using namespace platform;
 
 TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent)
@@ -18,6 +16,8 @@ TDBLookupComboboxEh::TDBLookupComboboxEh(QWidget *parent)
     handle(addButton(QStringLiteral("…"), QStringLiteral("显示全部")), &QToolButton::clicked, this, &TDBLookupComboboxEh::openWholeList);
     handle(this, &QLineEdit::textEdited, this, &TDBLookupComboboxEh::narrowList);
 }
+
+TDBLookupComboboxEh::~TDBLookupComboboxEh() = default;
 
 void TDBLookupComboboxEh::setFields(const QString &keyField, const QString &listField, const QString &indexField)
 {
@@ -41,14 +41,21 @@ TDataSet *TDBLookupComboboxEh::listDataSet() const
 
 bool TDBLookupComboboxEh::isListOpen() const { return m_list && m_list->isVisible(); }
 
-LookupMatches TDBLookupComboboxEh::matches(const TDataSet &dataSet) const
+const LookupIndex &TDBLookupComboboxEh::index(const TDataSet &dataSet)
 {
     LookupFields fields { -1, { dataSet.fieldByName(m_listField)->index() } };
     if (!m_indexField.isEmpty())
         fields.code = dataSet.fieldByName(m_indexField)->index();
     if (m_keyField.compare(m_listField, Qt::CaseInsensitive) != 0)
         fields.names.append(dataSet.fieldByName(m_keyField)->index());
-    return text().trimmed().isEmpty() ? LookupMatches() : lookUp(dataSet, fields, text());
+    if (!m_index || !m_index->isOf(dataSet, fields)) {
+        m_index = std::make_unique<LookupIndex>(dataSet, fields);
+        const auto forget = [this] { m_index.reset(); };
+        disconnect(&dataSet, nullptr, this, nullptr);
+        handle(&dataSet, &TDataSet::rowsChanged, this, forget);
+        handle(&dataSet, &TDataSet::rowEdited, this, forget);
+    }
+    return *m_index;
 }
 
 void TDBLookupComboboxEh::openList()
@@ -56,7 +63,7 @@ void TDBLookupComboboxEh::openList()
     TDataSet *dataSet = listDataSet();
     if (!dataSet)
         return;
-    LookupMatches found = matches(*dataSet);
+    LookupMatches found = index(*dataSet).find(text());
     if (found.rows.empty() || found.exact)
         return openWholeList();
     const int best = found.rows.front();
@@ -68,17 +75,15 @@ void TDBLookupComboboxEh::openWholeList()
     TDataSet *dataSet = listDataSet();
     if (!dataSet)
         return;
-    const LookupMatches found = matches(*dataSet);
-    std::vector<int> rows(std::size_t(dataSet->recordCount()));
-    std::iota(rows.begin(), rows.end(), 0);
-    sortByReading(*dataSet, dataSet->fieldByName(m_listField)->index(), rows);
-    showList(dataSet, std::move(rows), found.rows.empty() ? -1 : found.rows.front());
+    const LookupIndex &index = this->index(*dataSet);
+    const LookupMatches found = index.find(text());
+    showList(dataSet, index.rowsByReading(), found.rows.empty() ? -1 : found.rows.front());
 }
 
 void TDBLookupComboboxEh::narrowList()
 {
     TDataSet *dataSet = listDataSet();
-    LookupMatches found = dataSet ? matches(*dataSet) : LookupMatches();
+    LookupMatches found = dataSet ? index(*dataSet).find(text()) : LookupMatches();
     if (found.rows.empty())
         return closeList(Choice::Leave);
     const int best = found.rows.front();

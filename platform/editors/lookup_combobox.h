@@ -3,10 +3,12 @@
 #include "platform/dataset/data_source.h"
 #include "platform/editors/drop_down_edit.h"
 
+#include <memory>
+
 namespace platform {
 
+class LookupIndex;
 class LookupList;
-struct LookupMatches;
 
 /// A column of a lookup's drop-down list.
 struct LookupColumn {
@@ -27,6 +29,7 @@ public:
     enum class Choice { Take, Leave };
 
     explicit TDBLookupComboboxEh(QWidget *parent = nullptr);
+    ~TDBLookupComboboxEh() override;
 
     TDataSource *listSource() const { return m_listSource; }
     void setListSource(TDataSource *source) { m_listSource = source; }
@@ -58,7 +61,7 @@ protected:
 
 private:
     TDataSet *listDataSet() const; ///< null unless it is open
-    platform::LookupMatches matches(const TDataSet &dataSet) const; ///< of the text; none for a blank one
+    const platform::LookupIndex &index(const TDataSet &dataSet);
     void openWholeList();
     void narrowList();
     void showList(TDataSet *dataSet, std::vector<int> rows, int currentRow);
@@ -72,4 +75,5 @@ private:
     QString m_indexField;
     QList<platform::LookupColumn> m_columns;
     platform::LookupList *m_list = nullptr; ///< a child, made when first needed
+    std::unique_ptr<platform::LookupIndex> m_index; ///< of the list dataset's rows, made when first needed
 };
