@@ -9,6 +9,7 @@
 #include <QStringEncoder>
 
 #include <algorithm>
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -19,7 +20,7 @@ namespace client {
 
 namespace {
 
-constexpr std::size_t bytesBetweenWrites = 256 * 1024;
+constexpr std::size_t sliceRows = 4096; ///< about half a megabyte of a wide table
 
 using Progress = std::function<void(std::int64_t rows)>;
 
@@ -37,6 +38,27 @@ constexpr ExportForm forms[] {
     { u"文本文件，制表符分隔 (*.txt)" },
     { u"网页 (*.html)" },
     { u"JSON 文件 (*.json)" },
+};
+
+/// Puts slices of a table into a text form, one at a time.
+class SliceWriter {
+public:
+    SliceWriter(const ExportTable &table, const TableFormat &format)
+        : m_rowCount(table.rows.rowCount())
+        , m_rows(table, format)
+    {
+    }
+    void fill(std::size_t from)
+    {
+        for (std::size_t row = from; row < std::min(from + sliceRows, m_rowCount); ++row)
+            m_rows.append(m_out, row);
+    }
+    files::TextBuffer &out() { return m_out; }
+
+private:
+    std::size_t m_rowCount;
+    RowWriter m_rows;
+    files::TextBuffer m_out;
 };
 
 /// What can be written to a file of that name, checked before anything is touched.
@@ -75,16 +97,29 @@ private:
     {
         files::TextBuffer out;
         m_format->appendHead(out, table);
-        const RowWriter rows(table, *m_format);
-        for (std::size_t row = 0; row < table.rows.rowCount(); ++row) {
-            rows.append(out, row);
-            if (out.size() < bytesBetweenWrites)
-                continue;
-            flush(out, file);
-            progress(std::int64_t(row + 1));
-        }
+        flush(out, file);
+        writeSlices(table, file, progress);
         m_format->appendTail(out, table);
         flush(out, file);
+    }
+    /// Another thread puts a slice of rows into the form while this one does the slice before and writes it.
+    void writeSlices(const ExportTable &table, files::SafeFile &file, const Progress &progress)
+    {
+        SliceWriter here(table, *m_format);
+        SliceWriter there(table, *m_format);
+        const std::size_t count = table.rows.rowCount();
+        for (std::size_t row = 0; row < count; row += 2 * sliceRows) {
+            std::future<void> next;
+            if (row + sliceRows < count)
+                next = std::async(std::launch::async, [&there, row] { there.fill(row + sliceRows); });
+            here.fill(row);
+            flush(here.out(), file);
+            if (next.valid()) {
+                next.get();
+                flush(there.out(), file);
+            }
+            progress(std::int64_t(std::min(count, row + 2 * sliceRows)));
+        }
     }
     void flush(files::TextBuffer &out, files::SafeFile &file)
     {

@@ -128,6 +128,21 @@ TEST_F(TableExport, TheChosenFilterSetsEndingAndEncoding)
     EXPECT_EQ(chosenTarget(QStringLiteral("a"), QStringLiteral("CSV 文件，Excel 不变形 (*.csv)")).guard, files::TabGuard::Numbers);
 }
 
+TEST_F(ExportTest, RowsStandInTheirOrderHoweverManyThreadsWriteThem)
+{
+    for (const int count : { 1, 4096, 4097, 8192, 20'000 }) {
+        std::string rows = "CODE:text,SITE:text\n";
+        for (int row = 0; row < count; ++row)
+            rows += std::to_string(row) + ",网点" + std::to_string(row * 7919 % count) + "\n";
+        m_dataSet.setData(packetOf(rows));
+        const QList<QByteArray> lines = written(QStringLiteral("表.txt")).split('\n');
+        ASSERT_GT(lines.size(), count);
+        for (int row = 0; row < count; ++row)
+            ASSERT_EQ(lines[row + 1].split('\t').mid(1, 2),
+                QList<QByteArray>({ QByteArray::number(row), "网点" + QByteArray::number(row * 7919 % count) }));
+    }
+}
+
 class FailingExport : public ExportTest, public testing::WithParamInterface<const char *> {
 protected:
     FailingExport()
