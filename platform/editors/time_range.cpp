@@ -1,5 +1,7 @@
 #include "platform/editors/time_range.h"
 
+#include "options/named_days.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -10,38 +12,23 @@ namespace {
 constexpr NamedRange ranges[] = { NamedRange::Today, NamedRange::Yesterday, NamedRange::ThisWeek, NamedRange::LastWeek,
     NamedRange::ThisMonth, NamedRange::LastMonth, NamedRange::LastShift };
 
+// Both enumerations count alike.
+static_assert(std::size(ranges) == std::size(options::dayNames) && int(NamedRange::LastShift) == int(options::NamedDays::LastShift));
+
+const QDate epoch(1970, 1, 1);
+
 std::pair<QDate, QDate> daysOf(NamedRange range, QDate today)
 {
-    const QDate monday = today.addDays(1 - today.dayOfWeek());
-    const QDate firstOfMonth(today.year(), today.month(), 1);
-    switch (range) {
-    case NamedRange::Today:
-        return { today, today };
-    case NamedRange::Yesterday:
-        return { today.addDays(-1), today.addDays(-1) };
-    case NamedRange::ThisWeek:
-        return { monday, monday.addDays(6) };
-    case NamedRange::LastWeek:
-        return { monday.addDays(-7), monday.addDays(-1) };
-    case NamedRange::ThisMonth:
-        return { firstOfMonth, firstOfMonth.addMonths(1).addDays(-1) };
-    case NamedRange::LastMonth:
-        return { firstOfMonth.addMonths(-1), firstOfMonth.addDays(-1) };
-    case NamedRange::LastShift:
-        return { today.addDays(-1), today };
-    }
-    return {};
+    const std::chrono::sys_days day { std::chrono::days(epoch.daysTo(today)) };
+    const auto [first, last] = options::daysOf(options::NamedDays(int(range)), day);
+    return { epoch.addDays(first.time_since_epoch().count()), epoch.addDays(last.time_since_epoch().count()) };
 }
 
 } // namespace
 
 std::span<const NamedRange> namedRanges() { return ranges; }
 
-QString rangeName(NamedRange range)
-{
-    constexpr const char16_t *names[] = { u"今天", u"昨天", u"本周", u"上周", u"本月", u"上月", u"上班次" };
-    return QString::fromUtf16(names[int(range)]);
-}
+QString rangeName(NamedRange range) { return QString::fromUtf8(options::dayNames[int(range)]); }
 
 TimeRange rangeOn(NamedRange range, QDate today)
 {
