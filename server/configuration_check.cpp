@@ -1,5 +1,6 @@
 #include "server/configuration_check.h"
 
+#include "engine/check/database_check.h"
 #include "engine/pool/open_engine.h"
 #include "server/account_query.h"
 #include "server/base/files.h"
@@ -16,8 +17,10 @@ void checkFiles(const Configuration &configuration)
     makeTlsContext(configuration.certificate.string(), configuration.privateKey.string());
     if (configuration.accounts.query.empty())
         readUsers(configuration.users);
-    const fs::path folder = configuration.auditLog.parent_path();
-    if (!configuration.auditLog.empty() && !fs::is_directory(folder))
+    if (configuration.auditLog.empty())
+        return;
+    const fs::path folder = fs::absolute(configuration.auditLog).parent_path(); // of a bare name, too
+    if (!fs::is_directory(folder))
         throw std::runtime_error("审计日志的目录 " + folder.string() + " 不存在，请先建立它");
 }
 
@@ -26,6 +29,32 @@ void checkSecrets(const Configuration &configuration)
     if (!configuration.tokenKeyFile.empty() && readersOf(configuration.tokenKeyFile) == Readers::Everyone)
         throw std::runtime_error("令牌密钥文件 " + configuration.tokenKeyFile.string()
             + " 别人也能读取，谁读到它就能冒充任何用户；请执行 chmod 600 " + configuration.tokenKeyFile.string() + "，并更换密钥");
+}
+
+namespace {
+
+std::vector<std::string> faultsOf(const DatabaseConfiguration &database)
+{
+    std::vector<std::string> faults = engine::databaseFaults(*engine::openEngine(database.url, { 1, database.tables, database.rules }));
+    for (std::string &fault : faults)
+        fault = "数据库“" + database.name + "”" + fault;
+    return faults;
+}
+
+} // namespace
+
+std::vector<std::string> databaseFaults(const Configuration &configuration)
+{
+    std::vector<std::string> faults;
+    for (const DatabaseConfiguration &database : configuration.databases) {
+        try {
+            const std::vector<std::string> found = faultsOf(database);
+            faults.insert(faults.end(), found.begin(), found.end());
+        } catch (const std::exception &) {
+            // That it is not there shows by itself, as soon as it is asked.
+        }
+    }
+    return faults;
 }
 
 void checkDatabases(const Configuration &configuration)

@@ -10,6 +10,7 @@
 
 #include <iostream>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace {
@@ -40,6 +41,13 @@ try {
     server::logLine(std::string("警告：") + error.what());
 }
 
+/// Said when the server starts, so that it is not the first clerk who finds out.
+void warnOfDatabases(const server::Configuration &configuration)
+{
+    for (const std::string &fault : server::databaseFaults(configuration))
+        server::logLine("警告：" + fault);
+}
+
 void serve(const Options &options)
 {
     const server::Configuration configuration = server::readConfiguration(options.config);
@@ -47,6 +55,7 @@ void serve(const Options &options)
     warnOfSecrets(configuration);
     server::Server running(configuration);
     server::logLine("正在 " + configuration.address + ":" + std::to_string(running.port()) + " 上提供服务");
+    const std::jthread warning([&configuration] { warnOfDatabases(configuration); }); // a database may let it wait
     runUntilStopped(running);
 }
 
@@ -56,6 +65,11 @@ void checkConfiguration(const Options &options)
     server::checkFiles(configuration);
     server::checkSecrets(configuration);
     server::checkDatabases(configuration);
+    std::string lacking;
+    for (const std::string &fault : server::databaseFaults(configuration))
+        lacking += fault + '\n';
+    if (!lacking.empty())
+        throw std::runtime_error(lacking + "缺少的表和列可以用视图补上，见 docs/databases.md；不补时，用到它们的窗口不能查询，其余的可以");
     std::cout << "配置文件 " << options.config.string() << " 可以使用" << std::endl;
 }
 
