@@ -1,14 +1,17 @@
 #include "server/audit_command.h"
 
+#include "options/named_days.h"
 #include "packet/packet.h"
-#include "packet/utf8.h"
 #include "server/base/log.h"
 #include "server/base/system.h"
+#include "server/base/table_text.h"
 
 #include <nlohmann/json.hpp>
 #include <zlib.h>
 
 #include <algorithm>
+#include <chrono>
+#include <map>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -23,7 +26,6 @@ using Json = nlohmann::json;
 namespace {
 
 constexpr std::size_t longestLine = 1 << 20; ///< bytes; a statement of the largest size stays below
-constexpr std::size_t shownOfStatement = 160; ///< bytes
 constexpr std::string_view lineBegin = "{\"time\":\"";
 constexpr std::size_t stampSize = 19; ///< yyyy-mm-ddThh:mm:ss, what follows is a fraction
 
@@ -83,16 +85,32 @@ std::string stampOf(std::int64_t seconds)
     return stamp;
 }
 
-/// What a time of this place is in the log. A day alone stands for its last second when it is an end.
+constexpr std::int64_t daySeconds = 24 * 3600;
 enum class Edge { Begin, End };
+
+/// The first or the last second of 昨天, 上月 and so on; the last shift ends at noon.
+std::int64_t edgeOf(options::NamedDays named, Edge edge)
+{
+    using namespace std::chrono;
+    const auto range = options::daysOf(named, floor<days>(sys_seconds(seconds(localSecondsNow()))));
+    const std::int64_t noon = named == options::NamedDays::LastShift ? daySeconds / 2 : 0;
+    const std::int64_t first = range.first.time_since_epoch().count() * daySeconds + noon;
+    const std::int64_t last = range.last.time_since_epoch().count() * daySeconds + (noon > 0 ? noon : daySeconds) - 1;
+    return edge == Edge::Begin ? first : last;
+}
+
+/// What a time of this place is in the log. A day alone stands for its last second when it is an end.
 std::string stampOf(const std::string &text, Edge edge)
 {
     constexpr std::size_t dateSize = 10;
+    if (const auto named = options::daysNamed(text))
+        return stampOf(utcSeconds(edgeOf(*named, edge)));
     const auto seconds = packet::parseTimestamp(text);
     if (!seconds)
-        throw std::invalid_argument("时间“" + text + "”不对，请写作 yyyy-mm-dd 或 \"yyyy-mm-dd hh:mm:ss\"");
+        throw std::invalid_argument(
+            "时间“" + text + "”不对，请写作 yyyy-mm-dd、\"yyyy-mm-dd hh:mm:ss\"，或今天、昨天、本周、上周、本月、上月");
     const bool isWholeDay = text.size() == dateSize && edge == Edge::End;
-    return stampOf(utcSeconds(*seconds + (isWholeDay ? 24 * 3600 - 1 : 0)));
+    return stampOf(utcSeconds(*seconds + (isWholeDay ? daySeconds - 1 : 0)));
 }
 
 bool isRotated(std::string_view name, std::string_view log)
@@ -140,36 +158,11 @@ std::string textOf(const Json &line, const char *name)
     return found->is_string() ? found->get<std::string>() : found->dump();
 }
 
-/// Wide characters take two columns.
-std::string padded(std::string text, std::size_t columns)
-{
-    std::size_t width = 0;
-    for (const char byte : text) {
-        const auto lead = static_cast<unsigned char>(byte);
-        width += lead >= 0xE1 ? 2 : (lead & 0xC0) == 0x80 ? 0 : 1;
-    }
-    return text.append(width < columns ? columns - width : 1, ' ');
-}
-
-std::string statementOf(const Json &line)
-{
-    std::string text = textOf(line, "statement");
-    std::size_t size = std::min(text.size(), shownOfStatement);
-    while (size < text.size() && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80)
-        --size;
-    const bool isCut = size < text.size();
-    text.resize(size);
-    for (char &byte : text)
-        if (byte >= 0 && byte < ' ')
-            byte = ' ';
-    return isCut ? text + "…" : text;
-}
-
 std::string wordsOf(const Json &line)
 {
     const std::string event = textOf(line, "event");
     if (event == "query")
-        return padded("查询", 8) + textOf(line, "database") + " " + statementOf(line);
+        return padded("查询", 8) + textOf(line, "database") + " " + oneLine(textOf(line, "statement"));
     if (event == "result")
         return padded("结果", 8) + textOf(line, "result") + "，" + textOf(line, "rows") + " 行，" + textOf(line, "milliseconds") + " 毫秒";
     if (event == "screen")
@@ -213,16 +206,36 @@ public:
         }
         if (!m_options.auditUser.empty() && textOf(object, "user") != m_options.auditUser)
             return;
+        if (m_options.slowSeconds > 0 && !isSlow(object))
+            return;
         if (m_options.asJson)
             m_out << line;
         else
             showRow(object, m_out);
+        if (m_options.slowSeconds > 0 && !m_options.asJson)
+            m_out << std::string(21, ' ') << oneLine(m_statement) << '\n';
     }
     std::size_t broken() const { return m_broken; }
 
 private:
+    /// Whether it is the end of a statement that took long; its text stands in the line of its begin, some lines before.
+    bool isSlow(const Json &line)
+    {
+        const std::string id = textOf(line, "id");
+        if (textOf(line, "event") == "query")
+            m_begun[id] = textOf(line, "statement");
+        if (textOf(line, "event") != "result")
+            return false;
+        const auto begun = m_begun.extract(id);
+        m_statement = begun ? begun.mapped() : std::string();
+        const auto milliseconds = line.find("milliseconds");
+        return milliseconds != line.end() && milliseconds->is_number() && milliseconds->get<double>() >= m_options.slowSeconds * 1000;
+    }
+
     const Options &m_options;
     std::ostream &m_out;
+    std::map<std::string, std::string> m_begun {}; ///< texts of statements that have not ended yet
+    std::string m_statement {}; ///< of the last end
     const std::string m_from;
     const std::string m_to;
     std::size_t m_broken = 0;

@@ -111,6 +111,7 @@ DemoServer prepareDemo(const Options &options)
     configuration.users = folder / "users";
     configuration.tokenKey = keptSecret(folder / "token.key", TokenKey::shortestSecret);
     configuration.auditLog = folder / "audit.log";
+    configuration.control = fs::absolute(folder / "control");
     configuration.drainTime = {};
     configuration.databases.push_back({ .name = "demo", .url = database });
     if (isDemoNetwork(database))
@@ -142,7 +143,8 @@ std::string demoText(const DemoServer &demo, std::uint16_t port)
         + centre.password + "\"}' | sed 's/.*\"token\":\"\\([^\"]*\\)\".*/\\1/')\n  " + curl
         + "-H \"Authorization: Bearer $token\" -H 'Accept: text/csv' " + address
         + "/v1/query \\\n    --data-binary \"select scan_site,count(*) as piece from TAB_SCAN_COME group by scan_site order by 2 desc\"\n\n"
-          "按 Ctrl+C 停止。\n";
+          "看看谁在查询（另开一个终端）：\n  kelvara-server status --control "
+        + (folder / "control").string() + "\n\n按 Ctrl+C 停止。\n";
 }
 
 } // namespace server

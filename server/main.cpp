@@ -6,6 +6,7 @@
 #include "server/demo_server.h"
 #include "server/options.h"
 #include "server/server.h"
+#include "server/status_command.h"
 #include "server/user_command.h"
 
 #include <iostream>
@@ -89,6 +90,18 @@ void audit(const Options &options)
     server::showAudit(log, options, std::cout);
 }
 
+void status(const Options &options)
+{
+    const auto control = options.control.empty() ? server::readConfiguration(options.config).control : options.control;
+    if (control.empty())
+        throw std::runtime_error(
+            "配置文件 " + options.config.string() + " 没有写 control，请写上并重新启动服务，如 control = /run/kelvara/control");
+    if (options.endedStatement.empty())
+        server::showStatus(control, options.asJson, std::cout);
+    else
+        server::endStatement(control, options.endedStatement, std::cout);
+}
+
 void run(const Options &options)
 {
     switch (options.mode) {
@@ -106,6 +119,8 @@ void run(const Options &options)
         return demonstrate(options);
     case Options::Mode::Audit:
         return audit(options);
+    case Options::Mode::Status:
+        return status(options);
     case Options::Mode::User:
         return server::runUserCommand(options, std::cin, std::cout);
     }

@@ -21,6 +21,15 @@ std::uint16_t portOf(const std::string &text)
     return port;
 }
 
+double secondsOf(const std::string &text)
+{
+    double seconds = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    if (error != std::errc() || end != text.data() + text.size() || !(seconds > 0))
+        throw std::invalid_argument("--slow 要求秒数，如 10 或 0.5，不能是“" + text + "”。");
+    return seconds;
+}
+
 std::vector<options::Option> optionsOf(Options &options)
 {
     const auto text = [](auto &member) { return [&member](const std::string &value) { member = value; }; };
@@ -32,9 +41,16 @@ std::vector<options::Option> optionsOf(Options &options)
         { "--password-stdin", "", "密码从标准输入的第一行读取", [&options](const std::string &) { options.passwordFromInput = true; } },
         { "--log", "文件", "audit 命令的审计日志；默认为配置文件中的", text(options.auditLog) },
         { "--user", "用户名", "audit 命令只显示这个用户", text(options.auditUser) },
-        { "--from", "时间", "audit 命令从这个时间起，本机的时间，写作 yyyy-mm-dd 或 \"yyyy-mm-dd hh:mm:ss\"", text(options.auditFrom) },
+        { "--from", "时间",
+            "audit 命令从这个时间起，本机的时间，写作 yyyy-mm-dd 或 \"yyyy-mm-dd hh:mm:ss\"，或 今天、昨天、本周、上周、本月、上月",
+            text(options.auditFrom) },
+        { "--since", "时间", "与 --from 相同", text(options.auditFrom) },
         { "--to", "时间", "audit 命令到这个时间为止；只写日期时包括那一天", text(options.auditTo) },
-        { "--json", "", "audit 命令照原样显示日志中的行", [&options](const std::string &) { options.asJson = true; } },
+        { "--slow", "秒", "audit 命令只显示用了这么多秒以上的查询，连同语句",
+            [&options](const std::string &value) { options.slowSeconds = secondsOf(value); } },
+        { "--control", "文件", "status 命令连接的文件；默认为配置文件中的 control", text(options.control) },
+        { "--end", "编号", "status 命令结束这条查询", text(options.endedStatement) },
+        { "--json", "", "audit 和 status 命令显示 JSON 行，不排成表", [&options](const std::string &) { options.asJson = true; } },
         { "--demo", "", "在本机演示：自签名证书，用户和密码打印在屏幕上", mode(Mode::Demo) },
         { "--database", "URL", "演示用的数据库，如 sqlite:parcels.db；默认为数据目录中最新的 demo-*.db", text(options.database) },
         { "--port", "N", "演示用的端口，默认 8866；0 表示任选一个",
@@ -47,17 +63,20 @@ std::vector<options::Option> optionsOf(Options &options)
 
 constexpr std::string_view userCommands[] = { "add", "set", "passwd", "remove", "list", "import" };
 
-/// "audit", or "user", its command, its user or file and its fields, as far as they are there.
+/// "audit", "status", or "user", its command, its user or file and its fields, as far as they are there.
 void useWords(const std::vector<std::string> &words, Options &options)
 {
     if (words.empty())
         return;
-    if (words.size() == 1 && words[0] == "audit") {
-        options.mode = Mode::Audit;
+    const bool isAudit = words[0] == "audit";
+    if (isAudit || words[0] == "status") {
+        if (words.size() > 1)
+            throw std::invalid_argument("不认识的参数“" + words[1] + "”。用 --help 查看用法。");
+        options.mode = isAudit ? Mode::Audit : Mode::Status;
         return;
     }
     if (words[0] != "user")
-        throw std::invalid_argument("不认识的参数“" + words[words[0] == "audit" ? 1 : 0] + "”。用 --help 查看用法。");
+        throw std::invalid_argument("不认识的参数“" + words[0] + "”。用 --help 查看用法。");
     options.mode = Mode::User;
     options.userCommand = words.size() > 1 ? words[1] : std::string();
     options.userName = words.size() > 2 ? words[2] : std::string();
@@ -79,6 +98,8 @@ void check(const Options &options)
         throw std::invalid_argument("没有给出配置文件，请加上 --config 文件。用 --help 查看用法。");
     if (options.mode == Mode::Audit && options.config.empty() && options.auditLog.empty())
         throw std::invalid_argument("没有给出审计日志，请加上 --log 文件 或 --config 文件。");
+    if (options.mode == Mode::Status && options.config.empty() && options.control.empty())
+        throw std::invalid_argument("没有说是哪个服务，请加上 --config 文件 或 --control 文件。");
     if (options.mode != Mode::User)
         return;
     if (options.users.empty())
@@ -102,7 +123,9 @@ std::string helpText()
   kelvara-server user remove 用户名 --users 文件               删除用户
   kelvara-server user list --users 文件                        列出用户
   kelvara-server user import 文件.csv --users 文件             增加或更改表格中的用户，第一行是列名
-  kelvara-server audit --config 文件 [--user 用户名] [--from 时间] [--to 时间] [--json]
+  kelvara-server audit --config 文件 [--user 用户名] [--since 时间] [--to 时间] [--slow 秒] [--json]
+  kelvara-server status --config 文件 [--json]           正在运行和排队的查询：谁、多久、多少行
+  kelvara-server status --config 文件 --end 编号         结束其中一条
 
 字段：
   employee_code 工号，employee_name 姓名，site 登录网点（不写则由用户选择），sites 可以查询的网点，

@@ -13,7 +13,7 @@ namespace server {
 std::string helpText();
 
 struct Options {
-    enum class Mode { Help, Version, Serve, CheckConfig, Demo, User, Audit };
+    enum class Mode { Help, Version, Serve, CheckConfig, Demo, User, Audit, Status };
 
     Mode mode = Mode::Serve;
     std::filesystem::path config {};
@@ -31,7 +31,11 @@ struct Options {
     std::string auditUser {}; ///< empty: everybody
     std::string auditFrom {};
     std::string auditTo {};
+    double slowSeconds = 0; ///< 0: whatever took place
     bool asJson = false;
+
+    std::filesystem::path control {}; ///< empty: that of the configuration
+    std::string endedStatement {}; ///< empty: none, the status shows what runs
 };
 
 /// Reads the arguments after the program's name. Throws std::invalid_argument with a message in Chinese.

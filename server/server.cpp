@@ -3,6 +3,7 @@
 #include "server/base/address.h"
 #include "server/base/log.h"
 #include "server/base/thread_priority.h"
+#include "server/control.h"
 #include "server/session.h"
 
 #include <boost/asio/co_spawn.hpp>
@@ -43,6 +44,7 @@ public:
         , m_acceptor(m_io)
     {
         listen(configuration);
+        listenToOperator(configuration.control);
         asio::co_spawn(m_io, accept(), asio::detached);
         asio::co_spawn(m_io, checkSessions(), asio::detached);
         for (std::size_t number = 0; number < configuration.ioThreads; ++number)
@@ -108,6 +110,15 @@ private:
             throw std::runtime_error("无法在 " + configuration.address + ":" + std::to_string(configuration.port) + " 上监听："
                 + error.code().message() + "；请检查 listen 的地址和端口是否被占用");
         }
+    }
+
+    /// A server serves without it, too.
+    void listenToOperator(const std::filesystem::path &path)
+    try {
+        if (!path.empty())
+            m_control = std::make_unique<Control>(m_io, path, m_service);
+    } catch (const std::exception &error) {
+        logLine(std::string("警告：") + error.what());
     }
 
     asio::awaitable<void> accept()
@@ -223,6 +234,7 @@ private:
     std::set<std::shared_ptr<Session>> m_sessions {};
     std::map<std::string, std::size_t> m_addresses {};
     tcp::acceptor m_acceptor;
+    std::unique_ptr<Control> m_control {}; ///< null: nobody may look
     std::vector<std::thread> m_threads {};
 };
 

@@ -149,6 +149,7 @@ std::variant<std::shared_ptr<Statement>, Response> Service::beginQuery(
     wanted.beforeRunning = [this, line] { m_auditLog.settle(line); };
     auto statement = std::make_shared<Statement>(*database, std::move(wanted), std::move(wake));
     statement->submit();
+    m_running.add(statement, address);
     return statement;
 }
 
@@ -156,6 +157,7 @@ void Service::endQuery(const Statement &statement, const std::string &address, c
 {
     using namespace std::chrono;
     const auto duration = duration_cast<microseconds>(Statement::Clock::now() - statement.begun());
+    m_running.remove(statement);
     m_metrics.countStatement(duration, statement.rows(), statement.bytes());
     m_auditLog.add(auditLineOf("result", statement.request(), address, statement.database())
                        .add("milliseconds", duration_cast<milliseconds>(duration).count())
@@ -235,6 +237,8 @@ Response responseTo(Outcome outcome, const std::string &message)
         return errorResponse(403, "refused", message);
     case Outcome::Failed:
         return errorResponse(400, "database", message);
+    case Outcome::Ended:
+        return errorResponse(400, "ended", message);
     case Outcome::TooLarge:
         return errorResponse(400, "too_large", message);
     case Outcome::TimeLimit:
@@ -274,6 +278,8 @@ std::string_view nameOf(Outcome outcome)
         return "revoked";
     case Outcome::Unavailable:
         return "unavailable";
+    case Outcome::Ended:
+        return "ended";
     case Outcome::Busy:
         break;
     }

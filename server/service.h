@@ -3,6 +3,7 @@
 #include "server/base/audit_log.h"
 #include "server/callers.h"
 #include "server/http/request.h"
+#include "server/running_statements.h"
 #include "server/settings/configuration.h"
 #include "server/statements/statement.h"
 #include "server/users/logins.h"
@@ -33,6 +34,7 @@ public:
     const Configuration &configuration() const { return m_configuration; }
     Metrics &metrics() { return m_metrics; }
     AuditLog &auditLog() { return m_auditLog; }
+    RunningStatements &running() { return m_running; }
     /// Throws std::out_of_range.
     Database &database(std::string_view name);
     Phase phase() const { return m_phase; }
@@ -76,6 +78,7 @@ private:
     Metrics m_metrics {};
     std::atomic<Phase> m_phase { Phase::Serving };
     std::vector<std::unique_ptr<Database>> m_databases {};
+    RunningStatements m_running {};
     const std::string m_run = randomHex(4); ///< tells the statements of this run from others in the audit log
     std::atomic<std::uint64_t> m_lastStatement { 0 };
     std::mutex m_reportMutex {};

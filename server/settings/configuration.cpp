@@ -113,6 +113,7 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
     { "token_key_file", path(&Configuration::tokenKeyFile) },
     { "token_hours", number(&Configuration::tokenLife, 1, 24 * 31, 3600) },
     { "audit_log", path(&Configuration::auditLog) },
+    { "control", path(&Configuration::control) },
     { "trusted_proxies", [](const Target &target, std::string_view text) { target.configuration.trustedProxies = listOf(text); } },
     { "monitors", [](const Target &target, std::string_view text) { target.configuration.monitors = listOf(text); } },
     { "smallest_client", setSmallestClient },

@@ -41,6 +41,7 @@ struct Configuration {
     std::string tokenKey {}; ///< the file's text
     ClientConfiguration clients {};
     std::filesystem::path auditLog {}; ///< empty: none
+    std::filesystem::path control {}; ///< the file by which the operator looks at the server; empty: none
     std::vector<std::string> trustedProxies {}; ///< whose X-Forwarded-For is believed
     std::vector<std::string> monitors {}; ///< who may see numbers and names of databases without a token, beside this machine
 

@@ -22,6 +22,7 @@ enum class Outcome {
     Unavailable, ///< the database
     Busy, ///< never begun
     Revoked, ///< the user may not go on
+    Ended, ///< by the operator
 };
 
 /// The bytes of a result on their way from the thread that reads rows to the one that sends them. Bounded: the reader waits

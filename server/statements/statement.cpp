@@ -70,6 +70,8 @@ void Statement::abandon()
         m_queue.finish(Outcome::Cancelled, "查询已取消");
 }
 
+void Statement::endByOperator() { end(Outcome::Ended, "管理员结束了这条查询，请缩小查询范围，或与管理员联系"); }
+
 /// Whatever the worker does with it from now on comes too late.
 void Statement::end(Outcome outcome, const std::string &message)
 {
@@ -96,6 +98,7 @@ void Statement::check(Clock::time_point now)
 
 void Statement::run()
 {
+    m_isWaiting = false;
     try {
         if (m_request.beforeRunning)
             m_request.beforeRunning();

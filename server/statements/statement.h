@@ -38,6 +38,9 @@ public:
     /// To be called now and then: ends it when its time is over, also when no worker is free, or when the one that has it does not
     /// come back, or when the user may not go on.
     void check(Clock::time_point now);
+    /// Ends it now; its user is told who did.
+    void endByOperator();
+    bool isWaiting() const { return m_isWaiting; } ///< for a worker
     ResultQueue::Portion take() { return m_queue.take(); }
 
     const StatementRequest &request() const { return m_request; }
@@ -60,6 +63,7 @@ private:
     std::stop_source m_stop;
     ResultQueue m_queue;
     FairPool::Ticket m_ticket;
+    std::atomic<bool> m_isWaiting { true };
     std::atomic<std::int64_t> m_rows { 0 };
     std::atomic<std::uint64_t> m_bytes { 0 };
 };
