@@ -3,6 +3,7 @@
 #include "client/embedded_channel.h"
 #include "client/options.h"
 #include "client/server_channel.h"
+#include "engine/check/database_check.h"
 #include "engine/pool/open_engine.h"
 #include "platform/toolkit/long_work.h"
 
@@ -58,7 +59,10 @@ void refuseOldProgram(const server_client::Account &account)
 std::unique_ptr<Connections> Connections::openDatabase(const Options &options)
 {
     auto connections = std::make_unique<Connections>();
-    connections->m_host = std::make_shared<EmbeddedChannel>(engine::openEngine(options.database.toStdString()));
+    const std::shared_ptr<engine::Engine> engine = engine::openEngine(options.database.toStdString());
+    for (const std::string &fault : engine::databaseFaults(*engine))
+        connections->m_databaseFaults.append(QString::fromStdString(fault));
+    connections->m_host = std::make_shared<EmbeddedChannel>(engine);
     connections->m_second = connections->m_host;
     connections->m_place = options.database;
     return connections;

@@ -51,6 +51,8 @@ public:
     const QString &user() const { return m_user; } ///< who logged in; empty for a database
     const std::optional<server_client::Account> &account() const { return m_account; } ///< nothing for a database
     const QString &place() const { return m_place; } ///< the database or the servers, as a person reads it
+    /// What a database lacks that the screens need, in words; servers tell their operator.
+    const QStringList &databaseFaults() const { return m_databaseFaults; }
     /// The server that the last statement got through to; "" when none does, or none is used.
     const QString &reachedAddress() const { return m_reachedAddress; }
     /// Invalid unless a server told it.
@@ -75,6 +77,7 @@ private:
     QString m_user;
     std::optional<server_client::Account> m_account;
     QString m_place;
+    QStringList m_databaseFaults;
     QString m_reachedAddress;
     QDateTime m_timeAtLogin;
     QElapsedTimer m_sinceLogin;

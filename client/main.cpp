@@ -1,6 +1,7 @@
 #include "client/automation/automation.h"
 #include "client/automation/dispatcher.h"
 #include "client/connections.h"
+#include "client/diagnostics.h"
 #include "client/help_pages.h"
 #include "client/login_dialog.h"
 #include "client/main_window.h"
@@ -221,6 +222,11 @@ int runClient(const QStringList &arguments, const Options &options)
             return succeeded;
         }
         useSettings(options);
+        if (!options.diagnoseFile.isEmpty()) {
+            const QString place = options.servers.isEmpty() ? options.database : options.servers.join(QStringLiteral("、"));
+            writeDiagnostics(options.diagnoseFile, options, place, Diagnostics::keptLines());
+            return succeeded;
+        }
         const std::shared_ptr<Connections> connections = connect(arguments, options);
         if (!connections)
             return succeeded;

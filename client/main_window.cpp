@@ -22,6 +22,8 @@
 #include <QMdiSubWindow>
 #include <QMenu>
 
+#include <algorithm>
+
 using namespace platform;
 
 namespace client {
@@ -42,11 +44,11 @@ MainWindow::MainWindow(const Options &options, std::shared_ptr<Connections> conn
     setStatusBar(m_status);
     m_host.setObjectName(QStringLiteral("host"));
     m_second.setObjectName(QStringLiteral("second"));
-    m_host.setChannel(m_connections->host());
-    m_second.setChannel(m_connections->second());
+    m_host.setChannel(m_diagnostics.timed(m_connections->host()));
+    m_second.setChannel(m_diagnostics.timed(m_connections->second()));
     handle(m_connections.get(), &Connections::reached, m_status, &StatusLine::showServer);
     m_connections->setAskAgain([this](const QString &why) { logInAgain(why); });
-    m_data.load(&m_host, m_login, this);
+    loadData();
     m_status->showLogin(m_data.employeeName(), m_login.site);
     if (m_connections->account())
         m_status->showServer(m_connections->reachedAddress());
@@ -92,6 +94,21 @@ MainWindow::~MainWindow()
     Application->setMainForm(nullptr);
 }
 
+/// A database that is not that of the network is told at the beginning, not when a screen is asked.
+void MainWindow::loadData()
+{
+    const QString faults = m_connections->databaseFaults().join(QStringLiteral("；"));
+    try {
+        m_data.load(&m_host, m_login, this);
+    } catch (const Exception &exception) {
+        if (faults.isEmpty())
+            throw;
+        throw Exception(exception.message() + u"\n数据库不完整：" + faults);
+    }
+    if (!faults.isEmpty())
+        m_status->showMessage(u"数据库不完整，有的窗口不能查询：" + faults);
+}
+
 void MainWindow::loadPlugin()
 {
     if (!m_options.pluginDirectory.isEmpty())
@@ -110,7 +127,9 @@ void MainWindow::openScreen(const QString &formName)
     const QString permitted = m_login.permitted(formName);
     if (permitted.isEmpty()) {
         m_connections->reportRefusedScreen(formName);
-        throw Exception(QStringLiteral("您的帐户没有打开窗口“%1”的权限，需要时请联系管理员。").arg(formName));
+        const ScreenItem *screen = screenItem(QStringView(formName).chopped(std::min(formName.size(), Login::rightsSize)));
+        throw Exception(
+            QStringLiteral("您的帐户没有打开窗口“%1”的权限，需要时请联系管理员。").arg(screen ? screen->caption.toString() : formName));
     }
     const auto exec = reinterpret_cast<ExecFunction>(m_library->resolve("exec"));
     QObject *const connections[] = { &m_host, &m_second };

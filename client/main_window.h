@@ -2,6 +2,7 @@
 
 #include "client/bills/bill_lists.h"
 #include "client/conditions/condition_memory.h"
+#include "client/diagnostics.h"
 #include "client/export/asked_conditions.h"
 #include "client/host_data.h"
 #include "client/login.h"
@@ -56,6 +57,7 @@ public:
     /// Calls the plug-in's exec with this text, less the rights that the login does not have. Throws Exception when it does not have the
     /// screen.
     void openScreen(const QString &formName);
+    bool mayOpen(const QString &screen) const { return !m_login.rightsTo(screen).isEmpty(); }
     /// Presses the query button of the screen in front; throws Exception when there is none.
     void query();
     enum class Print { Preview, AtOnce };
@@ -76,6 +78,7 @@ private:
     static const QList<Command> &commands();
     static QList<QKeySequence> designedKeys(const Command &command);
 
+    void loadData();
     void loadPlugin();
     void logInAgain(const QString &why);
     void changePassword();
@@ -124,6 +127,7 @@ private:
     void openCounted(const DayCount &count);
     void showShortcuts();
     void showAbout();
+    void saveDiagnostics();
 
     qulonglong globalDataSets() const { return reinterpret_cast<quintptr>(&m_data.dataSets()); }
     qulonglong globalValues() const { return reinterpret_cast<quintptr>(&m_data.values()); }
@@ -133,6 +137,7 @@ private:
     void keepPlace() const;
 
     const Options m_options;
+    const Diagnostics m_diagnostics;
     QElapsedTimer m_sinceStart;
     const std::shared_ptr<Connections> m_connections;
     Login m_login;

@@ -151,6 +151,7 @@ const QList<MainWindow::Command> &MainWindow::commands()
         { u"窗口(&W)", u"全部关闭", u"", nullptr, Command::Form, [](MainWindow *window) { window->mdiArea()->closeAllSubWindows(); } },
         { u"帮助(&H)", u"帮助", u"F1", nullptr, Command::Nothing, [](MainWindow *window) { window->showHelp(); } },
         { u"帮助(&H)", u"快捷键", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->showShortcuts(); } },
+        { u"帮助(&H)", u"保存诊断信息…", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->saveDiagnostics(); } },
         { u"帮助(&H)", u"关于", u"", nullptr, Command::Nothing, [](MainWindow *window) { window->showAbout(); } },
     };
     return rows;
@@ -365,11 +366,16 @@ void MainWindow::changePassword()
         m_status->showMessage(QStringLiteral("密码已更改"), messageMilliseconds);
 }
 
-void MainWindow::showAbout()
+void MainWindow::showAbout() { Application->messageBox(programDetails(m_options, m_connections->place()), QStringLiteral("关于"), mbOk); }
+
+void MainWindow::saveDiagnostics()
 {
-    Application->messageBox(QStringLiteral("%1\n版本 %2\n数据库 %3")
-                                .arg(QApplication::applicationDisplayName(), QApplication::applicationVersion(), m_connections->place()),
-        QStringLiteral("关于"), mbOk);
+    const auto place = files::askWhereToSave(
+        this, QStringLiteral("保存诊断信息"), files::datedName(QStringLiteral("诊断信息")), { QStringLiteral("文本文件 (*.txt)") });
+    if (!place)
+        return;
+    writeDiagnostics(place->fileName, m_options, m_connections->place(), m_diagnostics.lines());
+    m_status->showSavedFile(QStringLiteral("已保存诊断信息"), place->fileName);
 }
 
 } // namespace client

@@ -122,6 +122,8 @@ std::vector<options::Option> optionsOf(Options &options, Preferences &preference
         { "--automation", "", "从标准输入逐行读取 JSON 命令，在标准输出逐行应答", on(options.automation) },
         { "--strict", "", "与 --automation 同用：第一个失败的命令或被拒绝的查询使程序以 1 结束", on(options.strict) },
         { "--write-guide", "目录", "把使用手册写成 html 和 pdf 放在这个目录，然后结束", text(options.guideFolder) },
+        { "--diagnose", "文件", "把诊断信息（版本、设置、最近的错误和查询时间，没有密码和单号）写到文件，然后结束",
+            text(options.diagnoseFile) },
         { "--version", "", "显示版本", on(options.version) },
         { "--help", "", "显示本说明", on(options.help) },
     };

@@ -33,6 +33,7 @@ struct Options {
     QString settingsDirectory; ///< empty: the program's own, or the user's
     QString settingsFile; ///< read in place of all the usual ones
     QString guideFolder; ///< not empty: the user's guide is written there, and nothing else is done
+    QString diagnoseFile; ///< not empty: what the support wants to know is written there, and nothing else is done
     bool automation = false;
     bool strict = false; ///< the automation ends with 1 at the first failure
     bool version = false;

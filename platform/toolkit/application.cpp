@@ -36,6 +36,7 @@ int askPerson(const MessageRequest &request, QWidget *parent)
     QMessageBox box(iconOf(request.flags), request.title, message.text, QMessageBox::NoButton, parent);
     box.setDetailedText(message.foreignWords);
     box.setTextFormat(Qt::PlainText);
+    box.setTextInteractionFlags(Qt::TextSelectableByMouse); // for whoever asks the support
     QPushButton *ok = box.addButton(QStringLiteral("确定"), QMessageBox::AcceptRole);
     QPushButton *cancel = request.flags & mbOkCancel ? box.addButton(QStringLiteral("取消"), QMessageBox::RejectRole) : nullptr;
     box.setDefaultButton(request.defaultAnswer() == idCancel ? cancel : ok);
