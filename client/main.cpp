@@ -9,6 +9,7 @@
 #include "client/settings_files.h"
 #include "client/site_dialog.h"
 #include "client/theme.h"
+#include "client/unattended/report_command.h"
 #include "options/console.h"
 #include "options/settings_reader.h"
 #include "platform/report/output/printing.h"
@@ -25,6 +26,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <string_view>
 
 using namespace client;
 using namespace platform;
@@ -248,16 +250,42 @@ QString answerAtOnce(const Options &options)
                                 : QString();
 }
 
+int runReportCommand(const QStringList &arguments)
+{
+    ReportCommand command;
+    try {
+        command = readReportCommand(arguments, usualSettings());
+        Clock::set(command.options.now);
+        applyTheme();
+        useSettings(command.options);
+    } catch (const std::exception &exception) {
+        std::fprintf(stderr, "%s\n", exceptionMessage(exception).toUtf8().constData());
+        return wrongOptions;
+    }
+    if (command.help) {
+        std::fputs(reportHelp().toUtf8().constData(), stdout);
+        return succeeded;
+    }
+    const int result = runReports(command);
+    waitForAbandonedWork();
+    return result;
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     options::useConsole();
+    const bool isReport = argc > 1 && std::string_view(argv[1]) == "report";
+    if (isReport)
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // no window is for anybody to see
     useOffscreenWithoutDisplay();
     silenceOffscreen();
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvara 查询系统"));
     QApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
+    if (isReport)
+        return runReportCommand(QApplication::arguments().mid(2));
     const QStringList arguments = QApplication::arguments().mid(1);
     Options options;
     try {

@@ -170,20 +170,34 @@ void readCentre(const std::map<std::string, std::string> &settings, Options &opt
     readText(QByteArray::fromStdString(text), QStringLiteral("（由中心下发）"), {}, options);
 }
 
-void readArguments(const QStringList &arguments, Options &options)
+/// The same words and options, which do nothing.
+CommandOptions unheard(CommandOptions command)
+{
+    for (options::Option &option : command.table)
+        option.take = [](const std::string &) {};
+    if (command.bare)
+        command.bare = [](const std::string &) {};
+    return command;
+}
+
+void readArguments(const QStringList &arguments, const CommandOptions &command, Options &options)
 {
     std::vector<std::string> given;
     for (const QString &argument : arguments)
         given.push_back(argument.toStdString());
-    readLayer(options, [&] { options::read(given, optionsOf(options, options.wanted)); });
+    readLayer(options, [&] {
+        std::vector<options::Option> table = optionsOf(options, options.wanted);
+        table.insert(table.end(), command.table.begin(), command.table.end());
+        options::read(given, table, command.bare);
+    });
 }
 
 } // namespace
 
-Options readOptions(const QStringList &arguments, const SettingsSources &sources)
+Options readOptions(const QStringList &arguments, const SettingsSources &sources, const CommandOptions &command)
 {
     Options given;
-    readArguments(arguments, given);
+    readArguments(arguments, unheard(command), given);
     if (given.help || given.version || given.printSettings)
         return given;
     const bool usesUsualFiles = given.settingsFile.isEmpty();
@@ -195,14 +209,15 @@ Options readOptions(const QStringList &arguments, const SettingsSources &sources
         readFileIfThere(sources.own, options);
     else
         readFile(given.settingsFile, options);
-    readArguments(arguments, options);
+    readArguments(arguments, command, options);
     return options;
 }
 
 QString optionsHelp()
 {
     Options unused;
-    return QStringLiteral("用法：kelvara-client [选项]\n\n快递网络查询与报表系统的客户端。\n\n选项：\n")
+    return QStringLiteral("用法：kelvara-client [选项]\n      kelvara-client report "
+                          "--help　不用人做报表\n\n快递网络查询与报表系统的客户端。\n\n选项：\n")
         + QString::fromStdString(options::help(optionsOf(unused, unused.wanted)))
         + QStringLiteral("\n设置文件可以说的选项见 --print-settings；命令行的选项优先。\n");
 }

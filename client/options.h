@@ -1,10 +1,14 @@
 #pragma once
 
+#include "options/command_line.h"
+
 #include <QDateTime>
 #include <QString>
 
+#include <functional>
 #include <map>
 #include <string>
+#include <vector>
 
 namespace client {
 
@@ -49,8 +53,15 @@ struct SettingsSources {
     QString own; ///< a file, likewise
 };
 
-/// Reads the sources, and over them the arguments (without the program's name). Throws an exception that says what is wrong with them.
-Options readOptions(const QStringList &arguments, const SettingsSources &sources = {});
+/// What a command has beside the options of all.
+struct CommandOptions {
+    std::vector<options::Option> table;
+    std::function<void(const std::string &)> bare; ///< takes what is no option
+};
+
+/// Reads the sources, and over them the arguments (without the program's name, and without the command's). Throws an exception that says
+/// what is wrong with them.
+Options readOptions(const QStringList &arguments, const SettingsSources &sources = {}, const CommandOptions &command = {});
 /// The text of --help.
 QString optionsHelp();
 /// A sample of a file of settings.

@@ -21,24 +21,6 @@ namespace {
 /// More than any list that a screen takes; what is longer is not kept.
 constexpr qsizetype longestText = 64 * 1024;
 
-/// The value of a condition; nothing for other components.
-std::optional<QString> valueOf(const QObject &component)
-{
-    if (const auto *time = qobject_cast<const TDBDateTimeEditEh *>(&component))
-        return time->dateTimeText();
-    if (const auto *line = qobject_cast<const QLineEdit *>(&component))
-        return line->text();
-    if (const auto *combo = qobject_cast<const QComboBox *>(&component))
-        return combo->currentText();
-    if (const auto *memo = qobject_cast<const QPlainTextEdit *>(&component))
-        return memo->toPlainText();
-    if (const auto *group = qobject_cast<const TRadioGroup *>(&component))
-        return group->items().value(group->itemIndex());
-    if (const auto *button = qobject_cast<const QAbstractButton *>(&component); button && button->isCheckable())
-        return button->isChecked() ? QStringLiteral("1") : QStringLiteral("0");
-    return std::nullopt;
-}
-
 void forEachComponent(
     const TComponentOwner &owner, const QString &prefix, const std::function<void(const QString &path, QWidget *widget)> &visit)
 {
@@ -72,25 +54,6 @@ std::optional<NamedRange> namedRange(const TDBDateTimeEditEh &start, const TDBDa
     }
 }
 
-void put(QWidget *widget, const QString &text)
-{
-    person::enter(widget);
-    if (auto *button = qobject_cast<QAbstractButton *>(widget)) {
-        button->click();
-        return;
-    }
-    if (const auto *combo = qobject_cast<const TDBComboBoxEh *>(widget)) {
-        if (const int index = combo->findText(text); index >= 0)
-            person::choose(widget, index);
-    } else if (const auto *group = qobject_cast<const TRadioGroup *>(widget)) {
-        if (const int index = int(group->items().indexOf(text)); index >= 0)
-            person::choose(widget, index);
-    } else {
-        person::type(widget, text);
-    }
-    person::leave(widget);
-}
-
 /// Whether the list of a lookup still has the text. It never moves the list's current row.
 bool isListed(const TDBLookupComboboxEh &lookup, const QString &text)
 {
@@ -117,18 +80,54 @@ QString problemOf(const TForm &screen, const ConditionValue &value)
         return {};
     const auto *lookup = qobject_cast<const TDBLookupComboboxEh *>(widget);
     const bool isUnknown = lookup && !value.text.isEmpty() && !isListed(*lookup, value.text);
-    if (!isUnknown && valueOf(*widget) == value.text)
+    if (!isUnknown && conditionText(*widget) == value.text)
         return {};
     return QStringLiteral("%1：“%2”已不在可选的值里").arg(value.caption, value.text.left(40));
 }
 
 } // namespace
 
+std::optional<QString> conditionText(const QObject &component)
+{
+    if (const auto *time = qobject_cast<const TDBDateTimeEditEh *>(&component))
+        return time->dateTimeText();
+    if (const auto *line = qobject_cast<const QLineEdit *>(&component))
+        return line->text();
+    if (const auto *combo = qobject_cast<const QComboBox *>(&component))
+        return combo->currentText();
+    if (const auto *memo = qobject_cast<const QPlainTextEdit *>(&component))
+        return memo->toPlainText();
+    if (const auto *group = qobject_cast<const TRadioGroup *>(&component))
+        return group->items().value(group->itemIndex());
+    if (const auto *button = qobject_cast<const QAbstractButton *>(&component); button && button->isCheckable())
+        return button->isChecked() ? QStringLiteral("1") : QStringLiteral("0");
+    return std::nullopt;
+}
+
+void putCondition(QWidget *widget, const QString &text)
+{
+    person::enter(widget);
+    if (auto *button = qobject_cast<QAbstractButton *>(widget)) {
+        button->click();
+        return;
+    }
+    if (const auto *combo = qobject_cast<const TDBComboBoxEh *>(widget)) {
+        if (const int index = combo->findText(text); index >= 0)
+            person::choose(widget, index);
+    } else if (const auto *group = qobject_cast<const TRadioGroup *>(widget)) {
+        if (const int index = int(group->items().indexOf(text)); index >= 0)
+            person::choose(widget, index);
+    } else {
+        person::type(widget, text);
+    }
+    person::leave(widget);
+}
+
 QList<ConditionValue> conditionsOf(const TForm &screen)
 {
     QList<ConditionValue> values;
     forEachComponent(screen, {}, [&](const QString &path, QWidget *widget) {
-        const std::optional<QString> text = valueOf(*widget);
+        const std::optional<QString> text = conditionText(*widget);
         if (!text || text->size() > longestText || !widget->isVisibleTo(&screen) || liesInGrid(*widget))
             return;
         ConditionValue value { path, conditionCaption(screen, *widget), *text };
@@ -148,8 +147,8 @@ QStringList putBack(TForm &screen, const QList<ConditionValue> &values)
     for (int round = 0; round < 2; ++round) {
         for (const ConditionValue &value : values) {
             QWidget *widget = componentAt(screen, value.control);
-            if (widget && canBeUsed(widget) && valueOf(*widget) && valueOf(*widget) != value.text)
-                put(widget, value.text);
+            if (widget && canBeUsed(widget) && conditionText(*widget) && conditionText(*widget) != value.text)
+                putCondition(widget, value.text);
         }
     }
     QStringList problems;
