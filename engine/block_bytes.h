@@ -10,7 +10,7 @@ class BlockBytes {
 public:
     /// `memoryLimit`: of the statement. A block is held several times: as it arrives, as it is built and as it is sent.
     explicit BlockBytes(std::size_t memoryLimit)
-        : m_most(memoryLimit / 4)
+        : m_most(memoryLimit / 8)
     {
     }
     std::size_t bytes() const { return m_bytes; }

@@ -3,7 +3,6 @@
 #include "engine/dialect/postgresql_catalogue.h"
 #include "engine/postgresql/row_reader.h"
 #include "engine/postgresql/session.h"
-#include "engine/postgresql/socket_wait.h"
 
 #include <algorithm>
 #include <limits>
@@ -58,15 +57,18 @@ try {
     Result first = start(job, Form::Binary);
     if (!PostgresqlRowReader::readsBinary(first.get())) {
         first.reset();
+        m_input.detach(PQsocket(m_connection.get()));
         cancel();
         reset();
         begin(job);
         first = start(job, Form::Text);
     }
     auto packet = readRows(job, std::move(first));
+    detach();
     end();
     return packet;
 } catch (...) {
+    m_input.detach(PQsocket(m_connection.get()));
     if (!m_usable)
         cancel();
     throw;
@@ -105,6 +107,7 @@ PostgresqlConnection::Result PostgresqlConnection::start(const Job &job, Form fo
     if (!PQsendQueryParams(m_connection.get(), job.sql.c_str(), 0, nullptr, nullptr, nullptr, nullptr, int(form)))
         failUnavailable("数据库连接中断");
     PQsetSingleRowMode(m_connection.get());
+    m_input.attach(PQsocket(m_connection.get()));
     return next(job);
 }
 
@@ -132,28 +135,36 @@ packet::PacketPtr PostgresqlConnection::readRows(const Job &job, Result row)
 /// The next result of the statement; null behind the last. Throws Error.
 PostgresqlConnection::Result PostgresqlConnection::next(const Job &job)
 {
-    PGconn *const connection = m_connection.get();
-    const int socket = PQsocket(connection);
-    // The library holds a row twice before it gives it away, and tells nobody how long it is.
-    const std::size_t longestRow = job.options.memoryLimit / 8;
-    const std::uint64_t before = receivedBytes(socket);
-    std::uint64_t ready = 0;
-    while (PQisBusy(connection)) {
-        job.throwIfStopped();
-        if (!waitReadable(socket, stopInterval))
-            continue;
-        // What lies ready is less than what the library reads while the server goes on sending, but all that is known of a local socket.
-        ready += readableBytes(socket);
-        if (std::max(ready, receivedBytes(socket) - before) > longestRow)
-            throw Error(Failure::Database, "结果中有一行超过了 " + std::to_string(longestRow >> 20) + " MB，请减少列数或缩短文字");
-        if (!PQconsumeInput(connection))
-            failUnavailable("数据库连接中断");
-    }
-    Result result(PQgetResult(connection));
+    await(job);
+    Result result(PQgetResult(m_connection.get()));
     const ExecStatusType status = PQresultStatus(result.get());
     if (result && status != PGRES_SINGLE_TUPLE && status != PGRES_TUPLES_OK)
         fail(job, result.get());
     return result;
+}
+
+/// Waits until the next result is there.
+void PostgresqlConnection::await(const Job &job)
+{
+    // The library holds a row twice before it gives it away.
+    const std::size_t longestRow = job.options.memoryLimit / 8;
+    std::size_t given = 0;
+    while (PQisBusy(m_connection.get())) {
+        job.throwIfStopped();
+        if (m_input.isTaken() && m_input.wait(stopInterval))
+            given += m_input.give();
+        if (given > longestRow)
+            throw Error(Failure::Database, "结果中有一行超过了 " + std::to_string(longestRow >> 20) + " MB，请减少列数或缩短文字");
+        if (!PQconsumeInput(m_connection.get()))
+            failUnavailable("数据库连接中断");
+    }
+}
+
+/// Behind the last result. What the server has said since then is not for the statement, and not lost.
+void PostgresqlConnection::detach()
+{
+    while (!m_input.isTaken() && PQconsumeInput(m_connection.get())) { }
+    m_input.detach(PQsocket(m_connection.get()));
 }
 
 /// Asks the server to stop what this session is doing.
@@ -188,7 +199,10 @@ void PostgresqlConnection::fail(const Job &job, const PGresult *result)
     const char *const constraint = PQresultErrorField(result, PG_DIAG_CONSTRAINT_NAME);
     const std::string words = constraint ? constraint : primary ? primary : trimmedMessage(PQresultErrorMessage(result));
     const bool isCancelled = code && code == cancelled;
-    while (Result(PQgetResult(m_connection.get()))) { }
+    do
+        await(job);
+    while (Result(PQgetResult(m_connection.get())));
+    detach();
     if (PQstatus(m_connection.get()) != CONNECTION_OK)
         throw Error(Failure::Unavailable, "数据库连接中断：" + words + "；请稍后再试");
     end();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/dialect/connection.h"
+#include "engine/postgresql/metered_input.h"
 
 #include <libpq-fe.h>
 
@@ -40,6 +41,8 @@ private:
     Result start(const Job &job, Form form);
     packet::PacketPtr readRows(const Job &job, Result row);
     Result next(const Job &job);
+    void await(const Job &job);
+    void detach();
     void cancel();
     Result execute(const std::string &command);
     void reset();
@@ -47,6 +50,7 @@ private:
     [[noreturn]] void failUnavailable(const std::string &what);
 
     std::unique_ptr<PGconn, Finish> m_connection;
+    MeteredInput m_input; ///< attached while the rows of a statement come
     bool m_usable = true;
     bool m_boundsFiles = false; ///< temporary files of a statement, which the server leaves unbounded
 };

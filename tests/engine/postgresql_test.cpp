@@ -115,7 +115,7 @@ TEST_P(Postgresql, TextsDoNotFillTheMemory)
     const auto engine = open();
     const Outcome outcome = outcomeOf(*engine, "select a.NOTE a,a.NOTE b,a.NOTE c,a.NOTE d,a.NOTE e from HUGE a,BIG b,BIG c");
     EXPECT_EQ(outcome.failure, Failure::Database);
-    EXPECT_THAT(outcome.message, HasSubstr("64 MB"));
+    EXPECT_THAT(outcome.message, HasSubstr("32 MB"));
     EXPECT_EQ(valueOf(*engine, "select TEXT from T where N=2"), "two");
 }
 
