@@ -241,20 +241,11 @@ int runClient(const QStringList &arguments, const Options &options)
     }
 }
 
-/// What is told without a window; empty: nothing was asked.
-QString answerAtOnce(const Options &options)
-{
-    return options.help         ? optionsHelp()
-        : options.version       ? QStringLiteral("kelvara-client " KELVARA_VERSION "\n")
-        : options.printSettings ? settingsSample()
-                                : QString();
-}
-
 int runReportCommand(const QStringList &arguments)
 {
     ReportCommand command;
     try {
-        command = readReportCommand(arguments, usualSettings());
+        command = readReportCommand(arguments);
         Clock::set(command.options.now);
         applyTheme();
         useSettings(command.options);
@@ -271,6 +262,15 @@ int runReportCommand(const QStringList &arguments)
     return result;
 }
 
+/// What is told without a window; empty: nothing was asked.
+QString answerAtOnce(const Options &options)
+{
+    return options.help         ? optionsHelp()
+        : options.version       ? QStringLiteral("kelvara-client " KELVARA_VERSION "\n")
+        : options.printSettings ? settingsSample()
+                                : QString();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -284,9 +284,9 @@ int main(int argc, char **argv)
     const QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Kelvara 查询系统"));
     QApplication::setApplicationVersion(QStringLiteral(KELVARA_VERSION));
-    if (isReport)
-        return runReportCommand(QApplication::arguments().mid(2));
     const QStringList arguments = QApplication::arguments().mid(1);
+    if (isReport)
+        return runReportCommand(arguments.mid(1));
     Options options;
     try {
         options = readOptions(arguments, usualSettings());

@@ -170,34 +170,32 @@ void readCentre(const std::map<std::string, std::string> &settings, Options &opt
     readText(QByteArray::fromStdString(text), QStringLiteral("（由中心下发）"), {}, options);
 }
 
-/// The same words and options, which do nothing.
-CommandOptions unheard(CommandOptions command)
+/// The same grammar, but what it takes comes to nothing.
+CommandGrammar ignoring(CommandGrammar command)
 {
-    for (options::Option &option : command.table)
+    for (options::Option &option : command.options)
         option.take = [](const std::string &) {};
     if (command.bare)
         command.bare = [](const std::string &) {};
     return command;
 }
 
-void readArguments(const QStringList &arguments, const CommandOptions &command, Options &options)
+void readArguments(const QStringList &arguments, const CommandGrammar &command, Options &options)
 {
     std::vector<std::string> given;
     for (const QString &argument : arguments)
         given.push_back(argument.toStdString());
-    readLayer(options, [&] {
-        std::vector<options::Option> table = optionsOf(options, options.wanted);
-        table.insert(table.end(), command.table.begin(), command.table.end());
-        options::read(given, table, command.bare);
-    });
+    std::vector<options::Option> table = optionsOf(options, options.wanted);
+    table.insert(table.end(), command.options.begin(), command.options.end());
+    readLayer(options, [&] { options::read(given, table, command.bare); });
 }
 
 } // namespace
 
-Options readOptions(const QStringList &arguments, const SettingsSources &sources, const CommandOptions &command)
+Options readOptions(const QStringList &arguments, const SettingsSources &sources, const CommandGrammar &command)
 {
     Options given;
-    readArguments(arguments, unheard(command), given);
+    readArguments(arguments, ignoring(command), given);
     if (given.help || given.version || given.printSettings)
         return given;
     const bool usesUsualFiles = given.settingsFile.isEmpty();

@@ -53,15 +53,14 @@ struct SettingsSources {
     QString own; ///< a file, likewise
 };
 
-/// What a command has beside the options of all.
-struct CommandOptions {
-    std::vector<options::Option> table;
-    std::function<void(const std::string &)> bare; ///< takes what is no option
+/// What a command takes on its command line beside the options of the program.
+struct CommandGrammar {
+    std::vector<options::Option> options;
+    std::function<void(const std::string &)> bare; ///< for what is no option; empty: there is none
 };
 
-/// Reads the sources, and over them the arguments (without the program's name, and without the command's). Throws an exception that says
-/// what is wrong with them.
-Options readOptions(const QStringList &arguments, const SettingsSources &sources = {}, const CommandOptions &command = {});
+/// Reads the sources, and over them the arguments (without the program's name). Throws an exception that says what is wrong with them.
+Options readOptions(const QStringList &arguments, const SettingsSources &sources = {}, const CommandGrammar &command = {});
 /// The text of --help.
 QString optionsHelp();
 /// A sample of a file of settings.

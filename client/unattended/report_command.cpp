@@ -2,6 +2,7 @@
 
 #include "client/connections.h"
 #include "client/login.h"
+#include "client/settings_files.h"
 #include "client/unattended/caption.h"
 #include "client/unattended/report_log.h"
 #include "client/unattended/report_plan.h"
@@ -63,7 +64,8 @@ std::vector<options::Option> optionsOf(Given &given)
 std::shared_ptr<Connections> connect(const Options &options)
 {
     if (options.servers.isEmpty() == options.database.isEmpty())
-        throw Exception(QStringLiteral("请用 --server https://主机:端口 或 --database sqlite:文件 之一说明从哪里取数据。"));
+        throw WrongRequest(
+            QStringLiteral("请用 --server https://主机:端口 或 --database sqlite:文件 之一说明从哪里取数据，也可以写在设置文件中。"));
     if (options.servers.isEmpty())
         return Connections::openDatabase(options);
     const auto password = givenPassword(options);
@@ -92,16 +94,16 @@ try {
 
 } // namespace
 
-ReportCommand readReportCommand(const QStringList &arguments, const SettingsSources &sources)
+ReportCommand readReportCommand(const QStringList &arguments)
 {
     ReportCommand command;
     Given given;
-    const auto takeScreen = [&command](const std::string &word) {
+    const auto takeScreen = [&](const std::string &word) {
         if (!command.screen.isEmpty())
             throw WrongRequest(QStringLiteral("只能写一个窗口，“%1”是多余的；条件请写 --set 条件=值。").arg(QString::fromStdString(word)));
         command.screen = QString::fromStdString(word);
     };
-    command.options = readOptions(arguments, sources, { optionsOf(given), takeScreen });
+    command.options = readOptions(arguments, usualSettings(), { optionsOf(given), takeScreen });
     command.options.automation = true; // nobody answers boxes, and no window keeps its place
     command.help = command.options.help;
     command.log = given.log;
@@ -153,10 +155,10 @@ int runReports(const ReportCommand &command)
                 tell(job, runner.run(job));
         }
         connections->logout();
-    } catch (...) {
-        const QString message = currentExceptionMessage();
+    } catch (const std::exception &exception) {
+        const bool isWrong = dynamic_cast<const WrongRequest *>(&exception);
         for (const ReportJob &job : command.jobs)
-            tell(job, { .message = message });
+            tell(job, { .result = isWrong ? ReportResult::Wrong : ReportResult::Failed, .message = exceptionMessage(exception) });
     }
     return int(worst);
 }

@@ -15,8 +15,8 @@ struct ReportCommand {
     bool help = false;
 };
 
-/// Reads the sources and the arguments behind "report". Throws an exception that says what is wrong with them.
-ReportCommand readReportCommand(const QStringList &arguments, const SettingsSources &sources);
+/// Reads the arguments behind "report". Throws an exception that says what is wrong with them.
+ReportCommand readReportCommand(const QStringList &arguments);
 QString reportHelp();
 
 /// Logs in and makes the reports, each whatever becomes of the others. Returns the worst result as exit code. Needs an application.

@@ -14,6 +14,7 @@
 #include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/clock.h"
+#include "platform/toolkit/plugin_interface.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -165,6 +166,9 @@ void ReportRunner::query()
 {
     m_messages.clear();
     m_asked = false;
+    const TForm *screen = m_window->activeForm();
+    if (!screen->property(published_by_screen::queryButton).value<QObject *>())
+        throw WrongRequest(QStringLiteral("窗口“%1”没有查询，不能做报表。").arg(screen->caption()));
     m_window->query();
     settle();
     const TDBGridEh *grid = m_window->currentGrid();
