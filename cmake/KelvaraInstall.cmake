@@ -31,7 +31,7 @@ install(TARGETS platform Kelvara1 Guest
     LIBRARY DESTINATION ${program_folder} COMPONENT client
     RUNTIME DESTINATION ${program_folder} COMPONENT client)
 install(DIRECTORY reports/ DESTINATION ${program_folder}/Report COMPONENT client FILES_MATCHING PATTERN "*.frf")
-install(FILES docs/安装手册.md docs/automation.md docs/report-files.md
+install(FILES docs/安装手册.md docs/automation.md docs/report-files.md docs/reports-at-night.md
     DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kelvara-client COMPONENT client)
 install(TARGETS kelvara-server kelvara-demo RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT server)
 install(FILES docs/安装手册.md docs/operations.md docs/databases.md demo/schema.sql
@@ -46,6 +46,8 @@ install(CODE "
     file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}\")
     file(CREATE_LINK ../${program_folder}/kelvara-client
         \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/kelvara-client\" SYMBOLIC)" COMPONENT client)
+install(FILES packaging/kelvara-report.service packaging/kelvara-report.timer
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/kelvara-client/examples COMPONENT client)
 install(FILES packaging/desktop/kelvara-client.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications COMPONENT client)
 install(FILES packaging/desktop/kelvara-client.svg DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps COMPONENT client)
 string(TIMESTAMP KELVARA_RELEASE_DATE "%Y-%m-%d")

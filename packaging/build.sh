@@ -5,7 +5,7 @@ packages="g++ cmake ninja-build pkg-config qt6-base-dev libsqlite3-dev libpq-dev
 test_packages="clang-format clang-tidy libgtest-dev libgmock-dev libqt6sql6-sqlite postgresql-15 postgresql-15-orafce odbc-postgresql libsqliteodbc poppler-utils unzip xvfb xdotool"
 # What making packages needs, and trying them.
 package_packages="dpkg-dev desktop-file-utils appstream lintian"
-package_test_packages="debootstrap curl openssl systemd"
+package_test_packages="debootstrap curl openssl systemd unzip"
 # A Node.js from elsewhere brings its own npm, which excludes Debian's.
 command -v npm >/dev/null || test_packages="$test_packages nodejs npm"
 
