@@ -125,12 +125,13 @@ void putCondition(QWidget *widget, const QString &text)
 
 QList<ConditionValue> conditionsOf(const TForm &screen)
 {
+    const ConditionCaptions captions(screen);
     QList<ConditionValue> values;
     forEachComponent(screen, {}, [&](const QString &path, QWidget *widget) {
         const std::optional<QString> text = conditionText(*widget);
         if (!text || text->size() > longestText || !widget->isVisibleTo(&screen) || liesInGrid(*widget))
             return;
-        ConditionValue value { path, conditionCaption(screen, *widget), *text };
+        ConditionValue value { path, captions.of(*widget), *text };
         const auto *start = qobject_cast<const TDBDateTimeEditEh *>(widget);
         if (start && start->rangeEnd()) {
             value.rangeEnd = path.chopped(widget->objectName().size()) + start->rangeEnd()->objectName();

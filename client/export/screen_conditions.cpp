@@ -19,15 +19,6 @@ namespace client {
 
 namespace {
 
-QString labelOf(const QWidget &screen, const QWidget &field)
-{
-    for (const QLabel *label : screen.findChildren<QLabel *>()) {
-        if (label->buddy() == &field)
-            return label->text();
-    }
-    return {};
-}
-
 QString boxTitle(const QWidget &field)
 {
     for (const QWidget *parent = field.parentWidget(); parent; parent = parent->parentWidget()) {
@@ -85,9 +76,17 @@ bool liesInGrid(const QWidget &widget)
     return false;
 }
 
-QString conditionCaption(const QWidget &screen, const QWidget &field)
+ConditionCaptions::ConditionCaptions(const QWidget &screen)
 {
-    QString caption = labelOf(screen, field);
+    for (const QLabel *label : screen.findChildren<QLabel *>()) {
+        if (label->buddy() && !m_labels.contains(label->buddy()))
+            m_labels.insert(label->buddy(), label->text());
+    }
+}
+
+QString ConditionCaptions::of(const QWidget &field) const
+{
+    QString caption = m_labels.value(&field);
     if (const auto own = conditionIn(field); own && caption.isEmpty())
         caption = own->caption;
     const QString box = boxTitle(field);
@@ -106,6 +105,7 @@ const QWidget *screenOf(const TDBGridEh &grid)
 
 QList<ExportNote> screenConditions(const QWidget &screen)
 {
+    const ConditionCaptions captions(screen);
     QList<ExportNote> conditions;
     for (const QWidget *widget = screen.nextInFocusChain(); widget != &screen; widget = widget->nextInFocusChain()) {
         if (!screen.isAncestorOf(widget) || !widget->isVisibleTo(&screen) || liesInGrid(*widget))
@@ -113,7 +113,7 @@ QList<ExportNote> screenConditions(const QWidget &screen)
         auto condition = conditionIn(*widget);
         if (!condition)
             continue;
-        condition->caption = conditionCaption(screen, *widget);
+        condition->caption = captions.of(*widget);
         if (!condition->caption.isEmpty())
             conditions.append(*condition);
     }
