@@ -60,6 +60,12 @@ MainWindow::MainWindow(const Options &options, std::shared_ptr<Connections> conn
         if (kind == u"cancelled")
             m_status->showMessage(particulars[QStringLiteral("text")].toString(), messageMilliseconds);
     });
+    // A query changes the rows many times, and tells when it is done.
+    m_rowsLater.setSingleShot(true);
+    handle(&m_rowsLater, &QTimer::timeout, this, [this] {
+        if (!longWorkRuns())
+            showRows();
+    });
     rememberConditions();
     watchLists();
     setWindowTitle(QApplication::applicationDisplayName() + u" - " + m_login.site);
@@ -184,6 +190,7 @@ void MainWindow::ResetSearch(QObject *grid)
 
 void MainWindow::showRows()
 {
+    m_rowsLater.stop();
     m_status->showRows(m_grid);
     m_status->showAsked(m_grid ? m_asked.times(*m_grid) : std::nullopt);
     const bool changed = m_grid && m_asked.haveChanged(*m_grid);
@@ -196,7 +203,7 @@ void MainWindow::useGrid(TDBGridEh *grid)
     if (m_grid)
         disconnect(m_grid, nullptr, this, nullptr);
     if (m_gridSource)
-        disconnect(m_gridSource, nullptr, this, nullptr);
+        disconnect(m_gridSource, nullptr, &m_rowsLater, nullptr);
     m_grid = grid;
     m_gridSource = grid ? grid->dataSource() : nullptr;
     if (m_grid) {
@@ -204,7 +211,7 @@ void MainWindow::useGrid(TDBGridEh *grid)
         handle(m_grid.data(), &TDBGridEh::cellMenuOpening, this, &MainWindow::offerTracks);
     }
     if (m_gridSource)
-        handle(m_gridSource.data(), &TDataSource::rowsChanged, this, &MainWindow::showRows);
+        handle(m_gridSource.data(), &TDataSource::rowsChanged, &m_rowsLater, [this] { m_rowsLater.start(); });
     updateCommands();
 }
 
@@ -242,6 +249,8 @@ void MainWindow::changeEvent(QEvent *event)
     TMainForm::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         mdiArea()->setBackground(palette().window());
+    if (event->type() == QEvent::ActivationChange && !isActiveWindow() && m_memory)
+        m_memory->flush();
 }
 
 void MainWindow::takeLastPlace()

@@ -164,6 +164,7 @@ private:
     QToolBar *m_tabStrip = nullptr; ///< holds the tabs; there only while there are several
     StatusLine *m_status;
     QTimer m_clock;
+    QTimer m_rowsLater; ///< tells of changed rows when they have settled
     AskedConditions m_asked;
     std::unique_ptr<ConditionMemory> m_memory;
     std::unique_ptr<BillLists> m_bills;

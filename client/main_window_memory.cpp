@@ -24,11 +24,7 @@ void MainWindow::rememberConditions()
 {
     m_memory = std::make_unique<ConditionMemory>(conditionFolder(Application->settingsDirectory(), m_data.employeeName(), m_login.site));
     handle(m_memory.get(), &ConditionMemory::said, this, [this](const QString &text) { m_status->showMessage(text, messageMilliseconds); });
-    // The rows are painted first.
-    handle(&m_asked, &AskedConditions::answered, this, [this](TForm *screen) {
-        QMetaObject::invokeMethod(
-            screen, [this, screen] { m_memory->keepLast(*screen); }, Qt::QueuedConnection);
-    });
+    handle(&m_asked, &AskedConditions::answered, this, [this](TForm *screen) { m_memory->keepLast(*screen); });
 }
 
 void MainWindow::watchLists()

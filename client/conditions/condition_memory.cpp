@@ -12,10 +12,14 @@
 #include <QAction>
 #include <QMenu>
 
+#include <utility>
+
 using namespace platform;
 
 namespace client {
 namespace {
+
+constexpr int writingDelay = 2'000; ///< milliseconds; what a crash may take
 
 QStringList namesOf(const KeptConditions &kept)
 {
@@ -41,23 +45,48 @@ QString rangesOf(const ConditionSet &set)
 ConditionMemory::ConditionMemory(const QString &folder)
     : m_store(folder)
 {
+    m_writing.setSingleShot(true);
+    handle(&m_writing, &QTimer::timeout, this, &ConditionMemory::flush);
 }
+
+ConditionMemory::~ConditionMemory() { flush(); }
 
 void ConditionMemory::keepLast(const TForm &screen)
 {
+    m_noted.insert(screen.objectName(), { {}, Clock::now(), conditionsOf(screen) });
+    // One who queries again and again is not waited for.
+    if (!m_writing.isActive())
+        m_writing.start(writingDelay);
+}
+
+void ConditionMemory::flush()
+{
+    const QMap<QString, ConditionSet> noted = std::exchange(m_noted, {});
+    for (const auto &[screen, last] : noted.asKeyValueRange())
+        write(screen, last);
+}
+
+void ConditionMemory::write(const QString &screen, const ConditionSet &last)
+{
     // Nobody asked for this; a box at each query would be in the way.
     try {
-        KeptConditions kept = m_store.read(screen.objectName());
-        kept.last = ConditionSet { {}, Clock::now(), conditionsOf(screen) };
-        m_store.write(screen.objectName(), kept);
+        KeptConditions kept = m_store.read(screen);
+        kept.last = last;
+        m_store.write(screen, kept);
     } catch (const Exception &exception) {
         Q_EMIT said(QStringLiteral("上次条件没有保存：") + exception.message());
     }
 }
 
+KeptConditions ConditionMemory::keptOf(const TForm &screen)
+{
+    flush();
+    return m_store.read(screen.objectName());
+}
+
 void ConditionMemory::putBackLast(TForm &screen)
 {
-    const KeptConditions kept = m_store.read(screen.objectName());
+    const KeptConditions kept = keptOf(screen);
     if (!kept.last)
         return Q_EMIT said(QStringLiteral("“%1”还没有查询过，没有上次条件。").arg(screen.caption()));
     putBack(screen, *kept.last);
@@ -78,7 +107,7 @@ void ConditionMemory::putBack(TForm &screen, const ConditionSet &set)
 
 void ConditionMemory::saveAs(const TForm &screen)
 {
-    KeptConditions kept = m_store.read(screen.objectName());
+    KeptConditions kept = keptOf(screen);
     SaveConditionsDialog dialog(conditionsOf(screen), namesOf(kept), screen.window());
     if (dialog.exec() != QDialog::Accepted)
         return;
@@ -95,7 +124,7 @@ void ConditionMemory::saveAs(const TForm &screen)
 
 void ConditionMemory::manage(const TForm &screen)
 {
-    KeptConditions kept = m_store.read(screen.objectName());
+    KeptConditions kept = keptOf(screen);
     ManageConditionsDialog dialog(namesOf(kept), screen.window());
     if (dialog.exec() != QDialog::Accepted)
         return;
@@ -111,7 +140,8 @@ void ConditionMemory::manage(const TForm &screen)
 QList<QAction *> ConditionMemory::addNamed(QMenu *menu, TForm *screen)
 {
     QList<QAction *> actions;
-    for (const ConditionSet &set : m_store.read(screen->objectName()).named) {
+    const KeptConditions kept = keptOf(*screen);
+    for (const ConditionSet &set : kept.named) {
         const QString ranges = rangesOf(set);
         QAction *action
             = menu->addAction(QString(set.name).replace(u'&', QStringLiteral("&&")) + (ranges.isEmpty() ? ranges : u'\t' + ranges));

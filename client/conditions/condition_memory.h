@@ -2,7 +2,9 @@
 
 #include "client/conditions/condition_store.h"
 
+#include <QMap>
 #include <QObject>
+#include <QTimer>
 
 class QAction;
 class QMenu;
@@ -16,10 +18,13 @@ class ConditionMemory : public QObject {
 
 public:
     explicit ConditionMemory(const QString &folder);
+    ~ConditionMemory() override; ///< writes what is noted
     const QString &folder() const { return m_store.folder(); }
 
-    /// Keeps what stands on a screen as its last conditions.
+    /// Notes what stands on a screen as its last conditions. They are written seconds later, so that nobody waits for the disk.
     void keepLast(const TForm &screen);
+    /// Writes what is noted now.
+    void flush();
     void putBackLast(TForm &screen);
     /// Asks for a name and keeps what stands on the screen.
     void saveAs(const TForm &screen);
@@ -35,7 +40,12 @@ Q_SIGNALS:
     void said(const QString &text);
 
 private:
+    void write(const QString &screen, const ConditionSet &last);
+    KeptConditions keptOf(const TForm &screen);
+
     ConditionStore m_store;
+    QMap<QString, ConditionSet> m_noted; ///< last conditions by screen, not written yet
+    QTimer m_writing;
 };
 
 } // namespace client

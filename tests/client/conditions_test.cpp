@@ -19,6 +19,7 @@
 #include <QFormLayout>
 #include <QMenu>
 #include <QPlainTextEdit>
+#include <QTest>
 #include <QTimer>
 
 #include <functional>
@@ -189,12 +190,14 @@ TEST_F(Conditions, ABadFileIsSetAsideAndAFullDiskTakesNothing)
 {
     Screen screen;
     screen.Man->setText(QStringLiteral("张三"));
-    m_memory.keepLast(screen);
     const QString file = QStringLiteral("C/frm_Any.json");
+    m_memory.keepLast(screen);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return QFile::exists(path(file)); }, 60'000)) << "a crash minutes later takes nothing";
     {
         const FileSizeLimit full(20);
         screen.Man->clear();
         m_memory.keepLast(screen);
+        m_memory.flush();
         EXPECT_TRUE(m_said.join(u'|').startsWith(QStringLiteral("上次条件没有保存：")));
     }
     m_memory.putBackLast(screen);
