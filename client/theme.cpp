@@ -11,7 +11,8 @@
 #include <QFontDatabase>
 #include <QLocale>
 #include <QPalette>
-#include <QStyleFactory>
+#include <QProxyStyle>
+#include <QWidget>
 
 #include <algorithm>
 
@@ -27,6 +28,23 @@ const QString toneSetting = QStringLiteral("Window/Tone");
 const QString textSetting = QStringLiteral("Window/TextPercent");
 
 bool systemIsDark = false;
+
+/// The toolkit paints the frame of a child window anew whenever the focus moves in it, and all that lies above the frame. A maximised one
+/// shows none.
+class FramelessMaximised : public QProxyStyle {
+public:
+    FramelessMaximised()
+        : QProxyStyle(QStringLiteral("Fusion"))
+    {
+    }
+
+    int pixelMetric(PixelMetric metric, const QStyleOption *option, const QWidget *widget) const override
+    {
+        if (metric == PM_MdiSubWindowFrameWidth && widget && widget->isMaximized())
+            return 0;
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+};
 
 void substituteFonts()
 {
@@ -85,7 +103,7 @@ void applyTheme()
 {
     QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::China));
     systemIsDark = platform::isDark(QApplication::palette());
-    QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+    QApplication::setStyle(new FramelessMaximised);
     substituteFonts();
     applyAppearance({});
     installToolkitTexts();
@@ -99,8 +117,8 @@ void applyAppearance(const Appearance &appearance)
     if (dark)
         palette.setColor(QPalette::Mid, QColor(0x60, 0x65, 0x6c)); // lines must be lighter than what they part
     QApplication::setPalette(palette);
+    platform::setTextScale(appearance.textPercent); // first: who hears of the other font asks for it
     setFont(appearance.textPercent);
-    platform::setTextScale(appearance.textPercent);
 }
 
 void offerAppearance(const Options &options)

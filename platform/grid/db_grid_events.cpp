@@ -281,15 +281,11 @@ void TDBGridEh::resizeEvent(QResizeEvent *event)
     arrange();
 }
 
-void TDBGridEh::focusInEvent(QFocusEvent *event)
-{
-    QAbstractScrollArea::focusInEvent(event);
-    updateRow(m_shownRecord);
-}
+// Nothing but the current row shows where the focus is. The toolkit would paint the frame too, and with it all that lies behind.
+void TDBGridEh::focusInEvent(QFocusEvent *) { updateRow(m_shownRecord); }
 
-void TDBGridEh::focusOutEvent(QFocusEvent *event)
+void TDBGridEh::focusOutEvent(QFocusEvent *)
 {
-    QAbstractScrollArea::focusOutEvent(event);
     m_finder->endTyping();
     updateRow(m_shownRecord);
 }

@@ -16,6 +16,11 @@ public:
 
     PUBLISHED(QToolButton, ShowSpeed);
 
+protected:
+    // It looks the same with the focus; each query passes it on from here.
+    void focusInEvent(QFocusEvent *) override { }
+    void focusOutEvent(QFocusEvent *) override { }
+
 private:
     void ShowSpeedClick();
     void setGlyph(int index);
