@@ -7,12 +7,18 @@
 #include <QEventLoop>
 #include <QWindow>
 
+#include <chrono>
 #include <exception>
+#include <semaphore>
 #include <thread>
+
+using namespace std::chrono_literals;
 
 namespace platform {
 
 namespace {
+
+constexpr auto unseen = 30ms; ///< work that is done by then needs no window, and no painting of what it is about to replace
 
 int waiting = 0;
 std::atomic<int> runningThreads { 0 };
@@ -22,6 +28,7 @@ struct SharedWork {
     WorkProgress progress;
     std::function<void(WorkProgress &)> work;
     std::exception_ptr failure;
+    std::binary_semaphore ended { 0 };
     QEventLoop *loop = nullptr; ///< looked at on the interface thread only
     bool done = false; ///< likewise
 };
@@ -34,6 +41,7 @@ void runOnThread(std::shared_ptr<SharedWork> shared)
         shared->failure = std::current_exception();
     }
     shared->work = nullptr;
+    shared->ended.release();
     QMetaObject::invokeMethod(
         qApp,
         [shared] {
@@ -87,6 +95,20 @@ private:
     const QWidget &m_passes;
 };
 
+/// Lets painting and the wait window through until the work is done or cancelled.
+void waitInLoop(const QString &caption, SharedWork &shared)
+{
+    QEventLoop loop;
+    WaitWindow window(caption, shared.progress);
+    const InputBarrier barrier(window);
+    QObject::connect(&window, &WaitWindow::cancelled, &loop, &QEventLoop::quit);
+    shared.loop = &loop;
+    ++waiting;
+    loop.exec(QEventLoop::ExcludeSocketNotifiers);
+    --waiting;
+    shared.loop = nullptr;
+}
+
 } // namespace
 
 bool longWorkRuns() { return waiting > 0; }
@@ -101,20 +123,12 @@ void runLongWork(const QString &caption, const QString &cancelled, std::function
 {
     auto shared = std::make_shared<SharedWork>();
     shared->work = std::move(work);
-    QEventLoop loop;
-    shared->loop = &loop;
-    WaitWindow window(caption, shared->progress);
-    const InputBarrier barrier(window);
-    QObject::connect(&window, &WaitWindow::cancelled, &loop, &QEventLoop::quit);
-
     ++runningThreads;
     std::thread(runOnThread, shared).detach();
-    ++waiting;
-    loop.exec(QEventLoop::ExcludeSocketNotifiers);
-    --waiting;
-    shared->loop = nullptr;
-
-    if (!shared->done) {
+    const bool isQuick = shared->ended.try_acquire_for(unseen);
+    if (!isQuick)
+        waitInLoop(caption, *shared);
+    if (!isQuick && !shared->done) {
         shared->progress.stop.request_stop();
         throw Abort(cancelled);
     }

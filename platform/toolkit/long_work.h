@@ -24,9 +24,10 @@ struct WorkProgress {
     QString unit = QStringLiteral("行"); ///< when something else is counted; set before the work begins
 };
 
-/// Runs `work` on a thread of its own and waits in a local loop that lets only painting and the wait window through; after
-/// 0.4 s that window shows `caption`, the seconds, the rows and a Cancel button. Rethrows what `work` throws. On Cancel (or Esc)
-/// it asks the work to stop and throws Abort(`cancelled`) at once, without waiting for it: `work` must own whatever it uses.
+/// Runs `work` on a thread of its own and waits: for the blink of an eye alone, so that short work paints nothing twice, then in a local
+/// loop that lets only painting and the wait window through; after 0.4 s that window shows `caption`, the seconds, the rows and a Cancel
+/// button. Rethrows what `work` throws. On Cancel (or Esc) it asks the work to stop and throws Abort(`cancelled`) at once, without waiting
+/// for it: `work` must own whatever it uses.
 void runLongWork(const QString &caption, const QString &cancelled, std::function<void(WorkProgress &)> work);
 
 /// The same wait for work that must stay on the interface thread, as laying out pages of a dataset must. The work reports how far it
