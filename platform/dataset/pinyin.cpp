@@ -170,6 +170,7 @@ void Pinyin::number(std::vector<Group> &groups)
             if (only != 0)
                 m_further[character.unicode()].push_back(reading);
             only = only == 0 ? reading : several;
+            m_initials[character.unicode()] |= letters.empty() ? 0 : letterBit(letters.front());
         }
     }
 }

@@ -31,6 +31,13 @@ public:
         const Reading &only = m_only[character];
         return only == 0 ? std::span<const Reading>() : only == several ? furtherReadings(character) : std::span(&only, 1);
     }
+    /// The letters that the readings of a character begin with, as letterBit names them; 0 for what is no Han character of the table.
+    std::uint32_t initials(char16_t character) const { return m_initials[character]; }
+    /// A bit for each small Latin letter; 0 for anything else.
+    static constexpr std::uint32_t letterBit(char letter)
+    {
+        return letter >= 'a' && letter <= 'z' ? std::uint32_t(1) << (letter - 'a') : 0;
+    }
     /// Small letters without tone, v for ü.
     std::string_view syllable(Reading reading) const { return m_syllables[m_syllableOf[reading]]; }
 
@@ -58,6 +65,7 @@ private:
     const Name *nameAt(char16_t first, std::string_view text) const;
 
     std::array<Reading, 0x10000> m_only {}; ///< the reading of each character, 0 for none, `several` for those in m_further
+    std::array<std::uint32_t, 0x10000> m_initials {}; ///< so that a search passes over most characters at a glance
     std::unordered_map<char16_t, std::vector<Reading>> m_further;
     std::vector<std::uint16_t> m_syllableOf; ///< index in m_syllables for each reading
     std::vector<std::string> m_syllables;

@@ -43,10 +43,19 @@ PinyinPattern::PinyinPattern(const QString &typed)
 PinyinPattern::Place PinyinPattern::find(QStringView text) const
 {
     for (qsizetype start = 0; !isEmpty() && start < text.size(); ++start) {
+        if (!mayBegin(text[start], m_letters.front()))
+            continue;
         if (const qsizetype length = lengthReadFrom(text.sliced(start)))
             return { start, length };
     }
     return {};
+}
+
+/// Whether a character, as it is read or as it stands there, begins with a letter.
+bool PinyinPattern::mayBegin(QChar character, char typed) const
+{
+    const std::uint32_t initials = m_pinyin->initials(character.unicode());
+    return initials != 0 ? initials & Pinyin::letterBit(typed) : character.toLower() == QLatin1Char(typed);
 }
 
 qsizetype PinyinPattern::lengthReadFrom(QStringView text) const
@@ -72,9 +81,11 @@ PinyinPattern::Reached PinyinPattern::after(QChar character, Reached reached) co
     Reached next = 0;
     for (Reached left = reached; left != 0; left &= left - 1) {
         const auto typed = std::size_t(std::countr_zero(left));
+        if (!mayBegin(character, m_letters[typed]))
+            continue;
         for (const Pinyin::Reading reading : readings)
             next |= afterSyllable(m_pinyin->syllable(reading), typed);
-        if (readings.empty() && character.toLower() == QLatin1Char(m_letters[typed]))
+        if (readings.empty())
             next |= Reached(2) << typed;
     }
     return next;

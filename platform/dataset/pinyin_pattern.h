@@ -30,6 +30,7 @@ private:
     /// A set of numbers of typed letters: those after which a character of the text can begin.
     using Reached = quint64;
 
+    bool mayBegin(QChar character, char typed) const;
     Reached after(QChar character, Reached reached) const;
     Reached afterSyllable(std::string_view syllable, std::size_t typed) const;
     Reached all() const { return Reached(1) << m_letters.size(); }

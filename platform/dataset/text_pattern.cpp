@@ -43,7 +43,7 @@ bool TextPattern::matches(std::string_view text) const
 {
     if (isWrittenIn(text))
         return true;
-    return m_read && Pinyin::mayHoldHan(text) && matches(QString::fromUtf8(text.data(), qsizetype(text.size())));
+    return m_read && Pinyin::mayHoldHan(text) && findRead(QString::fromUtf8(text.data(), qsizetype(text.size()))).start >= 0;
 }
 
 bool TextPattern::isWrittenIn(std::string_view text) const
@@ -71,6 +71,11 @@ TextPattern::Place TextPattern::find(const QString &text) const
     const qsizetype written = findWritten(text);
     if (written >= 0 || !m_read)
         return { written, m_text.size() };
+    return findRead(text);
+}
+
+TextPattern::Place TextPattern::findRead(const QString &text) const
+{
     if (m_match == Match::Anywhere)
         return m_read->find(text);
     const qsizetype length = m_read->lengthReadFrom(text);

@@ -33,6 +33,7 @@ private:
     enum class Compare { Bytes, AsciiCase, AnyCase };
 
     bool isWrittenIn(std::string_view text) const;
+    Place findRead(const QString &text) const;
     qsizetype findWritten(const QString &text) const;
 
     QString m_text;
