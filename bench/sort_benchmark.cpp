@@ -3,12 +3,14 @@
 
 #include "bench/pairs.h"
 #include "bench/scan_rows.h"
+#include "packet/builder.h"
 #include "platform/dataset/quick_filter.h"
 
 #include <QAbstractTableModel>
 #include <QApplication>
 #include <QSet>
 #include <QSortFilterProxyModel>
+#include <QStandardItemModel>
 #include <QTemporaryDir>
 
 #include <algorithm>
@@ -327,6 +329,46 @@ void compareQuickFilters(TClientDataSetEx &dataSet, ReadyModel &model)
     dataSet.setQuickFilter({});
 }
 
+/// A person types how a part of a text is read, and all texts are different; the model can only look for what is written.
+void comparePinyinFilters()
+{
+    const QString places = QStringLiteral("北京上海广州深圳成都重庆杭州武汉西安南京天津苏州郑州长沙东莞青岛沈阳宁波昆明厦门");
+    packet::Builder rows({ { .name = "ADDRESS", .type = packet::ColumnType::Text } });
+    QStandardItemModel model(scanCount, 1);
+    for (int row = 0; row < scanCount; ++row) {
+        QString text;
+        for (int rest = row, at = 0; at < 6; ++at, rest /= 10)
+            text += places.mid((rest % 10 + at) * 2, 2);
+        text += row % 1000 == 0 ? QStringLiteral("海淀区") : QStringLiteral("中心区");
+        rows.addText(0, text.toStdString());
+        rows.endRow();
+        model.setItem(row, new QStandardItem(text));
+    }
+    TClientDataSetEx dataSet;
+    dataSet.setData(rows.finish(packet::Extent::Whole));
+    QSortFilterProxyModel proxy;
+    proxy.setSourceModel(&model);
+    std::vector<Side> sides {
+        { "dataset", [&] { dataSet.setQuickFilter({ .text = QStringLiteral("haidian"), .fieldNames = { QStringLiteral("ADDRESS") } }); } },
+        { "proxy",
+            [&] {
+                proxy.setFilterFixedString(QStringLiteral("海淀"));
+                proxy.rowCount();
+            } },
+    };
+    sides[0].prepare = [&] { dataSet.setQuickFilter({}); };
+    sides[1].prepare = [&] {
+        proxy.setFilterFixedString({});
+        proxy.rowCount();
+    };
+    std::printf("\nquick filter by how a million different texts are read, %d rounds\n", rounds);
+    runInTurn(sides, rounds);
+    if (dataSet.recordCount() != proxy.rowCount())
+        failWith(QStringLiteral("%1 rows pass, beside %2").arg(dataSet.recordCount()).arg(proxy.rowCount()));
+    std::printf("dataset: median %.1f ms\nproxy: median %.0f ms\n", median(sides[0].milliseconds), median(sides[1].milliseconds));
+    printRatio(sides[0], sides[1], 1.0);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -347,6 +389,7 @@ int main(int argc, char **argv)
     compareFooters(dataSet, path);
     compareFilters(dataSet, model);
     compareQuickFilters(dataSet, model);
+    comparePinyinFilters();
     if (!wasQuiet || !machineIsQuiet())
         std::printf("machine busy: these ratios are no verdict\n");
     return 0;
