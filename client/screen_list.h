@@ -24,6 +24,7 @@ inline constexpr ScreenItem scanScreens[] = {
     { u"frm_BillContrastSiteCome", u"录单对比网点到件" },
 };
 
+// Left out is a screen of the plug-in with nothing on it, frm_BillStat.
 inline constexpr ScreenItem reportScreens[] = {
     { u"frm_MonthSendBill", u"月发件清单" },
     { u"frm_MonthRecBill", u"月收件清单" },
@@ -32,7 +33,6 @@ inline constexpr ScreenItem reportScreens[] = {
     { u"frm_BJDispFee", u"北京市内收派费查询" },
     { u"frm_SaleQry", u"北京业务部统计" },
     { u"frm_DestQry", u"目的网点月统计" },
-    { u"frm_BillStat", u"快件月统计表" },
     { u"frm_AuditingQuery", u"审核中转费查询" },
 };
 
