@@ -31,7 +31,7 @@ QString counted(qint64 number) { return QLocale(QLocale::Chinese, QLocale::China
 /// The field of a column whose values can be added, or -1.
 int summableField(const TDBGridEh &grid, int column)
 {
-    const TField *field = grid.dataSet()->findField(grid.column(column).fieldName);
+    const TField *field = grid.column(column).isCheckBox() ? nullptr : grid.dataSet()->findField(grid.column(column).fieldName);
     return field && field->type() != FieldType::Text && field->type() != FieldType::DateTime ? field->index() : -1;
 }
 
