@@ -15,6 +15,8 @@
 #include <QLocale>
 #include <QSet>
 
+#include <iterator>
+
 using namespace platform;
 
 namespace client {
@@ -136,7 +138,7 @@ StatusLine::StatusLine()
     m_conditions->setStyleSheet(alarming(*this));
     m_conditions->setToolTip(QStringLiteral("表格里仍是上次查询的结果，请重新查询"));
     m_selection->installEventFilter(this);
-    m_rights->setToolTip(QStringLiteral("当前窗口的三项权限"));
+    m_rights->setToolTip(QStringLiteral("您的帐户在当前窗口的权限：除查询外还有三项，由管理员授予"));
     m_time->setToolTip(QStringLiteral("服务器时间"));
 }
 
@@ -209,11 +211,17 @@ bool StatusLine::eventFilter(QObject *watched, QEvent *event)
 
 void StatusLine::showRights(const TForm *form)
 {
-    QString rights;
-    for (const char *name : published_by_screen::rights)
-        rights += form && form->property(name).toBool() ? u'1' : u'0';
+    QStringList granted;
+    for (std::size_t index = 0; form && index < std::size(published_by_screen::rights); ++index) {
+        if (form->property(published_by_screen::rights[index]).toBool())
+            granted.append(QString::number(index + 1));
+    }
     const bool hasRights = form && form->property(published_by_screen::rights[0]).isValid();
-    fill(m_rights, hasRights ? QStringLiteral("权限：%1").arg(rights) : QString());
+    const bool all = granted.size() == qsizetype(std::size(published_by_screen::rights));
+    const QString words = all ? QStringLiteral("全部")
+        : granted.isEmpty()   ? QStringLiteral("只查询")
+                              : QStringLiteral("查询和第 %1 项").arg(granted.join(u'、'));
+    fill(m_rights, hasRights ? u"权限：" + words : QString());
 }
 
 void StatusLine::showSavedFile(const QString &words, const QString &fileName)

@@ -171,7 +171,7 @@ TEST_F(MainWindowTest, CommandsFollowTheScreenInFront)
     EXPECT_TRUE(enabled(*window, QStringLiteral("查询")));
     EXPECT_TRUE(enabled(*window, QStringLiteral("复制")));
     EXPECT_TRUE(enabled(*window, QStringLiteral("打印…")));
-    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("权限：101")));
+    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("权限：查询和第 1、3 项")));
     window->query();
     EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("共 1,200 行")));
 
@@ -180,7 +180,7 @@ TEST_F(MainWindowTest, CommandsFollowTheScreenInFront)
     const auto *tabs = window->findChild<WindowTabs *>();
     EXPECT_TRUE(tabs->isVisible());
     EXPECT_EQ(tabs->tabText(tabs->currentIndex()), QStringLiteral("窗口 frm_Two"));
-    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("权限：000")));
+    EXPECT_TRUE(statusTexts(*window).contains(QStringLiteral("权限：只查询")));
 
     for (const TForm *form : window->forms())
         form->parentWidget()->close();
