@@ -67,7 +67,7 @@ void MainWindow::fillStartPage()
 {
     // A script that opens a client does not want statements that it did not ask for.
     const auto counting = m_options.automation ? StartDesk::Counting::Never : StartDesk::Counting::Offered;
-    m_startDesk = std::make_unique<StartDesk>(m_startPage, m_memory->folder(), m_connections->host(), m_login.site, counting);
+    m_startDesk = std::make_unique<StartDesk>(m_startPage, m_memory->folder(), m_connections->host(), m_login, counting);
     handle(m_startDesk.get(), &StartDesk::said, this, [this](const QString &text) { m_status->showMessage(text, messageMilliseconds); });
     handle(m_startDesk.get(), &StartDesk::countWanted, this, &MainWindow::openCounted);
 }

@@ -20,11 +20,11 @@ const QString off = QStringLiteral("off");
 } // namespace
 
 StartDesk::StartDesk(
-    StartPage *page, const QString &folder, std::shared_ptr<StatementChannel> channel, const QString &site, Counting counting)
+    StartPage *page, const QString &folder, std::shared_ptr<StatementChannel> channel, const Login &login, Counting counting)
     : m_page(page)
     , m_store(folder)
     , m_counter(std::move(channel))
-    , m_site(site)
+    , m_login(login)
     , m_counting(counting)
 {
     handle(page, &StartPage::favouritesChanged, this, [this](const QStringList &screens) { keep(favourites, screens); });
@@ -90,19 +90,28 @@ void StartDesk::switchCounts(bool on)
     showCounts();
 }
 
+/// Those whose screens may be opened.
+QList<DayCount> StartDesk::offeredCounts() const
+{
+    QList<DayCount> counts = dayCounts(m_login.site, Clock::today().addDays(-1));
+    counts.removeIf([this](const DayCount &count) { return m_login.rightsTo(count.screen.toString()).isEmpty(); });
+    return counts;
+}
+
 void StartDesk::showCounts()
 {
-    if (m_counting == Counting::Never)
+    const QList<DayCount> offered = offeredCounts();
+    if (m_counting == Counting::Never || offered.isEmpty())
         return;
     if (kept(counts).contains(off))
         return m_page->showCounts({}, {});
     if (m_sinceCounting.isValid() && m_sinceCounting.elapsed() < freshMilliseconds)
         return;
-    m_counts = dayCounts(m_site, Clock::today().addDays(-1));
+    m_counts = offered;
     QStringList captions;
     for (const DayCount &count : std::as_const(m_counts))
         captions.append(count.caption.toString());
-    m_page->showCounts(QStringLiteral("昨天 %1").arg(m_site), captions);
+    m_page->showCounts(QStringLiteral("昨天 %1").arg(m_login.site), captions);
     m_counter.start(m_counts);
     m_sinceCounting.start();
 }

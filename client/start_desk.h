@@ -2,6 +2,7 @@
 
 #include "client/conditions/condition_store.h"
 #include "client/day_counts.h"
+#include "client/login.h"
 #include "client/start_page.h"
 
 #include <QElapsedTimer>
@@ -18,9 +19,9 @@ class StartDesk : public QObject {
 public:
     enum class Counting { Offered, Never };
 
-    /// `page` outlives this; `folder` is the person's.
-    StartDesk(StartPage *page, const QString &folder, std::shared_ptr<platform::StatementChannel> channel, const QString &site,
-        Counting counting);
+    /// `page` and `login` outlive this; `folder` is the person's.
+    StartDesk(
+        StartPage *page, const QString &folder, std::shared_ptr<platform::StatementChannel> channel, const Login &login, Counting counting);
 
     /// A screen was opened, whoever did it.
     void remember(const QString &screen);
@@ -36,12 +37,13 @@ private:
     void keep(const QString &name, const QStringList &words);
     QStringList kept(const QString &name);
     void switchCounts(bool on);
+    QList<DayCount> offeredCounts() const;
     void showCounts();
 
     StartPage *m_page;
     ConditionStore m_store;
     DayCounter m_counter;
-    const QString m_site;
+    const Login &m_login;
     const Counting m_counting;
     QList<DayCount> m_counts; ///< as they stand on the page
     QElapsedTimer m_sinceCounting;

@@ -158,7 +158,7 @@ void StartPage::showCountTexts()
             failures.append(m_captions[index] + u"：" + m_reasons[index]);
     }
     m_countRow->setText(m_captions.isEmpty()
-            ? link(onTarget, QStringLiteral("显示昨天本站的五个数"))
+            ? link(onTarget, QStringLiteral("显示昨天本站的几个数"))
             : QString(u"<b>" + m_countHeading.toHtmlEscaped() + u"</b>" + gap + text + link(offTarget, QStringLiteral("不再显示"))));
     m_countRow->setToolTip(failures.isEmpty() ? QString() : plainTip(failures.join(u'\n')));
     m_countRow->show();
