@@ -43,6 +43,8 @@ void setTextScale(int percent)
     tellGrids();
 }
 
+int scaledPixels(int designed) { return designed * scale / 100; }
+
 void stepGridZoom(int steps) { setGridZoom((zoom + step / 2) / step * step + steps * step); }
 
 } // namespace platform

@@ -10,6 +10,8 @@ void setGridZoom(int percent);
 /// are the program's own, which has taken it already.
 int textScale();
 void setTextScale(int percent);
+/// So many pixels of a design as they are at that size.
+int scaledPixels(int designed);
 /// The next larger or smaller zoom.
 void stepGridZoom(int steps);
 

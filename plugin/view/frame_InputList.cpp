@@ -1,9 +1,11 @@
 #include "plugin/view/frame_InputList.h"
 
+#include "platform/grid/grid_zoom.h"
 #include "platform/toolkit/handler.h"
 #include "platform/toolkit/refusal.h"
 #include "platform/toolkit/screen.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMimeData>
@@ -17,6 +19,9 @@ using namespace plugin;
 namespace {
 
 constexpr int frameWidth = 130;
+constexpr int headHeight = 20;
+constexpr int buttonWidth = 48;
+constexpr int fontPixels = 12;
 constexpr int mostLines = 800;
 
 /// Without the blanks and control characters at both ends.
@@ -94,12 +99,7 @@ void BillMemo::insertFromMimeData(const QMimeData *source)
 
 TInputList::TInputList()
 {
-    QFont song(QStringLiteral("宋体"));
-    song.setPixelSize(12);
-    setFont(song);
-    setFixedWidth(frameWidth);
-    Panel1->setFixedHeight(20);
-    SpeedButton1->setFixedWidth(48);
+    takeTextScale();
     CheckBox1->setText(QStringLiteral("按单号查询"));
     CheckBox1->setFocusPolicy(Qt::ClickFocus);
     SpeedButton1->setText(QStringLiteral("清空"));
@@ -138,6 +138,24 @@ void TInputList::GetBillList(QString &BillList)
     for (const QString &line : lines)
         numbers.prepend(trimmed(line));
     BillList = u"('" + numbers.join(QStringLiteral("','")) + u"')";
+}
+
+/// As designed in pixels, at the size of text that the person has chosen.
+void TInputList::takeTextScale()
+{
+    QFont song(QStringLiteral("宋体"));
+    song.setPixelSize(scaledPixels(fontPixels));
+    setFont(song);
+    setFixedWidth(scaledPixels(frameWidth));
+    Panel1->setFixedHeight(scaledPixels(headHeight));
+    SpeedButton1->setFixedWidth(scaledPixels(buttonWidth));
+}
+
+void TInputList::changeEvent(QEvent *event)
+{
+    TFrame::changeEvent(event);
+    if (event->type() == QEvent::ApplicationFontChange)
+        takeTextScale();
 }
 
 void TInputList::SpeedButton1Click() { Memo1->clear(); }

@@ -43,6 +43,10 @@ public:
     /// been told.
     void GetBillList(QString &BillList);
 
+protected:
+    void changeEvent(QEvent *event) override;
+
 private:
     void SpeedButton1Click();
+    void takeTextScale();
 };
