@@ -2,6 +2,7 @@
 
 #include "platform/dataset/data_source.h"
 #include "platform/files/save_dialog.h"
+#include "platform/files/saved_file_label.h"
 #include "platform/grid/copied_cells.h"
 #include "platform/grid/db_grid.h"
 #include "platform/report/chart_view.h"
@@ -31,6 +32,7 @@ ChartWindow::ChartWindow(TDBGridEh &grid, const QString &title)
     , m_values(new QToolButton)
     , m_valueMenu(new QMenu(this))
     , m_notice(plainLabel())
+    , m_saved(new files::SavedFileLabel)
 {
     setWindowTitle(QStringLiteral("图表：") + title);
     setAttribute(Qt::WA_DeleteOnClose);
@@ -93,6 +95,7 @@ void ChartWindow::buildTools()
     layout->addLayout(tools);
     layout->addWidget(m_view, 1);
     layout->addWidget(m_notice);
+    layout->addWidget(m_saved);
 
     handle(m_kinds, &QComboBox::activated, this, [this](int kind) {
         m_choice.kind = ChartKind(kind);
@@ -167,7 +170,13 @@ void ChartWindow::savePicture()
     const auto place = files::askWhereToSave(this, QStringLiteral("保存图片"), files::datedName(m_title),
         { QStringLiteral("PNG 图片 (*.png)"), QStringLiteral("SVG 图片 (*.svg)") });
     if (place)
-        m_view->save(place->fileName);
+        saveTo(place->fileName);
+}
+
+void ChartWindow::saveTo(const QString &fileName)
+{
+    m_view->save(fileName);
+    m_saved->tell(QStringLiteral("已保存图片"), fileName);
 }
 
 } // namespace report

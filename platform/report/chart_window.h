@@ -9,6 +9,9 @@ class QComboBox;
 class QLabel;
 class QMenu;
 class QToolButton;
+namespace files {
+class SavedFileLabel;
+}
 
 namespace report {
 
@@ -29,6 +32,8 @@ public:
     void choose(const GridChartChoice &choice);
     GridChart chart() const;
     ChartView &view() { return *m_view; }
+    /// Writes the picture, .png or .svg, and tells of it with links. Throws Exception.
+    void saveTo(const QString &fileName);
 
 private:
     ChartWindow(TDBGridEh &grid, const QString &title);
@@ -48,6 +53,7 @@ private:
     QToolButton *m_values;
     QMenu *m_valueMenu;
     QLabel *m_notice;
+    files::SavedFileLabel *m_saved;
     QTimer m_later;
 };
 
