@@ -356,7 +356,9 @@ int MainWindow::exportTo(const TDBGridEh &grid, const ExportTarget &target)
     notes.append({ { QStringLiteral("导出网点"), m_login.site }, { QStringLiteral("导出人"), m_data.employeeName() },
         { QStringLiteral("导出时间"), dateTimeToText(serverTime()) } });
     const int rows = exportGrid(grid, target, screenTitle(grid), notes);
-    m_status->showSavedFile(QStringLiteral("已导出 %1 行").arg(rows), target.fileName);
+    QStringList words { QStringLiteral("已导出 %1 行").arg(rows), grid.dataSet()->filterNotice(), grid.dataSet()->truncationNotice() };
+    words.removeAll(QString());
+    m_status->showSavedFile(words.join(u'，'), target.fileName);
     return rows;
 }
 
