@@ -264,7 +264,8 @@ void GridTable::speak(int row, int column)
 {
     if (column < 0 || row < 0 || row >= rowCount())
         return;
-    const QString value = grid()->cellTextWithTicks(row, column);
+    const QString text = grid()->cellTextWithTicks(row, column);
+    const QString value = text.isEmpty() ? QStringLiteral("空白") : text;
     m_spoken = row != m_spokenRow ? QStringLiteral("%1，第 %2 行").arg(value).arg(row + 1)
                                   : plainTitle(grid()->column(column).caption) + u' ' + value;
     m_spokenRow = row;
