@@ -6,9 +6,11 @@
 #include "plugin/forms/base/wrapping_layout.h"
 
 #include <QAbstractButton>
+#include <QEvent>
 #include <QFrame>
 #include <QGridLayout>
 #include <QLabel>
+#include <QScrollArea>
 
 #include <algorithm>
 
@@ -23,6 +25,8 @@ constexpr int leastFieldWidth = 112; ///< where the window is narrow, or the tex
 constexpr int widestField = 260;
 constexpr int timeFieldWidth = 168;
 constexpr int gap = 6;
+constexpr int leastResultHeight = 200; ///< some rows with titles and footers
+constexpr int leastConditionHeight = 72;
 constexpr qreal designedPoints = 9; ///< of the font that the widths are measured in
 
 qreal fontScale(const QWidget &control) { return std::max(1.0, control.font().pointSizeF() / designedPoints); }
@@ -95,6 +99,46 @@ void pairTimes(const QList<ConditionRow> &rows)
     }
 }
 
+/// As high as the conditions need, while the result below keeps some room; then they scroll.
+class ConditionArea : public QScrollArea {
+public:
+    ConditionArea(QWidget *conditions, QWidget *screen)
+        : m_screen(screen)
+    {
+        setFrameShape(NoFrame);
+        setWidgetResizable(true);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setFocusPolicy(Qt::NoFocus);
+        setWidget(conditions);
+        conditions->setAutoFillBackground(false);
+        viewport()->setAutoFillBackground(false);
+        setMinimumHeight(1); // a collapsed panel covers them
+        QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+        policy.setHeightForWidth(true);
+        setSizePolicy(policy);
+        screen->installEventFilter(this);
+    }
+
+    bool hasHeightForWidth() const override { return true; }
+    int heightForWidth(int width) const override { return std::min(widget()->heightForWidth(width), mostHeight()); }
+    QSize sizeHint() const override { return { widget()->sizeHint().width(), std::min(widget()->sizeHint().height(), mostHeight()) }; }
+    QSize minimumSizeHint() const override { return { widget()->minimumSizeHint().width(), 1 }; }
+
+    bool eventFilter(QObject *watched, QEvent *event) override
+    {
+        const bool roomChanged = watched == m_screen && event->type() == QEvent::Resize;
+        const bool needChanged = watched == widget() && event->type() == QEvent::LayoutRequest;
+        if (roomChanged || needChanged)
+            updateGeometry();
+        return QScrollArea::eventFilter(watched, event);
+    }
+
+private:
+    int mostHeight() const { return std::max(m_screen->height() - int(leastResultHeight * fontScale(*this)), leastConditionHeight); }
+
+    const QWidget *m_screen;
+};
+
 QGridLayout *conditionGrid()
 {
     auto *grid = new QGridLayout;
@@ -153,8 +197,7 @@ void forEachRow(const QList<ConditionLine> &lines, const std::function<void(cons
 
 void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const QList<ConditionLine> &lines)
 {
-    auto *conditions = new QWidget(panel);
-    conditions->setMinimumHeight(1); // a collapsed panel covers them
+    auto *conditions = new QWidget;
     auto *layout = new WrappingLayout(conditions);
     layout->setContentsMargins(gap, gap, gap, gap + workPanel->height());
     layout->setGaps(gap * 2, gap);
@@ -165,7 +208,7 @@ void arrange(TComponentOwner *owner, QFrame *panel, TWorkPanel *workPanel, const
     }
     auto *layers = new QGridLayout(panel);
     layers->setContentsMargins(0, 0, 0, 0);
-    layers->addWidget(conditions, 0, 0);
+    layers->addWidget(new ConditionArea(conditions, panel->parentWidget()), 0, 0);
     layers->addWidget(workPanel, 0, 0, Qt::AlignBottom | Qt::AlignHCenter);
     workPanel->raise();
     // As high as the lines need at the panel's width.
