@@ -26,8 +26,9 @@ QString narrow(QString text)
 
 std::optional<DateEntry> readDateEntry(const QString &text)
 {
-    static const QRegularExpression form(QStringLiteral(
-        R"(^(?:([0-9]{4})([0-9]{2})([0-9]{2})|(?:([0-9]{4})[-/])?([0-9]{1,2})[-/]([0-9]{1,2}))(?: ([0-9]{1,2}):([0-9]{1,2})(?::([0-9]{1,2}))?)?$)"));
+    static const QRegularExpression form(
+        QStringLiteral(R"(^(?:([0-9]{4})([0-9]{2})([0-9]{2})|(?:([0-9]{4})[-/])?([0-9]{1,2})[-/]([0-9]{1,2})|([0-9]{1,2})))"
+                       R"((?: ([0-9]{1,2}):([0-9]{1,2})(?::([0-9]{1,2}))?)?$)"));
     const QRegularExpressionMatch match = form.match(narrow(text));
     if (!match.hasMatch())
         return std::nullopt;
@@ -35,10 +36,12 @@ std::optional<DateEntry> readDateEntry(const QString &text)
     DateEntry entry;
     if (match.hasCaptured(1))
         entry.date = QDate(number(1), number(2), number(3));
+    else if (match.hasCaptured(7))
+        entry.date = QDate(Clock::today().year(), Clock::today().month(), number(7));
     else
         entry.date = QDate(match.hasCaptured(4) ? number(4) : Clock::today().year(), number(5), number(6));
-    if (match.hasCaptured(7))
-        entry.time = QTime(number(7), number(8), number(9));
+    if (match.hasCaptured(8))
+        entry.time = QTime(number(8), number(9), number(10));
     const bool possible = entry.date.isValid() && (!entry.time || entry.time->isValid());
     return possible ? std::optional(entry) : std::nullopt;
 }

@@ -12,8 +12,8 @@ struct DateEntry {
     std::optional<QTime> time;
 };
 
-/// Reads "20260930", "2026-9-30", "2026/9/30" or "9-30" (of this year), each with an optional time "12:30[:15]"; full-width
-/// characters count as their narrow ones. Nothing when it is no possible day and time.
+/// Reads "20260930", "2026-9-30", "2026/9/30", "9-30" (of this year) or "30" (of this month), each with an optional time "12:30[:15]";
+/// full-width characters count as their narrow ones. Nothing when it is no possible day and time.
 std::optional<DateEntry> readDateEntry(const QString &text);
 
 /// A date and time by its parts, in the order in which they are written.

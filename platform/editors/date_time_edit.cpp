@@ -85,7 +85,8 @@ bool TDBDateTimeEditEh::stepByKey(const QKeyEvent &event)
     if (!vertical || (event.modifiers() & ~Qt::KeypadModifier))
         return false;
     const int position = hasSelectedText() ? selectionStart() : cursorPosition();
-    const DatePart part = datePartAt(text(), position);
+    // A field that was tabbed into is selected whole: nobody means the year.
+    const DatePart part = selectedText() == text() ? DatePart::Day : datePartAt(text(), position);
     return step(m_dateOnly ? std::min(part, DatePart::Day) : part, event.key() == Qt::Key_Up ? 1 : -1);
 }
 

@@ -44,6 +44,8 @@ TEST_F(DateTime, IsPutIntoItsFormWhenLeft)
         { "2026-9-3", "2026-09-03 00:00:00" },
         { "2026/9/30 7:5", "2026-09-30 07:05:00" },
         { "9-30", "2026-09-30 00:00:00" },
+        { "11", "2026-09-11 00:00:00" },
+        { "3 7:05", "2026-09-03 07:05:00" },
         { "9/1 12:30:15", "2026-09-01 12:30:15" },
         { "20260930 12:30", "2026-09-30 12:30:00" },
         { "  2026-09-30  11:59:59 ", "2026-09-30 11:59:59" },
@@ -57,7 +59,7 @@ TEST_F(DateTime, IsPutIntoItsFormWhenLeft)
 TEST_F(DateTime, StaysAsTypedWhenItCannotBeRead)
 {
     for (const char *typed : { "", "2026-2-29", "2-29", "2026-13-1", "20260931", "9-30 24:00", "9-30 12:60", "9-30 12", "26-9-30", "2026-9",
-             "昨天", "2026-09-30 12:00:00 x", "202609301" })
+             "31", "0", "昨天", "2026-09-30 12:00:00 x", "202609301" })
         EXPECT_EQ(left(typed).toStdString(), typed);
 }
 
@@ -100,6 +102,10 @@ TEST_F(DateTime, ArrowsChangeThePartUnderTheCursor)
     form.press(Qt::Key_Up);
     form.press(Qt::Key_Up); // the part stays chosen
     EXPECT_EQ(edit->text(), QStringLiteral("2024-04-01 00:00:00"));
+
+    edit->selectAll(); // as the Tab key leaves it
+    form.press(Qt::Key_Up);
+    EXPECT_EQ(edit->text(), QStringLiteral("2024-04-02 00:00:00"));
 
     edit->setText(QStringLiteral("9999-12-31 00:00:00"));
     edit->setCursorPosition(0);
