@@ -105,6 +105,7 @@ void LoginDialog::useKeyring(const Keyring &keyring)
     m_keyring = keyring;
     m_keeps = new QCheckBox(QStringLiteral("记住密码（保存在系统的密钥环中）"), this);
     m_form->insertRow(row + 1, QString(), m_keeps);
+    setTabOrder(m_password, m_keeps);
     if (m_user->text().isEmpty())
         return;
     m_password->setText(keyring.password(m_connections->place(), m_user->text()));
