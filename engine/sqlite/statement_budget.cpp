@@ -4,7 +4,6 @@
 #include "engine/sqlite/temporary_files.h"
 
 #include <algorithm>
-#include <atomic>
 #include <stdexcept>
 
 #ifdef __GLIBC__
@@ -23,39 +22,6 @@ constexpr std::int64_t muchMemory = 16 * megabyte;
 
 thread_local StatementBudget *currentBudget = nullptr;
 
-/// Gives memory that was freed back to the system: when the last statement has ended, and while others go on once a second, because all
-/// threads that want memory wait for it.
-class Trimming {
-public:
-    void begin() { ++m_running; }
-    void end(bool wasMuch)
-    {
-        const bool isLast = --m_running == 0;
-        if (wasMuch)
-            m_isWanted = true;
-        const auto now = Clock::now().time_since_epoch().count();
-        auto before = m_done.load();
-        const bool isDue = isLast || Clock::duration(now - before) > std::chrono::seconds(1);
-        if (m_isWanted && isDue && m_done.compare_exchange_strong(before, now))
-            trim();
-    }
-
-private:
-    void trim()
-    {
-        m_isWanted = false;
-#ifdef __GLIBC__
-        malloc_trim(0);
-#endif
-    }
-
-    std::atomic<int> m_running { 0 };
-    std::atomic<bool> m_isWanted { false };
-    std::atomic<Clock::rep> m_done { 0 };
-};
-
-Trimming trimming;
-
 } // namespace
 
 StatementBudget::StatementBudget(const Job &job, std::int64_t &kept)
@@ -65,13 +31,15 @@ StatementBudget::StatementBudget(const Job &job, std::int64_t &kept)
     , m_taken(kept)
 {
     currentBudget = this;
-    trimming.begin();
 }
 
 StatementBudget::~StatementBudget()
 {
     currentBudget = nullptr;
-    trimming.end(m_largest - m_kept > muchMemory);
+#ifdef __GLIBC__
+    if (m_largest - m_kept > muchMemory)
+        malloc_trim(0);
+#endif
     m_kept = m_taken;
 }
 

@@ -14,7 +14,7 @@ public:
     /// `kept`: the bytes that SQLite still holds for the connection from earlier statements; in the end those that it keeps.
     StatementBudget(const Job &job, std::int64_t &kept);
     StatementBudget(const StatementBudget &) = delete;
-    /// Sees to it that freed memory goes back to the system when there was much.
+    /// Gives freed memory back to the system when there was much.
     ~StatementBudget();
 
     /// That of the statement on this thread; null when none runs.
