@@ -130,11 +130,12 @@ QString shownValue(const QWidget &condition)
 
 ConditionsByCaption::ConditionsByCaption(const TForm &screen)
 {
+    const ConditionCaptions captions(screen);
     for (const QWidget *widget = screen.nextInFocusChain(); widget != &screen; widget = widget->nextInFocusChain()) {
         if (!screen.isAncestorOf(widget) || !widget->isVisibleTo(&screen) || liesInGrid(*widget) || !conditionText(*widget)
             || isPart(*widget))
             continue;
-        const QString caption = conditionCaption(screen, *widget);
+        const QString caption = captions.of(*widget);
         const QString box = boxAround(*widget);
         // Here a caption begins with that of its box.
         if (!plainCaption(caption).isEmpty())
