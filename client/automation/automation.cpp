@@ -1,11 +1,13 @@
 #include "client/automation/automation.h"
 
+#include "client/export/screen_conditions.h"
 #include "platform/grid/db_grid.h"
 #include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 
 #include <QApplication>
+#include <QLabel>
 
 #include <cstdio>
 
@@ -31,6 +33,18 @@ QObject *findByPath(const TComponentOwner &owner, const QString &path)
     return nullptr;
 }
 
+/// The condition that a person sees under this caption.
+QObject *findByLabel(const TForm &form, const QString &label)
+{
+    const ConditionCaptions captions(form);
+    for (QObject *component : form.components()) {
+        const auto *widget = qobject_cast<const QWidget *>(component);
+        if (widget && !qobject_cast<const QLabel *>(widget) && widget->isVisible() && captions.of(*widget) == label)
+            return component;
+    }
+    return nullptr;
+}
+
 } // namespace
 
 struct Automation::CommandRow {
@@ -50,6 +64,7 @@ const QList<Automation::CommandRow> &Automation::commands()
         { u"set", &Automation::set },
         { u"key", &Automation::key },
         { u"query", &Automation::query },
+        { u"command", &Automation::runCommand },
         { u"click", &Automation::click },
         { u"page", &Automation::page },
         { u"columns", &Automation::columns },
@@ -58,6 +73,8 @@ const QList<Automation::CommandRow> &Automation::commands()
         { u"title", &Automation::title },
         { u"cell", &Automation::cell },
         { u"colour", &Automation::colour },
+        { u"filter", &Automation::filter },
+        { u"chart", &Automation::chart },
         { u"print", &Automation::print },
         { u"export", &Automation::exportGrid },
         { u"copy", &Automation::copy },
@@ -154,7 +171,10 @@ TForm *Automation::form(const QJsonObject &arguments) const
 QObject *Automation::component(const QJsonObject &arguments, QStringView argument) const
 {
     const QString path = requiredText(arguments, argument);
-    if (QObject *found = findByPath(*form(arguments), path))
+    TForm *searched = form(arguments);
+    if (QObject *found = findByPath(*searched, path))
+        return found;
+    if (QObject *found = findByLabel(*searched, path))
         return found;
     throw Exception(QStringLiteral("窗口里没有名为“%1”的控件").arg(path));
 }

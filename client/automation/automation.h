@@ -44,6 +44,7 @@ private:
     QJsonObject activate(const QJsonObject &arguments);
     QJsonObject close(const QJsonObject &arguments);
     QJsonObject query(const QJsonObject &arguments);
+    QJsonObject runCommand(const QJsonObject &arguments);
     QJsonObject print(const QJsonObject &arguments);
     QJsonObject exportGrid(const QJsonObject &arguments);
     QJsonObject copy(const QJsonObject &arguments);
@@ -66,6 +67,8 @@ private:
     QJsonObject title(const QJsonObject &arguments);
     QJsonObject cell(const QJsonObject &arguments);
     QJsonObject colour(const QJsonObject &arguments);
+    QJsonObject filter(const QJsonObject &arguments);
+    QJsonObject chart(const QJsonObject &arguments);
 
     /// The form that "form" names, or the one in front.
     TForm *form(const QJsonObject &arguments) const;

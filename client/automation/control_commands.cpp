@@ -1,6 +1,7 @@
 #include "client/automation/automation.h"
 
 #include "client/conditions/person.h"
+#include "client/export/screen_conditions.h"
 #include "platform/dataset/data_set.h"
 #include "platform/editors/editors.h"
 #include "platform/toolkit/exception.h"
@@ -60,7 +61,7 @@ void describeValue(const QWidget &widget, QJsonObject &description)
         description[u"itemIndex"] = pages->activePageIndex();
 }
 
-QJsonObject describe(const QObject &component)
+QJsonObject describe(const QObject &component, const ConditionCaptions &captions)
 {
     QJsonObject description {
         { QStringLiteral("name"), component.objectName() },
@@ -70,6 +71,8 @@ QJsonObject describe(const QObject &component)
         description[u"active"] = dataSet->active();
     if (const auto *widget = qobject_cast<const QWidget *>(&component)) {
         description[u"caption"] = captionOf(*widget);
+        if (const QString label = qobject_cast<const QLabel *>(widget) ? QString() : captions.of(*widget); !label.isEmpty())
+            description[u"label"] = label;
         description[u"enabled"] = widget->isEnabled();
         description[u"visible"] = widget->isVisible();
         description[u"focused"] = widget->hasFocus();
@@ -78,15 +81,15 @@ QJsonObject describe(const QObject &component)
     return description;
 }
 
-void describeAll(const TComponentOwner &owner, const QString &prefix, QJsonArray &descriptions)
+void describeAll(const TComponentOwner &owner, const QString &prefix, const ConditionCaptions &captions, QJsonArray &descriptions)
 {
     for (QObject *component : owner.components()) {
-        QJsonObject description = describe(*component);
+        QJsonObject description = describe(*component, captions);
         const QString path = prefix + component->objectName();
         description[u"name"] = path;
         descriptions.append(description);
         if (const auto *frame = dynamic_cast<TComponentOwner *>(component))
-            describeAll(*frame, path + u'.', descriptions);
+            describeAll(*frame, path + u'.', captions, descriptions);
     }
 }
 
@@ -103,11 +106,11 @@ QString joinedLines(const QJsonArray &lines)
 QJsonObject Automation::controls(const QJsonObject &arguments)
 {
     QJsonArray descriptions;
-    describeAll(*form(arguments), {}, descriptions);
+    describeAll(*form(arguments), {}, ConditionCaptions(*form(arguments)), descriptions);
     return { { QStringLiteral("controls"), descriptions } };
 }
 
-QJsonObject Automation::get(const QJsonObject &arguments) { return describe(*component(arguments)); }
+QJsonObject Automation::get(const QJsonObject &arguments) { return describe(*component(arguments), ConditionCaptions(*form(arguments))); }
 
 QJsonObject Automation::set(const QJsonObject &arguments)
 {

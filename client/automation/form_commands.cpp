@@ -2,14 +2,17 @@
 
 #include "client/export/table_export.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_filter.h"
 #include "platform/grid/grid_finder.h"
 #include "platform/report/output/page_exports.h"
 #include "platform/report/report.h"
 #include "platform/toolkit/application.h"
 #include "platform/toolkit/exception.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QClipboard>
+#include <QMenu>
 #include <QPixmap>
 
 #include <utility>
@@ -66,6 +69,24 @@ QJsonObject Automation::query(const QJsonObject &arguments)
     return reply;
 }
 
+/// As a person who opens the menus, or goes on in the menu that is open.
+QJsonObject Automation::runCommand(const QJsonObject &arguments)
+{
+    const QString text = requiredText(arguments, u"text");
+    const auto *menu = qobject_cast<const QMenu *>(QApplication::activePopupWidget());
+    for (QAction *action : menu ? menu->actions() : m_window->findChildren<QAction *>()) {
+        if (action->isSeparator() || action->menu() || QString(action->text()).remove(u'…') != QString(text).remove(u'…'))
+            continue;
+        if (!action->isEnabled())
+            throw Exception(QStringLiteral("命令“%1”现在不能用").arg(text));
+        if (menu)
+            const_cast<QMenu *>(menu)->close();
+        action->trigger();
+        return {};
+    }
+    throw Exception(QStringLiteral("没有命令“%1”").arg(text));
+}
+
 QJsonObject Automation::print(const QJsonObject &arguments)
 {
     m_printFile = arguments[u"file"].toString();
@@ -102,7 +123,8 @@ QJsonObject Automation::exportGrid(const QJsonObject &arguments)
     const ExportTarget target { requiredText(arguments, u"file"), arguments[u"encoding"].toString(), guard };
     const TDBGridEh *grid = view(arguments);
     const int rows = m_window->exportTo(*grid, target);
-    return { { QStringLiteral("rows"), rows }, { QStringLiteral("truncated"), !grid->dataSet()->truncationNotice().isEmpty() } };
+    return { { QStringLiteral("rows"), rows }, { QStringLiteral("truncated"), !grid->dataSet()->truncationNotice().isEmpty() },
+        { QStringLiteral("filter"), grid->filter().description() } };
 }
 
 QJsonObject Automation::copy(const QJsonObject &arguments)

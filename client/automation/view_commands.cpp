@@ -1,6 +1,9 @@
 #include "client/automation/automation.h"
 
+#include "client/export/screen_conditions.h"
 #include "platform/grid/db_grid.h"
+#include "platform/grid/grid_filter.h"
+#include "platform/report/chart_window.h"
 #include "platform/toolkit/exception.h"
 
 #include <QApplication>
@@ -73,6 +76,16 @@ QJsonObject describe(const Column &column, bool frozen)
         { QStringLiteral("sort"), nameOf(column.sortMark) },
         { QStringLiteral("sortKey"), column.sortKey },
     };
+}
+
+int unfilteredRows(const TDBGridEh &grid) { return grid.dataSet() && grid.dataSet()->active() ? grid.dataSet()->unnarrowedCount() : 0; }
+
+report::ChartKind chartKind(const QString &name)
+{
+    const QStringList names { QStringLiteral("bars"), QStringLiteral("lines"), QStringLiteral("shares") };
+    if (!names.contains(name))
+        throw Exception(QStringLiteral("不认识的图形“%1”，只有 %2").arg(name, names.join(u'、')));
+    return report::ChartKind(names.indexOf(name));
 }
 
 void doubleClick(TDBGridEh *grid, int row, int column)
@@ -151,6 +164,48 @@ QJsonObject Automation::cell(const QJsonObject &arguments)
     if (arguments[u"doubleClick"].toBool())
         doubleClick(grid, row, column);
     return { { QStringLiteral("text"), text } };
+}
+
+/// Without arguments it takes the filter away.
+QJsonObject Automation::filter(const QJsonObject &arguments)
+{
+    TDBGridEh *grid = view(arguments);
+    GridFilter &filter = grid->filter();
+    if (arguments.contains(u"values")) {
+        QStringList values;
+        for (const QJsonValue &value : arguments[u"values"].toArray())
+            values.append(value.toString());
+        filter.setValues({ grid->column(columnOf(*grid, arguments)).fieldName, values,
+            arguments[u"others"].toBool() ? QuickFilter::Keep::Others : QuickFilter::Keep::Those });
+    } else if (arguments.contains(u"text")) {
+        filter.setText(requiredText(arguments, u"text"), arguments.contains(u"field") ? columnOf(*grid, arguments) : -1);
+    } else {
+        filter.clear();
+    }
+    return { { QStringLiteral("rows"), grid->rowCount() }, { QStringLiteral("total"), unfilteredRows(*grid) },
+        { QStringLiteral("filter"), filter.description() } };
+}
+
+QJsonObject Automation::chart(const QJsonObject &arguments)
+{
+    TDBGridEh *grid = view(arguments);
+    auto &window = report::ChartWindow::showFor(*grid, screenTitle(*grid));
+    report::GridChartChoice choice = window.choice();
+    choice.kind = chartKind(arguments[u"kind"].toString(QStringLiteral("bars")));
+    if (arguments.contains(u"field"))
+        choice.labelField = grid->column(columnOf(*grid, arguments)).fieldName;
+    if (arguments.contains(u"values")) {
+        choice.valueFields.clear();
+        for (const QJsonValue &field : arguments[u"values"].toArray())
+            choice.valueFields.append(field.toString());
+    }
+    window.choose(choice);
+    if (arguments.contains(u"file"))
+        window.saveTo(requiredText(arguments, u"file"));
+    const report::GridChart chart = window.chart();
+    if (arguments[u"close"].toBool())
+        window.close();
+    return { { QStringLiteral("labels"), QJsonArray::fromStringList(chart.data.labels) }, { QStringLiteral("notice"), chart.notice } };
 }
 
 QJsonObject Automation::colour(const QJsonObject &arguments)

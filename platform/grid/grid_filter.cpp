@@ -102,7 +102,6 @@ void GridFilter::useSelectedValues(QuickFilter::Keep keep)
         setValues({ field, texts.values(), keep });
 }
 
-/// What is to be seen takes the place of all that was asked of the column; what is to be hidden joins what is hidden already.
 void GridFilter::setValues(QuickFilter::Values values)
 {
     QuickFilter changed = filter();

@@ -22,6 +22,8 @@ public:
     /// Keeps or drops the rows that show, in the current column, what its selected cells show, or else its current cell. Throws
     /// Exception when that column cannot be filtered.
     void useSelectedValues(QuickFilter::Keep keep);
+    /// What is to be seen takes the place of all that was asked of its column; what is to be hidden joins what is hidden already.
+    void setValues(QuickFilter::Values values);
     /// Asks which values of a column to see; throws as above.
     void chooseValues(int column);
     /// Opens the bar, ready to type.
@@ -47,7 +49,6 @@ private:
     TCustomClientDataSet *rows() const; ///< null while there are none
     QuickFilter filter() const;
     QString requireField(int column) const;
-    void setValues(QuickFilter::Values values);
     void apply(const QuickFilter &filter);
     QString conditionText(const QuickFilter::Values &values) const;
     void showBar(bool visible);

@@ -19,7 +19,7 @@ QJsonObject screen(const char *name) { return { { QStringLiteral("screen"), QStr
 
 QJsonObject typing(const char *control, const QString &text)
 {
-    return { { QStringLiteral("control"), QString::fromLatin1(control) }, { QStringLiteral("text"), text } };
+    return { { QStringLiteral("control"), QString::fromUtf8(control) }, { QStringLiteral("text"), text } };
 }
 
 /// What a nightly script sees of a query that did not come about.
@@ -169,6 +169,38 @@ TEST_F(Script, FindsTheSummaryRowWithTheDetailThatBelongsToIt)
     EXPECT_TRUE(contentOf(file(QStringLiteral("a.html"))).contains(row));
     client.obey(command("print", { { QStringLiteral("file"), file(QStringLiteral("paper.html")) } }));
     EXPECT_TRUE(contentOf(file(QStringLiteral("paper.html"))).contains(row));
+}
+
+TEST_F(Script, FiltersChartsPinsAndComparesByCaptions)
+{
+    ClientProcess client;
+    client.obey(command("open", screen("frm_ManCome111")));
+    client.obey(command("set", typing("扫描网点", QStringLiteral("北京"))));
+    EXPECT_EQ(client.textOf(QStringLiteral("DBLookupComboboxEh1")), QStringLiteral("北京"));
+    client.obey(command("query"));
+    const QJsonObject all = client.obey(command("rows"));
+    const QString man = all[u"rows"][0][2].toString();
+    const QJsonObject values { { QStringLiteral("field"), QStringLiteral("scan_man") }, { QStringLiteral("values"), QJsonArray { man } } };
+    const QJsonObject kept = client.obey(command("filter", values));
+    EXPECT_EQ(kept[u"total"], all[u"total"]);
+    EXPECT_EQ(kept[u"filter"].toString(), QStringLiteral("扫描人＝") + man);
+    const QJsonObject exported = client.obey(command("export", { { QStringLiteral("file"), file(QStringLiteral("part.csv")) } }));
+    EXPECT_EQ(exported[u"rows"], kept[u"rows"]);
+    EXPECT_EQ(exported[u"filter"], kept[u"filter"]);
+    EXPECT_EQ(client.obey(command("filter"))[u"rows"], all[u"total"]);
+
+    const QJsonObject chart = client.obey(command("chart",
+        { { QStringLiteral("kind"), QStringLiteral("shares") }, { QStringLiteral("field"), QStringLiteral("scan_man") },
+            { QStringLiteral("file"), file(QStringLiteral("part.svg")) } }));
+    EXPECT_EQ(chart[u"labels"][0].toString(), man);
+    EXPECT_TRUE(QFile::exists(file(QStringLiteral("part.svg"))));
+
+    client.obey(command("command", { { QStringLiteral("text"), QStringLiteral("固定结果") } }));
+    client.obey(command("query"));
+    client.obey(command("command", { { QStringLiteral("text"), QStringLiteral("与固定结果比较") } }));
+    EXPECT_EQ(client.obey(command("forms"))[u"forms"].toArray().size(), 3);
+    EXPECT_FALSE(client.ask(command("command", { { QStringLiteral("text"), QStringLiteral("没有的") } }))[u"ok"].toBool(true));
+    EXPECT_EQ(client.quit(), 0);
 }
 
 } // namespace
