@@ -40,6 +40,7 @@ std::vector<options::Option> optionsOf(Options &options)
         { "--seed", "数", "随机种子，默认 1", [&](const std::string &value) { settings.seed = number("--seed", value, 0, UINT64_MAX); } },
         { "--as-of", "时间", "截止时间，写作 yyyy-mm-dd 或 \"yyyy-mm-dd hh:mm:ss\"；只写日期时为当天结束；默认为现在",
             [&](const std::string &value) { settings.asOf = moment("--as-of", value); } },
+        { "--monthly", "", "PostgreSQL 的扫描表按月分区", [&](const std::string &) { settings.isMonthly = true; } },
         { "--force", "", "输出文件或这些表已存在时替换它们", [&](const std::string &) { settings.replaces = true; } },
         { "--version", "", "显示版本", [&](const std::string &) { options.wantsVersion = true; } },
         { "--help", "", "显示本说明", [&](const std::string &) { options.wantsHelp = true; } },

@@ -1,6 +1,6 @@
 #include "demo/postgresql_database.h"
 
-#include "demo/open_postgresql.h"
+#include "demo/postgresql_schema.h"
 #include "demo/text.h"
 
 #include <libpq-fe.h>
@@ -19,22 +19,6 @@ struct Clear {
 using Result = std::unique_ptr<PGresult, Clear>;
 
 } // namespace
-
-std::string postgresqlTypes(std::string_view script)
-{
-    constexpr std::string_view wordCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_";
-    std::string text;
-    while (!script.empty()) {
-        const auto gap = std::min(script.find_first_of(wordCharacters), script.size());
-        text += script.substr(0, gap);
-        script.remove_prefix(gap);
-        const auto end = std::min(script.find_first_not_of(wordCharacters), script.size());
-        const auto word = script.substr(0, end);
-        script.remove_prefix(end);
-        text += word == "VARCHAR2" ? "varchar" : word == "NUMBER" ? "numeric" : word == "DATE" ? "timestamp(0)" : word;
-    }
-    return text;
-}
 
 /// Writes rows as lines of COPY into the buffer of their table.
 class PostgresqlDatabase::PostgresqlRows : public Rows {
@@ -85,16 +69,10 @@ private:
     Pending &m_pending;
 };
 
-std::unique_ptr<Database> openPostgresql(const std::string &url, bool replaces)
-{
-    return std::make_unique<PostgresqlDatabase>(url, replaces);
-}
-
 void PostgresqlDatabase::Finish::operator()(pg_conn *connection) const { PQfinish(connection); }
 
-PostgresqlDatabase::PostgresqlDatabase(const std::string &url, bool replaces)
+PostgresqlDatabase::PostgresqlDatabase(const std::string &url)
     : m_connection(PQconnectdb(url.c_str()))
-    , m_replaces(replaces)
 {
     if (PQstatus(m_connection.get()) != CONNECTION_OK)
         fail();
@@ -103,28 +81,14 @@ PostgresqlDatabase::PostgresqlDatabase(const std::string &url, bool replaces)
     run("set client_min_messages = warning");
 }
 
-void PostgresqlDatabase::define(std::string_view script)
-{
-    constexpr std::string_view create = "CREATE TABLE ";
-    const std::string text = postgresqlTypes(script);
-    for (auto found = text.find(create); found != std::string::npos; found = text.find(create, found + 1)) {
-        const auto begin = found + create.size();
-        const std::string name = text.substr(begin, text.find(' ', begin) - begin);
-        if (m_replaces)
-            run("drop table if exists " + name);
-        else
-            refuseExisting(name);
-    }
-    run(text);
-}
+void PostgresqlDatabase::define(std::string_view script) { run(postgresqlTypes(script)); }
 
-void PostgresqlDatabase::refuseExisting(const std::string &table)
+std::string PostgresqlDatabase::answer(const std::string &question) const
 {
-    const Result result(PQexec(m_connection.get(), ("select to_regclass('" + table + "')").c_str()));
+    const Result result(PQexec(m_connection.get(), question.c_str()));
     if (PQresultStatus(result.get()) != PGRES_TUPLES_OK)
         fail();
-    if (!PQgetisnull(result.get(), 0, 0))
-        throw std::runtime_error("数据库中已经有表 " + table + "。要替换这些表，请加 --force。");
+    return PQntuples(result.get()) == 0 ? std::string() : PQgetvalue(result.get(), 0, 0);
 }
 
 void PostgresqlDatabase::run(std::string_view script)

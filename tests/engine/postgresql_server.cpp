@@ -1,6 +1,6 @@
 #include "postgresql_server.h"
 
-#include "demo/postgresql_database.h"
+#include "demo/postgresql_schema.h"
 #include "support.h"
 
 #include <gtest/gtest.h>
