@@ -4,6 +4,7 @@
 
 #include <QLineEdit>
 #include <QListWidget>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QTextBrowser>
@@ -35,7 +36,7 @@ HelpWindow::HelpWindow(QWidget *parent)
     , m_text(new QTextBrowser)
 {
     setWindowTitle(QStringLiteral("帮助"));
-    resize(windowSize);
+    resize(windowSize.boundedTo(screen()->availableSize() * 9 / 10));
     m_search->setPlaceholderText(QStringLiteral("查找帮助"));
     m_search->setAccessibleName(QStringLiteral("查找帮助"));
     m_search->setClearButtonEnabled(true);

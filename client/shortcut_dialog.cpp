@@ -10,6 +10,7 @@
 #include <QKeySequenceEdit>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -57,7 +58,7 @@ ShortcutDialog::ShortcutDialog(const QList<Shortcut> &shortcuts, QWidget *parent
         plainLabel(QStringLiteral("条件栏：回车到下一栏，F4 打开列表。表格：回车到下一格，直接输入文字即查找。查询时：Esc 取消。")));
     layout->addWidget(m_notice);
     layout->addWidget(buttons);
-    resize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 36);
+    resize(QSize(fontMetrics().averageCharWidth() * 110, fontMetrics().height() * 36).boundedTo(screen()->availableSize() * 9 / 10));
     handle(m_key, &QKeySequenceEdit::keySequenceChanged, this, &ShortcutDialog::addKey);
     m_list->setFocus();
 }

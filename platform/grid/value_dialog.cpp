@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
@@ -54,7 +55,7 @@ ValueDialog::ValueDialog(const QString &title, const QList<Value> &values, List 
         layout->addWidget(
             plainLabel(QStringLiteral("这一列的值太多，只列出前 %L1 个；\n找别的值请用表格上方的筛选栏。").arg(values.size())));
     layout->addWidget(m_buttons);
-    resize(comfortable);
+    resize(comfortable.boundedTo(screen()->availableSize() * 9 / 10));
 
     handle(m_text, &QLineEdit::textChanged, this, &ValueDialog::narrow);
     handle(m_all, &QCheckBox::clicked, this, [this](bool on) { tickAll(on ? Qt::Checked : Qt::Unchecked); });

@@ -24,6 +24,7 @@
 #include <QListView>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QSpinBox>
 #include <QSplitter>
 #include <QToolBar>
@@ -86,7 +87,7 @@ PreviewWindow::PreviewWindow(
     handle(m_view, &PageView::zoomChanged, this, &PreviewWindow::showZoom);
     handle(m_thumbnails, &QListView::clicked, this, [this](const QModelIndex &index) { showPage(index.row()); });
     handle(&m_idle, &QTimer::timeout, this, &PreviewWindow::prepareInIdleTime);
-    resize(1000, 760);
+    resize(QSize(1000, 760).boundedTo(screen()->availableSize() * 9 / 10));
     setReport(&report);
     m_view->setFocus();
 }
