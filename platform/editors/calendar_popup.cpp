@@ -44,6 +44,11 @@ CalendarPopup::CalendarPopup(QWidget *parent, QDate day)
     QTextCharFormat today;
     today.setFontWeight(QFont::Bold);
     m_calendar->setDateTextFormat(Clock::today(), today);
+    QTextCharFormat weekend;
+    const bool isDark = palette().color(QPalette::Base).lightness() < palette().color(QPalette::Text).lightness();
+    weekend.setForeground(isDark ? QColor(0xff, 0x8a, 0x80) : QColor(0xc6, 0x28, 0x28));
+    for (const Qt::DayOfWeek weekday : { Qt::Saturday, Qt::Sunday })
+        m_calendar->setWeekdayTextFormat(weekday, weekend);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(2, 2, 2, 2);
