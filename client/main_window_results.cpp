@@ -65,8 +65,9 @@ void MainWindow::compareWith(const PinnedResult &pinned)
     const ComparedResult kept { *pinned.resultGrid, nameOf(pinned) };
     const ComparedResult current { *m_grid, shown ? nameOf(*shown) : QStringLiteral("现在的结果") };
     const bool isOlder = shown && shown->time() < pinned.time();
-    auto window = isOlder ? compareResults(Application, current, kept) : compareResults(Application, kept, current);
-    window.release()->showForm();
+    ResultWindow *window = (isOlder ? compareResults(Application, current, kept) : compareResults(Application, kept, current)).release();
+    window->showForm();
+    window->resultGrid->fitColumns(); // a changed cell holds two values
 }
 
 } // namespace client
