@@ -3,6 +3,7 @@
 #include "demo/generator.h"
 #include "server/demo_rules.h"
 #include "tests/engine/postgresql_server.h"
+#include "tests/engine/screen_statements.h"
 #include "tests/engine/support.h"
 
 #include <gmock/gmock.h>
@@ -77,12 +78,8 @@ void runOn(const TemporaryDatabase &file, const std::string &sql)
 std::vector<std::string> statementsOfScreens()
 {
     std::vector<std::string> statements = paragraphs("tests/engine/statements.sql");
-    for (const auto &file : std::filesystem::directory_iterator(KELVARA_SOURCE_DIR "/tests/cases")) {
-        const std::string text = fileText("tests/cases/" + file.path().filename().string());
-        static const std::regex statement("= «([^»]*)»");
-        for (std::sregex_iterator found(text.begin(), text.end(), statement), end; found != end; ++found)
-            statements.push_back((*found)[1]);
-    }
+    for (const ScreenStatement &statement : screenStatements())
+        statements.push_back(statement.sql);
     const std::pair<std::regex, std::string> changes[] = {
         { std::regex(" and +[\\w.]+ *= *'\\{\\w+\\}'", std::regex::icase), "" },
         { std::regex(" and +(\\w+\\.)?(PRE_OR_NEXT_STATION|scan_man|class|GOODS_TYPE|DISPATCH_OR_SEND_MAN|FAST_TYPE|SEND_SITE"
