@@ -33,6 +33,11 @@ void checkSecrets(const Configuration &configuration)
 
 namespace {
 
+std::string unusable(const DatabaseConfiguration &database, const std::exception &error)
+{
+    return "数据库“" + database.name + "”不能使用：" + error.what();
+}
+
 std::vector<std::string> faultsOf(const DatabaseConfiguration &database)
 {
     std::vector<std::string> faults = engine::databaseFaults(*engine::openEngine(database.url, { 1, database.tables, database.rules }));
@@ -50,8 +55,8 @@ std::vector<std::string> databaseFaults(const Configuration &configuration)
         try {
             const std::vector<std::string> found = faultsOf(database);
             faults.insert(faults.end(), found.begin(), found.end());
-        } catch (const std::exception &) {
-            // That it is not there shows by itself, as soon as it is asked.
+        } catch (const std::exception &error) {
+            faults.push_back(unusable(database, error));
         }
     }
     return faults;
@@ -63,7 +68,7 @@ void checkDatabases(const Configuration &configuration)
         try {
             engine::openEngine(database.url, { 1, database.tables, database.rules });
         } catch (const std::exception &error) {
-            throw std::runtime_error("数据库“" + database.name + "”不能使用：" + error.what());
+            throw std::runtime_error(unusable(database, error));
         }
     }
     if (configuration.accounts.query.empty())
