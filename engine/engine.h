@@ -39,6 +39,7 @@ struct EngineOptions {
     std::size_t connections = 4; ///< opened when needed; a query beyond them waits its turn
     std::vector<std::string> tables {}; ///< the tables that statements may name; empty: those of the database's own schema
     std::vector<TableRule> rules {}; ///< one that cannot be used makes the engine unavailable
+    std::vector<std::string> lookups {}; ///< tables that change rarely
 };
 
 /// Safe to use from several threads at once.
@@ -54,6 +55,10 @@ public:
     virtual std::string anyTable() const = 0;
     /// Whether another database stands in the place of the one that is read, so that it should be opened anew. Cheap.
     virtual bool isReplaced() { return false; }
+    /// Whether a statement names no other tables than `lookups`.
+    virtual bool readsLookupsOnly(std::string_view sql) const = 0;
+    /// How far a copy of a database lies behind it; zero for what is no copy. Takes two seconds at most. Throws Error.
+    virtual std::chrono::milliseconds lag() = 0;
 };
 
 } // namespace engine

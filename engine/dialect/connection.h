@@ -45,6 +45,8 @@ public:
     virtual void restrictTo(const gate::Schema &) { }
     /// The rows; null when they went to a sink. Throws Error.
     virtual packet::PacketPtr run(const Job &job) = 0;
+    /// Asks, in the words of this database, how many whole milliseconds it lies behind the one that it copies; empty when it never does.
+    virtual std::string lagQuestion() const { return {}; }
     /// False when it is to be thrown away after a statement.
     virtual bool isUsable() const { return true; }
     /// Whether another database stands in its place, as far as can be seen while it runs nothing.

@@ -1,6 +1,7 @@
 #include "engine/pool/pooled_engine.h"
 
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <optional>
 
@@ -14,6 +15,7 @@ Clock::time_point deadlineIn(std::chrono::milliseconds limit)
     return limit < Clock::time_point::max() - now ? now + limit : Clock::time_point::max();
 }
 
+constexpr auto lagLimit = std::chrono::seconds(2);
 constexpr auto ruleLimit = std::chrono::seconds(20); ///< for a database to look at a rule
 
 /// Knows whether rows have come.
@@ -66,6 +68,8 @@ PooledEngine::PooledEngine(Opener open, const EngineOptions &options)
     auto first = m_open();
     m_schema = first->readTables(options.tables);
     first->restrictTo(m_schema);
+    std::copy_if(m_schema.begin(), m_schema.end(), std::inserter(m_lookups, m_lookups.end()),
+        [&](const auto &table) { return !options.lookups.empty() && isWanted(table.first, options.lookups); });
     readRules(*first, options);
     if (first->isUsable())
         m_idle.push_back(std::move(first));
@@ -105,6 +109,28 @@ bool PooledEngine::isReplaced()
 {
     const std::lock_guard lock(m_mutex);
     return !m_idle.empty() && m_idle.back()->isReplaced();
+}
+
+/// The gate itself says so, as if there were no other tables.
+bool PooledEngine::readsLookupsOnly(std::string_view sql) const
+try {
+    if (m_lookups.empty())
+        return false;
+    gate::check(sql, m_lookups);
+    return true;
+} catch (const Error &) {
+    return false;
+}
+
+std::chrono::milliseconds PooledEngine::lag()
+{
+    const QueryOptions quick { .timeLimit = lagLimit };
+    const auto deadline = deadlineIn(lagLimit);
+    const Lease connection(*this, quick.stop, deadline);
+    const std::string question = connection->lagQuestion();
+    if (question.empty())
+        return {};
+    return std::chrono::milliseconds(connection->run({ question, quick, deadline, nullptr })->integer(0, 0));
 }
 
 packet::PacketPtr PooledEngine::run(std::string_view sql, const QueryOptions &options, packet::BlockSink *sink)

@@ -18,6 +18,8 @@ public:
     PooledEngine(Opener open, const EngineOptions &options);
     packet::PacketPtr query(std::string_view sql, const QueryOptions &options) override { return run(sql, options, nullptr); }
     void stream(std::string_view sql, packet::BlockSink &sink, const QueryOptions &options) override { run(sql, options, &sink); }
+    bool readsLookupsOnly(std::string_view sql) const override;
+    std::chrono::milliseconds lag() override;
     std::string anyTable() const override { return m_schema.empty() ? std::string() : m_schema.begin()->first; }
     bool isReplaced() override;
 
@@ -43,6 +45,7 @@ private:
     Opener m_open;
     std::size_t m_limit;
     gate::Schema m_schema;
+    gate::Schema m_lookups; ///< of it, the tables that change rarely
     gate::RowRules m_rules;
     std::mutex m_mutex;
     std::condition_variable_any m_released;

@@ -49,6 +49,14 @@ gate::Schema PostgresqlConnection::readTables(const std::vector<std::string> &na
     return schema;
 }
 
+/// Nothing has been missed while all that came has been replayed, and more can come; otherwise the last change tells.
+std::string PostgresqlConnection::lagQuestion() const
+{
+    return "select (case when not pg_is_in_recovery() then 0"
+           " when pg_last_wal_receive_lsn() = pg_last_wal_replay_lsn() and exists (select from pg_stat_wal_receiver) then 0"
+           " else coalesce(extract(epoch from clock_timestamp() - pg_last_xact_replay_timestamp()) * 1000, 1e12) end)::bigint as lag";
+}
+
 packet::PacketPtr PostgresqlConnection::run(const Job &job)
 try {
     job.throwIfStopped();

@@ -23,6 +23,7 @@ public:
     }
     gate::Schema readTables(const std::vector<std::string> &names) override;
     packet::PacketPtr run(const Job &job) override;
+    std::string lagQuestion() const override;
     bool isUsable() const override { return m_usable; }
 
 private:
