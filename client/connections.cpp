@@ -152,6 +152,9 @@ void Connections::enter(const QString &caption, const std::shared_ptr<Secrets> &
     refuseOldProgram(secrets->account);
     m_user = QString::fromStdString(secrets->user);
     m_account = secrets->account;
+    m_databaseFaults.clear();
+    for (const std::string &fault : m_account->databaseFaults)
+        m_databaseFaults.append(QString::fromStdString(fault));
     if (m_account->user.empty())
         m_account->user = secrets->user;
     // The server's own time of day, without a zone.

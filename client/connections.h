@@ -51,7 +51,7 @@ public:
     const QString &user() const { return m_user; } ///< who logged in; empty for a database
     const std::optional<server_client::Account> &account() const { return m_account; } ///< nothing for a database
     const QString &place() const { return m_place; } ///< the database or the servers, as a person reads it
-    /// What a database lacks that the screens need, in words; servers tell their operator.
+    /// What the database lacks that the screens need, in words; a server tells it at the login.
     const QStringList &databaseFaults() const { return m_databaseFaults; }
     /// The server that the last statement got through to; "" when none does, or none is used.
     const QString &reachedAddress() const { return m_reachedAddress; }

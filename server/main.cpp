@@ -6,6 +6,7 @@
 #include "server/demo_server.h"
 #include "server/options.h"
 #include "server/server.h"
+#include "server/service.h"
 #include "server/status_command.h"
 #include "server/user_command.h"
 
@@ -42,11 +43,13 @@ try {
     server::logLine(std::string("警告：") + error.what());
 }
 
-/// Said when the server starts, so that it is not the first clerk who finds out.
-void warnOfDatabases(const server::Configuration &configuration)
+/// Said when the server starts and to whoever logs in, so that it is not the first query that finds out.
+void warnOfDatabases(const server::Configuration &configuration, server::Service &service)
 {
-    for (const std::string &fault : server::databaseFaults(configuration))
+    const std::vector<std::string> faults = server::databaseFaults(configuration);
+    for (const std::string &fault : faults)
         server::logLine("警告：" + fault);
+    service.setDatabaseFaults(faults);
 }
 
 void serve(const Options &options)
@@ -56,7 +59,7 @@ void serve(const Options &options)
     warnOfSecrets(configuration);
     server::Server running(configuration);
     server::logLine("正在 " + configuration.address + ":" + std::to_string(running.port()) + " 上提供服务");
-    const std::jthread warning([&configuration] { warnOfDatabases(configuration); }); // a database may let it wait
+    const std::jthread warning([&] { warnOfDatabases(configuration, running.service()); }); // a database may let it wait
     runUntilStopped(running);
 }
 

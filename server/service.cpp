@@ -21,14 +21,6 @@ AuditLine auditLineOf(std::string_view event, const StatementRequest &request, c
 
 Response stopping() { return errorResponse(503, "stopping", "服务器正在停机，请稍候再试或换一台服务器"); }
 
-std::string clientJson(const ClientConfiguration &clients)
-{
-    std::string settings;
-    for (const auto &[key, value] : clients.settings)
-        settings += (settings.empty() ? "" : ",") + jsonText(key) + ":" + jsonText(value);
-    return "{\"smallest_version\":" + jsonText(clients.smallestVersion) + ",\"settings\":{" + settings + "}}";
-}
-
 Response plainText(int status, std::string text)
 {
     return { .status = status, .body = std::move(text), .contentType = "text/plain; charset=utf-8" };
@@ -77,10 +69,29 @@ Service::Service(const Configuration &configuration)
     , m_auditLog(configuration.auditLog)
     , m_asking({ .workers = 1, .waiting = 1000, .userRunning = 1, .userWaiting = 1000 })
     , m_logins(
-          *m_accounts, m_key, configuration.tokenLife, configuration.loginQueue, clientJson(configuration.clients), m_metrics, m_auditLog)
+          *m_accounts, m_key, configuration.tokenLife, configuration.loginQueue, [this] { return clientJson(); }, m_metrics, m_auditLog)
 {
     for (const DatabaseConfiguration &database : configuration.databases)
         m_databases.push_back(std::make_unique<Database>(database));
+}
+
+std::string Service::clientJson() const
+{
+    std::string settings;
+    for (const auto &[key, value] : m_configuration.clients.settings)
+        settings += (settings.empty() ? "" : ",") + jsonText(key) + ":" + jsonText(value);
+    const std::lock_guard lock(m_faultsMutex);
+    return "{\"smallest_version\":" + jsonText(m_configuration.clients.smallestVersion) + ",\"settings\":{" + settings
+        + "},\"database_faults\":" + m_faultsJson + "}";
+}
+
+void Service::setDatabaseFaults(const std::vector<std::string> &faults)
+{
+    std::string json;
+    for (const std::string &fault : faults)
+        json += (json.empty() ? "" : ",") + jsonText(fault);
+    const std::lock_guard lock(m_faultsMutex);
+    m_faultsJson = "[" + json + "]";
 }
 
 Database &Service::database(std::string_view name)

@@ -34,6 +34,8 @@ public:
     const Configuration &configuration() const { return m_configuration; }
     Metrics &metrics() { return m_metrics; }
     AuditLog &auditLog() { return m_auditLog; }
+    /// What the databases lack, for whoever logs in from now on.
+    void setDatabaseFaults(const std::vector<std::string> &faults);
     RunningStatements &running() { return m_running; }
     /// Throws std::out_of_range.
     Database &database(std::string_view name);
@@ -68,6 +70,7 @@ private:
     bool maySeeNames(const Request &request, const std::string &address);
     Database *find(std::string_view name) const;
     std::variant<Database *, Response> databaseFor(const Request &request, const Account &account) const;
+    std::string clientJson() const;
     static std::unique_ptr<Accounts> makeAccounts(const Configuration &configuration);
 
     const Configuration m_configuration;
@@ -79,6 +82,8 @@ private:
     std::atomic<Phase> m_phase { Phase::Serving };
     std::vector<std::unique_ptr<Database>> m_databases {};
     RunningStatements m_running {};
+    mutable std::mutex m_faultsMutex {};
+    std::string m_faultsJson = "[]";
     const std::string m_run = randomHex(4); ///< tells the statements of this run from others in the audit log
     std::atomic<std::uint64_t> m_lastStatement { 0 };
     std::mutex m_reportMutex {};

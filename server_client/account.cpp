@@ -20,6 +20,7 @@ try {
     if (const auto client = object.find("client"); client != object.end()) {
         account.smallestClient = client->value("smallest_version", "");
         account.settings = client->value("settings", account.settings);
+        account.databaseFaults = client->value("database_faults", account.databaseFaults);
     }
     if (const auto sites = object.find("sites"); sites != object.end() && *sites != "*")
         account.sites = sites->get<std::vector<std::string>>();

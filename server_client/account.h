@@ -20,6 +20,7 @@ struct Account {
     bool mustChangePassword = false; ///< before anything else is answered
     std::string smallestClient {}; ///< an older one must not go on; empty: none is too old
     std::map<std::string, std::string> settings {}; ///< for what the user's own file does not say
+    std::vector<std::string> databaseFaults {}; ///< what the servers' databases lack that screens need, in words
 
     /// Reads the answer to a login. Nothing unless it is an object of JSON with such members.
     static std::optional<Account> parse(const std::string &json);

@@ -34,8 +34,8 @@ const std::string &nobodysHash()
 
 } // namespace
 
-Logins::Logins(Accounts &accounts, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, std::string clientJson,
-    Metrics &metrics, AuditLog &auditLog)
+Logins::Logins(Accounts &accounts, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting,
+    std::function<std::string()> clientJson, Metrics &metrics, AuditLog &auditLog)
     : m_accounts(accounts)
     , m_key(key)
     , m_tokenLife(tokenLife)
@@ -161,7 +161,7 @@ Response Logins::tokenFor(const std::string &user, const LiveAccount &account) c
     const std::int64_t expires = m_key.now() + m_tokenLife.count();
     const std::string token = m_key.sign({ user, expires, account.generation });
     return { .body = "{\"token\":" + jsonText(token) + ",\"expires\":" + std::to_string(expires) + "," + accountJson(user, account.account)
-            + ",\"client\":" + m_clientJson + "}\n" };
+            + ",\"client\":" + m_clientJson() + "}\n" };
 }
 
 } // namespace server

@@ -17,9 +17,10 @@ class Logins {
 public:
     using Answer = std::function<void(Response)>;
 
-    /// `waiting` passwords at most wait to be compared, half of them from one address. `clientJson` is told with each token.
-    Logins(Accounts &accounts, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting, std::string clientJson,
-        Metrics &metrics, AuditLog &auditLog);
+    /// `waiting` passwords at most wait to be compared, half of them from one address. What `clientJson` says at the time is told with each
+    /// token.
+    Logins(Accounts &accounts, const TokenKey &key, std::chrono::seconds tokenLife, std::size_t waiting,
+        std::function<std::string()> clientJson, Metrics &metrics, AuditLog &auditLog);
 
     /// Takes the body of a login and calls `answer` once, at once or on another thread.
     void login(const std::string &body, const std::string &address, Answer answer);
@@ -45,7 +46,7 @@ private:
     Accounts &m_accounts;
     const TokenKey &m_key;
     const std::chrono::seconds m_tokenLife;
-    const std::string m_clientJson;
+    const std::function<std::string()> m_clientJson;
     Metrics &m_metrics;
     AuditLog &m_auditLog;
     LoginThrottle m_throttle;

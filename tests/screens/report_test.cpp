@@ -1,5 +1,6 @@
 // Reports without a person, by the program itself: the files that the window gives, and what is said when there can be none.
 
+#include "tests/engine/support.h"
 #include "tests/screens/client_process.h"
 #include "tests/screens/server_process.h"
 #include "tests/support/print_qstring.h"
@@ -195,6 +196,25 @@ TEST_F(Report, SaysWhyAServerGivesNothing)
     server.kill();
     expectNone(screen + login, failed, QStringLiteral("服务器"));
     expectNone(screen + words(u"--database sqlite:/nowhere/没有.db"), failed, QStringLiteral("没有.db"));
+}
+
+/// Told by the database itself, or by the server at the login.
+TEST_F(Report, NamesWhatTheDatabaseLacks)
+{
+    const engine::test::TemporaryDatabase lacking(engine::test::fileText("demo/schema.sql") + "drop table TAB_AREA;");
+    const QString url = QString::fromStdString(lacking.url());
+    const QStringList screen = words(u"扫描员到件统计");
+    const QString missing = QStringLiteral("数据库不完整：没有表 TAB_AREA");
+    expectNone(screen + QStringList { QStringLiteral("--database"), url }, failed, missing);
+    const ServerProcess server(0, url);
+    const QStringList asked
+        = screen + ServerProcess::clientOptions({ &server }) + QStringList { QStringLiteral("-o"), file(QStringLiteral("x.csv")) };
+    // The server looks while it serves already.
+    Said said;
+    for (int attempt = 0; attempt < 100 && !said.errors.contains(u"数据库不完整"); ++attempt)
+        said = run(asked);
+    EXPECT_EQ(said.code, failed);
+    EXPECT_TRUE(said.errors.contains(u"数据库“main”没有表 TAB_AREA")) << said.errors.toStdString();
 }
 
 TEST_F(Report, MakesThePlanWhateverBecomesOfOneReport)
