@@ -48,16 +48,19 @@ Session::Awaitable<bool> Session::sendResult(Statement &statement, After after)
     bool hasBegun = false;
     while (true) {
         const ResultQueue::Portion portion = statement.take();
+        bool isSent = false; // whole: a client may be gone before that is told
         if (m_state != State::Broken && (portion.isLast || !portion.pieces.empty())) {
             try {
                 co_await sendPortion(portion, after, hasBegun);
+                isSent = portion.isLast;
             } catch (const boost::system::system_error &) {
                 m_state = State::Broken;
             }
         }
         if (portion.isLast) {
             const bool isBroken = m_state == State::Broken;
-            m_service.endQuery(statement, m_queryAddress, std::string(nameOf(isBroken ? brokenOutcome(portion) : portion.outcome)));
+            const Outcome outcome = isBroken && !isSent ? brokenOutcome(portion) : portion.outcome;
+            m_service.endQuery(statement, m_queryAddress, std::string(nameOf(outcome)));
             co_return !isBroken;
         }
         if (m_state == State::Broken)
