@@ -60,7 +60,7 @@ private:
     Awaitable<bool> runQuery(const Request &request);
     Awaitable<bool> sendResult(Statement &statement, After after);
     Awaitable<void> sendPortion(const ResultQueue::Portion &portion, After after, bool &hasBegun);
-    Awaitable<void> sendPieces(const std::vector<std::string> &pieces);
+    Awaitable<void> sendPieces(const std::vector<ResultQueue::Piece> &pieces);
     Awaitable<void> flush();
     Awaitable<void> closeGracefully();
     void lookAfterStatement();

@@ -83,8 +83,8 @@ Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portio
     }
     const bool isWhole = portion.isLast && !hasBegun;
     std::size_t size = 0;
-    for (const std::string &piece : portion.pieces)
-        size += piece.size();
+    for (const ResultQueue::Piece &piece : portion.pieces)
+        size += piece->size();
     if (!hasBegun) {
         m_service.metrics().countRequest(200);
         m_stream.add(responseHead(200, contentType(m_statement->request().format), after)
@@ -100,12 +100,12 @@ Session::Awaitable<void> Session::sendPortion(const ResultQueue::Portion &portio
 }
 
 /// Encrypts and sends some of it at a time; the client has to take each part in time.
-Session::Awaitable<void> Session::sendPieces(const std::vector<std::string> &pieces)
+Session::Awaitable<void> Session::sendPieces(const std::vector<ResultQueue::Piece> &pieces)
 {
     std::size_t waiting = 0;
-    for (const std::string &piece : pieces) {
-        for (std::size_t begin = 0; begin < piece.size(); begin += sendSize) {
-            const auto part = std::string_view(piece).substr(begin, sendSize);
+    for (const ResultQueue::Piece &piece : pieces) {
+        for (std::size_t begin = 0; begin < piece->size(); begin += sendSize) {
+            const auto part = std::string_view(*piece).substr(begin, sendSize);
             m_stream.add(part);
             if ((waiting += part.size()) < sendSize)
                 continue;

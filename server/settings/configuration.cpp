@@ -144,6 +144,9 @@ const std::map<std::string, Setter, std::less<>> databaseKeys {
     { "rows", number(&DatabaseConfiguration::rows, 1, 1'000'000'000) },
     { "result_mib", number(&DatabaseConfiguration::resultBytes, 1, 1'000'000, mebibyte) },
     { "send_buffer_mib", number(&DatabaseConfiguration::sendBuffer, 1, 1024, mebibyte) },
+    { "shared_seconds", number(&DatabaseConfiguration::sharedAge, 0, 60, millisecond) },
+    { "lookup_tables", [](const Target &target, std::string_view text) { target.database().lookupTables = listOf(text); } },
+    { "kept_mib", number(&DatabaseConfiguration::keptBytes, 1, 1024, mebibyte) },
 };
 
 const std::map<std::string, Setter, std::less<>> accountsKeys {

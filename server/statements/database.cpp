@@ -32,6 +32,7 @@ void readOneRow(engine::Engine &engine)
 
 Database::Database(const DatabaseConfiguration &configuration)
     : m_configuration(configuration)
+    , m_sharedResults(configuration.sharedAge, configuration.keptBytes)
     , m_pool({ configuration.workers, configuration.queue, configuration.userStatements, configuration.userQueue })
 {
 }
@@ -45,7 +46,8 @@ std::shared_ptr<engine::Engine> Database::open()
     if (Clock::now() - m_openTried < askEvery)
         throw engine::Error(engine::Failure::Unavailable, m_fault);
     m_openTried = Clock::now();
-    m_engine = engine::openEngine(m_configuration.url, { m_configuration.connections(), m_configuration.tables, m_configuration.rules });
+    m_engine = engine::openEngine(m_configuration.url,
+        { m_configuration.connections(), m_configuration.tables, m_configuration.rules, m_configuration.lookupTables });
     m_fault.clear();
     return m_engine;
 }

@@ -3,6 +3,7 @@
 #include "engine/engine.h"
 #include "server/base/fair_pool.h"
 #include "server/statements/database_configuration.h"
+#include "server/statements/shared_results.h"
 
 #include <functional>
 #include <memory>
@@ -18,6 +19,7 @@ public:
 
     const DatabaseConfiguration &configuration() const { return m_configuration; }
     FairPool &pool() { return m_pool; }
+    SharedResults &sharedResults() { return m_sharedResults; }
     /// Calls `use` with the engine and lets its exceptions through. Throws engine::Error(Unavailable) while the database cannot be
     /// opened; it is tried again at most once a second. A file that has been replaced is opened anew within a second.
     void run(const std::function<void(engine::Engine &)> &use);
@@ -45,6 +47,7 @@ private:
     bool m_isReady = false;
     bool m_hasAnswered = false; ///< once
     Clock::time_point m_readyAsked {};
+    SharedResults m_sharedResults;
     FairPool m_pool; ///< the last member: its workers use the others
 };
 

@@ -25,6 +25,10 @@ struct DatabaseConfiguration {
     std::int64_t rows = 2'000'000; ///< of one result
     std::uint64_t resultBytes = std::uint64_t(1) << 30; ///< of one result, before compression and encryption
     std::size_t sendBuffer = 4 << 20; ///< bytes of a result that wait to be sent
+    /// How old a run may be that a statement which asks the same joins, and an answer from lookup tables alone; zero: nothing is shared.
+    std::chrono::milliseconds sharedAge {};
+    std::vector<std::string> lookupTables {};
+    std::size_t keptBytes = 16 << 20; ///< of the answers from lookup tables
 };
 
 } // namespace server

@@ -18,14 +18,13 @@ ResultQueue::ResultQueue(std::size_t largestSize, std::function<void()> wake)
 {
 }
 
-void ResultQueue::push(std::span<const std::byte> bytes, const std::stop_token &stop, Clock::time_point deadline)
+void ResultQueue::push(Piece piece, const std::stop_token &stop, Clock::time_point deadline)
 {
-    std::string piece(reinterpret_cast<const char *>(bytes.data()), bytes.size());
     bool mustWake = false;
     {
         std::unique_lock lock(m_mutex);
         // One piece may be larger than the queue.
-        const auto hasRoom = [&] { return m_size == 0 || m_size + piece.size() <= m_largestSize; };
+        const auto hasRoom = [&] { return m_size == 0 || m_size + piece->size() <= m_largestSize; };
         if (!hasRoom())
             m_wake();
         if (!hasRoom() && !m_taken.wait_until(lock, stop, deadline, hasRoom)) {
@@ -35,12 +34,19 @@ void ResultQueue::push(std::span<const std::byte> bytes, const std::stop_token &
         }
         if (m_isFinished)
             throw engine::Error(engine::Failure::Cancelled, "查询已取消");
-        mustWake = m_size < worthWaking && m_size + piece.size() >= worthWaking;
-        m_size += piece.size();
+        mustWake = m_size < worthWaking && m_size + piece->size() >= worthWaking;
+        m_size += piece->size();
         m_portion.pieces.push_back(std::move(piece));
     }
     if (mustWake)
         m_wake();
+}
+
+void ResultQueue::give(std::vector<Piece> pieces)
+{
+    const std::lock_guard lock(m_mutex);
+    if (!m_isFinished)
+        m_portion.pieces = std::move(pieces);
 }
 
 void ResultQueue::finish(Outcome outcome, std::string message)

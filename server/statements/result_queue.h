@@ -3,8 +3,8 @@
 #include <chrono>
 #include <condition_variable>
 #include <functional>
+#include <memory>
 #include <mutex>
-#include <span>
 #include <stop_token>
 #include <string>
 #include <vector>
@@ -30,10 +30,11 @@ enum class Outcome {
 class ResultQueue {
 public:
     using Clock = std::chrono::steady_clock;
+    using Piece = std::shared_ptr<const std::string>; ///< several clients may be sent the same
 
     /// What take() gives.
     struct Portion {
-        std::vector<std::string> pieces {};
+        std::vector<Piece> pieces {};
         bool isLast = false; ///< nothing follows
         Outcome outcome = Outcome::Complete; ///< when isLast
         std::string message {}; ///< for the user, when isLast and not complete
@@ -43,7 +44,9 @@ public:
     ResultQueue(std::size_t largestSize, std::function<void()> wake);
 
     /// Waits while the queue is full. Throws engine::Error(Cancelled) after a stop request, (TimeLimit) after the deadline.
-    void push(std::span<const std::byte> bytes, const std::stop_token &stop, Clock::time_point deadline);
+    void push(Piece piece, const std::stop_token &stop, Clock::time_point deadline);
+    /// A whole result that is there already; never waits.
+    void give(std::vector<Piece> pieces);
     /// What comes after the first end is ignored.
     void finish(Outcome outcome, std::string message = {});
     /// Everything that is there; never waits.

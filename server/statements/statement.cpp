@@ -1,6 +1,7 @@
 #include "server/statements/statement.h"
 
 #include <new>
+#include <utility>
 
 namespace server {
 
@@ -52,21 +53,88 @@ Statement::Statement(Database &database, StatementRequest request, std::function
     : m_database(database)
     , m_request(std::move(request))
     , m_deadline(m_begun + m_database.configuration().statementTime)
-    , m_queue(m_database.configuration().sendBuffer, std::move(wake))
+    , m_wake(std::move(wake))
+    , m_queue(m_database.configuration().sendBuffer, m_wake)
 {
+}
+
+/// Two statements with the same get the same bytes.
+std::string Statement::question() const
+{
+    const engine::Reader *const reader = m_database.configuration().rules.empty() ? nullptr : m_request.reader.get();
+    std::string text = std::to_string(int(m_request.format)) + std::to_string(int(m_request.compression)) + (reader ? 'r' : 'a');
+    // With its size, so that no two readers look the same put together.
+    const auto add = [&text](std::string_view part) { text.append(std::to_string(part.size())).append(1, ':').append(part); };
+    if (reader) {
+        add(reader->site());
+        add(reader->employee());
+        for (const std::string &sites : reader->sites())
+            add(sites);
+    }
+    return text + '\n' + m_request.sql;
 }
 
 void Statement::submit()
 {
+    SharedResults &shared = m_database.sharedResults();
+    if (shared.isOn()) {
+        m_lead = shared.join(question(), [weak = weak_from_this()](SharedResults::News news, const SharedResults::ResultPtr &result) {
+            if (const auto self = weak.lock())
+                self->hear(news, result);
+        });
+    }
+    m_follows = shared.isOn() && !m_lead;
+    if (!m_follows)
+        queue();
+}
+
+/// What it waited for, on a thread of that one.
+void Statement::hear(SharedResults::News news, const SharedResults::ResultPtr &result)
+{
+    if (news != SharedResults::News::Result) {
+        m_news = news;
+        return m_wake();
+    }
+    m_rows = result->rows;
+    m_bytes = result->bytes;
+    m_queue.give(result->pieces);
+    m_queue.finish(result->outcome, result->message);
+}
+
+ResultQueue::Portion Statement::take()
+{
+    const SharedResults::News news = m_news.exchange(SharedResults::News::Result);
+    if (news != SharedResults::News::Result && !m_stop.stop_requested()) {
+        m_follows = false;
+        news == SharedResults::News::RunAgain ? submit() : queue();
+    }
+    return m_queue.take();
+}
+
+void Statement::queue()
+{
     m_ticket = m_database.pool().submit(m_request.user, [self = shared_from_this()] { self->run(); });
-    if (!m_ticket)
-        m_queue.finish(Outcome::Busy, "正在运行的查询太多，请稍候再查");
+    if (m_ticket)
+        return;
+    m_lead.reset();
+    m_queue.finish(Outcome::Busy, "正在运行的查询太多，请稍候再查");
+}
+
+/// True when it had not begun and never will; whoever waits for it then goes on without it.
+bool Statement::withdraw()
+{
+    if (m_follows)
+        return true;
+    if (!m_ticket || !m_database.pool().withdraw(m_request.user, m_ticket))
+        return false;
+    m_lead.reset();
+    return true;
 }
 
 void Statement::abandon()
 {
     m_stop.request_stop();
-    if (m_ticket && m_database.pool().withdraw(m_request.user, m_ticket))
+    if (withdraw())
         m_queue.finish(Outcome::Cancelled, "查询已取消");
 }
 
@@ -75,21 +143,22 @@ void Statement::endByOperator() { end(Outcome::Ended, "管理员结束了这条�
 /// Whatever the worker does with it from now on comes too late.
 void Statement::end(Outcome outcome, const std::string &message)
 {
-    m_database.pool().withdraw(m_request.user, m_ticket);
+    withdraw();
     m_queue.finish(outcome, message);
     m_stop.request_stop();
 }
 
 void Statement::check(Clock::time_point now)
 {
-    if (!m_ticket)
+    if (!m_ticket && !m_follows)
         return;
     if (m_request.mayGoOn && !m_request.mayGoOn())
         return end(Outcome::Revoked, "帐户或密码刚刚更改，查询已停止，请重新登录");
-    m_database.pool().look(m_ticket, now);
+    if (m_ticket)
+        m_database.pool().look(m_ticket, now);
     if (now < m_deadline)
         return;
-    if (m_database.pool().withdraw(m_request.user, m_ticket))
+    if (withdraw())
         return m_queue.finish(Outcome::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");
     if (now < m_deadline + graceTime)
         return;
@@ -103,19 +172,36 @@ void Statement::run()
         if (m_request.beforeRunning)
             m_request.beforeRunning();
         stream();
-        m_queue.finish(Outcome::Complete);
+        finish(Outcome::Complete);
     } catch (const engine::Error &error) {
         if (error.failure() == engine::Failure::Unavailable)
-            m_queue.finish(Outcome::Unavailable, m_database.unavailableMessage());
+            finish(Outcome::Unavailable, m_database.unavailableMessage());
         else
-            m_queue.finish(outcomeOf(error.failure()), error.what());
+            finish(outcomeOf(error.failure()), error.what());
     } catch (const ResultTooLarge &error) {
-        m_queue.finish(Outcome::TooLarge, error.what());
+        finish(Outcome::TooLarge, error.what());
     } catch (const std::bad_alloc &) {
-        m_queue.finish(Outcome::TooLarge, "服务器内存不足，请缩小查询范围");
+        finish(Outcome::TooLarge, "服务器内存不足，请缩小查询范围");
     } catch (const std::exception &error) {
-        m_queue.finish(Outcome::Failed, error.what());
+        finish(Outcome::Failed, error.what());
     }
+}
+
+/// Tells the client, and whoever waits for the same, of an end that would be theirs too.
+void Statement::finish(Outcome outcome, const std::string &message)
+{
+    m_queue.finish(outcome, message);
+    const bool isShared = outcome == Outcome::Complete || outcome == Outcome::Refused || outcome == Outcome::Failed;
+    if (m_lead && isShared) {
+        const bool isComplete = outcome == Outcome::Complete;
+        const auto result = std::make_shared<SharedResults::Result>(SharedResults::Result {
+            .bytes = isComplete ? m_bytes.load() : 0, .rows = isComplete ? m_rows.load() : 0, .outcome = outcome, .message = message });
+        if (isComplete)
+            result->pieces = std::exchange(m_gathered, {});
+        m_lead->answer(result, isComplete ? m_keep : SharedResults::Keep::No);
+    }
+    m_lead.reset();
+    m_gathered = {};
 }
 
 void Statement::stream()
@@ -132,6 +218,7 @@ void Statement::stream()
                 .memoryLimit = m_database.configuration().statementMemory,
                 .rowLimit = m_database.configuration().rows,
                 .reader = m_request.reader });
+        m_keep = SharedResults::Keep(m_lead && engine.readsLookupsOnly(m_request.sql));
     });
 }
 
@@ -139,7 +226,16 @@ void Statement::takeBytes(std::span<const std::byte> bytes)
 {
     if ((m_bytes += bytes.size()) > m_database.configuration().resultBytes)
         throw ResultTooLarge("结果超过了服务器允许的大小，请缩小查询范围");
-    m_queue.push(bytes, m_stop.get_token(), m_deadline);
+    const auto piece = std::make_shared<const std::string>(reinterpret_cast<const char *>(bytes.data()), bytes.size());
+    // What is larger than the room of one client would make whoever waits wait for the slowest.
+    if (m_lead && m_bytes > m_database.configuration().sendBuffer) {
+        m_lead->giveUp();
+        m_lead.reset();
+        m_gathered = {};
+    }
+    if (m_lead)
+        m_gathered.push_back(piece);
+    m_queue.push(piece, m_stop.get_token(), m_deadline);
 }
 
 } // namespace server

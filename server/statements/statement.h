@@ -3,6 +3,7 @@
 #include "server/statements/database.h"
 #include "server/statements/result_format.h"
 #include "server/statements/result_queue.h"
+#include "server/statements/shared_results.h"
 
 #include <atomic>
 #include <functional>
@@ -23,7 +24,7 @@ struct StatementRequest {
 };
 
 /// One statement from its place in the queue to the last byte of its result. Runs on a worker of the database; the other
-/// operations may be called from any thread.
+/// operations are its session's, one at a time.
 class Statement : public std::enable_shared_from_this<Statement> {
 public:
     using Clock = std::chrono::steady_clock;
@@ -31,7 +32,7 @@ public:
     /// `wake` is called from other threads when take() may have something.
     Statement(Database &database, StatementRequest request, std::function<void()> wake);
 
-    /// Queues it. When there is no room the result is Outcome::Busy.
+    /// Queues it, or waits for another that asks the same. When there is no room the result is Outcome::Busy.
     void submit();
     /// Ends it soon, wherever it is; take() gives the end.
     void abandon();
@@ -41,7 +42,7 @@ public:
     /// Ends it now; its user is told who did.
     void endByOperator();
     bool isWaiting() const { return m_isWaiting; } ///< for a worker
-    ResultQueue::Portion take() { return m_queue.take(); }
+    ResultQueue::Portion take();
 
     const StatementRequest &request() const { return m_request; }
     const Database &database() const { return m_database; }
@@ -51,19 +52,30 @@ public:
 
 private:
     class CountingSink;
+    std::string question() const;
+    void queue();
+    bool withdraw();
     void end(Outcome outcome, const std::string &message);
     void run();
+    void finish(Outcome outcome, const std::string &message = {});
     void stream();
     void takeBytes(std::span<const std::byte> bytes);
+    void hear(SharedResults::News news, const SharedResults::ResultPtr &result);
 
     Database &m_database;
     const StatementRequest m_request;
     const Clock::time_point m_begun = Clock::now();
     const Clock::time_point m_deadline;
     std::stop_source m_stop;
+    const std::function<void()> m_wake;
     ResultQueue m_queue;
     FairPool::Ticket m_ticket;
     std::atomic<bool> m_isWaiting { true };
+    std::unique_ptr<SharedResults::Lead> m_lead; ///< while others may wait for it
+    std::vector<ResultQueue::Piece> m_gathered; ///< for them
+    SharedResults::Keep m_keep = SharedResults::Keep::No;
+    bool m_follows = false; ///< another that asks the same
+    std::atomic<SharedResults::News> m_news { SharedResults::News::Result }; ///< what it has said; a result needs nothing more
     std::atomic<std::int64_t> m_rows { 0 };
     std::atomic<std::uint64_t> m_bytes { 0 };
 };
