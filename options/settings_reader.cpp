@@ -59,7 +59,7 @@ void SettingsReader::setKey(std::string_view key, std::string_view value)
     try {
         if (value.empty())
             fail(quoted + "没有值，请在等号后面写上");
-        if (m_keys.contains(key))
+        if (m_keys.contains(key) && !mayRepeat(key))
             fail(quoted + "写了两次，请删去一处");
         if (!take(key, value))
             fail(quoted + std::string(unknown()) + "，请检查拼写和位置");

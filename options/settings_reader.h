@@ -45,6 +45,8 @@ protected:
     virtual bool takeOther(std::string_view line);
     /// Takes a value that is not empty; false: there is no such key. May throw Unfit or Secret.
     virtual bool take(std::string_view key, std::string_view value) = 0;
+    /// Whether a key may stand more than once.
+    virtual bool mayRepeat(std::string_view) const { return false; }
     /// What is wrong with a key that was not taken, "不存在" say.
     virtual std::string_view unknown() const { return "不存在"; }
     /// The forms that a line may have.

@@ -35,9 +35,11 @@ try {
         checkPrivacy();
     m_isPrivate = true;
     packet::PacketPtr rows;
-    m_database.run([&](engine::Engine &engine) {
-        rows = engine.query(m_configuration.accounts.query, { .stop = stop, .timeLimit = timeLimit, .rowLimit = mostAccounts });
-    });
+    m_database.run(
+        [&](engine::Engine &engine) {
+            rows = engine.query(m_configuration.accounts.query, { .stop = stop, .timeLimit = timeLimit, .rowLimit = mostAccounts });
+        },
+        [] { return true; });
     return rows;
 } catch (...) {
     m_isPrivate = false;

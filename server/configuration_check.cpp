@@ -67,6 +67,8 @@ void checkDatabases(const Configuration &configuration)
     for (const DatabaseConfiguration &database : configuration.databases) {
         try {
             engine::openEngine(database.url, { 1, database.tables, database.rules });
+            for (const std::string &url : database.replicas)
+                engine::openEngine(url, { 1, database.tables, database.rules });
         } catch (const std::exception &error) {
             throw std::runtime_error(unusable(database, error));
         }

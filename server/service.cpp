@@ -186,9 +186,16 @@ void Service::metricsText(const Request &request, const std::string &address, co
     m_metrics.usersUnreadable = m_accounts->isReadable() ? 0 : 1;
     m_metrics.accountsOverdue = m_accounts->overdue().count();
     std::map<std::string, Metrics::Load> databases;
-    for (const auto &database : m_databases)
+    std::vector<Metrics::Address> addresses;
+    for (const auto &database : m_databases) {
         databases[database->configuration().name] = { database->pool().running(), database->pool().waiting() };
-    answer({ .body = m_metrics.text(databases), .contentType = "text/plain; version=0.0.4; charset=utf-8" });
+        for (std::size_t at = 0; at < database->replicas().size(); ++at) {
+            const Replica &replica = *database->replicas()[at];
+            addresses.push_back({ database->configuration().name, at + 1, replica.isUp(), replica.running(),
+                std::chrono::duration<double>(replica.lag()).count() });
+        }
+    }
+    answer({ .body = m_metrics.text(databases, addresses), .contentType = "text/plain; version=0.0.4; charset=utf-8" });
 }
 
 void Service::readiness(const Request &request, const std::string &address, const Answer &answer)
@@ -202,6 +209,10 @@ void Service::readiness(const Request &request, const std::string &address, cons
             const bool answers = database->isReady();
             isReady &= answers;
             text += database->configuration().name + (answers ? " ok\n" : " unavailable\n");
+            for (std::size_t at = 0; at < database->replicas().size() && database->replicas().size() > 1; ++at) {
+                const std::string name = database->configuration().name + " " + std::to_string(at + 1);
+                text += name + (database->replicas()[at]->isFit() ? " ok\n" : " unavailable\n");
+            }
         }
         answer(plainText(isReady ? 200 : 503, showsNames ? text : isReady ? "ok\n" : "unavailable\n"));
     };

@@ -40,7 +40,7 @@ void Metrics::countStatement(std::chrono::microseconds duration, std::int64_t ro
     m_bytes += bytes;
 }
 
-std::string Metrics::text(const std::map<std::string, Load> &databases) const
+std::string Metrics::text(const std::map<std::string, Load> &databases, const std::vector<Address> &addresses) const
 {
     std::ostringstream out;
     const std::lock_guard lock(m_mutex);
@@ -53,6 +53,17 @@ std::string Metrics::text(const std::map<std::string, Load> &databases) const
     writeHead(out, "kelvara_statements_waiting", "gauge", "Statements that wait for their turn.");
     for (const auto &[name, load] : databases)
         out << "kelvara_statements_waiting{database=" << jsonText(name) << "} " << load.waiting << '\n';
+    const auto writeAddresses = [&](const char *name, const char *help, const auto &value) {
+        writeHead(out, name, "gauge", help);
+        for (const Address &address : addresses)
+            out << name << "{database=" << jsonText(address.database) << ",address=\"" << address.number << "\"} " << value(address)
+                << '\n';
+    };
+    writeAddresses(
+        "kelvara_address_up", "1 while the address of the database can be used.", [](const Address &at) { return int(at.isUp); });
+    writeAddresses("kelvara_address_running", "Statements that run there.", [](const Address &at) { return at.running; });
+    writeAddresses(
+        "kelvara_address_lag_seconds", "How far it lies behind, where there are several.", [](const Address &at) { return at.lag; });
     writeSingle(out, "kelvara_rows_total", "counter", "Rows read for clients.", m_rows);
     writeSingle(out, "kelvara_result_bytes_total", "counter", "Bytes of results, before encryption.", m_bytes);
     writeSingle(out, "kelvara_connections", "gauge", "Open connections.", connections.load());

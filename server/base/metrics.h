@@ -7,6 +7,7 @@
 #include <map>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace server {
 
@@ -28,7 +29,15 @@ public:
         std::size_t running = 0;
         std::size_t waiting = 0;
     };
-    std::string text(const std::map<std::string, Load> &databases) const;
+    /// One address of a database, by its number from 1.
+    struct Address {
+        std::string database;
+        std::size_t number = 1;
+        bool isUp = true;
+        std::size_t running = 0;
+        double lag = 0; ///< seconds
+    };
+    std::string text(const std::map<std::string, Load> &databases, const std::vector<Address> &addresses = {}) const;
 
 private:
     static constexpr std::array<double, 10> bounds { 0.005, 0.02, 0.1, 0.5, 1, 2.5, 10, 30, 120, 600 }; ///< seconds

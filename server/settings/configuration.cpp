@@ -83,13 +83,13 @@ void setListen(const Target &target, std::string_view text)
 }
 
 /// The address may hold a password, so no message repeats it.
-void setUrl(const Target &target, std::string_view text)
+std::string checkedUrl(std::string_view text)
 {
     const bool isKnown
         = text.starts_with("sqlite:") || text.starts_with("postgresql://") || text.starts_with("postgres://") || text.starts_with("odbc:");
     if (!isKnown)
         throw Secret { "sqlite:文件、postgresql://用户:密码@主机/库 或 odbc:DSN=数据源" };
-    target.database().url = text;
+    return std::string(text);
 }
 
 /// Numbers with dots between them.
@@ -101,6 +101,7 @@ void setSmallestClient(const Target &target, std::string_view text)
     target.configuration.clients.smallestVersion = text;
 }
 
+constexpr auto repeatable = "replica"; ///< the key that may stand more than once
 constexpr std::int64_t day = 24 * 3600;
 constexpr std::int64_t millisecond = 1000; ///< in a second
 constexpr std::int64_t mebibyte = 1 << 20;
@@ -133,7 +134,9 @@ const std::map<std::string, Setter, std::less<>> serverKeys {
 };
 
 const std::map<std::string, Setter, std::less<>> databaseKeys {
-    { "url", setUrl },
+    { "url", [](const Target &target, std::string_view text) { target.database().url = checkedUrl(text); } },
+    { repeatable, [](const Target &target, std::string_view text) { target.database().replicas.push_back(checkedUrl(text)); } },
+    { "max_lag_seconds", number(&DatabaseConfiguration::largestLag, 0, day, millisecond) },
     { "tables", [](const Target &target, std::string_view text) { target.database().tables = listOf(text); } },
     { "workers", number(&DatabaseConfiguration::workers, 1, 1000) },
     { "queue", number(&DatabaseConfiguration::queue, 0, 100'000) },
@@ -302,6 +305,7 @@ private:
         setter->second({ m_configuration, m_directory }, value);
         return true;
     }
+    bool mayRepeat(std::string_view key) const override { return key == repeatable; }
     std::string_view unknown() const override { return m_section->fault; }
     std::string_view forms() const override { return "“键 = 值”，也不是“[database 名称]”或“[accounts]”"; }
 

@@ -15,6 +15,8 @@ struct DatabaseConfiguration {
     std::string url;
     std::vector<std::string> tables {}; ///< empty: all of the database's own
     std::vector<engine::TableRule> rules {}; ///< for users to whom rules apply
+    std::vector<std::string> replicas {}; ///< further addresses of the same rows
+    std::chrono::milliseconds largestLag = std::chrono::seconds(10); ///< of an address, when there are several
     std::size_t workers = 8; ///< statements that run at a time
     std::size_t connections() const { return workers + 1; } ///< one more, to ask whether the database is there
     std::size_t queue = 200; ///< statements that wait, of all users

@@ -36,7 +36,12 @@ public:
         , m_rows(rows)
     {
     }
-    void begin(const std::vector<packet::Field> &schema) override { m_sink.begin(schema); }
+    bool hasBegun() const { return m_hasBegun; }
+    void begin(const std::vector<packet::Field> &schema) override
+    {
+        m_hasBegun = true;
+        m_sink.begin(schema);
+    }
     void block(const packet::Block &block, std::span<const packet::Dictionary *const> dictionaries) override
     {
         m_sink.block(block, dictionaries);
@@ -47,6 +52,7 @@ public:
 private:
     packet::BlockSink &m_sink;
     std::atomic<std::int64_t> &m_rows;
+    bool m_hasBegun = false;
 };
 
 Statement::Statement(Database &database, StatementRequest request, std::function<void()> wake)
@@ -211,15 +217,17 @@ void Statement::stream()
         throw engine::Error(engine::Failure::TimeLimit, "查询排队的时间超过了规定的时间，请稍候再查");
     const auto sink = makeSink(m_request.format, m_request.compression, [this](std::span<const std::byte> bytes) { takeBytes(bytes); });
     CountingSink counting(*sink, m_rows);
-    m_database.run([&](engine::Engine &engine) {
-        engine.stream(m_request.sql, counting,
-            { .stop = m_stop.get_token(),
-                .timeLimit = left,
-                .memoryLimit = m_database.configuration().statementMemory,
-                .rowLimit = m_database.configuration().rows,
-                .reader = m_request.reader });
-        m_keep = SharedResults::Keep(m_lead && engine.readsLookupsOnly(m_request.sql));
-    });
+    m_database.run(
+        [&](engine::Engine &engine) {
+            engine.stream(m_request.sql, counting,
+                { .stop = m_stop.get_token(),
+                    .timeLimit = left,
+                    .memoryLimit = m_database.configuration().statementMemory,
+                    .rowLimit = m_database.configuration().rows,
+                    .reader = m_request.reader });
+            m_keep = SharedResults::Keep(m_lead && engine.readsLookupsOnly(m_request.sql));
+        },
+        [&] { return !counting.hasBegun(); });
 }
 
 void Statement::takeBytes(std::span<const std::byte> bytes)

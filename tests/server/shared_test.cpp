@@ -1,6 +1,7 @@
-// Statements that ask the same at the same time.
+// Statements that ask the same at the same time, and databases with several addresses.
 
 #include "server/statements/shared_results.h"
+#include "tests/engine/postgresql_server.h"
 #include "tests/server/test_server.h"
 
 #include <gmock/gmock.h>
@@ -183,6 +184,70 @@ TEST(Shared, WhatIsKeptIsBoundedInBytesAndInTime)
     brief.join("one", {})->answer(resultOf(1), SharedResults::Keep::Yes);
     std::this_thread::sleep_for(2ms);
     EXPECT_TRUE(brief.join("one", {}));
+}
+
+namespace {
+
+std::string addressMetric(const std::string &name, int number)
+{
+    return "kelvara_address_" + name + "{database=\"main\",address=\"" + std::to_string(number) + "\"}";
+}
+
+} // namespace
+
+TEST(Addresses, TheOneWithTheLeastWorkIsAskedAndOneThatIsGoneIsLeftOut)
+{
+    TemporaryFolder folder;
+    const auto second = folder / "second.db";
+    std::filesystem::copy_file(numbersDatabase().path(), second);
+    const TestServer server([&](Configuration &configuration) { configuration.databases[0].replicas = { "sqlite:" + second.string() }; });
+    const auto first = begin(server, endless);
+    EXPECT_TRUE(becomesTrue([&] { return server.metric(addressMetric("running", 1)) == 1; }));
+    const auto other = begin(server, endless);
+    EXPECT_TRUE(becomesTrue([&] { return server.metric(addressMetric("running", 2)) == 1; }));
+    first->reset();
+    other->reset();
+    EXPECT_TRUE(becomesTrue([&] { return running(server) == 0; }));
+
+    const TestServer half([&](Configuration &configuration) {
+        configuration.databases[0].url = "sqlite:" + (folder / "none.db").string();
+        configuration.databases[0].replicas = { numbersDatabase().url() };
+    });
+    EXPECT_EQ(half.query("select n from NUMBERS where n=7", csv).body, "\xEF\xBB\xBFN\r\n7\r\n");
+    EXPECT_EQ(half.metric(addressMetric("up", 1)), 0);
+    EXPECT_EQ(half.metric(addressMetric("up", 2)), 1);
+    const std::string ready = HttpsClient(half.port()).get("/readyz").body;
+    EXPECT_THAT(ready, AllOf(HasSubstr("main ok\n"), HasSubstr("main 1 unavailable\n"), HasSubstr("main 2 ok\n")));
+    std::filesystem::copy_file(numbersDatabase().path(), folder / "none.db");
+    EXPECT_TRUE(becomesTrue([&] {
+        half.query("select n from NUMBERS where n=7", csv);
+        return half.metric(addressMetric("up", 1)) == 1;
+    })) << "one that came back is used again";
+}
+
+TEST(Addresses, AStatementThatLosesItsServerBeforeTheFirstRowGoesToTheNextOne)
+{
+    auto &postgresql = engine::test::PostgresqlServer::instance();
+    const std::string rows = "create table NUMBERS (N NUMBER(10)); insert into NUMBERS select generate_series(1,1000)";
+    const std::string databases[] = { postgresql.makeDatabase(rows), postgresql.makeDatabase(rows) };
+    const TestServer server([&](Configuration &configuration) {
+        configuration.databases[0].url = postgresql.readerUrl(databases[0]);
+        configuration.databases[0].replicas = { postgresql.readerUrl(databases[1]) };
+    });
+    const auto end = [&](const std::string &database) {
+        return postgresql.run("postgres",
+            "select count(pg_terminate_backend(pid)) from pg_stat_activity where state='active' and datname='" + database + "'");
+    };
+    const auto client = begin(server, slow);
+    EXPECT_TRUE(becomesTrue([&] { return end(databases[0]) == "1"; }));
+    const HttpReply reply = client->receive();
+    EXPECT_EQ(reply.status, 200);
+    EXPECT_EQ(reply.body, slowAnswer);
+    // What ends one server after the other is not tried on a third.
+    const auto hostile = begin(server, endless);
+    EXPECT_TRUE(becomesTrue([&] { return end(databases[0]) == "1" || end(databases[1]) == "1"; }));
+    EXPECT_TRUE(becomesTrue([&] { return end(databases[0]) == "1" || end(databases[1]) == "1"; }));
+    EXPECT_EQ(hostile->receive().status, 503);
 }
 
 } // namespace server::test
