@@ -14,6 +14,8 @@
 #include <QScreen>
 #include <QSysInfo>
 
+#include <functional>
+
 using namespace platform;
 
 namespace client {

@@ -5,6 +5,7 @@
 #include <boost/asio/io_context.hpp>
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
 namespace server {

@@ -6,6 +6,8 @@
 #include <QObject>
 #include <QSet>
 
+#include <memory>
+
 namespace report {
 struct PreviewRequest;
 }

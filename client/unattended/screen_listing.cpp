@@ -10,6 +10,8 @@
 #include <QAbstractButton>
 #include <QPlainTextEdit>
 
+#include <algorithm>
+
 namespace client {
 namespace {
 

@@ -1,6 +1,8 @@
 #include "engine/error.h"
 #include "engine/postgresql/open.h"
 
+#include <memory>
+
 namespace engine {
 
 std::unique_ptr<Connection> openPostgresql(const std::string &)

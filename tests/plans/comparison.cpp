@@ -4,6 +4,7 @@
 #include "tests/engine/support.h"
 
 #include <algorithm>
+#include <memory>
 #include <regex>
 #include <stdexcept>
 

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <sqlite3.h>
 
+#include <algorithm>
+#include <functional>
 #include <memory>
 #include <thread>
 

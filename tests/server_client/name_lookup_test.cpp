@@ -7,6 +7,7 @@
 #include <dlfcn.h>
 #include <netdb.h>
 
+#include <memory>
 #include <string_view>
 #include <thread>
 
