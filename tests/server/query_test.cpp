@@ -210,21 +210,6 @@ TEST(Query, AMissingDatabaseIsToldAndUsedOnceItIsThere)
     EXPECT_EQ(client.post("/v1/query", "select n from NUMBERS", server.as("ann")).status, 200);
 }
 
-TEST(Query, IsLoggedAsCompleteHoweverSoonItsClientIsGone)
-{
-    constexpr std::size_t count = 200;
-    const TestServer server;
-    const std::string token = server.as("ann");
-    for (std::size_t query = 0; query < count; ++query) {
-        HttpsClient client(server.port());
-        ASSERT_EQ(client.post("/v1/query", "select n from NUMBERS where n<=3", token + "Connection: close\r\n").status, 200);
-    }
-    const auto results = server.auditLines("result", count);
-    EXPECT_EQ(results.size(), count);
-    for (const std::string &result : results)
-        EXPECT_THAT(result, HasSubstr("\"result\":\"ok\""));
-}
-
 TEST(Query, IsWrittenToTheAuditLog)
 {
     TestServer server;
