@@ -190,13 +190,14 @@ QList<SetCondition> ConditionsByCaption::set(const QString &caption, const QStri
 
 void requireStill(const QList<SetCondition> &conditions)
 {
-    for (const auto &[condition, text] : conditions) {
-        const QString now = condition.widget ? conditionText(*condition.widget).value_or(QString()) : QString();
+    for (const SetCondition &set : conditions) {
+        const QWidget *const widget = set.condition.widget;
+        const QString now = widget ? conditionText(*widget).value_or(QString()) : QString();
         const bool isSetAgain = std::ranges::any_of(
-            conditions, [&](const SetCondition &other) { return other.condition.widget == condition.widget && other.text == now; });
+            conditions, [&](const SetCondition &other) { return other.condition.widget == widget && other.text == now; });
         if (!isSetAgain)
             throw Exception(QStringLiteral("条件“%1”设为“%2”之后又变成了“%3”，请调整各条件的先后次序。")
-                                .arg(condition.name(), text.left(40), now.left(40)));
+                                .arg(set.condition.name(), set.text.left(40), now.left(40)));
     }
 }
 

@@ -23,11 +23,12 @@ std::unique_ptr<SharedResults::Lead> SharedResults::join(const std::string &ques
             return std::make_unique<Lead>(*this, question, run);
         }
         result = run->result;
-        if (!result)
+        if (!result) {
             run->waiting.push_back(std::move(take));
+            return nullptr;
+        }
     }
-    if (result)
-        take(News::Result, result);
+    take(News::Result, result);
     return nullptr;
 }
 
@@ -79,7 +80,7 @@ SharedResults::Lead::Lead(SharedResults &results, std::string question, RunPtr r
 }
 
 SharedResults::Lead::~Lead() { end(News::RunAgain, nullptr, Keep::No); }
-void SharedResults::Lead::answer(ResultPtr result, Keep keep) { end(News::Result, result, keep); }
+void SharedResults::Lead::answer(const ResultPtr &result, Keep keep) { end(News::Result, result, keep); }
 void SharedResults::Lead::giveUp() { end(News::RunAlone, nullptr, Keep::No); }
 
 void SharedResults::Lead::end(News news, const ResultPtr &result, Keep keep)

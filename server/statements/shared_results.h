@@ -75,7 +75,7 @@ public:
     Lead(SharedResults &results, std::string question, RunPtr run);
     Lead(const Lead &) = delete;
     ~Lead();
-    void answer(ResultPtr result, Keep keep);
+    void answer(const ResultPtr &result, Keep keep);
     /// The result is too large.
     void giveUp();
 
