@@ -40,7 +40,7 @@ int host_load(void)
 try {
     library = std::make_unique<TLibrary>(Application->directory() + QStringLiteral("/Kelvara1.dll"));
     return 1;
-} catch (const platform::Exception &exception) {
+} catch (const Exception &exception) {
     std::printf("%s\n", exception.message().toUtf8().constData());
     return 0;
 }
