@@ -96,6 +96,7 @@ MainWindow::~MainWindow()
     // The screens' code lies in the library; a closed one may still await its deletion.
     qDeleteAll(Application->components());
     qDeleteAll(mdiArea()->findChildren<QMdiSubWindow *>());
+    m_memory.reset(); // what it still has to write is the screens' texts
     m_library.reset();
     Application->setMainForm(nullptr);
 }
