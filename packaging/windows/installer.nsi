@@ -1,4 +1,6 @@
 ; The installer: for the person who runs it, without an administrator; /S asks nothing, /D=FOLDER chooses the place.
+; As the client is: one program for one kind of Windows.
+Target amd64-unicode
 Unicode true
 SetCompressor /SOLID lzma
 !include MUI2.nsh
