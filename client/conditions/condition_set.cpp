@@ -9,6 +9,16 @@
 using namespace platform;
 
 namespace client {
+
+std::optional<NamedRange> rangeNamed(const QString &name)
+{
+    for (const NamedRange range : namedRanges()) {
+        if (rangeName(range) == name)
+            return range;
+    }
+    return std::nullopt;
+}
+
 namespace {
 
 QJsonObject toJson(const ConditionValue &value)
@@ -20,15 +30,6 @@ QJsonObject toJson(const ConditionValue &value)
     if (value.range)
         json[u"range"] = rangeName(*value.range);
     return json;
-}
-
-std::optional<NamedRange> rangeNamed(const QString &name)
-{
-    for (const NamedRange range : namedRanges()) {
-        if (rangeName(range) == name)
-            return range;
-    }
-    return std::nullopt;
 }
 
 ConditionValue valueFrom(const QJsonObject &json)

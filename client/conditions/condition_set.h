@@ -6,6 +6,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 namespace client {
 
 /// What stands in one condition of a screen.
@@ -33,5 +35,8 @@ struct ConditionSet {
 QJsonObject toJson(const ConditionSet &set);
 /// Unknown members and values of wrong types count as missing.
 ConditionSet conditionSetFrom(const QJsonObject &json);
+
+/// The range with a name that people read, "昨天" say; nothing when there is none.
+std::optional<platform::NamedRange> rangeNamed(const QString &name);
 
 } // namespace client

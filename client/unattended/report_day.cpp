@@ -1,5 +1,6 @@
 #include "client/unattended/report_day.h"
 
+#include "client/conditions/condition_set.h"
 #include "client/unattended/caption.h"
 #include "platform/editors/date_entry.h"
 #include "platform/editors/time_range.h"
@@ -13,15 +14,6 @@ using namespace platform;
 
 namespace client {
 namespace {
-
-std::optional<NamedRange> rangeNamed(const QString &name)
-{
-    for (const NamedRange range : namedRanges()) {
-        if (rangeName(range) == name)
-            return range;
-    }
-    return std::nullopt;
-}
 
 WrongRequest noTime(const QString &text)
 {
